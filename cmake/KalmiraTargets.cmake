@@ -1,0 +1,45 @@
+# One place for the flags and the shape of every target.
+
+add_library(kalmira_flags INTERFACE)
+target_compile_options(kalmira_flags INTERFACE
+  -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wnon-virtual-dtor -Werror)
+if(KALMIRA_SANITIZE)
+  target_compile_options(kalmira_flags INTERFACE
+    -fsanitize=${KALMIRA_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(kalmira_flags INTERFACE -fsanitize=${KALMIRA_SANITIZE})
+endif()
+if(KALMIRA_FUZZ)
+  target_compile_options(kalmira_flags INTERFACE -fsanitize=fuzzer-no-link,address,undefined)
+  target_link_options(kalmira_flags INTERFACE -fsanitize=address,undefined)
+endif()
+
+# kalmira_library(name SOURCES a.cpp ... LINKS other libraries)
+# A static library of one floor of the house. It sees only what LINKS names.
+function(kalmira_library name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
+  add_library(${name} STATIC ${ARG_SOURCES})
+  target_include_directories(${name} PUBLIC ${CMAKE_SOURCE_DIR}/src)
+  target_link_libraries(${name} PUBLIC ${ARG_LINKS} PRIVATE kalmira_flags)
+endfunction()
+
+# kalmira_program(name SOURCES main.cpp LINKS ...)
+function(kalmira_program name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  target_link_libraries(${name} PRIVATE ${ARG_LINKS} kalmira_flags)
+  set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+endfunction()
+
+# kalmira_test(name SOURCES ... LINKS ... [THREADED])
+# THREADED tests run again under the thread sanitizer.
+function(kalmira_test name)
+  cmake_parse_arguments(ARG "THREADED" "" "SOURCES;LINKS" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
+  target_link_libraries(${name} PRIVATE ${ARG_LINKS} GTest::gmock_main GTest::gtest kalmira_flags)
+  set(labels unit)
+  if(ARG_THREADED)
+    set(labels unit threaded)
+  endif()
+  gtest_discover_tests(${name} PROPERTIES LABELS "${labels}" TIMEOUT 120 DISCOVERY_TIMEOUT 60)
+endfunction()

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <array>
+
+#include "link/decode.h"
+
+// Ice thickness from the apparent conductivity of ice over sea water: inverse interpolation in tables of
+// conductivities that were computed from a layered-earth model for thicknesses of 0 to 7 m.
+namespace kalmira {
+
+inline constexpr int kSeaWaterCases = 11;  // 2000 to 3000 mS/m in steps of 100
+inline constexpr float kIceAboveTable = -999.0F;
+inline constexpr float kIceBelowTable = -99.0F;
+
+struct IceModel {
+  int seaWaterCase = 0;
+  bool orlaModelOption = false;      // the short instrument has a family of tables of its own
+  std::array<double, 71> iceTable{};  // mS/m at thickness index / 10 m, strictly falling
+};
+
+// Another case than 0 to 10 loads nothing.
+void LoadIceTable(int seaWaterCase, bool orlaModelOption, IceModel& model);
+
+// Metres; kIceAboveTable for a conductivity above the table, kIceBelowTable for one below it and for one that
+// is no number. With `channels` (the ice option) the thickness is stored in slot 4 and flagged.
+float IceThickness(double conductivity, const IceModel& model, Channels* channels);
+
+}  // namespace kalmira

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace kalmira {
+
+// A port that could not be opened: the fixed message, then why and what helps.
+struct PortProblem {
+  std::string message;  // "Cannot open ORLA port"
+  std::string detail;   // "/dev/ttyUSB0 is held by another program ..."
+};
+
+// The ports of one session and the threads that read them, as the session sees them. Every member is called on
+// the session's own thread. Opening waits until the device has answered; closing ends the port's thread within
+// 200 ms, whatever it is doing, and is safe on a port that is not open and from within the handling of a
+// message of that very port.
+class SessionPorts {
+ public:
+  SessionPorts() = default;
+  SessionPorts(const SessionPorts&) = delete;
+  SessionPorts& operator=(const SessionPorts&) = delete;
+  virtual ~SessionPorts() = default;
+
+  virtual std::optional<PortProblem> OpenInstrumentPort() = 0;
+  // TESK: finds out the record length of the instrument behind the open port; sets recordLength and
+  // recordPeriodMs of the link state. False when nothing known answered.
+  virtual bool ProbeTeskRecord() = 0;
+  virtual void startInstrumentReader() = 0;
+  virtual void closeInstrumentPort() = 0;
+  // True once the device has vanished under an open port (a pulled cable).
+  virtual bool instrumentGone() const = 0;
+  // Tries to open a vanished device again and goes on reading; says nothing and does not wait.
+  virtual void reopenInstrumentPort() = 0;
+
+  virtual std::optional<PortProblem> OpenGpsPort() = 0;
+  virtual void startGpsReader() = 0;
+  virtual void closeGpsPort() = 0;
+
+  virtual std::optional<PortProblem> OpenMarkerPort() = 0;
+  virtual void startMarkerReader() = 0;
+  virtual void closeMarkerPort() = 0;
+};
+
+}  // namespace kalmira

@@ -1,0 +1,57 @@
+#include "platform/paths.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <string>
+#include <system_error>
+
+namespace kalmira {
+namespace {
+
+std::string errorText(int error) { return std::generic_category().message(error); }
+
+// Writes all of `content`; returns 0 or the error number.
+int writeAll(int fd, std::string_view content) {
+  while (!content.empty()) {
+    const auto written = ::write(fd, content.data(), content.size());
+    if (written < 0) {
+      if (errno == EINTR) continue;
+      return errno;
+    }
+    content.remove_prefix(static_cast<std::size_t>(written));
+  }
+  return 0;
+}
+
+}  // namespace
+
+std::filesystem::path localPath(const std::filesystem::path& root, std::string_view cataloguePath) {
+  std::filesystem::path path = root;
+  while (!cataloguePath.empty()) {
+    const auto end = cataloguePath.find('\\');
+    const auto part = cataloguePath.substr(0, end);
+    if (!part.empty()) path /= part;
+    if (end == std::string_view::npos) break;
+    cataloguePath.remove_prefix(end + 1);
+  }
+  return path;
+}
+
+std::string replaceFile(const std::filesystem::path& path, std::string_view content) {
+  std::filesystem::path fresh = path;
+  fresh += ".new";
+  const int fd = ::open(fresh.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+  if (fd < 0) return errorText(errno);
+  int error = writeAll(fd, content);
+  if (error == 0 && ::fsync(fd) != 0) error = errno;
+  if (::close(fd) != 0 && error == 0) error = errno;
+  if (error == 0 && std::rename(fresh.c_str(), path.c_str()) != 0) error = errno;
+  if (error == 0) return {};
+  ::unlink(fresh.c_str());
+  return errorText(error);
+}
+
+}  // namespace kalmira

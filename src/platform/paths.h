@@ -1,0 +1,17 @@
+#pragma once
+
+#include <filesystem>
+#include <string_view>
+
+namespace kalmira {
+
+// Turns a catalogue path ("Storage\KALINI\ORLA.INI", "\KALINI", "C_DRIVE\DATAORLA\") into a path of this
+// machine below the storage root. A leading backslash stands for the root itself.
+std::filesystem::path localPath(const std::filesystem::path& root, std::string_view cataloguePath);
+
+// Writes `content` to a new file beside `path`, commits it to the disk and renames it over `path`, so that a
+// full disk or a power cut leaves either the old file or the new one. Returns an empty text on success, else
+// what went wrong.
+std::string replaceFile(const std::filesystem::path& path, std::string_view content);
+
+}  // namespace kalmira

@@ -1,0 +1,104 @@
+#include "platform/text.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <limits>
+
+namespace kalmira {
+namespace {
+
+constexpr std::string_view kBlanks = " \t\r\n\v\f";
+
+// Blanks and a plus sign, which from_chars does not take.
+std::string_view numberStart(std::string_view text) {
+  const auto start = text.find_first_not_of(kBlanks);
+  if (start == std::string_view::npos) return {};
+  text.remove_prefix(start);
+  if (text.size() > 1 && text[0] == '+' && text[1] != '-') text.remove_prefix(1);
+  return text;
+}
+
+bool isContinuation(char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U; }
+
+// Bytes of the UTF-8 character at the start of `text` (1 for a malformed one).
+std::size_t characterLength(std::string_view text) {
+  const auto lead = static_cast<unsigned char>(text[0]);
+  std::size_t length = 1;
+  if (lead >= 0xF0) {
+    length = 4;
+  } else if (lead >= 0xE0) {
+    length = 3;
+  } else if (lead >= 0xC0) {
+    length = 2;
+  }
+  for (std::size_t i = 1; i < length; ++i) {
+    if (i >= text.size() || !isContinuation(text[i])) return 1;
+  }
+  return length;
+}
+
+}  // namespace
+
+int parseInt(std::string_view text) {
+  const auto digits = numberStart(text);
+  int value = 0;
+  const auto result = std::from_chars(digits.data(), digits.data() + digits.size(), value);
+  if (result.ec == std::errc::result_out_of_range) {
+    return digits[0] == '-' ? std::numeric_limits<int>::min() : std::numeric_limits<int>::max();
+  }
+  return value;
+}
+
+double parseReal(std::string_view text) {
+  const auto digits = numberStart(text);
+  double value = 0.0;
+  const auto result = std::from_chars(digits.data(), digits.data() + digits.size(), value);
+  if (result.ec == std::errc::result_out_of_range) {
+    // Too large and too small are told apart by the exponent's sign, the only way to either in a short text.
+    const auto exponent = digits.find_first_of("eE");
+    const bool tiny = exponent != std::string_view::npos && digits.substr(exponent + 1).starts_with('-');
+    const double magnitude = tiny ? 0.0 : std::numeric_limits<double>::infinity();
+    return digits[0] == '-' ? -magnitude : magnitude;
+  }
+  return value;
+}
+
+std::string fixedField(double value, int width, int decimals) {
+  if (std::isnan(value)) value = 0.0;
+  const auto limit = static_cast<std::size_t>(width);
+  if (std::abs(value) < 1e15) {
+    for (int places = decimals; places >= 0; --places) {
+      std::string text = fmt::format("{:>{}.{}f}", value, width, places);
+      if (text.size() <= limit) return text;
+    }
+  }
+  return value < 0 ? '-' + std::string(limit - 1, '9') : std::string(limit, '9');
+}
+
+std::string textField(std::string_view text, std::size_t width) {
+  std::string field(text.substr(0, width));
+  field.resize(width, ' ');
+  return field;
+}
+
+std::string narrow(std::string_view utf8) {
+  std::string out;
+  out.reserve(utf8.size());
+  while (!utf8.empty()) {
+    const auto lead = static_cast<unsigned char>(utf8[0]);
+    out.push_back(lead >= 0x20 && lead < 0x7F ? utf8[0] : '?');
+    utf8.remove_prefix(characterLength(utf8));
+  }
+  return out;
+}
+
+std::string firstCharacters(std::string_view utf8, std::size_t count) {
+  std::size_t end = 0;
+  for (; count > 0 && end < utf8.size(); --count) end += characterLength(utf8.substr(end));
+  return std::string(utf8.substr(0, end));
+}
+
+}  // namespace kalmira

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+// Numbers and text of files and wires. Nothing here looks at the system's locale: a decimal mark is always
+// a full stop, whatever language the desktop speaks. Every function may be called from any thread.
+namespace kalmira {
+
+// Leading blanks, a sign, decimal digits; what follows is ignored. No digits give 0, and a number outside
+// the range of int is brought to its nearest end.
+int parseInt(std::string_view text);
+
+// As parseInt, for a real number with optional fraction and exponent ("nan" and "inf" are numbers too).
+// Magnitudes beyond double give infinity or 0.
+double parseReal(std::string_view text);
+
+// `value` right-justified in exactly `width` characters with `decimals` decimals. A value too wide loses
+// decimals, then is brought to the widest number that fits; no number at all (NaN) becomes 0. Records have
+// fixed columns, so a field may not grow.
+std::string fixedField(double value, int width, int decimals);
+
+// `text` cut or padded with blanks on the right to exactly `width` bytes.
+std::string textField(std::string_view text, std::size_t width);
+
+// UTF-8 to one byte a character: every character that is not plain printable ASCII becomes "?". A malformed
+// byte counts as one character.
+std::string narrow(std::string_view utf8);
+
+// The first `count` characters of a UTF-8 text, never splitting one.
+std::string firstCharacters(std::string_view utf8, std::size_t count);
+
+}  // namespace kalmira

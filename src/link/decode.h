@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 
@@ -8,7 +9,8 @@
 #include "shell/catalogue.h"
 
 // From a framed record to engineering values. Conductivity is in mS/m, inphase in parts per thousand,
-// ice thickness in metres.
+// ice thickness in metres. Values are computed in double precision and rounded to float once, unless a
+// comment says otherwise. docs/instrument-links.md has the records and their tables.
 namespace kalmira {
 
 inline constexpr std::size_t kSlots = 8;
@@ -35,11 +37,11 @@ struct AsciiOptions {
 
 struct AsciiReading {
   float conductivity = 0;  // TESKDD: the first value, of the vertical dipole
-  float inphase = 0;       // TESKDD: the second value, of the horizontal dipole; VARDO: coil separation, metres
+  float inphase = 0;  // TESKDD: the second value, of the horizontal dipole; VARDO: coil separation, metres
   char orientation = 'H';  // "V" or "H"
   std::int16_t range = 0;
-  char secondMode = 'N';  // "M" or "N"
-  int recordType = 0;     // TESKDD and TESK: 1 inphase, 2 conductivity
+  char secondMode = 'N';          // "M" or "N"
+  int recordType = 0;             // TESKDD and TESK: 1 inphase, 2 conductivity
   std::uint16_t secondRange = 0;  // TESKB
   int odd = 0;                    // 1 when the mode byte is odd (ORLA: a battery record)
 };
@@ -90,7 +92,7 @@ struct ProfileAxes {
 inline constexpr std::size_t kProfilePoints = 10;
 
 // Pixel positions of the kind's traces; a point that the kind does not draw keeps what `points` held. A
-// position that no int can hold is brought to the nearest one.
+// position that no int can hold is brought to the nearest one, and one that is no number to 0.
 void MapProfilePoints(Kind kind, bool iceOption, bool inphaseUnscaled, const ProfileAxes& axes,
                       const std::array<float, kSlots>& values, float extra1, float extra2,
                       std::array<int, kProfilePoints>& points);

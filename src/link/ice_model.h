@@ -13,16 +13,19 @@ inline constexpr float kIceAboveTable = -999.0F;
 inline constexpr float kIceBelowTable = -99.0F;
 
 struct IceModel {
-  int seaWaterCase = 0;
-  bool orlaModelOption = false;      // the short instrument has a family of tables of its own
+  int seaWaterCase = -1;              // 0 to kSeaWaterCases - 1; -1: no table is loaded
+  bool orlaModelOption = false;       // the short instrument has a family of tables of its own
   std::array<double, 71> iceTable{};  // mS/m at thickness index / 10 m, strictly falling
+  double upperLimit = 0;              // a conductivity above it is out of the table
+  double lowerLimit = 0;              // likewise below it
 };
 
-// Another case than 0 to 10 loads nothing.
+// Another case than 0 to 10 loads nothing and leaves `model` as it was.
 void LoadIceTable(int seaWaterCase, bool orlaModelOption, IceModel& model);
 
 // Metres; kIceAboveTable for a conductivity above the table, kIceBelowTable for one below it and for one that
-// is no number. With `channels` (the ice option) the thickness is stored in slot 4 and flagged.
+// is no number or when no table is loaded. With `channels` (the ice option) a thickness that was found is
+// stored in slot 4 and flagged; a reading outside the table leaves the slot alone.
 float IceThickness(double conductivity, const IceModel& model, Channels* channels);
 
 }  // namespace kalmira

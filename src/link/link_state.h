@@ -18,7 +18,8 @@ struct LinkState {
   std::array<char, 184> recordText{};
   int recordLength = 12;
 
-  // Good and bad records since the last hand-over; one is handed over whenever this reaches recordsPerReading.
+  // Good and bad records since the last hand-over; one is handed over whenever this reaches
+  // recordsPerReading.
   std::atomic<int> recordCount{0};
   std::atomic<int> recordsPerReading{1};  // at least 1
   std::atomic<std::uint32_t> lastRecordTick{0};
@@ -41,7 +42,8 @@ struct RecordRates {
   int ratePerSecond = 1;       // at least 1, at most what the stream delivers
 };
 
-// `intervalSeconds` is the readings interval of the settings, above 0; `recordPeriodMs` above 0.
+// `intervalSeconds` is the readings interval of the settings, above 0; `recordPeriodMs` above 0. Other values
+// (and values that are no number) still give rates within their bounds.
 RecordRates recordRates(float intervalSeconds, float recordPeriodMs);
 
 }  // namespace kalmira

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+
+namespace kalmira {
+
+// Waits on one thread for everything a program without a screen reacts to. POSIX only.
+class EventLoop {
+ public:
+  struct Handlers {
+    std::function<void()> onWake;                    // wake() was called
+    std::function<void(const std::string&)> onLine;  // a line of standard input, without its end
+    std::function<void()> onEndOfInput;
+    std::function<void()> onTerminate;  // SIGINT or SIGTERM
+  };
+
+  // With `readInput`, standard input is read. Catches SIGINT and SIGTERM from now on; there can be only one loop
+  // a program.
+  explicit EventLoop(bool readInput);
+  EventLoop(const EventLoop&) = delete;
+  EventLoop& operator=(const EventLoop&) = delete;
+  ~EventLoop();
+
+  // Makes wait() return soon. From any thread.
+  void wake() const;
+  // Waits at most `milliseconds` for something to happen and calls the handlers of what did.
+  void wait(std::uint32_t milliseconds, const Handlers& handlers);
+
+ private:
+  void readLines(const Handlers& handlers);
+
+  int wake_read_ = -1;
+  int wake_write_ = -1;
+  bool read_input_;
+  std::string input_;
+};
+
+}  // namespace kalmira

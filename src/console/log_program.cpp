@@ -1,0 +1,242 @@
+#include "console/log_program.h"
+
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <csignal>
+#include <cstdio>
+#include <system_error>
+
+#include "console/console_view.h"
+#include "console/event_loop.h"
+#include "console/operator_commands.h"
+#include "console/output_thread.h"
+#include "console/run_settings.h"
+#include "link/keep_awake.h"
+#include "link/serial_session_ports.h"
+#include "logging/commands.h"
+#include "logging/gps_handler.h"
+#include "logging/handlers.h"
+#include "platform/hand_over.h"
+#include "platform/idle.h"
+#include "shell/session_start.h"
+
+namespace kalmira {
+namespace {
+
+// The COM numbers of this run. They stand for the devices of the command line only.
+constexpr int kInstrumentCom = 1;
+constexpr int kGpsCom = 2;
+constexpr int kMarkerCom = 3;
+constexpr std::uint32_t kStatusPeriodMs = 500;
+
+bool sameDevice(const std::string& a, const std::string& b) {
+  std::error_code error;
+  return a == b || (std::filesystem::equivalent(a, b, error) && !error);
+}
+
+// COM number of a device: that of the port it shares with an earlier one.
+int comOf(const LogOptions& options, const std::string& device, int own) {
+  if (sameDevice(device, options.port)) return kInstrumentCom;
+  if (own == kMarkerCom && !options.gps.empty() && sameDevice(device, options.gps)) return kGpsCom;
+  return own;
+}
+
+// The values of this run: the ports of the command line, then what --set says.
+FieldValues runValues(const LogOptions& options) {
+  const auto field = [](std::string_view name, int value) {
+    return std::pair{*findField(name), fmt::format("{}", value)};
+  };
+  FieldValues values{field("instrumentPortIndex", kInstrumentCom - 1)};
+  const bool gps = !options.gps.empty();
+  values.push_back(field("gpsInput", gps ? 1 : 0));
+  values.push_back(field("gpsPortIndex", gps ? comOf(options, options.gps, kGpsCom) - 1 : kGpsCom - 1));
+  values.push_back(field("markerPortChoice",
+                         options.marker.empty() ? 0 : comOf(options, options.marker, kMarkerCom)));
+  values.insert(values.end(), options.set.begin(), options.set.end());
+  return values;
+}
+
+std::string deviceOf(const LogOptions& options, int comNumber) {
+  switch (comNumber) {
+    case kInstrumentCom: return options.port;
+    case kGpsCom: return options.gps;
+    case kMarkerCom: return options.marker;
+    default: return {};
+  }
+}
+
+// One run of the program: everything it needs, in the order in which it comes to life.
+class Run {
+ public:
+  Run(const LogOptions& options, std::filesystem::path root, const PortFactory& portFactory);
+  int run();
+
+ private:
+  bool begin();
+  bool createFile();
+  void loop();
+  void onLine(const std::string& line);
+  void leave();
+  void showStatus();
+  bool timeIsOver() const;
+  std::uint32_t nextWait() const;
+
+  const LogOptions& options_;
+  SystemClock clock_;
+  EventLoop events_;
+  OutputThread output_;
+  ConsoleView view_;
+  RunSettings settings_;
+  LinkState link_;
+  LocalDisk disk_;
+  Session session_;
+  HandOver hand_over_;
+  SerialSessionPorts ports_;
+  bool terminal_;
+  std::uint32_t recording_since_ = 0;
+  std::uint32_t status_tick_ = 0;
+};
+
+SessionSetup setupOf(const LogOptions& options, std::filesystem::path root) {
+  // Without a screen, files are marked as those of a portrait screen.
+  return {.kind = options.kind,
+          .iceChosen = options.ice,
+          .teskRangeTimes10 = options.teskTimes10,
+          .storageClass = options.storageClass,
+          .root = std::move(root),
+          .portrait = true,
+          .smallScreen = false,
+          .wideLayout = true};
+}
+
+Run::Run(const LogOptions& options, std::filesystem::path root, const PortFactory& portFactory)
+    : options_(options),
+      clock_(options.tickBase),
+      events_(!options.seconds),
+      output_(STDOUT_FILENO, STDERR_FILENO),
+      view_([this](std::string line) { output_.line(std::move(line)); }, options.show, options.exitOnSilence),
+      settings_({.kind = options.kind, .iceOption = options.ice, .storageClass = options.storageClass, .root = root},
+                runValues(options)),
+      session_(setupOf(options, std::move(root)), settings_.settings(), link_, clock_, disk_, view_,
+               [this](const Settings& current) { return settings_.save(current); }),
+      hand_over_([this] { events_.wake(); }),
+      ports_(options.kind, settings_.settings(), [this](int com) { return deviceOf(options_, com); }, link_,
+             hand_over_, clock_, portFactory,
+             {.onRecord =
+                  [this] {
+                    OnReading(session_);
+                    releaseMarkAfterRecord(session_);
+                  },
+              .onGpsLine = [this](const GpsLine& line) { OnGpsLine(session_, line); }}),
+      terminal_(::isatty(STDERR_FILENO) == 1) {
+  session_.ports = &ports_;
+  view_.setPrintBefore([](const std::string& line) { fmt::print(stderr, "{}\n", line); });
+}
+
+bool Run::createFile() {
+  bool proposed = false;
+  const DataPlace place{
+      .kind = options_.kind, .storageClass = options_.storageClass, .root = session_.setup.root};
+  const auto choose = [&](const std::string& proposal) -> std::optional<std::filesystem::path> {
+    if (proposed) return std::nullopt;  // the name was taken, and there is nobody to ask for another
+    proposed = true;
+    return dataFilePathFor(place, options_.name.empty() ? proposal : options_.name);
+  };
+  if (createDataFile(session_, choose).how != CreateOutcome::How::created) return false;
+  output_.line(fmt::format("file {}", session_.file.path().string()));
+  return true;
+}
+
+bool Run::begin() {
+  if (!settings_.problem().empty()) output_.line("notice " + settings_.problem());
+  if (startSession(session_) != StartOutcome::started) return false;
+  if (!createFile()) {
+    LeaveLogging(session_, true);
+    return false;
+  }
+  view_.sessionRuns();
+  recording_since_ = clock_.tick();
+  if (options_.seconds) startRecording(session_);
+  return true;
+}
+
+bool Run::timeIsOver() const {
+  return options_.seconds && ticksSince(clock_.tick(), recording_since_) >= *options_.seconds * 1000.0;
+}
+
+std::uint32_t Run::nextWait() const {
+  auto wait = msUntilService(session_);
+  if (options_.seconds) {
+    const double left = *options_.seconds * 1000.0 - ticksSince(clock_.tick(), recording_since_);
+    wait = std::min(wait, left < 1.0 ? 1U : static_cast<std::uint32_t>(left));
+  }
+  return wait;
+}
+
+void Run::leave() {
+  if (session_.sessionActive) leaveCleanly(session_);
+}
+
+void Run::onLine(const std::string& line) {
+  if (line.empty() || !session_.sessionActive) return;
+  const auto answer = runOperatorCommand(session_, line);
+  if (!answer.status.empty()) output_.line(answer.status);
+  output_.line(answer.error.empty() ? "ok" : "error " + answer.error);
+}
+
+void Run::showStatus() {
+  if (!terminal_ || ticksSince(clock_.tick(), status_tick_) < kStatusPeriodMs) return;
+  status_tick_ = clock_.tick();
+  const auto seconds = ticksSince(status_tick_, recording_since_) / 1000;
+  const auto gps = session_.gpsEnabled()
+                       ? fmt::format("{} {} sat", view_.text(PanelField::fix), view_.text(PanelField::satellites))
+                       : std::string("no GPS");
+  output_.status(fmt::format("[{}] line {} stn {:.2f} | {} {} | {} | {} records | {:02}:{:02}:{:02}",
+                             view_.text(PanelField::state), session_.settings.lineName, session_.station,
+                             view_.text(PanelField::value1), view_.text(PanelField::value2), gps,
+                             session_.counts.readings, seconds / 3600, seconds / 60 % 60, seconds % 60));
+}
+
+void Run::loop() {
+  const EventLoop::Handlers handlers{.onWake = [this] { hand_over_.run(); },
+                                     .onLine = [this](const std::string& line) { onLine(line); },
+                                     .onEndOfInput = [this] { leave(); },
+                                     .onTerminate = [this] { leave(); }};
+  while (session_.sessionActive) {
+    events_.wait(nextWait(), handlers);
+    if (!session_.sessionActive) break;
+    serviceSession(session_);
+    if (timeIsOver()) leave();
+    showStatus();
+  }
+}
+
+int Run::run() {
+  IdleInhibitor inhibitor("Kalmira");
+  const KeepAwakeThread keepAwake{[&inhibitor] { inhibitor.renew(); }};
+  if (!begin()) {
+    output_.finish();
+    return 1;
+  }
+  loop();
+  output_.line(summaryText(session_));
+  output_.finish();
+  return view_.linkGivenUp() ? 1 : 0;
+}
+
+}  // namespace
+
+int runLogProgram(const LogOptions& options, const std::filesystem::path& defaultRoot,
+                  const PortFactory& portFactory) {
+  // A closed pipe or a file size limit is an error of one write, not the end of a survey.
+  std::signal(SIGPIPE, SIG_IGN);
+#ifdef SIGXFSZ
+  std::signal(SIGXFSZ, SIG_IGN);
+#endif
+  Run run(options, options.root.empty() ? defaultRoot : options.root, portFactory);
+  return run.run();
+}
+
+}  // namespace kalmira

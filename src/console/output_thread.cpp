@@ -1,0 +1,101 @@
+#include "console/output_thread.h"
+
+#include <fmt/format.h>
+#include <poll.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <chrono>
+#include <string_view>
+#include <utility>
+
+namespace kalmira {
+namespace {
+
+constexpr std::size_t kLongestQueue = 20000;
+constexpr auto kFinishWait = std::chrono::seconds(2);
+constexpr std::string_view kClearLine = "\r\033[K";
+
+}  // namespace
+
+OutputThread::OutputThread(int outputFd, int statusFd)
+    : output_fd_(outputFd), status_fd_(statusFd), thread_(&OutputThread::run, this) {}
+
+OutputThread::~OutputThread() { finish(); }
+
+void OutputThread::line(std::string text) {
+  {
+    const std::lock_guard lock(mutex_);
+    if (queue_.size() >= kLongestQueue) {
+      ++dropped_;
+      return;
+    }
+    if (dropped_ > 0) {
+      queue_.push_back({.status = false, .text = fmt::format("notice {} lines were not printed", dropped_)});
+      dropped_ = 0;
+    }
+    queue_.push_back({.status = false, .text = std::move(text)});
+  }
+  changed_.notify_all();
+}
+
+void OutputThread::status(std::string text) {
+  {
+    const std::lock_guard lock(mutex_);
+    if (!queue_.empty() && queue_.back().status) queue_.pop_back();
+    queue_.push_back({.status = true, .text = std::move(text)});
+  }
+  changed_.notify_all();
+}
+
+void OutputThread::finish() {
+  if (!thread_.joinable()) return;
+  {
+    std::unique_lock lock(mutex_);
+    changed_.wait_for(lock, kFinishWait, [this] { return queue_.empty() && idle_; });
+    ending_ = true;
+  }
+  changed_.notify_all();
+  thread_.join();
+}
+
+void OutputThread::run() {
+  std::unique_lock lock(mutex_);
+  while (true) {
+    idle_ = true;
+    if (queue_.empty()) changed_.notify_all();
+    changed_.wait(lock, [this] { return ending_ || !queue_.empty(); });
+    if (ending_) break;
+    idle_ = false;
+    const Item item = std::move(queue_.front());
+    queue_.pop_front();
+    lock.unlock();
+    print(item);
+    lock.lock();
+  }
+  if (status_shown_) (void)!::write(status_fd_, "\n", 1);
+}
+
+// Writes whole items, waiting for room in slices so that finish is never held up by a reader that stands still.
+bool OutputThread::print(const Item& item) {
+  std::string text = item.status ? std::string(kClearLine) + item.text : item.text + '\n';
+  const int fd = item.status ? status_fd_ : output_fd_;
+  if (!item.status && status_shown_) (void)!::write(status_fd_, kClearLine.data(), kClearLine.size());
+  status_shown_ = item.status;
+  std::string_view rest = text;
+  while (!rest.empty()) {
+    pollfd ready{.fd = fd, .events = POLLOUT, .revents = 0};
+    if (::poll(&ready, 1, 100) == 0) {
+      const std::lock_guard lock(mutex_);
+      if (ending_) return false;
+      continue;
+    }
+    // No more than poll promised room for, lest the write itself waits.
+    const auto written = ::write(fd, rest.data(), rest.size() < 512 ? rest.size() : 512);
+    if (written < 0 && errno != EINTR && errno != EAGAIN) return false;
+    if (written > 0) rest.remove_prefix(static_cast<std::size_t>(written));
+  }
+  return true;
+}
+
+}  // namespace kalmira

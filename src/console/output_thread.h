@@ -1,0 +1,47 @@
+#pragma once
+
+#include <condition_variable>
+#include <deque>
+#include <mutex>
+#include <string>
+#include <thread>
+
+namespace kalmira {
+
+// Prints lines from a thread of its own, so that a reader of our output that stands still (a stopped pager, a
+// full pipe) holds up no reading. Members may be called from any thread and return at once, but for finish.
+class OutputThread {
+ public:
+  OutputThread(int outputFd, int statusFd);
+  OutputThread(const OutputThread&) = delete;
+  OutputThread& operator=(const OutputThread&) = delete;
+  ~OutputThread();
+
+  // One line on the output; a line end is added.
+  void line(std::string text);
+  // Replaces the line kept at the bottom of the terminal behind statusFd.
+  void status(std::string text);
+  // Waits until everything is printed, at most two seconds, and ends the thread.
+  void finish();
+
+ private:
+  struct Item {
+    bool status = false;
+    std::string text;
+  };
+  void run();
+  bool print(const Item& item);
+
+  int output_fd_;
+  int status_fd_;
+  std::mutex mutex_;
+  std::condition_variable changed_;
+  std::deque<Item> queue_;
+  std::size_t dropped_ = 0;
+  bool ending_ = false;
+  bool idle_ = false;
+  bool status_shown_ = false;
+  std::thread thread_;
+};
+
+}  // namespace kalmira

@@ -1,0 +1,35 @@
+#include "console/run_settings.h"
+
+namespace kalmira {
+
+RunSettings::RunSettings(SettingsPlace place, const FieldValues& overrides) : place_(std::move(place)) {
+  problem_ = loadSettings(place_, settings_).problem;
+  const Settings fromFile = settings_;
+  bool incrementSet = false;
+  for (const auto& [field, text] : overrides) {
+    setFieldText(settings_, *field.field, field.index, text);
+    incrementSet = incrementSet || field.field->name == "stationIncrement";
+  }
+  // As after loading: each survey mode has an increment of its own.
+  if (!incrementSet) {
+    settings_.stationIncrement = settings_.modeIncrement[static_cast<std::size_t>(surveyModeOf(settings_))];
+  }
+  for (const auto& [field, text] : overrides) {
+    overrides_.push_back({.field = field,
+                          .fileValue = fieldText(fromFile, *field.field, field.index),
+                          .runValue = fieldText(settings_, *field.field, field.index)});
+  }
+}
+
+std::string RunSettings::save(const Settings& current) const {
+  Settings saved = current;
+  for (const auto& item : overrides_) {
+    const auto& field = *item.field.field;
+    if (fieldText(current, field, item.field.index) == item.runValue) {
+      setFieldText(saved, field, item.field.index, item.fileValue);
+    }
+  }
+  return saveSettings(place_, saved);
+}
+
+}  // namespace kalmira

@@ -1,0 +1,80 @@
+#include "datafile/disk.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <system_error>
+
+namespace kalmira {
+namespace {
+
+class LocalFile final : public DiskFile {
+ public:
+  explicit LocalFile(int fd) : fd_(fd) {}
+  LocalFile(const LocalFile&) = delete;
+  LocalFile& operator=(const LocalFile&) = delete;
+  ~LocalFile() override {
+    if (fd_ >= 0) ::close(fd_);
+  }
+
+  WriteOutcome writeAt(std::uint64_t offset, std::string_view bytes) override {
+    if (offset != position_) {
+      if (::lseek(fd_, static_cast<off_t>(offset), SEEK_SET) < 0) return {.written = 0, .error = errno};
+      position_ = offset;
+    }
+    ssize_t written = 0;
+    do {
+      written = ::write(fd_, bytes.data(), bytes.size());
+    } while (written < 0 && errno == EINTR);
+    if (written < 0) return {.written = 0, .error = errno};
+    position_ += static_cast<std::uint64_t>(written);
+    return {.written = static_cast<std::size_t>(written), .error = 0};
+  }
+
+  int truncate(std::uint64_t size) override {
+    return ::ftruncate(fd_, static_cast<off_t>(size)) == 0 ? 0 : errno;
+  }
+
+  int sync() override { return ::fdatasync(fd_) == 0 ? 0 : errno; }
+
+  int close() override {
+    const int fd = fd_;
+    fd_ = -1;
+    return fd < 0 || ::close(fd) == 0 ? 0 : errno;
+  }
+
+  std::uint64_t size() override {
+    struct stat status {};
+    return ::fstat(fd_, &status) == 0 ? static_cast<std::uint64_t>(status.st_size) : 0;
+  }
+
+  std::unique_ptr<DiskFile> duplicate() override {
+    const int fd = ::fcntl(fd_, F_DUPFD_CLOEXEC, 0);
+    return fd < 0 ? nullptr : std::make_unique<LocalFile>(fd);
+  }
+
+ private:
+  int fd_;
+  std::uint64_t position_ = 0;
+};
+
+OpenOutcome openFile(const std::filesystem::path& path, int flags) {
+  const int fd = ::open(path.c_str(), flags | O_RDWR | O_CLOEXEC, 0666);
+  if (fd < 0) return {.file = nullptr, .error = errno};
+  return {.file = std::make_unique<LocalFile>(fd), .error = 0};
+}
+
+}  // namespace
+
+OpenOutcome LocalDisk::createNew(const std::filesystem::path& path) { return openFile(path, O_CREAT | O_EXCL); }
+
+OpenOutcome LocalDisk::openExisting(const std::filesystem::path& path) { return openFile(path, 0); }
+
+std::string diskErrorText(int error) {
+  if (error == ENOSPC || error == EDQUOT || error == EFBIG) return "Disk full";
+  return "Cannot write: " + std::generic_category().message(error);
+}
+
+}  // namespace kalmira

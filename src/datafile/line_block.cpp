@@ -1,0 +1,45 @@
+#include "datafile/line_block.h"
+
+#include "datafile/record_parse.h"
+
+namespace kalmira {
+
+bool SurveyPosition::take(std::string_view record) {
+  switch (recordTypeOf(record)) {
+    case RecordType::lineName:
+      line_name_ = parseLineName(record);
+      increment_.reset();
+      standOn(std::nullopt);
+      return true;
+    case RecordType::startStation:
+    case RecordType::station:
+      standOn(parseStation(record));
+      return stated_.has_value();
+    case RecordType::direction: {
+      const auto direction = parseDirection(record);
+      increment_ = direction ? std::optional(direction->increment) : std::nullopt;
+      return direction.has_value();
+    }
+    case RecordType::reading:
+      if (reading_seen_ && readingRepeat(record) == 1) ++steps_;
+      reading_seen_ = true;
+      return true;
+    default:
+      return true;
+  }
+}
+
+std::optional<double> SurveyPosition::station() const {
+  if (!stated_ || steps_ == 0) return stated_;
+  if (!increment_) return std::nullopt;
+  // Multiplied, not added up: a thousand increments of 0.1 stay exact to the last place that is shown.
+  return *stated_ + static_cast<double>(steps_) * *increment_;
+}
+
+void SurveyPosition::standOn(std::optional<double> station) {
+  stated_ = station;
+  steps_ = 0;
+  reading_seen_ = false;
+}
+
+}  // namespace kalmira

@@ -1,0 +1,90 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <istream>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "datafile/record_format.h"
+
+namespace kalmira {
+
+enum class FileErrorKind {
+  none,
+  cannotOpen,
+  notAFile,      // a folder, for example
+  empty,         // no byte in it
+  notADataFile,  // its first record names no instrument of the family
+  readFailed,
+};
+
+// What went wrong, as a kind and a sentence without the file's name.
+struct FileError {
+  FileErrorKind kind = FileErrorKind::none;
+  std::string text;
+};
+
+struct Record {
+  std::string_view bytes;    // the whole record with its line feed; valid until the reader's next call
+  std::uint64_t offset = 0;  // of its first byte in the file
+};
+
+// Walks over the records of a data file, forwards or backwards, from any record on, in a few dozen kilobytes
+// of memory whatever the file's size. Records are found by their length, since a TESK2 record may hold line
+// feeds. A file may be read while it grows. Not for use by two threads at once.
+//
+// Damage: what has no known tag, no line feed at its end or one in its middle is no record. It is skipped to
+// the next place where records go on (bytes were lost or added) or else by one record (bytes were
+// overwritten); skippedBytes counts it. Bytes after the last whole record are a tear: tornBytes.
+class RecordReader {
+ public:
+  // Identifies the file by header 1 and stands behind it.
+  FileError open(const std::filesystem::path& path);
+  // The same for any source of bytes. Only seek, previous and seekToEnd want one that can seek.
+  FileError open(std::unique_ptr<std::istream> source);
+
+  const Header1& header() const { return header_; }
+  // Whether header 1 is there with all its columns; a torn or damaged one still names the kind.
+  bool headerWhole() const { return header_whole_; }
+  int recordLength() const { return static_cast<int>(record_length_); }
+
+  // The record at the present place, and the place moves behind it. False at the end, and when reading
+  // failed: error then has a kind.
+  bool next(Record& record);
+  // The record before the present place, and the place moves to its start. False at the file's start
+  // (header 1 is the last record given) and when reading failed.
+  bool previous(Record& record);
+  // `offset` of a record, or recordLength() for the first one behind header 1.
+  void seek(std::uint64_t offset) { place_ = offset; }
+  // Behind the last whole record.
+  void seekToEnd();
+
+  const FileError& error() const { return error_; }
+  std::uint64_t skippedBytes() const { return skipped_; }
+  // Bytes behind the last whole record, known once next or seekToEnd has reached the end.
+  std::uint64_t tornBytes() const { return torn_; }
+
+ private:
+  std::string_view bytesAt(std::uint64_t offset, std::size_t count);
+  void load(std::uint64_t offset, std::size_t count);
+  bool identify();
+  bool binaryReadings() const { return header_.kind == Kind::tesk2; }
+  std::size_t damageAhead(std::string_view bytes) const;
+  std::size_t damageBehind(std::string_view bytes) const;
+
+  std::unique_ptr<std::istream> source_;
+  std::uint64_t source_place_ = 0;  // where the next read of the source starts
+  std::string window_;              // bytes of the file from window_start_ on
+  std::uint64_t window_start_ = 0;
+  std::uint64_t place_ = 0;
+  std::size_t record_length_ = 0;
+  Header1 header_;
+  bool header_whole_ = false;
+  FileError error_;
+  std::uint64_t skipped_ = 0;
+  std::uint64_t torn_ = 0;
+};
+
+}  // namespace kalmira

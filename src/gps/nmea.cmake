@@ -1,0 +1,3 @@
+kalmira_library(kalmira_nmea
+  SOURCES nmea.cpp
+  LINKS kalmira_platform)

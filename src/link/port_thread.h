@@ -1,0 +1,81 @@
+#pragma once
+
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <functional>
+#include <future>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <thread>
+
+#include "link/port.h"
+#include "link/readers.h"
+#include "platform/hand_over.h"
+
+namespace kalmira {
+
+// One port with the thread that it belongs to: the port is made, opened, used and closed there. Every member
+// is called on one other thread, the session's.
+class PortThread {
+ public:
+  // What a job may use, on the port's thread.
+  struct Context {
+    Port& port;
+    HandOver::Sender& sender;
+    const std::atomic<bool>& stop;  // set: end soon
+  };
+  using Job = std::function<ReaderEnd(const Context&)>;
+
+  // A vanished device is tried again every `retryPeriod`; without one, only when reopen() asks.
+  PortThread(PortFactory factory, HandOver& handOver,
+             std::optional<std::chrono::milliseconds> retryPeriod = std::nullopt)
+      : factory_(std::move(factory)), hand_over_(handOver), retry_period_(retryPeriod) {}
+  ~PortThread() { close(); }
+  PortThread(const PortThread&) = delete;
+  PortThread& operator=(const PortThread&) = delete;
+
+  // Closes first when open. Waits until the device is open or `tries` tries in a row have failed.
+  std::optional<PortError> open(const std::string& device, const LineSettings& line, int tries = 1);
+  bool isOpen() const { return thread_.joinable(); }
+
+  // Runs `job` and waits for it. Only between open and start.
+  bool call(const std::function<bool(const Context&)>& job);
+  // Runs `job` until the port is closed, and anew whenever a vanished device could be opened again. Once an
+  // open.
+  void start(Job job);
+
+  // True while the device has vanished under the open port and is not back.
+  bool gone() const { return gone_; }
+  // Has a vanished device tried once more, without waiting for it.
+  void reopen();
+
+  // Ends the thread, within 200 ms whatever it is doing; also from within work that it has handed over. The
+  // job has ended when this returns.
+  void close();
+
+ private:
+  using Opened = std::promise<std::optional<PortError>>;
+  void body(Opened opened, int tries);
+  std::optional<PortError> openWithTries(Port& port, int tries);
+  bool waitForJob(Job& job);
+  bool openAgain(Port& port);
+
+  PortFactory factory_;
+  HandOver& hand_over_;
+  std::optional<std::chrono::milliseconds> retry_period_;
+  std::string device_;
+  LineSettings line_;
+  std::optional<HandOver::Sender> sender_;
+
+  std::atomic<bool> stop_{false};
+  std::atomic<bool> gone_{false};
+  std::mutex mutex_;
+  std::condition_variable changed_;
+  Job job_;                     // waiting to be taken; guarded
+  bool reopen_wanted_ = false;  // guarded
+  std::thread thread_;
+};
+
+}  // namespace kalmira

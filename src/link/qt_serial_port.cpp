@@ -1,0 +1,160 @@
+#include "link/qt_serial_port.h"
+
+#include <fmt/format.h>
+
+#include <QtCore/QEventLoop>
+#include <QtSerialPort/QSerialPort>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <system_error>
+
+#include "link/device_claim.h"
+
+namespace kalmira {
+namespace {
+
+QSerialPort::Parity qtParity(Parity parity) {
+  switch (parity) {
+    case Parity::even:
+      return QSerialPort::EvenParity;
+    case Parity::odd:
+      return QSerialPort::OddParity;
+    case Parity::none:
+      break;
+  }
+  return QSerialPort::NoParity;
+}
+
+// Links (".../by-id/...") are followed to the device itself: two names of one device must not give two ports.
+std::string realDevice(const std::string& device) {
+  std::error_code error;
+  const std::filesystem::path path = std::filesystem::canonical(device, error);
+  return error ? device : path.string();
+}
+
+class QtSerialPort final : public Port {
+ public:
+  ~QtSerialPort() override { close(); }
+
+  std::optional<PortError> open(const std::string& device, const LineSettings& line) override;
+  ReadResult read(std::span<std::uint8_t> buffer, int timeoutMs) override;
+  void purge() override;
+  unsigned modemStatus() override;
+  bool write(std::span<const std::uint8_t> bytes, int timeoutMs) override;
+  void close() override;
+
+ private:
+  PortError openingError(const std::string& path) const;
+  void setLine(const LineSettings& line, const LineSettings& found);
+
+  // Gives this thread what Qt's notifiers need; it is never run.
+  QEventLoop events_;
+  DeviceClaim claim_;
+  std::optional<QSerialPort> port_;
+};
+
+std::optional<PortError> QtSerialPort::open(const std::string& device, const LineSettings& line) {
+  close();
+  const std::string path = realDevice(device);
+  if (auto error = claim_.take(path)) return error;
+  const LineSettings found = claim_.found();
+  port_.emplace();
+  port_->setPortName(QString::fromStdString(path));
+  if (!port_->open(QIODevice::ReadWrite)) {
+    PortError error = openingError(path);
+    close();
+    return error;
+  }
+  setLine(line, found);
+#ifndef Q_OS_WIN
+  askForLowLatency(port_->handle());
+  dropLastingExclusiveMode(port_->handle(), path);
+#endif
+  return std::nullopt;
+}
+
+PortError QtSerialPort::openingError(const std::string& path) const {
+  // The claim has seen to the device itself; what remains is a lock file of another user's program.
+  if (port_->error() == QSerialPort::PermissionError) {
+    return {PortErrorKind::held,
+            fmt::format("{} is held by another program: its lock file is in /var/lock", path)};
+  }
+  return {PortErrorKind::other, fmt::format("{}: {}", path, port_->errorString().toStdString())};
+}
+
+// A device that refuses a setting is used as it is, so none of these is looked at.
+void QtSerialPort::setLine(const LineSettings& line, const LineSettings& found) {
+  // Opening has set Qt's own defaults, so what is to be left as it was is set back.
+  if (const auto baud = line.baud ? line.baud : found.baud) port_->setBaudRate(*baud);
+  if (const auto bits = line.dataBits ? line.dataBits : found.dataBits) {
+    port_->setDataBits(*bits == 7 ? QSerialPort::Data7 : QSerialPort::Data8);
+  }
+  if (const auto parity = line.parity ? line.parity : found.parity) port_->setParity(qtParity(*parity));
+  if (const auto bits = line.stopBits ? line.stopBits : found.stopBits) {
+    port_->setStopBits(*bits == 2 ? QSerialPort::TwoStop : QSerialPort::OneStop);
+  }
+  port_->setFlowControl(line.xonXoff ? QSerialPort::SoftwareControl : QSerialPort::NoFlowControl);
+  if (line.dtr) port_->setDataTerminalReady(*line.dtr);
+  if (line.rts) port_->setRequestToSend(*line.rts);
+  port_->clearError();
+}
+
+ReadResult QtSerialPort::read(std::span<std::uint8_t> buffer, int timeoutMs) {
+  if (!port_) return {.count = 0, .gone = true};
+  if (port_->bytesAvailable() == 0) {
+    port_->clearError();
+    if (!port_->waitForReadyRead(timeoutMs)) {
+      // Any error but the end of the time comes at once and would come again: the device does not answer.
+      return {.count = 0, .gone = port_->error() != QSerialPort::TimeoutError};
+    }
+  }
+  const qint64 count =
+      port_->read(reinterpret_cast<char*>(buffer.data()), static_cast<qint64>(buffer.size()));
+  return {.count = count > 0 ? static_cast<std::size_t>(count) : 0, .gone = count < 0};
+}
+
+void QtSerialPort::purge() {
+  if (!port_) return;
+  port_->clear(QSerialPort::Output);
+  port_->clear(QSerialPort::Input);
+}
+
+unsigned QtSerialPort::modemStatus() {
+  if (!port_) return 0;
+  const QSerialPort::PinoutSignals lines = port_->pinoutSignals();
+  unsigned status = 0;
+  if (lines.testFlag(QSerialPort::ClearToSendSignal)) status |= kCtsOn;
+  if (lines.testFlag(QSerialPort::DataSetReadySignal)) status |= kDsrOn;
+  if (lines.testFlag(QSerialPort::RingIndicatorSignal)) status |= kRingOn;
+  if (lines.testFlag(QSerialPort::DataCarrierDetectSignal)) status |= kRlsdOn;
+  return status;
+}
+
+bool QtSerialPort::write(std::span<const std::uint8_t> bytes, int timeoutMs) {
+  if (!port_) return false;
+  const auto size = static_cast<qint64>(bytes.size());
+  if (port_->write(reinterpret_cast<const char*>(bytes.data()), size) != size) return false;
+  while (port_->bytesToWrite() > 0) {
+    if (!port_->waitForBytesWritten(timeoutMs)) return false;
+  }
+  return true;
+}
+
+void QtSerialPort::close() {
+  if (port_ && port_->isOpen()) {
+    // A device that takes nothing would have the system wait for it.
+    port_->clear(QSerialPort::Output);
+    port_->close();
+  }
+  port_.reset();
+  claim_.release();
+}
+
+}  // namespace
+
+std::unique_ptr<Port> makeQtSerialPort() {
+  return std::make_unique<QtSerialPort>();
+}
+
+}  // namespace kalmira

@@ -1,0 +1,60 @@
+#pragma once
+
+#include <atomic>
+#include <functional>
+
+#include "gps/nmea.h"
+#include "link/link_state.h"
+#include "link/port.h"
+#include "platform/clock.h"
+#include "shell/catalogue.h"
+
+// The loops that run on the ports' threads: bytes from a port through a framer to the session.
+namespace kalmira {
+
+// Every loop looks at `stop` at least this often.
+inline constexpr int kReadSliceMs = 100;
+// The instrument port's read time-out: an ice record that pauses so long is bad.
+inline constexpr std::uint32_t kReadTimeoutMs = 2000;
+inline constexpr int kMarkerPollMs = 10;
+
+enum class ReaderEnd {
+  stopped,  // was told to
+  gone,     // the device has vanished
+};
+
+// What a reader works with; all of it must outlive the reader's loop, and the loop runs on the thread of
+// `port`.
+struct ReaderContext {
+  Port& port;
+  LinkState& link;
+  const Clock& clock;
+  const std::atomic<bool>& stop;
+};
+
+// Hands the record in the link state over and waits until it has been handled. False: the link is being
+// closed; the reader then ends and touches nothing any more.
+using RecordHandOver = std::function<bool()>;
+
+// All three purge the port and count from 0 when they begin. A good record that fills the count is handed
+// over; a bad one only uses up a place in the count. `kind` is one of the ASCII kinds; a TESK keeps the
+// record length that the probe found.
+ReaderEnd InstrumentReaderAscii(const ReaderContext& context, Kind kind, const RecordHandOver& handOver);
+ReaderEnd InstrumentReaderIce(const ReaderContext& context, const RecordHandOver& handOver);
+// With `markerOnInstrumentPort` the marker line is a modem line of the instrument's own cable.
+ReaderEnd InstrumentReaderTesk2(const ReaderContext& context, bool markerOnInstrumentPort,
+                                const RecordHandOver& handOver);
+
+// As RecordHandOver, for a completed line from the receiver; the line is valid during the call only.
+using LineHandOver = std::function<bool(const GpsLine&)>;
+ReaderEnd GpsReaderThread(Port& port, const Clock& clock, const std::atomic<bool>& stop,
+                          const LineHandOver& handOver);
+
+// Stores the whole status word in markerLineState at every change of CTS; 0 when the device vanishes.
+ReaderEnd MarkerLineThread(const ReaderContext& context);
+
+// TESK: waits at most 2 s for a record to begin and 1 s for its end. A record of 7 or 12 bytes sets
+// recordLength and recordPeriodMs; with any other answer, or none, false and recordLength 7.
+bool ProbeTeskRecord(const ReaderContext& context);
+
+}  // namespace kalmira

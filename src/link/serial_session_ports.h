@@ -1,0 +1,68 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "gps/nmea.h"
+#include "link/link_state.h"
+#include "link/port_thread.h"
+#include "link/session_ports.h"
+#include "platform/clock.h"
+#include "platform/hand_over.h"
+#include "settings/settings.h"
+#include "shell/catalogue.h"
+
+namespace kalmira {
+
+// What a session does with what its ports bring. Both run on the session's thread, within HandOver::run, one
+// at a time, while the reader that brought it waits.
+struct SessionPortEvents {
+  std::function<void()> onRecord;  // the record is in the link state
+  std::function<void(const GpsLine&)> onGpsLine;
+};
+
+// The device of COM1 to COM12; empty when the number has none.
+using DeviceResolver = std::function<std::string(int comNumber)>;
+
+// The session's three ports, each on a thread of its own. Everything handed in must outlive it; the settings
+// are read whenever a port is opened. A GPS receiver or a marker line that vanishes is tried again every
+// second.
+class SerialSessionPorts final : public SessionPorts {
+ public:
+  SerialSessionPorts(Kind kind, const Settings& settings, DeviceResolver deviceOf, LinkState& link,
+                     HandOver& handOver, const Clock& clock, const PortFactory& factory,
+                     SessionPortEvents events);
+
+  std::optional<PortProblem> OpenInstrumentPort() override;
+  bool ProbeTeskRecord() override;
+  void startInstrumentReader() override;
+  void closeInstrumentPort() override;
+  bool instrumentGone() const override;
+  void reopenInstrumentPort() override;
+
+  std::optional<PortProblem> OpenGpsPort() override;
+  void startGpsReader() override;
+  void closeGpsPort() override;
+
+  std::optional<PortProblem> OpenMarkerPort() override;
+  void startMarkerReader() override;
+  void closeMarkerPort() override;
+
+ private:
+  std::optional<PortProblem> openPort(PortThread& thread, int comNumber, const LineSettings& line, int tries,
+                                      std::string_view message);
+  ReaderContext readerContext(const PortThread::Context& context) const;
+  ReaderEnd readInstrument(const PortThread::Context& context, bool markerOnInstrumentPort);
+
+  Kind kind_;
+  const Settings& settings_;
+  DeviceResolver device_of_;
+  LinkState& link_;
+  const Clock& clock_;
+  SessionPortEvents events_;
+  PortThread instrument_;
+  PortThread gps_;
+  PortThread marker_;
+};
+
+}  // namespace kalmira

@@ -1,0 +1,133 @@
+#include "logging/commands.h"
+
+#include <fmt/format.h>
+
+#include "logging/calibration.h"
+#include "logging/panel.h"
+#include "logging/rescue.h"
+#include "logging/watchdog.h"
+
+namespace kalmira {
+
+bool commandAllowed(const Session& session, Command command) {
+  const int state = session.loggingState;
+  const bool tesk2 = session.instrument.kind == Kind::tesk2;
+  switch (command) {
+    case Command::createFile: return state == kNoFile;
+    case Command::pause: return state == kLogging;
+    case Command::leave: return state != kLogging;
+    case Command::calibrate:
+    case Command::deleteCalibration: return tesk2 && state != kLogging;
+    default: return state == kStandBy;
+  }
+}
+
+CreateOutcome createDataFile(Session& session, const ChooseDataFile& choose) {
+  const auto warnExists = [&session] {
+    session.view.tell(
+        {.title = "WARNING", .text = std::string(kFileExistsText), .icon = Icon::exclamation});
+  };
+  const DataPlace place{.kind = session.instrument.kind,
+                        .storageClass = session.setup.storageClass,
+                        .root = session.setup.root};
+  auto outcome = CreateDataFile(place, session.writer(), session.disk, choose, warnExists);
+  if (outcome.how == CreateOutcome::How::failed) {
+    session.view.tell({.title = "CRITICAL WARNING",
+                       .text = std::string(kFileNotCreatedText) + "\r\n" + outcome.cause,
+                       .icon = Icon::stop});
+  } else if (outcome.how == CreateOutcome::How::created) {
+    session.loggingState = kStandBy;
+    showFile(session);
+    showState(session);
+    showLineAndStation(session);
+    session.view.loggingStateChanged();
+  }
+  return outcome;
+}
+
+void startRecording(Session& session) {
+  session.linkActive = true;
+  session.gpsHeldWritten = false;
+  session.readingLogged = false;  // a position that comes now belongs to no reading yet
+  if (session.triggerMode != kModeManual) session.savedTriggerMode = session.triggerMode;
+  session.link.recordsPerReading = session.triggerMode == kModeAuto ? session.recordInterval : 1;
+  session.link.recordCount = 0;
+  session.beepCounter = 0;
+  session.loggingState = kLogging;
+  showState(session);
+  session.view.beep(Beep::hand);
+  session.triggerLatch = 0;
+  session.chartPointCount = 0;
+  clearTraces(session);
+  session.view.show(PanelField::message, "");
+  writeEvent(session, "$STARTED");
+  session.view.loggingStateChanged();
+}
+
+void pauseRecording(Session& session) {
+  writeEvent(session, "$PAUSED");
+  session.file.closeAndReopen();
+  session.link.recordsPerReading = 1;
+  session.link.recordCount = 0;
+  if (session.triggerMode == kModeWheel) session.savedTriggerMode = 0;
+  session.loggingState = kStandBy;
+  showState(session);
+  session.view.loggingStateChanged();
+}
+
+void newLine(Session& session, const LineEntry& entry) {
+  takeLine(entry, session.settings);
+  session.station = session.settings.startStation;
+  clearTraces(session);
+  saveSettingsOrTell(session);
+  showLineAndStation(session);
+  session.lineStarted = false;
+  WriteLineBlock(session.writer());
+  WriteTimeMark(session.writer());
+  session.view.clearProfile();
+}
+
+void newStation(Session& session, double station) {
+  session.station = station;
+  clearTraces(session);
+  session.lineStarted = false;
+  session.view.show(PanelField::station, stationText(station));
+  WriteStationRecord(session.writer(), station);
+  WriteTimeMark(session.writer());
+  session.view.redrawProfile();
+}
+
+void addComment(Session& session, std::string_view text) {
+  WriteNoteRecord(session.writer(), text, tag::kComment);
+  session.view.redrawProfile();
+}
+
+bool LeaveLogging(Session& session, bool forced) {
+  if (session.file.isOpen()) {
+    const Message question{.title = "Confirm Exit", .text = "Exit Logging?", .icon = Icon::question};
+    if (!forced && !session.view.ask(Question::exitLogging, question)) {
+      session.view.redrawProfile();
+      return false;
+    }
+    closeDataFile(session);
+  }
+  session.inputEnabled = false;
+  abandonCalibration(session);
+  if (session.gpsEnabled()) session.ports->closeGpsPort();
+  session.ports->closeMarkerPort();
+  stopTimer(session);
+  session.ports->closeInstrumentPort();
+  session.loggingState = kNoFile;
+  session.stationReadingCount = 0;
+  session.gpsRecordCount = 0;
+  session.sessionActive = false;
+  session.linkActive = false;
+  session.view.loggingLeft();
+  return true;
+}
+
+void tellPortProblem(Session& session, const PortProblem& problem) {
+  session.view.tell({.title = "Serial Port", .text = problem.message + "\r\n" + problem.detail, .icon = Icon::none});
+}
+
+}  // namespace kalmira

@@ -1,0 +1,142 @@
+#include "logging/keys.h"
+
+#include <cctype>
+
+namespace kalmira {
+namespace {
+
+// pauseKey of the settings.
+constexpr int kPauseAnyKey = 0;
+constexpr int kPauseSpace = 1;
+constexpr int kPauseEnter = 2;
+constexpr int kPauseS = 3;
+
+bool isMarkDigit(int keyCode) { return keyCode >= '1' && keyCode <= '9'; }
+bool isArrow(int keyCode) { return keyCode >= key::kLeft && keyCode <= key::kDown; }
+bool isTesk2(const Session& session) { return session.instrument.kind == Kind::tesk2; }
+int pauseKeyOf(const Session& session) { return indexOr(session.settings.pauseKey, 4, kPauseAnyKey); }
+
+void pressMarker(Session& session) {
+  if (session.link.markerKeyPending == 0) session.link.markerKeyPending = 1;
+}
+
+// State 0: what is left of the keys once a TESK2's row has been told from the others'.
+int letterWithoutFile(const Session& session, int letter) {
+  switch (letter) {
+    case 'C': return 0;
+    case 'N': return 2;
+    case 'M':
+    case 'X': return 4;
+    case 'U': return 1;
+    case 'A': return isTesk2(session) ? 1 : kNoCode;
+    case 'E': return isTesk2(session) ? 2 : kNoCode;
+    default: return kNoCode;
+  }
+}
+
+int letterStandingBy(int letter) {
+  switch (letter) {
+    case 'G': return 0;
+    case 'L': return 1;
+    case 'N': return 2;
+    case 'C': return 3;
+    case 'M': return 4;
+    case 'X': return 5;
+    default: return kNoCode;
+  }
+}
+
+// The numeric keypads' way to start: only while the focus is on the first button.
+int keypadStart(const Session& session, const Focus& focus, int keyCode) {
+  if (session.loggingState != kStandBy || focus.focusIndex != focus.firstFocusIndex) return kNoCode;
+  const int pauseKey = pauseKeyOf(session);
+  if (keyCode == '0') return pauseKey == kPauseSpace || pauseKey == kPauseS ? 0 : kNoCode;
+  if (keyCode == key::kMinus || keyCode == key::kPeriod) return pauseKey == kPauseSpace ? 0 : kNoCode;
+  return kNoCode;
+}
+
+// A TESK2 without a file has four buttons; the middle ones are menu commands and the last one leaves.
+int remapTesk2(const Session& session, int code) {
+  if (!isTesk2(session) || session.loggingState != kNoFile) return code;
+  switch (code) {
+    case 1: return kMenuCalibrate;
+    case 2: return kMenuDeleteCalibration;
+    case 3: return 1;
+    default: return code;
+  }
+}
+
+bool pauses(const Session& session, int keyCode) {
+  switch (pauseKeyOf(session)) {
+    case kPauseSpace: return keyCode == key::kMinus || keyCode == key::kPeriod || keyCode == '0';
+    case kPauseEnter: return keyCode == key::kEnter;
+    case kPauseS: return keyCode == '0';
+    default: return !(isTesk2(session) && isMarkDigit(keyCode));
+  }
+}
+
+bool focusMoves(const Session& session, const KeyContext& context) {
+  return isTesk2(session) && session.setup.wideLayout && context.keypadEntry;
+}
+
+int keyWhileLogging(Session& session, const KeyContext& context, int keyCode) {
+  const bool marks = context.digitsPlatform ? isMarkDigit(keyCode)
+                                            : isArrow(keyCode) && focusMoves(session, context);
+  if (marks) pressMarker(session);
+  return pauses(session, keyCode) ? 0 : kNoCode;
+}
+
+// The first key after a release only arms the movement; the next one moves.
+void moveFocus(Session& session, Focus& focus, int step) {
+  if (session.link.markerKeyPending == 0) {
+    session.link.markerKeyPending = 1;
+    return;
+  }
+  const int span = focus.buttonCount - focus.firstFocusIndex;
+  if (span <= 0) return;
+  focus.focusIndex = focus.firstFocusIndex + (focus.focusIndex - focus.firstFocusIndex + step + span) % span;
+}
+
+}  // namespace
+
+int codeOfButton(const Session& session, int index) {
+  // Every button of the Logging row pauses.
+  if (session.loggingState == kLogging) return 0;
+  return remapTesk2(session, index);
+}
+
+int codeOfKey(Session& session, Focus& focus, const KeyContext& context, int keyCode) {
+  if (!session.inputEnabled) return kNoCode;
+  if (session.loggingState == kLogging) return keyWhileLogging(session, context, keyCode);
+  if (keyCode == key::kEnter) return remapTesk2(session, focus.focusIndex);
+  if (focusMoves(session, context) && (isArrow(keyCode) || keyCode == key::kTab)) {
+    moveFocus(session, focus, keyCode == key::kLeft || keyCode == key::kUp ? -1 : 1);
+    return kNoCode;
+  }
+  if (isMarkDigit(keyCode)) {
+    if (context.keypadEntry) pressMarker(session);
+    return kNoCode;
+  }
+  if (const int start = keypadStart(session, focus, keyCode); start != kNoCode) return start;
+  const bool letter = (keyCode >= 'A' && keyCode <= 'Z') || (keyCode >= 'a' && keyCode <= 'z');
+  if (!letter) return kNoCode;
+  const int capital = std::toupper(keyCode);
+  return session.loggingState == kStandBy ? letterStandingBy(capital)
+                                          : remapTesk2(session, letterWithoutFile(session, capital));
+}
+
+void keyReleased(Session& session, const KeyContext& context, int keyCode) {
+  const bool marks = isArrow(keyCode) || isMarkDigit(keyCode);
+  if (session.inputEnabled && marks && context.keypadEntry && session.link.markerKeyPending == 1) {
+    session.link.markerKeyPending = 0;
+  }
+}
+
+int menuCommandOf(int menuIdentifier) {
+  if (menuIdentifier >= 1101 && menuIdentifier <= 1106) return menuIdentifier - 1000;
+  if (menuIdentifier == 1111) return kMenuCalibrate;
+  if (menuIdentifier == 1112) return kMenuDeleteCalibration;
+  return kNoCode;
+}
+
+}  // namespace kalmira

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "logging/session.h"
+
+// From keys to what they do in the logging window. Key numbers are the handheld's virtual key codes: letters
+// and digits by their ASCII codes (letters of either case), the rest below.
+namespace kalmira {
+
+namespace key {
+inline constexpr int kTab = 9;
+inline constexpr int kEnter = 13;
+inline constexpr int kLeft = 37;
+inline constexpr int kUp = 38;
+inline constexpr int kRight = 39;
+inline constexpr int kDown = 40;
+inline constexpr int kMinus = 189;
+inline constexpr int kPeriod = 190;
+}  // namespace key
+
+// The buttons of the present row, as the keyboard moves over them.
+struct Focus {
+  int focusIndex = 0;
+  int firstFocusIndex = 0;
+  int buttonCount = 2;
+};
+
+// What the window knows besides the session.
+struct KeyContext {
+  bool keypadEntry = false;    // the soft marker is on
+  bool digitsPlatform = false;  // a numeric keypad: digits mark, where elsewhere arrows do
+};
+
+// What a button or key asks for in state 0 (no file), Stand By and Logging: codes 0 to 5 of the window's rows,
+// for a TESK2 without a file also the menu commands 107 and 108.
+inline constexpr int kNoCode = -1;
+inline constexpr int kMenuCalibrate = 107;
+inline constexpr int kMenuDeleteCalibration = 108;
+
+// The code of button `index` of the present row.
+int codeOfButton(const Session& session, int index);
+// The code of a key press, or kNoCode. Moves the focus and sets the marker key where the key asks for that.
+int codeOfKey(Session& session, Focus& focus, const KeyContext& context, int keyCode);
+// A key was released.
+void keyReleased(Session& session, const KeyContext& context, int keyCode);
+
+// The command behind a menu identifier 1101 to 1112: 101 to 108; kNoCode for others.
+int menuCommandOf(int menuIdentifier);
+
+}  // namespace kalmira

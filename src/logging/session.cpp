@@ -1,0 +1,149 @@
+#include "logging/session.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <utility>
+
+#include "logging/watchdog.h"
+#include "platform/battery.h"
+
+namespace kalmira {
+namespace {
+
+constexpr std::uint32_t kBatteryPeriodMs = 180000;
+// How often the data file is looked after: its trouble must be known within a second.
+constexpr std::uint32_t kServicePeriodMs = 400;
+constexpr std::uint32_t kGlacoTimeoutMs = 2000;
+
+std::uint32_t watchPeriod(const Session& session) {
+  if (session.instrument.kind == Kind::glaco && session.surveyMode() != kModeWheel) return kGlacoTimeoutMs;
+  return std::max(1000U, static_cast<std::uint32_t>(readingsIntervalOf(session.settings) * 1000.0F));
+}
+
+void showFileTrouble(Session& session) {
+  const auto& problem = session.file.problem();
+  if (problem.empty() && !session.fileTrouble) return;
+  session.fileTrouble = !problem.empty();
+  session.view.show(PanelField::message, problem);
+}
+
+// "Please Wait..." has been answered: records come again.
+void endWaiting(Session& session) {
+  if (!session.pleaseWait || session.link.missedTicks != 0) return;
+  session.pleaseWait = false;
+  session.view.show(PanelField::message, "");
+}
+
+}  // namespace
+
+std::string_view panelFieldName(PanelField field) {
+  static constexpr std::array<std::string_view, kPanelFields> kNames{
+      "file",   "state",  "battery", "triggerMode", "stationLabel", "station",     "line",
+      "repeat", "mode",   "value1",  "value2",      "value3",       "value4",      "value5",
+      "value6", "range",  "marker",  "message",     "calibration",  "gpsActivity", "gpsCount",
+      "satellites", "fix", "pdop",   "gpsNote"};
+  return kNames[static_cast<std::size_t>(field)];
+}
+
+Session::Session(SessionSetup setupOfRun, Settings& settingsRecord, LinkState& linkState,
+                 const Clock& clockOfRun, Disk& diskOfRun, SessionView& viewOfRun,
+                 std::function<std::string(const Settings&)> save)
+    : setup(std::move(setupOfRun)),
+      instrument(instrumentOf(setup.kind)),
+      settings(settingsRecord),
+      link(linkState),
+      clock(clockOfRun),
+      disk(diskOfRun),
+      view(viewOfRun),
+      saveSettings(std::move(save)),
+      readBattery([] { return batteryPercent(); }) {
+  link.recordLength = instrument.instrumentLength;
+  link.recordPeriodMs = static_cast<float>(instrument.recordPeriodMs);
+}
+
+void takeSettings(Session& session) {
+  const auto& settings = session.settings;
+  const int mode = surveyModeOf(settings);
+  session.triggerMode = mode;
+  session.savedTriggerMode = mode;
+  session.samplesPerAverage = readingsCountOf(settings);
+  session.averageOnTrigger =
+      mode == kModeManual && session.samplesPerAverage >= 2 && session.instrument.kind != Kind::glaco;
+  session.readingsPerStation = readingsPerStationOf(session.instrument.kind, mode,
+                                                    settings.surveyListA, settings.surveyListB);
+  session.connectionTimeoutMs = watchPeriod(session);
+  session.iceOption =
+      session.instrument.kind == Kind::orla && session.setup.iceChosen && settings.iceDisplay == 1;
+}
+
+void takeRecordRates(Session& session) {
+  const auto rates = recordRates(readingsIntervalOf(session.settings), session.link.recordPeriodMs);
+  session.recordInterval = rates.recordsPerInterval;
+  session.ratePerSecond = rates.ratePerSecond;
+  session.beepInterval = session.surveyMode() == kModeAuto ? rates.ratePerSecond : 1;
+}
+
+bool orlaAltInphase(const Session& session) {
+  return session.instrument.kind == Kind::orla && session.settings.surveyListA == 1;
+}
+
+AsciiOptions asciiOptions(const Session& session) {
+  return {.teskRangeTimes10 = session.setup.teskRangeTimes10,
+          .orlaModelOption = session.settings.instrumentLength == 1,
+          .orlaAltInphase = orlaAltInphase(session),
+          .gpsLoggingMode = session.triggerMode};
+}
+
+std::string stationText(double station) { return fmt::format("{:<11.2f}", station); }
+
+void clearTraces(Session& session) { session.traceStarted.fill(0); }
+
+void showBattery(Session& session) {
+  const auto percent = session.readBattery();
+  session.view.show(PanelField::battery, percent ? fmt::format("{:>3}%", *percent) : std::string{});
+  session.lastBatteryTick = session.clock.tick();
+}
+
+void showBatteryWhenDue(Session& session) {
+  if (ticksSince(session.clock.tick(), session.lastBatteryTick) > kBatteryPeriodMs) showBattery(session);
+}
+
+void writeEvent(Session& session, std::string_view text) {
+  WriteNoteRecord(session.writer(), text, tag::kEvent);
+  ++session.counts.events;
+}
+
+void saveSettingsOrTell(Session& session) {
+  Settings saved = session.settings;
+  saved.calibrationFactors = session.factorsThatHold();
+  const auto problem = session.saveSettings(saved);
+  if (!problem.empty()) {
+    session.view.tell({.title = "WARNING",
+                       .text = problem + "\r\nThe settings hold for this session only.",
+                       .icon = Icon::exclamation});
+  }
+}
+
+void serviceSession(Session& session) {
+  if (session.file.isOpen()) {
+    session.file.service();
+    showFileTrouble(session);
+  }
+  endWaiting(session);
+  if (session.timer.running &&
+      ticksSince(session.clock.tick(), session.timer.since) >= session.connectionTimeoutMs) {
+    onTimer(session);
+  }
+}
+
+std::uint32_t msUntilService(const Session& session) {
+  std::uint32_t wait = kServicePeriodMs;
+  if (session.timer.running) {
+    const auto passed = ticksSince(session.clock.tick(), session.timer.since);
+    wait = std::min(wait, session.connectionTimeoutMs - std::min(passed, session.connectionTimeoutMs));
+  }
+  return wait;
+}
+
+}  // namespace kalmira

@@ -1,0 +1,194 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "datafile/creation.h"
+#include "datafile/data_file.h"
+#include "datafile/record_writers.h"
+#include "gps/held_sentences.h"
+#include "link/decode.h"
+#include "link/ice_model.h"
+#include "link/link_state.h"
+#include "link/session_ports.h"
+#include "logging/session_view.h"
+#include "platform/clock.h"
+#include "settings/settings.h"
+#include "shell/catalogue.h"
+
+namespace kalmira {
+
+// What was chosen when the program started and stays.
+struct SessionSetup {
+  Kind kind = Kind::orla;
+  bool iceChosen = false;         // ORLA started for ice work
+  bool teskRangeTimes10 = false;  // TESK: the instrument's ranges are ten times as large
+  int storageClass = kDefaultStorageClass;
+  std::filesystem::path root;
+  bool portrait = true;
+  bool smallScreen = false;
+  bool wideLayout = true;  // the panel spans the width: long texts with units
+};
+
+inline constexpr int kNoFile = 0;
+inline constexpr int kStandBy = -1;
+inline constexpr int kLogging = 1;
+
+// Samples being averaged in Manual mode. The sums live on across a pause.
+struct Averaging {
+  int sampleCount = 0;
+  float firstFieldSum = 0, secondFieldSum = 0;
+  float conductivitySum = 0, secondValueSum = 0;
+  std::array<float, kSlots> slotSums{};
+  float firstField = 0, secondField = 0;  // the last averages, as they go into the record
+  // TESK2: the four channel values, and the six raw words.
+  std::array<float, 4> channelSums{};
+  std::array<std::uint32_t, 6> wordSums{};
+};
+
+// The TESK2's calibration, see calibration.h.
+struct Calibration {
+  int calibrationPhase = 0;   // -1 while one runs
+  int calibrationActive = 0;  // 1 vertical stage, 2 horizontal stage and closing
+  int calibrationStep = 0;    // of the horizontal stage
+  std::uint32_t calibrationTick = 0;
+  int calibrationCount = 0;
+  // Sums, later averages, in the order inphase 1, inphase 2, conductivity 1, conductivity 2.
+  std::array<float, 4> vertical{};
+  std::array<float, 4> horizontal{};
+  std::array<float, 6> calibrationBackup{};
+  std::array<float, 6> deletedCalibration{};
+};
+
+// The watch timer: when it runs, the session wants onTimer called `period` milliseconds after `since`.
+struct WatchTimer {
+  bool running = false;
+  std::uint32_t since = 0;
+};
+
+// All run-time state of one logging session. Everything but `link` belongs to the session's thread.
+struct Session {
+  // Everything handed in outlives the session. `save` writes the settings file: an empty text, or why not.
+  Session(SessionSetup setupOfRun, Settings& settingsRecord, LinkState& linkState, const Clock& clockOfRun,
+          Disk& diskOfRun, SessionView& viewOfRun, std::function<std::string(const Settings&)> save);
+
+  const SessionSetup setup;
+  const Instrument& instrument;
+  Settings& settings;
+  LinkState& link;
+  const Clock& clock;
+  Disk& disk;
+  SessionView& view;
+  SessionPorts* ports = nullptr;  // set before the session begins
+  std::function<std::string(const Settings&)> saveSettings;
+  std::function<std::optional<int>()> readBattery;  // percent; the machine's own battery
+  DataFile file;
+
+  // Taken from the settings when the session begins, see takeSettings.
+  int triggerMode = kModeAuto;
+  int savedTriggerMode = kModeAuto;
+  int recordInterval = 1;  // instrument records per logged reading in Auto mode
+  int ratePerSecond = 1;
+  int beepInterval = 1;
+  bool averageOnTrigger = false;
+  int samplesPerAverage = 1;
+  int readingsPerStation = 1;
+  std::uint32_t connectionTimeoutMs = 1000;
+  bool iceOption = false;
+  IceModel iceModel;
+
+  int loggingState = kNoFile;
+  bool sessionActive = false;
+  bool linkActive = false;
+  bool linkLost = false;
+  bool inputEnabled = false;
+  WatchTimer timer;
+  std::uint32_t loggingStartTick = 0;
+
+  double station = 0;
+  int stationReadingCount = 0;
+  bool lineStarted = false;
+  int triggerLatch = 0;
+  int beepCounter = 0;
+  Averaging averaging;
+  Calibration calibration;
+  std::uint32_t lastBatteryTick = 0;
+
+  // The profile's own bookkeeping, which commands and the watchdog reset.
+  int chartPointCount = 0;
+  std::array<int, kProfilePoints> traceStarted{};
+
+  HeldSentences held;
+  bool readingLogged = false;
+  bool gpsHeldWritten = false;
+  int gpsRecordCount = 0;
+  bool gpsSpin = false;
+  bool fileTrouble = false;  // the message line says why records wait
+  bool pleaseWait = false;   // the message line asks to wait for the instrument
+
+  // What was recorded, for the closing summary.
+  struct Counts {
+    std::uint64_t readings = 0;
+    std::uint64_t gpsSentences = 0;
+    std::uint64_t events = 0;
+  } counts;
+
+  // The survey mode as set up; triggerMode follows it but for the samples of an average.
+  int surveyMode() const { return surveyModeOf(settings); }
+  bool gpsEnabled() const { return settings.gpsInput == 1; }
+  WriterContext writer() {
+    return {.file = file,
+            .settings = settings,
+            .instrument = instrument,
+            .clock = clock,
+            .iceOption = iceOption,
+            .storageClass = setup.storageClass,
+            .portrait = setup.portrait,
+            .calibrationFactors = factorsThatHold(),
+            .deletedCalibration = calibration.deletedCalibration};
+  }
+  // The settings' factors are zero while a calibration measures, and may be put back; files hold neither.
+  const std::array<float, 6>& factorsThatHold() const {
+    const bool measuring = calibration.calibrationPhase == -1 && calibration.calibrationStep != 3;
+    return measuring ? calibration.calibrationBackup : settings.calibrationFactors;
+  }
+};
+
+// Copies what a session takes from the settings and clears its counters: at the session's begin, and again
+// when the operator has changed the display options.
+void takeSettings(Session& session);
+
+// The kind's record period gives the rates; a TESK's period is known only after its probe.
+void takeRecordRates(Session& session);
+
+// The display setting of an ORLA is "inphase only".
+bool orlaAltInphase(const Session& session);
+
+AsciiOptions asciiOptions(const Session& session);
+
+// A number of the panel: "%-11.2f".
+std::string stationText(double station);
+
+void clearTraces(Session& session);
+
+// The handheld's own battery, now.
+void showBattery(Session& session);
+// The same, when the last display is more than three minutes old.
+void showBatteryWhenDue(Session& session);
+
+// An event record: "$STARTED", "$PAUSED", ...
+void writeEvent(Session& session, std::string_view text);
+
+// Saves the settings file and tells the operator when that failed.
+void saveSettingsOrTell(Session& session);
+
+// Looks after the data file (what waits is written, trouble and its end are shown) and calls the watchdog when
+// its period is over. Called whenever msUntilService says.
+void serviceSession(Session& session);
+std::uint32_t msUntilService(const Session& session);
+
+}  // namespace kalmira

@@ -1,0 +1,66 @@
+#pragma once
+
+#include <condition_variable>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+namespace kalmira {
+
+// The waiting message between threads: a sender's thread hands over a piece of work and waits until the
+// receiving thread has done it. So all handling runs on one thread, one piece at a time, while whoever sent
+// it leaves its data alone.
+class HandOver {
+ public:
+  using Work = std::function<void()>;
+
+  // `wake` is called on the sender's thread whenever work has been handed over; it must make the receiving
+  // thread call run() soon, and must not wait for it.
+  explicit HandOver(std::function<void()> wake) : wake_(std::move(wake)) {}
+  HandOver(const HandOver&) = delete;
+  HandOver& operator=(const HandOver&) = delete;
+
+  // Does everything that waits. Only on the receiving thread; may be called again from within work.
+  void run();
+
+  class Sender;
+
+ private:
+  // One sender's piece of work. Shared, because work may still be running after its sender was released and
+  // has gone.
+  struct Slot {
+    Work work;
+    bool done = false;
+    bool closed = false;
+    std::condition_variable changed;
+  };
+
+  std::function<void()> wake_;
+  std::mutex mutex_;  // guards the queue and all slots
+  std::vector<std::shared_ptr<Slot>> queue_;
+};
+
+// The sending end: one a thread. The HandOver must outlive it.
+class HandOver::Sender {
+ public:
+  explicit Sender(HandOver& handOver) : hand_over_(handOver), slot_(std::make_shared<Slot>()) {}
+  ~Sender() { close(); }
+  Sender(const Sender&) = delete;
+  Sender& operator=(const Sender&) = delete;
+
+  // Waits until the receiving thread has done `work` (true), or until the sender is closed (false: it was not
+  // done, or is still being done). `work` is copied and may outlive this call when the sender is closed, so
+  // it may refer only to what the receiving thread keeps alive. One thread at a time.
+  bool send(const Work& work);
+
+  // Releases a waiting send at once, drops work that was not begun, and makes later sends fail. From any
+  // thread, also from within the work of this very sender.
+  void close();
+
+ private:
+  HandOver& hand_over_;
+  std::shared_ptr<Slot> slot_;
+};
+
+}  // namespace kalmira

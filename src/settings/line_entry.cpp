@@ -1,0 +1,35 @@
+#include "settings/line_entry.h"
+
+#include <fmt/format.h>
+
+#include "platform/text.h"
+
+namespace kalmira {
+
+LineEntry proposeLine(const Settings& settings, double station) {
+  LineEntry entry;
+  const auto number = static_cast<float>(parseReal(settings.lineName)) + settings.lineIncrement;
+  entry.lineName = fmt::format("{:.2f}", number);
+  entry.lineIncrement = settings.lineIncrement;
+  entry.sequenceMode = indexOr(settings.sequenceMode, 2, kSequenceAlternate);
+  entry.direction = indexOr(settings.direction, 4, Settings{}.direction);
+  entry.startStation = settings.startStation;
+  entry.stationIncrement = settings.stationIncrement;
+  if (entry.sequenceMode == kSequenceAlternate) {
+    entry.startStation = station;
+    entry.stationIncrement = -settings.stationIncrement;
+    entry.direction = oppositeDirection(entry.direction);
+  }
+  return entry;
+}
+
+void takeLine(const LineEntry& entry, Settings& settings) {
+  settings.lineName = firstCharacters(entry.lineName, kLineNameCharacters);
+  settings.lineIncrement = entry.lineIncrement;
+  settings.sequenceMode = entry.sequenceMode;
+  settings.direction = entry.direction;
+  settings.startStation = entry.startStation;
+  settings.stationIncrement = entry.stationIncrement;
+}
+
+}  // namespace kalmira

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <string>
+
+#include "settings/settings.h"
+
+namespace kalmira {
+
+// The fields of the new line dialog.
+struct LineEntry {
+  std::string lineName;  // UTF-8
+  float lineIncrement = 0;
+  int sequenceMode = 0;
+  int direction = 0;
+  double startStation = 0;
+  float stationIncrement = 0;
+};
+
+inline constexpr int kSequenceAlternate = 0;
+inline constexpr int kSequenceOneWay = 1;
+
+// The opposite of West, South, North, East (0 to 3).
+constexpr int oppositeDirection(int direction) { return 3 - direction; }
+
+// The next line as the dialog proposes it, `station` being the last one: its number one line increment on and,
+// where lines are walked to and fro, back from there in the opposite direction.
+LineEntry proposeLine(const Settings& settings, double station);
+
+// Makes a confirmed entry the current line.
+void takeLine(const LineEntry& entry, Settings& settings);
+
+}  // namespace kalmira

@@ -1,0 +1,137 @@
+#include "shell/session_start.h"
+
+#include "logging/commands.h"
+#include "logging/panel.h"
+#include "logging/watchdog.h"
+
+namespace kalmira {
+namespace {
+
+constexpr std::uint32_t kReaderPauseMs = 50;
+
+// Positions are compared as they stand, although the marker list skips COM6.
+bool markerOnGpsPort(const Session& session) {
+  const auto& settings = session.settings;
+  return session.instrument.kind == Kind::tesk2 && settings.markerPortChoice >= 1 && session.gpsEnabled() &&
+         settings.markerPortChoice - 1 == settings.gpsPortIndex;
+}
+
+bool instrumentOnGpsPort(const Session& session) {
+  return session.gpsEnabled() && session.settings.instrumentPortIndex == session.settings.gpsPortIndex;
+}
+
+bool ownMarkerPort(const Session& session) {
+  const auto& settings = session.settings;
+  return session.instrument.kind == Kind::tesk2 && settings.markerPortChoice >= 1 &&
+         settings.markerPortChoice - 1 != settings.instrumentPortIndex;
+}
+
+void resetCounters(Session& session) {
+  takeSettings(session);
+  session.loggingState = kNoFile;
+  session.linkLost = false;
+  session.station = session.settings.startStation;
+  session.stationReadingCount = 0;
+  session.lineStarted = false;
+  session.triggerLatch = 0;
+  session.beepCounter = 0;
+  session.averaging = {};
+  session.held = {};
+  session.readingLogged = false;
+  session.gpsHeldWritten = false;
+  session.gpsRecordCount = 0;
+  session.counts = {};
+  session.chartPointCount = 0;
+  clearTraces(session);
+  session.link.recordCount = 0;
+  session.link.recordsPerReading = 1;
+  session.link.missedTicks = 0;
+  session.link.markerLineState = 0;
+  session.link.markerKeyPending = 0;
+  session.link.recordLength = session.instrument.instrumentLength;
+  session.link.recordPeriodMs = static_cast<float>(session.instrument.recordPeriodMs);
+}
+
+bool refuse(Session& session, const Message& message) {
+  session.view.tell(message);
+  session.sessionActive = false;
+  return false;
+}
+
+bool portsConflict(Session& session) {
+  if (!markerOnGpsPort(session) && !instrumentOnGpsPort(session)) return false;
+  refuse(session, {.title = "Serial Port", .text = "Same Port Assigned"});
+  return true;
+}
+
+// Opens the instrument's port and, for a TESK, hears what it sends.
+bool connectInstrument(Session& session) {
+  session.sessionActive = true;
+  if (const auto problem = session.ports->OpenInstrumentPort()) {
+    tellPortProblem(session, *problem);
+    session.sessionActive = false;
+    return false;
+  }
+  if (session.instrument.kind == Kind::tesk && !session.ports->ProbeTeskRecord()) {
+    session.ports->closeInstrumentPort();
+    return refuse(session, {.title = "Connection", .text = "Instrument OFF or Disconnected"});
+  }
+  return true;
+}
+
+void startReaders(Session& session) {
+  takeRecordRates(session);
+  session.loggingStartTick = session.clock.tick();
+  session.link.lastRecordTick = session.loggingStartTick;
+  session.ports->startInstrumentReader();
+  if (ownMarkerPort(session)) {
+    if (const auto problem = session.ports->OpenMarkerPort()) {
+      tellPortProblem(session, *problem);
+    } else {
+      session.ports->startMarkerReader();
+    }
+  }
+  session.clock.pause(kReaderPauseMs);
+  startTimer(session);
+  if (!session.gpsEnabled()) return;
+  if (const auto problem = session.ports->OpenGpsPort()) {
+    tellPortProblem(session, *problem);
+  } else {
+    session.ports->startGpsReader();
+  }
+}
+
+}  // namespace
+
+bool uptimeExceeded(const Clock& clock) { return clock.tick() > kLongestUptimeMs; }
+
+Message uptimeMessage() {
+  return {.title = "PROGRAM STOP",
+          .text =
+              "Windows has run for more than 20 days.\r\n"
+              "To assure accurate clock operation\r\n"
+              "please restart the system.\r\n"
+              "Press and hold On/Off key till blue screen\r\n"
+              "and \"Warm Reset Detected\" is displayed.",
+          .icon = Icon::exclamation};
+}
+
+StartOutcome startSession(Session& session) {
+  if (uptimeExceeded(session.clock)) {
+    session.view.tell(uptimeMessage());
+    return StartOutcome::uptimeExceeded;
+  }
+  resetCounters(session);
+  if (session.iceOption) {
+    LoadIceTable(indexOr(session.settings.seaWaterChoice, kSeaWaterCases, 0),
+                 session.settings.instrumentLength == 1, session.iceModel);
+  }
+  if (portsConflict(session) || !connectInstrument(session)) return StartOutcome::refused;
+  session.linkActive = true;
+  startReaders(session);
+  session.inputEnabled = true;
+  paintPanel(session);
+  return StartOutcome::started;
+}
+
+}  // namespace kalmira

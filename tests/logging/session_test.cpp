@@ -1,0 +1,336 @@
+#include <gmock/gmock.h>
+
+#include "logging/gps_handler.h"
+#include "logging/keys.h"
+#include "logging/watchdog.h"
+#include "support/session_fixture.h"
+
+namespace kalmira {
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::Not;
+
+// One watch period without a record.
+void silence(TestSession& test) {
+  test.clock.advance(test.session.connectionTimeoutMs + 1);
+  serviceSession(test.session);
+}
+
+TEST(SessionStart, OrderOfASilentTesk) {
+  TestSession test(Kind::tesk);
+  test.ports.teskAnswers = false;
+  EXPECT_EQ(startSession(test.session), StartOutcome::refused);
+  EXPECT_THAT(test.ports.calls, ElementsAre("open instrument", "probe", "close instrument"));
+  ASSERT_EQ(test.view.told.size(), 1U);
+  EXPECT_EQ(test.view.told[0].title, "Connection");
+  EXPECT_EQ(test.view.told[0].text, "Instrument OFF or Disconnected");
+  EXPECT_FALSE(test.session.sessionActive);
+}
+
+TEST(SessionStart, PortConflicts) {
+  TestSession gps(Kind::orla);
+  gps.settings.gpsInput = 1;
+  gps.settings.gpsPortIndex = 0;
+  EXPECT_EQ(startSession(gps.session), StartOutcome::refused);
+  EXPECT_EQ(gps.view.told.at(0).text, "Same Port Assigned");
+  EXPECT_TRUE(gps.ports.calls.empty());
+  gps.settings.gpsInput = 0;
+  EXPECT_EQ(startSession(gps.session), StartOutcome::started) << "GPS off: the same port is allowed";
+
+  TestSession marker(Kind::tesk2);
+  marker.settings.gpsInput = 1;
+  marker.settings.markerPortChoice = 2;  // COM2, as GPS
+  EXPECT_EQ(startSession(marker.session), StartOutcome::refused);
+  marker.settings.markerPortChoice = 1;  // on the instrument's own cable: no port, no thread
+  EXPECT_EQ(startSession(marker.session), StartOutcome::started);
+  EXPECT_THAT(marker.ports.calls, Not(Contains("open marker")));
+  marker.settings.markerPortChoice = 3;
+  EXPECT_EQ(startSession(marker.session), StartOutcome::started);
+  EXPECT_THAT(marker.ports.calls, Contains("read marker"));
+}
+
+TEST(SessionStart, UptimeGuard) {
+  TestSession test(Kind::orla);
+  test.clock.set(1728000000);
+  EXPECT_EQ(startSession(test.session), StartOutcome::started);
+  test.clock.set(1728000001);
+  EXPECT_EQ(startSession(test.session), StartOutcome::uptimeExceeded);
+  EXPECT_EQ(test.view.told.at(0).title, "PROGRAM STOP");
+  EXPECT_THAT(test.view.told[0].text, testing::EndsWith("\r\nand \"Warm Reset Detected\" is displayed."));
+}
+
+TEST(Session, OpeningRecordsAndPanel) {
+  TestSession test(Kind::orla);
+  test.settings.readingsInterval = 0.5F;
+  test.settings.lineName = "Über";
+  test.begin();
+  EXPECT_EQ(test.disk.content(),
+            "ORLA2   W230GRD0000   3\n"
+            "H 111510A    2.000     \n"
+            "L?ber                  \n"
+            "B       0.00           \n"
+            "AN            1.000    \n"
+            "Z15112026 10:13:07     \n"
+            "*10:13:07.250    100050\n");
+  EXPECT_EQ(test.view.texts[PanelField::file], "File:111510A");
+  EXPECT_EQ(test.view.texts[PanelField::state], "Stand By");
+  EXPECT_EQ(test.view.texts[PanelField::line], "Über");
+  EXPECT_EQ(test.view.texts[PanelField::station], "0.00       ");
+  EXPECT_EQ(test.view.texts[PanelField::gpsNote], "GPS  Input  disabled");
+}
+
+TEST(Session, CommandsWriteTheirRecordsInOrder) {
+  TestSession test(Kind::orla);
+  test.settings.direction = 2;
+  test.settings.stationIncrement = 2.5F;
+  test.settings.modeIncrement[0] = 2.5F;
+  test.begin();
+  startRecording(test.session);
+  EXPECT_EQ(test.link.recordsPerReading, 11);
+  pauseRecording(test.session);
+  EXPECT_EQ(test.link.recordsPerReading, 1);
+  test.session.station = 50.0;
+  newLine(test.session, proposeLine(test.settings, test.session.station));
+  newStation(test.session, -3.25);
+  addComment(test.session, "fence at the north end");
+  EXPECT_THAT(test.records(),
+              ElementsAre("X$STARTED        100050", "X$PAUSED         100050", "L2.00                  ",
+                          "B      50.00           ", "AS           -2.500    ", "Z15112026 10:13:07     ",
+                          "*10:13:07.250    100050", "S      -3.25 10130725  ", "*10:13:07.250    100050",
+                          "Cfence at th     100050"));
+  EXPECT_EQ(test.session.station, -3.25);
+  EXPECT_EQ(test.saved.size(), 1U);
+}
+
+TEST(Session, LeavingAsksAndClosesEverything) {
+  TestSession test(Kind::orla);
+  test.settings.gpsInput = 1;
+  test.begin();
+  test.view.answer = false;
+  EXPECT_FALSE(LeaveLogging(test.session, false));
+  EXPECT_TRUE(test.session.file.isOpen());
+  test.view.answer = true;
+  test.ports.calls.clear();
+  EXPECT_TRUE(LeaveLogging(test.session, false));
+  EXPECT_EQ(test.view.questions.back().text, "Exit Logging?");
+  EXPECT_THAT(test.ports.calls, ElementsAre("close gps", "close marker", "close instrument"));
+  EXPECT_FALSE(test.session.file.isOpen());
+  EXPECT_EQ(test.session.loggingState, kNoFile);
+}
+
+TEST(Session, RecordsOfAFullDiskReachTheOperatorInAFileOfTheirOwn) {
+  TestSession test(Kind::orla);
+  test.begin();
+  startRecording(test.session);
+  test.disk.setRoom(test.opening + 30);
+  test.record("T -0100-0400");
+  test.record("T -0200-0400");
+  serviceSession(test.session);
+  EXPECT_EQ(test.view.texts[PanelField::message], "Disk full");
+  EXPECT_EQ(test.records().size(), 1U) << "no torn record";
+  test.disk.setRoom(1 << 20);
+  serviceSession(test.session);
+  EXPECT_EQ(test.view.texts[PanelField::message], "");
+  EXPECT_THAT(test.readings(), ElementsAre("T -0100-0400", "T -0200-0400"));
+
+  test.disk.setRoom(0);
+  test.record("T -0300-0400");
+  LeaveLogging(test.session, true);
+  EXPECT_THAT(test.view.told.at(0).text, testing::HasSubstr("111510A.DAT.REST"));
+  EXPECT_EQ(readFile(test.folder.path() / "111510A.DAT.REST"), "T -0300-0400     100050\n");
+}
+
+TEST(Watchdog, AsksAtTheSixthSilentPeriodAndGoesOn) {
+  TestSession test(Kind::orla);
+  test.begin();
+  for (int i = 0; i < 5; ++i) silence(test);
+  EXPECT_TRUE(test.view.questions.empty());
+  EXPECT_EQ(test.view.texts[PanelField::message], "Please Wait...");
+  EXPECT_THAT(test.records(), ElementsAre("X$CONN BREAK     101051")) << "once a break";
+  silence(test);
+  ASSERT_EQ(test.view.questions.size(), 1U);
+  EXPECT_EQ(test.view.questions[0].title, "No Connection/Instrument OFF");
+  EXPECT_EQ(test.view.questions[0].text,
+            "Fix the problem and\r\npress YES to try.\r\nPress NO to exit Logging Mode.\r\n");
+  EXPECT_TRUE(test.session.linkActive);
+  EXPECT_EQ(test.link.missedTicks, 0);
+  EXPECT_EQ(test.ports.calls.back(), "read instrument");
+  silence(test);
+  EXPECT_EQ(test.records().size(), 2U) << "another break";
+}
+
+TEST(Watchdog, RecordWithinFivePeriodsResumesWithoutAQuestion) {
+  TestSession test(Kind::orla);
+  test.begin();
+  test.ports.gone = true;
+  for (int i = 0; i < 5; ++i) silence(test);
+  EXPECT_EQ(std::count(test.ports.calls.begin(), test.ports.calls.end(), "reopen instrument"), 5);
+  test.record("T -0100-0400");
+  serviceSession(test.session);
+  EXPECT_EQ(test.view.texts[PanelField::message], "");
+  for (int i = 0; i < 5; ++i) silence(test);
+  EXPECT_TRUE(test.view.questions.empty());
+}
+
+TEST(Watchdog, NoEndsTheSessionWithItsRecord) {
+  TestSession test(Kind::vardo);
+  test.begin();
+  startRecording(test.session);
+  test.view.answer = false;
+  for (int i = 0; i < 6; ++i) silence(test);
+  EXPECT_EQ(test.view.questions.at(0).title, "VARDO Battery Save Mode");
+  EXPECT_TRUE(test.view.left);
+  EXPECT_EQ(test.view.dialogsClosed, 1);
+  EXPECT_FALSE(test.session.timer.running);
+  EXPECT_THAT(test.disk.content(), testing::EndsWith("X$CONN END       106056\n"));
+}
+
+TEST(Watchdog, PeriodsOfTheKinds) {
+  TestSession glaco(Kind::glaco);
+  takeSettings(glaco.session);
+  EXPECT_EQ(glaco.session.connectionTimeoutMs, 2000U);
+  glaco.settings.surveyMode = kModeWheel;
+  glaco.settings.readingsInterval = 3.0F;
+  takeSettings(glaco.session);
+  EXPECT_EQ(glaco.session.connectionTimeoutMs, 3000U);
+  TestSession orla(Kind::orla);
+  for (const float interval : {0.1F, 0.0F, -5.0F, 1e38F, std::numeric_limits<float>::quiet_NaN()}) {
+    orla.settings.readingsInterval = interval;
+    takeSettings(orla.session);
+    takeRecordRates(orla.session);
+    EXPECT_GE(orla.session.connectionTimeoutMs, 1000U);
+    EXPECT_GE(orla.session.recordInterval, 1);
+  }
+}
+
+std::string withChecksum(std::string text) {
+  unsigned sum = 0;
+  for (const char c : text.substr(1)) sum ^= static_cast<unsigned char>(c);
+  constexpr std::string_view kHex = "0123456789ABCDEF";
+  return text + '*' + kHex[sum / 16] + kHex[sum % 16];
+}
+
+GpsLine gga(const std::string& time) {
+  return {.text = withChecksum("$GPGGA," + time + ",4807.038,N,01131.000,E,4,08,0.9,5.4,M,46.9,M,,"), .tick = 77};
+}
+
+TEST(GpsHandler, AutoModeWritesEachLineAsItComes) {
+  TestSession test(Kind::orla);
+  test.settings.gpsInput = 1;
+  test.begin();
+  OnGpsLine(test.session, gga("100000"));
+  EXPECT_TRUE(test.records().empty()) << "not recording";
+  EXPECT_EQ(test.view.texts[PanelField::gpsActivity], "/");
+  startRecording(test.session);
+  OnGpsLine(test.session, gga("100001"));
+  OnGpsLine(test.session, {.text = "$GPGGA,100002*00", .tick = 78});
+  EXPECT_EQ(test.view.texts[PanelField::fix], "CODE");
+  EXPECT_EQ(test.view.texts[PanelField::satellites], "??");
+  EXPECT_EQ(test.view.texts[PanelField::gpsCount], "1    ");
+  EXPECT_THAT(test.records(),
+              ElementsAre("X$STARTED        100050", "@$GPGGA,100001,4807.038", "#,N,01131.000,E,4,08,0.9",
+                          "#,5.4,M,46.9,M,,*4F    ", "!                    77", "?$GPGGA,100002*00      ",
+                          "\"$GPGGA,100002*00      ", "!                    78"));
+}
+
+TEST(GpsHandler, ManualModeTiesOnePositionToEachReading) {
+  TestSession test(Kind::orla);
+  test.settings.gpsInput = 1;
+  test.settings.surveyMode = kModeManual;
+  test.begin();
+  startRecording(test.session);
+  const auto press = [&test] {
+    test.record("T`-0100-0400");
+    test.record("T -0100-0400");
+  };
+  const auto tags = [&test] {
+    std::string out;
+    for (const auto& item : test.records()) out += item[0];
+    return out;
+  };
+  for (const auto* time : {"1", "2", "3"}) OnGpsLine(test.session, gga(time));
+  OnGpsLine(test.session, {.text = withChecksum("$GPGSA,A,3,1,,,,,,,,,,,,,1.8,1,1"), .tick = 79});
+  press();  // the first reading brings the held sentences with it
+  EXPECT_EQ(tags(), "X@###!@#!T");
+  OnGpsLine(test.session, gga("4"));
+  EXPECT_EQ(tags(), "X@###!@#!T") << "no second position for the same reading";
+  press();
+  EXPECT_EQ(tags(), "X@###!@#!TT") << "the held one came before this reading, the next line ties it";
+  OnGpsLine(test.session, {.text = "$GPGGA,bad*00", .tick = 1});
+  OnGpsLine(test.session, gga("5"));
+  EXPECT_EQ(tags(), "X@###!@#!TT@###!");
+  EXPECT_EQ(test.session.gpsRecordCount, 2);
+}
+
+struct KeyCase {
+  int key;
+  int noFile, standBy, logging;
+};
+
+TEST(Keys, CodesOfEveryState) {
+  const std::vector<KeyCase> cases{
+      {'C', 0, 3, 0},      {'g', kNoCode, 0, 0},       {'L', kNoCode, 1, 0}, {'n', 2, 2, 0},
+      {'M', 4, 4, 0},      {'X', 4, 5, 0},             {'u', 1, kNoCode, 0}, {'A', kNoCode, kNoCode, 0},
+      {'E', kNoCode, kNoCode, 0}, {'B', kNoCode, kNoCode, 0}, {'0', kNoCode, kNoCode, 0}, {13, 0, 0, 0},
+  };
+  TestSession test(Kind::orla);
+  test.session.inputEnabled = true;
+  for (const auto& item : cases) {
+    SCOPED_TRACE(item.key);
+    for (const auto& [state, code] : {std::pair{kNoFile, item.noFile}, std::pair{kStandBy, item.standBy},
+                                      std::pair{kLogging, item.logging}}) {
+      test.session.loggingState = state;
+      Focus focus;
+      EXPECT_EQ(codeOfKey(test.session, focus, {}, item.key), code) << "state " << state;
+    }
+  }
+  test.session.inputEnabled = false;
+  Focus focus;
+  EXPECT_EQ(codeOfKey(test.session, focus, {}, 'C'), kNoCode);
+}
+
+TEST(Keys, PauseKeysAndTesk2) {
+  TestSession test(Kind::tesk2);
+  auto& session = test.session;
+  session.inputEnabled = true;
+  Focus focus;
+  EXPECT_EQ(codeOfButton(session, 1), kMenuCalibrate);
+  EXPECT_EQ(codeOfButton(session, 2), kMenuDeleteCalibration);
+  EXPECT_EQ(codeOfButton(session, 3), 1);
+  EXPECT_EQ(codeOfKey(session, focus, {}, 'A'), kMenuCalibrate);
+  EXPECT_EQ(codeOfKey(session, focus, {}, 'e'), kMenuDeleteCalibration);
+
+  session.loggingState = kLogging;
+  EXPECT_EQ(codeOfButton(session, 5), 0);
+  const std::vector<std::pair<int, std::string>> pauses{
+      {0, "0AG\r"}, {1, "0\xBD\xBE"}, {2, "\r"}, {3, "0"}};  // 0xBD and 0xBE: key codes 189 and 190
+  for (const auto& [pauseKey, keys] : pauses) {
+    test.settings.pauseKey = pauseKey;
+    for (const char keyCode : std::string("0AG5\r\xBD\xBE")) {
+      const int code = codeOfKey(session, focus, {}, static_cast<unsigned char>(keyCode));
+      const bool any = pauseKey == 0 && keyCode != '5';
+      EXPECT_EQ(code == 0, any || keys.find(keyCode) != std::string::npos) << pauseKey << ' ' << keyCode;
+    }
+  }
+  const KeyContext digits{.keypadEntry = true, .digitsPlatform = true};
+  codeOfKey(session, focus, digits, '5');
+  EXPECT_EQ(test.link.markerKeyPending, 1);
+  keyReleased(session, digits, '5');
+  EXPECT_EQ(test.link.markerKeyPending, 0);
+
+  session.loggingState = kStandBy;
+  focus = {.focusIndex = 0, .firstFocusIndex = 0, .buttonCount = 6};
+  codeOfKey(session, focus, digits, key::kLeft);
+  EXPECT_EQ(focus.focusIndex, 0) << "the first key only arms";
+  codeOfKey(session, focus, digits, key::kLeft);
+  EXPECT_EQ(focus.focusIndex, 5);
+  EXPECT_EQ(codeOfKey(session, focus, digits, key::kEnter), 5);
+  EXPECT_EQ(menuCommandOf(1112), kMenuDeleteCalibration);
+  EXPECT_EQ(menuCommandOf(1106), 106);
+  EXPECT_EQ(menuCommandOf(1107), kNoCode);
+}
+
+}  // namespace
+}  // namespace kalmira

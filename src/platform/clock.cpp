@@ -23,7 +23,9 @@ std::uint64_t uptimeMs() {
 
 SystemClock::SystemClock(TickBase base) : origin_ms_(base == TickBase::program ? uptimeMs() : 0) {}
 
-std::uint32_t SystemClock::tick() const { return static_cast<std::uint32_t>(uptimeMs() - origin_ms_); }
+std::uint32_t SystemClock::tick() const {
+  return static_cast<std::uint32_t>(uptimeMs() - origin_ms_);
+}
 
 LocalTime SystemClock::localTime() const {
   using namespace std::chrono;

@@ -11,7 +11,9 @@
 namespace kalmira {
 namespace {
 
-std::string errorText(int error) { return std::generic_category().message(error); }
+std::string errorText(int error) {
+  return std::generic_category().message(error);
+}
 
 // Writes all of `content`; returns 0 or the error number.
 int writeAll(int fd, std::string_view content) {

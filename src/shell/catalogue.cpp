@@ -1,9 +1,9 @@
 #include "shell/catalogue.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <cctype>
-
-#include "platform/text.h"
 
 namespace kalmira {
 namespace {
@@ -175,9 +175,8 @@ std::string_view storeName(const Instrument& instrument, int storageClass) {
 }
 
 bool equalIgnoringCase(std::string_view a, std::string_view b) {
-  return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](unsigned char x, unsigned char y) {
-    return std::toupper(x) == std::toupper(y);
-  });
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                    [](unsigned char x, unsigned char y) { return std::toupper(x) == std::toupper(y); });
 }
 
 }  // namespace
@@ -187,7 +186,9 @@ const Instrument* findInstrument(int kindIndex) {
   return &kCatalogue[static_cast<std::size_t>(kindIndex)];
 }
 
-const Instrument& instrumentOf(Kind kind) { return kCatalogue[static_cast<std::size_t>(kind)]; }
+const Instrument& instrumentOf(Kind kind) {
+  return kCatalogue[static_cast<std::size_t>(kind)];
+}
 
 const Instrument* findInstrumentByName(std::string_view nameOrIndex) {
   if (nameOrIndex.size() == 1 && nameOrIndex[0] >= '0' && nameOrIndex[0] <= '7') {
@@ -200,37 +201,41 @@ const Instrument* findInstrumentByName(std::string_view nameOrIndex) {
 }
 
 std::string settingsFolder(Kind kind, int storageClass) {
-  return std::string(storeName(instrumentOf(kind), storageClass)) + "\\KALINI";
+  return fmt::format("{}\\KALINI", storeName(instrumentOf(kind), storageClass));
 }
 
 std::string settingsPath(Kind kind, bool iceOption, int storageClass) {
   const auto& instrument = instrumentOf(kind);
   const bool iceFile = kind == Kind::orla && iceOption;
-  return settingsFolder(kind, storageClass) + "\\" +
-         std::string(iceFile ? kIceSettingsFile : instrument.settingsFile);
+  return fmt::format("{}\\{}", settingsFolder(kind, storageClass),
+                     iceFile ? kIceSettingsFile : instrument.settingsFile);
 }
 
 std::string dataFolder(Kind kind, int storageClass) {
   const auto& instrument = instrumentOf(kind);
   const auto store = storeName(instrument, storageClass);
-  if (!store.empty()) return std::string(store) + "\\" + std::string(instrument.dataFolder);
-  if (instrument.documentsFolder.empty()) return "Storage\\" + std::string(instrument.dataFolder);
-  return "My Documents\\" + std::string(instrument.documentsFolder);
+  if (!store.empty()) return fmt::format("{}\\{}", store, instrument.dataFolder);
+  if (instrument.documentsFolder.empty()) return fmt::format("Storage\\{}", instrument.dataFolder);
+  return fmt::format("My Documents\\{}", instrument.documentsFolder);
 }
 
-std::string dataFolderPrefix(Kind kind, int storageClass) { return dataFolder(kind, storageClass) + "\\"; }
+std::string dataFolderPrefix(Kind kind, int storageClass) {
+  return fmt::format("{}\\", dataFolder(kind, storageClass));
+}
 
 std::string dataFolderForDialog(Kind kind, int storageClass) {
   const auto prefix = dataFolderPrefix(kind, storageClass);
-  return prefix.starts_with("C_DRIVE") ? prefix : "\\" + prefix;
+  return prefix.starts_with("C_DRIVE") ? prefix : fmt::format("\\{}", prefix);
 }
 
-std::string filterPattern(Kind kind) { return "*" + std::string(instrumentOf(kind).extension); }
+std::string filterPattern(Kind kind) {
+  return "*" + std::string(instrumentOf(kind).extension);
+}
 
 std::string headerTag(Kind kind, bool shortInstrument, bool gps) {
   const auto& instrument = instrumentOf(kind);
   const auto model = kind == Kind::orla && shortInstrument ? kShortOrlaTag : instrument.modelTag;
-  return textField(model, 8) + std::string(instrument.programVersion) + (gps ? "GPS" : "GRD");
+  return fmt::format("{:<8}{}{}", model, instrument.programVersion, gps ? "GPS" : "GRD");
 }
 
 const Instrument* findInstrumentByHeader(std::string_view header1) {

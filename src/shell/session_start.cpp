@@ -103,7 +103,9 @@ void startReaders(Session& session) {
 
 }  // namespace
 
-bool uptimeExceeded(const Clock& clock) { return clock.tick() > kLongestUptimeMs; }
+bool uptimeExceeded(const Clock& clock) {
+  return clock.tick() > kLongestUptimeMs;
+}
 
 Message uptimeMessage() {
   return {.title = "PROGRAM STOP",

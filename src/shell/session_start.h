@@ -19,9 +19,9 @@ enum class StartOutcome {
   refused,         // the operator was told why; nothing was left open
 };
 
-// Begins a logging session: checks the ports against each other, opens them, finds out a TESK's record length,
-// starts the readers and the watch timer, paints the panel. A GPS or marker port that cannot be opened is told
-// and the session goes on without it. Called on the session's thread with session.ports set.
+// Begins a logging session: checks the ports against each other, opens them, finds out a TESK's record
+// length, starts the readers and the watch timer, paints the panel. A GPS or marker port that cannot be
+// opened is told and the session goes on without it. Called on the session's thread with session.ports set.
 StartOutcome startSession(Session& session);
 
 }  // namespace kalmira

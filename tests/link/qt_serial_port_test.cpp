@@ -1,0 +1,230 @@
+#include "link/qt_serial_port.h"
+
+#include <fmt/format.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/file.h>
+#include <sys/ioctl.h>
+#include <sys/wait.h>
+#include <termios.h>
+
+#include <QtCore/QCoreApplication>
+#include <chrono>
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <semaphore>
+
+#include "link/port_thread.h"
+#include "link/pty.h"
+
+namespace kalmira {
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::steady_clock;
+using testing::HasSubstr;
+namespace fs = std::filesystem;
+
+// A device file that other programs' lock file stands for, removed again.
+class LockFile {
+ public:
+  LockFile(const std::string& device, const std::string& content)
+      : path_("/var/lock/LCK..pts_" + fs::path(device).filename().string()) {
+    std::ofstream(path_) << content;
+  }
+  ~LockFile() {
+    std::error_code ignored;
+    fs::remove(path_, ignored);
+  }
+  LockFile(const LockFile&) = delete;
+  LockFile& operator=(const LockFile&) = delete;
+
+ private:
+  fs::path path_;
+};
+
+struct QtSerialPortTest : testing::Test {
+  int argc = 1;
+  char name[5] = "test";
+  char* argv[2] = {name, nullptr};
+  QCoreApplication application{argc, argv};
+  Pty pty;
+  std::unique_ptr<Port> port = makeQtSerialPort();
+
+  std::string read(int timeoutMs) {
+    std::array<std::uint8_t, 64> buffer{};
+    const ReadResult result = port->read(buffer, timeoutMs);
+    if (result.gone) return "gone";
+    return {buffer.begin(), buffer.begin() + static_cast<std::ptrdiff_t>(result.count)};
+  }
+  std::string textOf(const std::optional<PortError>& error, PortErrorKind kind) {
+    if (!error) return "opened";
+    EXPECT_EQ(error->kind, kind);
+    return error->text;
+  }
+};
+
+TEST_F(QtSerialPortTest, TakesAPseudoTerminalForASerialPort) {
+  ASSERT_FALSE(port->open(pty.name, instrumentLine(Kind::tesk2)));
+  termios line{};
+  ASSERT_EQ(tcgetattr(pty.master(), &line), 0);
+  EXPECT_EQ(cfgetospeed(&line), static_cast<speed_t>(B19200));
+  EXPECT_EQ(line.c_iflag & (IXON | IXOFF | ICRNL), 0U);
+  EXPECT_EQ(read(10), "");
+  ASSERT_TRUE(pty.send("a\r\n\x11\xff"));
+  EXPECT_EQ(read(1000), "a\r\n\x11\xff");
+  EXPECT_EQ(port->modemStatus(), 0U);
+  const std::array<std::uint8_t, 3> bytes{'x', '\n', 'y'};
+  EXPECT_TRUE(port->write(bytes, 1000));
+  EXPECT_EQ(pty.receive(), "x\ny");
+  ASSERT_TRUE(pty.send("old"));
+  port->purge();
+  ASSERT_TRUE(pty.send("new"));
+  EXPECT_EQ(read(1000), "new");
+}
+
+TEST_F(QtSerialPortTest, WhatIsNotGivenStaysAsItWas) {
+  termios line{};
+  ASSERT_EQ(tcgetattr(pty.master(), &line), 0);
+  cfsetspeed(&line, B57600);
+  line.c_cflag |= CSTOPB;
+  ASSERT_EQ(tcsetattr(pty.master(), TCSANOW, &line), 0);
+  ASSERT_FALSE(port->open(pty.name, {.xonXoff = true}));
+  ASSERT_EQ(tcgetattr(pty.master(), &line), 0);
+  EXPECT_EQ(cfgetospeed(&line), static_cast<speed_t>(B57600));
+  EXPECT_NE(line.c_cflag & CSTOPB, 0U);
+  EXPECT_EQ(line.c_iflag & (IXON | IXOFF), static_cast<tcflag_t>(IXON | IXOFF));
+}
+
+TEST_F(QtSerialPortTest, PulledCableIsNoticedAtOnceAndStays) {
+  ASSERT_FALSE(port->open(pty.name, instrumentLine(Kind::orla)));
+  pty.unplug();
+  const auto start = steady_clock::now();
+  EXPECT_EQ(read(5000), "gone");
+  EXPECT_EQ(read(5000), "gone");
+  EXPECT_LT(steady_clock::now() - start, milliseconds(1000));
+}
+
+TEST_F(QtSerialPortTest, DeviceIsOursAloneUnderAllItsNames) {
+  ASSERT_FALSE(port->open(pty.name, instrumentLine(Kind::orla)));
+  const fs::path link = fs::path(testing::TempDir()) / "kalmira_by_id";
+  fs::remove(link);
+  fs::create_symlink(pty.name, link);
+  const auto second = makeQtSerialPort();
+  EXPECT_EQ(textOf(second->open(link, instrumentLine(Kind::orla)), PortErrorKind::held),
+            fmt::format("{} is held by qt_serial_port_ (process {}): end that program", pty.name, getpid()));
+  // What other programs look at.
+  const int other = ::open(pty.name.c_str(), O_RDWR | O_NOCTTY);
+  EXPECT_NE(flock(other, LOCK_EX | LOCK_NB), 0);
+  ::close(other);
+  port->close();
+  EXPECT_FALSE(second->open(link, instrumentLine(Kind::orla)));
+  fs::remove(link);
+}
+
+TEST_F(QtSerialPortTest, LockFilesCountWhileTheirProgramRuns) {
+  {
+    const LockFile lock(pty.name, fmt::format("{:10}\n", getppid()));
+    EXPECT_THAT(textOf(port->open(pty.name, instrumentLine(Kind::orla)), PortErrorKind::held),
+                HasSubstr(fmt::format("(process {})", getppid())));
+  }
+  constexpr int kNoProcess = 0x3fffffff;
+  for (const char* format : {"{:10}\n", "{}\nlogger\n\n\n\n"}) {
+    const LockFile lock(pty.name, fmt::format(fmt::runtime(format), kNoProcess));
+    EXPECT_EQ(textOf(port->open(pty.name, instrumentLine(Kind::orla)), PortErrorKind::held), "opened");
+    port->close();
+  }
+}
+
+TEST_F(QtSerialPortTest, KilledProgramLeavesNothingBehind) {
+  int ready[2];
+  ASSERT_EQ(pipe(ready), 0);
+  const pid_t child = fork();
+  if (child == 0) {
+    const char opened = makeQtSerialPort()->open(pty.name, instrumentLine(Kind::orla)) ? 'n' : 'y';
+    const auto held = makeQtSerialPort();
+    const char answer = opened == 'y' && !held->open(pty.name, instrumentLine(Kind::orla)) ? 'y' : 'n';
+    if (::write(ready[1], &answer, 1) == 1) pause();
+    _exit(1);
+  }
+  char answer = 0;
+  ASSERT_EQ(::read(ready[0], &answer, 1), 1);
+  EXPECT_EQ(answer, 'y');
+  EXPECT_THAT(textOf(port->open(pty.name, instrumentLine(Kind::orla)), PortErrorKind::held),
+              HasSubstr(fmt::format("(process {})", child)));
+  kill(child, SIGKILL);
+  waitpid(child, nullptr, 0);
+  int exclusive = -1;
+  const int other = ::open(pty.name.c_str(), O_RDWR | O_NOCTTY);
+  EXPECT_EQ(ioctl(other, TIOCGEXCL, &exclusive), 0);
+  EXPECT_EQ(exclusive, 0);
+  ::close(other);
+  EXPECT_EQ(textOf(port->open(pty.name, instrumentLine(Kind::orla)), PortErrorKind::held), "opened");
+  ::close(ready[0]);
+  ::close(ready[1]);
+}
+
+TEST_F(QtSerialPortTest, WhatIsNoSerialPortIsNamed) {
+  const fs::path file = fs::path(testing::TempDir()) / "kalmira_no_port";
+  std::ofstream(file) << "text";
+  struct Case {
+    std::string device;
+    PortErrorKind kind;
+    std::string text;
+  };
+  const Case cases[] = {
+      {"/dev/ttyNONE7", PortErrorKind::missing,
+       "There is no device /dev/ttyNONE7: check the cable and the port"},
+      {file, PortErrorKind::notSerial, file.string() + " is a file, not a serial port"},
+      {"/dev", PortErrorKind::notSerial, "/dev is a folder, not a serial port"},
+      {"/dev/null", PortErrorKind::notSerial, "/dev/null is a file, not a serial port"},
+  };
+  for (const Case& testCase : cases) {
+    EXPECT_EQ(textOf(port->open(testCase.device, instrumentLine(Kind::orla)), testCase.kind), testCase.text);
+  }
+  fs::remove(file);
+}
+
+TEST_F(QtSerialPortTest, PortThreadReadsThroughUnplugAndReplug) {
+  std::counting_semaphore<> woken{0};
+  HandOver handOver([&] { woken.release(); });
+  const fs::path link = fs::path(testing::TempDir()) / "kalmira_replugged";
+  fs::remove(link);
+  fs::create_symlink(pty.name, link);
+  std::string received;
+  PortThread thread(makeQtSerialPort, handOver);
+  ASSERT_FALSE(thread.open(link, instrumentLine(Kind::orla)));
+  thread.start([&](const PortThread::Context& context) {
+    std::array<std::uint8_t, 64> buffer{};
+    while (!context.stop) {
+      const ReadResult result = context.port.read(buffer, kReadSliceMs);
+      if (result.gone) return ReaderEnd::gone;
+      if (result.count > 0) {
+        context.sender.send([&] { received.append(buffer.begin(), buffer.begin() + result.count); });
+      }
+    }
+    return ReaderEnd::stopped;
+  });
+  ASSERT_TRUE(pty.send("before"));
+  woken.acquire();
+  handOver.run();
+  pty.unplug();
+  while (!thread.gone()) std::this_thread::yield();
+  const Pty again;
+  fs::remove(link);
+  fs::create_symlink(again.name, link);
+  thread.reopen();
+  while (thread.gone()) std::this_thread::yield();
+  ASSERT_TRUE(again.send(" after"));
+  woken.acquire();
+  handOver.run();
+  const auto start = steady_clock::now();
+  thread.close();
+  EXPECT_LT(steady_clock::now() - start, milliseconds(200));
+  EXPECT_EQ(received, "before after");
+  fs::remove(link);
+}
+
+}  // namespace
+}  // namespace kalmira

@@ -46,8 +46,8 @@ struct CreateOutcome {
 };
 
 // Proposes a name, lets `choose` confirm or change it, creates that file, writes header, line block and time
-// mark, closes it and opens it again at its end. When a file of the chosen name exists, `warnExists` is called and
-// the proposal starts anew; an existing file is never touched.
+// mark, closes it and opens it again at its end. When a file of the chosen name exists, `warnExists` is
+// called and the proposal starts anew; an existing file is never touched.
 CreateOutcome CreateDataFile(const DataPlace& place, const WriterContext& context, Disk& disk,
                              const ChooseDataFile& choose, const std::function<void()>& warnExists);
 

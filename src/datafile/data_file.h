@@ -13,9 +13,9 @@
 namespace kalmira {
 
 // The survey's open data file. Records are appended with one write call each, in the order given, and never
-// half: a record that cannot be written waits in memory, with all that follow it, until there is room. What was
-// written but not yet committed to the medium is kept too, and written again should the commit fail.
-// All members are called on the session's thread; none waits for the medium but finish.
+// half: a record that cannot be written waits in memory, with all that follow it, until there is room. What
+// was written but not yet committed to the medium is kept too, and written again should the commit fail. All
+// members are called on the session's thread; none waits for the medium but finish.
 class DataFile {
  public:
   // Creates the file (it must not exist) with room for records of `recordLength` bytes.
@@ -29,11 +29,12 @@ class DataFile {
   // One or more whole records. Whatever happens, they are written or wait.
   void append(std::string_view records);
 
-  // Tries again what waits and looks after failed commits. Called at least twice a second while the file is open.
+  // Tries again what waits and looks after failed commits. Called at least twice a second while the file is
+  // open.
   void service();
 
-  // Closes the file and opens it again at its end, asking for a commit of all that was written. A file that does
-  // not open again is tried again by service; records wait meanwhile.
+  // Closes the file and opens it again at its end, asking for a commit of all that was written. A file that
+  // does not open again is tried again by service; records wait meanwhile.
   void closeAndReopen();
 
   // Empty, or why records wait: "Disk full".
@@ -62,8 +63,8 @@ class DataFile {
   bool open_ = false;
   std::unique_ptr<DiskFile> file_;  // nullptr while it could not be opened again
   std::unique_ptr<SyncThread> sync_;
-  // The file's content is what is committed, up to synced_, followed by tail_; of the tail everything up to the
-  // offset written_ has been written.
+  // The file's content is what is committed, up to synced_, followed by tail_; of the tail everything up to
+  // the offset written_ has been written.
   std::uint64_t synced_ = 0;
   std::uint64_t written_ = 0;
   std::string tail_;

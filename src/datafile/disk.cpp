@@ -68,9 +68,13 @@ OpenOutcome openFile(const std::filesystem::path& path, int flags) {
 
 }  // namespace
 
-OpenOutcome LocalDisk::createNew(const std::filesystem::path& path) { return openFile(path, O_CREAT | O_EXCL); }
+OpenOutcome LocalDisk::createNew(const std::filesystem::path& path) {
+  return openFile(path, O_CREAT | O_EXCL);
+}
 
-OpenOutcome LocalDisk::openExisting(const std::filesystem::path& path) { return openFile(path, 0); }
+OpenOutcome LocalDisk::openExisting(const std::filesystem::path& path) {
+  return openFile(path, 0);
+}
 
 std::string diskErrorText(int error) {
   if (error == ENOSPC || error == EDQUOT || error == EFBIG) return "Disk full";

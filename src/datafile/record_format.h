@@ -8,11 +8,11 @@
 #include "platform/clock.h"
 #include "shell/catalogue.h"
 
-// The records of a data file, as text. A file is a sequence of records of one length, 24 bytes (26 for TESK2),
-// each ended by a single line feed; the first byte is the tag. docs/data-file-format.md has every column with
-// an example. Every function here returns exactly one record (or records) of that length: values too wide
-// for their columns lose decimals or are brought to the widest number, text is cut, and characters that are
-// not plain ASCII become "?".
+// The records of a data file, as text. A file is a sequence of records of one length, 24 bytes (26 for
+// TESK2), each ended by a single line feed; the first byte is the tag. docs/data-file-format.md has every
+// column with an example. Every function here returns exactly one record (or records) of that length: values
+// too wide for their columns lose decimals or are brought to the widest number, text is cut, and characters
+// that are not plain ASCII become "?".
 namespace kalmira {
 
 namespace tag {
@@ -72,10 +72,12 @@ std::string formatGpsSentence(int recordLength, std::string_view sentence, std::
 inline constexpr std::array<char, 4> kDirectionLetters{'W', 'S', 'N', 'E'};
 
 // Bytes of the reading text in a reading record: 12, for TESK2 14.
-constexpr int readingTextLength(int recordLength) { return recordLength - 12; }
+constexpr int readingTextLength(int recordLength) {
+  return recordLength - 12;
+}
 
-// Readings of a whole station: how many "T", "2", "3" ... records stand at one station. For logging and for reading
-// back alike; `listA` and `listB` are columns 19 and 17 of header 1.
+// Readings of a whole station: how many "T", "2", "3" ... records stand at one station. For logging and for
+// reading back alike; `listA` and `listB` are columns 19 and 17 of header 1.
 int readingsPerStationOf(Kind kind, int surveyMode, int listA, int listB);
 
 }  // namespace kalmira

@@ -12,7 +12,8 @@
 
 // The writers of a session: each appends its records at the end of the open data file, in the order that
 // readers rely on: header, line block, time mark at creation; line block, time mark at a new line; station,
-// time mark at a new station. Called on the session's thread. A write that fails is the data file's to remember.
+// time mark at a new station. Called on the session's thread. A write that fails is the data file's to
+// remember.
 namespace kalmira {
 
 // What the writers draw on. Everything referred to outlives the session.
@@ -23,7 +24,7 @@ struct WriterContext {
   const Clock& clock;
   bool iceOption = false;  // ORLA with the ice display on
   int storageClass = kDefaultStorageClass;
-  bool portrait = true;                                        // the screen is taller than wide
+  bool portrait = true;  // the screen is taller than wide
   // TESK2: the factors that hold, and those they replaced.
   std::array<float, 6> calibrationFactors{};
   std::array<float, 6> deletedCalibration{};

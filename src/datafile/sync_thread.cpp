@@ -9,7 +9,9 @@ namespace {
 constexpr auto kCommitEvery = std::chrono::milliseconds(500);
 }  // namespace
 
-SyncThread::~SyncThread() { finish(); }
+SyncThread::~SyncThread() {
+  finish();
+}
 
 void SyncThread::watch(std::unique_ptr<DiskFile> handle) {
   const std::lock_guard lock(mutex_);

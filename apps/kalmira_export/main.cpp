@@ -1,0 +1,14 @@
+#include <cstdio>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "exporter/export_command.h"
+
+int main(int argc, char** argv) {
+  const std::vector<std::string> arguments(argv + (argc > 0 ? 1 : 0), argv + argc);
+  return kalmira::runExport(arguments, [](std::string_view line) {
+    // Nothing is left to tell it to when even this fails.
+    std::fprintf(stderr, "kalmira-export: %.*s\n", static_cast<int>(line.size()), line.data());
+  });
+}

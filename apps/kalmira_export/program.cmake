@@ -1,0 +1,3 @@
+kalmira_program(kalmira-export
+  SOURCES kalmira_export/main.cpp
+  LINKS kalmira_exporter)

@@ -1,0 +1,74 @@
+// Export of a file of a million readings to the null device: the whole way from the disk's bytes to the
+// table's.
+#include <benchmark/benchmark.h>
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+#include "datafile/record_format.h"
+#include "exporter/csv_export.h"
+#include "exporter/output_file.h"
+#include "platform/text.h"
+
+namespace {
+
+using namespace kalmira;
+
+constexpr unsigned kReadings = 1000000;
+
+// "VmHWM:   5120 kB": the most memory this process ever had.
+double peakResidentMegabytes() {
+  std::ifstream status("/proc/self/status");
+  for (std::string line; std::getline(status, line);) {
+    if (line.starts_with("VmHWM:")) return parseReal(line.substr(6)) / 1024.0;
+  }
+  return 0.0;
+}
+
+std::string readingOf(Kind kind, unsigned number) {
+  if (kind == Kind::tesk2) {
+    std::string text("T\x04\x80\0\x84\0\x83\0\x82\0\0\0\0\0", 14);
+    text[3] = static_cast<char>(number);
+    return formatReading(26, text, number * 50);
+  }
+  return formatReading(
+      24,
+      fmt::format("T${:+05}{:+05}", static_cast<int>(number % 9000) - 4500, static_cast<int>(number % 700)),
+      number * 91);
+}
+
+std::filesystem::path surveyFile(Kind kind) {
+  const int length = instrumentOf(kind).fileRecordLength;
+  auto path = std::filesystem::temp_directory_path() / fmt::format("kalmira_export_{}.bin", getpid());
+  std::ofstream file(path, std::ios::binary);
+  file << formatHeader1({.kind = kind}) << formatHeader2(length, "BENCH", "  1.000");
+  file << formatLineName(length, "1") << formatStartStation(length, 0.0) << formatDirection(length, 2, 0.5)
+       << formatDate(length, {.year = 2024}) << formatTimeMark(length, {}, 0);
+  for (unsigned i = 0; i < kReadings; ++i) file << readingOf(kind, i);
+  file.close();
+  if (!file) throw std::filesystem::filesystem_error("survey file", path, std::error_code());
+  return path;
+}
+
+void exportMillion(benchmark::State& state, Kind kind) {
+  const auto path = surveyFile(kind);
+  while (state.KeepRunning()) {
+    OutputFile output("/dev/null");
+    CsvTable table{.write = [&](std::string_view text) { return output.write(text); }, .columns = {}};
+    RecordReader reader;
+    if (reader.open(path).kind != FileErrorKind::none) state.SkipWithError("the survey file cannot be read");
+    if (exportReadings(reader, table).readings != kReadings) state.SkipWithError("readings are missing");
+    if (!output.finish()) state.SkipWithError("the table cannot be written");
+  }
+  std::filesystem::remove(path);
+  state.SetItemsProcessed(state.iterations() * kReadings);
+  state.counters["peak_MB"] = peakResidentMegabytes();
+}
+
+BENCHMARK_CAPTURE(exportMillion, orla, Kind::orla)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(exportMillion, tesk2, Kind::tesk2)->Unit(benchmark::kMillisecond);
+
+}  // namespace

@@ -1,0 +1,3 @@
+kalmira_bench(export_bench
+  SOURCES export_bench.cpp
+  LINKS kalmira_exporter)

@@ -1,0 +1,3 @@
+kalmira_fuzz(fuzz_datafile
+  SOURCES fuzz_datafile.cpp
+  LINKS kalmira_exporter)

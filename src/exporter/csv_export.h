@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "datafile/record_reader.h"
+
+// A data file as a table of comma-separated values, one row a reading: "Export" in docs/data-file-format.md
+// names every column. The file is read as a stream; neither its size nor the number of its readings takes
+// memory.
+namespace kalmira {
+
+// Takes the next piece of the table. False when it cannot; why is for the sink's owner to say.
+using TextSink = std::function<bool(std::string_view)>;
+
+// A table in the making. Several files of one kind make one table under one header.
+struct CsvTable {
+  TextSink write;
+  std::string columns;  // the header row; empty until the first file is exported
+};
+
+enum class ExportOutcome {
+  done,          // to the file's end, or to its first unreadable byte: see the reader's error
+  otherColumns,  // the table has columns that this file does not fit; nothing was added
+  outputFailed,  // the sink said no
+};
+
+struct ExportResult {
+  ExportOutcome outcome = ExportOutcome::done;
+  std::uint64_t readings = 0;           // rows
+  std::uint64_t timelessReadings = 0;   // rows without a time: no time mark before them, or no readable tick
+  std::uint64_t unreadableRecords = 0;  // whole records with a date, time or number that is none
+};
+
+// "line,station,...": the header row of the file's kind, without the line end.
+std::string csvColumns(const Header1& header);
+
+// Adds the readings of the file that `reader` has opened. What damage it met, the reader tells.
+ExportResult exportReadings(RecordReader& reader, CsvTable& table);
+
+}  // namespace kalmira

@@ -1,0 +1,137 @@
+#include "sim/encode.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "link/decode.h"
+
+namespace kalmira::sim {
+namespace {
+
+using namespace std::string_literals;
+
+constexpr Stance kV{.vertical = true};
+constexpr Stance kH{.vertical = false};
+constexpr Stance kPressedV{.vertical = true, .pressed = true};
+constexpr Stance kPressedH{.vertical = false, .pressed = true};
+
+TEST(Encode, WritesTheInstrumentsBytes) {
+  struct Row {
+    const char* what;
+    std::string record;
+    std::string expected;
+  };
+  const std::vector<Row> rows{
+      {"ORLA range 100", encodeOrla(kV, 25.0, 1.25), "T$-1000-0500"},
+      {"ORLA range 10, no control character", encodeOrla(kH, 5.0, -0.5), "T\x82-2000+0200"},
+      {"ORLA range 1000, trigger", encodeOrla(kPressedV, 400, 0), "Tf-1600+0000"},
+      {"ORLA beyond its field", encodeOrla(kV, 5000, 0), "T&-9999+0000"},
+      {"TESKB both low", encodeTeskb(kV, 50, 0.72), "T$-0250-0500"},
+      {"TESKB both low, gain 8", encodeTeskb(kV, 10, 0.18), "T4-0500-0800"},
+      {"TESKB conductivity high", encodeTeskb(kV, 300, 0.72), "T!-0250-0300"},
+      {"TESKB inphase high", encodeTeskb(kV, 50, 5.76), "T\"-0200-0500"},
+      {"TESKB both high, trigger", encodeTeskb(kPressedH, 300, 5.76), "TC-0200-0300"},
+      {"TESKDD conductivity", encodeTeskdd(kV, Component::conductivity, 150, -20), "T'-0150+0020"},
+      {"TESKDD inphase", encodeTeskdd(kV, Component::inphase, 1.44, 0.288), "T!-0500-0100"},
+      {"TESK 7 bytes, gain 8", encodeTesk(kV, Component::conductivity, 8, 7), "T5-0640"},
+      {"TESK 12 bytes", encodeTesk(kH, Component::inphase, 14.4, 12), "T\x83-0500+0000"},
+      {"VARDO V 20 m", encodeVardo(kV, 20, 24), "T\x8B-3200+0000"},
+      {"VARDO H 40 m", encodeVardo(kH, 40, 225), "T=-3000+0000"},
+      {"VARDO V 10 m, range code 0, trigger", encodeVardo(kPressedV, 10, 2.25), "TP-3000+0000"},
+      {"MIRKA range 100", encodeMirka(kV, 27.5, 0.75), "T$-0011-0003"},
+      {"GLACO", encodeGlaco(1.85, 42), "T185I042"},
+      {"GLACO beyond its fields", encodeGlaco(-1, 2000), "T000I999"},
+      {"TESK2 zeros", encodeTesk2(kV, {}), "T\x06\x80\0\x80\0\x80\0\x80\0\0\x9B\0\x9B"s},
+      {"TESK2 order of the words", encodeTesk2(kPressedH, {80, -1.15276, -40, 0.28819, -50, 28.8}),
+       "T\x01\x7C\0\x84\0\x88\0\x7C\0\0\0\0\xF5"s},
+      {"terminated ASCII", terminated(Framing::ascii, "T"), "T\r"},
+      {"terminated ice", terminated(Framing::ice, "T"), "T"},
+      {"terminated TESK2", terminated(Framing::tesk2, "T"), "T\xFF\xFF"},
+  };
+  for (const auto& row : rows) EXPECT_EQ(row.record, row.expected) << row.what;
+}
+
+// Half a count of the range that a value needs: never finer than `finest`, else a share of the value.
+struct Precision {
+  double finest;
+  double share;
+  double of(double value) const { return std::max(finest, std::abs(value) * share) * 1.001 + 1e-5; }
+};
+
+const std::vector<double> kConductivities{-76.5, -3.3, 0,   0.37,  2.9, 9.99, 12.4,
+                                          12.6,  99,   101, 124.9, 512, 999};
+const std::vector<double> kInphases{-5.5, -0.2, 0, 0.31, 0.37, 2.87, 2.89, 7.4};
+
+TEST(Encode, DecodesBackToTheValues) {
+  struct Row {
+    Kind kind;
+    std::function<std::string(Stance, double, double)> encode;
+    Precision conductivity;
+    Precision inphase;
+  };
+  const Precision anything{1e9, 0};  // not in the record
+  const std::vector<Row> rows{
+      {Kind::orla, encodeOrla, {0.00125, 1.0 / 800}, {0.00125, 0}},
+      {Kind::teskb, encodeTeskb, {0.05, 1.0 / 200}, {0.00144, 1.0 / 200}},
+      {Kind::tesk,
+       [](Stance s, double c, double) { return encodeTesk(s, Component::conductivity, c, 7); },
+       {0.00625, 1.0 / 200},
+       anything},
+      {Kind::tesk,
+       [](Stance s, double, double i) { return encodeTesk(s, Component::inphase, i, 12); },
+       anything,
+       {0.00018, 1.0 / 200}},
+      {Kind::vardo,
+       [](Stance s, double c, double) { return encodeVardo(s, 20, c); },
+       {0.000375, 1.0 / 2000},
+       anything},
+      {Kind::mirka, encodeMirka, {0.125, 1.0 / 8}, {0.125, 0}},
+  };
+  for (const auto& row : rows) {
+    for (const auto stance : {kV, kH, kPressedV, kPressedH}) {
+      for (const double conductivity : kConductivities) {
+        for (const double inphase : kInphases) {
+          const auto record = row.encode(stance, conductivity, inphase);
+          SCOPED_TRACE(record);
+          AsciiReading reading;
+          Channels channels;
+          DecodeAsciiRecord(record, row.kind, {}, reading, channels);
+          EXPECT_NEAR(reading.conductivity, conductivity, row.conductivity.of(conductivity));
+          EXPECT_NEAR(reading.inphase, row.kind == Kind::vardo ? 20 : inphase, row.inphase.of(inphase));
+          EXPECT_EQ(reading.orientation, stance.vertical ? 'V' : 'H');
+          EXPECT_EQ(reading.secondMode, stance.pressed ? 'M' : 'N');
+          EXPECT_EQ(reading.odd, record[1] & 1);
+        }
+      }
+    }
+  }
+}
+
+TEST(Encode, Tesk2DecodesBackAndNeverLooksEnded) {
+  for (int step = 0; step < 3000; ++step) {
+    const double conductivity = -1200 + 0.8 * step;
+    const Tesk2Values values{
+        conductivity, -34 + step * 0.0226, conductivity / 3, -8.6 + step * 0.0057, 31, 31};
+    const auto stance = step % 2 == 0 ? kV : kH;
+    const auto record = encodeTesk2(stance, values);
+    EXPECT_EQ(terminated(Framing::tesk2, record).find("\xFF\xFF"), 14U);
+    Channels channels;
+    char orientation = ' ';
+    char mode = ' ';
+    DecodeTesk2Record(record, {}, false, channels, orientation, mode);
+    const std::size_t slot = stance.vertical ? 0 : 1;
+    EXPECT_NEAR(channels.value[slot], values.conductivity1, 0.0197);
+    EXPECT_NEAR(channels.value[slot + 2], values.inphase1, 0.00058);
+    EXPECT_NEAR(channels.value[slot + 4], values.conductivity2, 0.0197);
+    EXPECT_NEAR(channels.value[slot + 6], values.inphase2, 0.00016);
+    EXPECT_EQ(mode, 'N');
+  }
+}
+
+}  // namespace
+}  // namespace kalmira::sim

@@ -17,7 +17,7 @@ struct FakeDiskState {
   std::string content;
   std::size_t room = 1 << 30;  // bytes the file may grow to
   bool exists = false;
-  bool cardOut = false;         // nothing can be opened
+  bool cardOut = false;  // nothing can be opened
   int writes = 0;
   std::atomic<int> failingSyncs{0};  // so many commits to come fail
   std::atomic<int> syncs{0};
@@ -46,6 +46,9 @@ class FakeDiskFile final : public DiskFile {
     ++state_.syncs;
     if (state_.failingSyncs > 0) {
       --state_.failingSyncs;
+      // As a system does that could not write back its pages: it drops them.
+      const std::lock_guard lock(state_.mutex);
+      state_.content.assign(state_.content.size(), '\0');
       return EIO;
     }
     return 0;

@@ -59,7 +59,9 @@ class FakePorts final : public SessionPorts {
   bool teskAnswers = true;
   bool gone = false;
 
-  std::optional<PortProblem> OpenInstrumentPort() override { return call("open instrument"), instrumentProblem; }
+  std::optional<PortProblem> OpenInstrumentPort() override {
+    return call("open instrument"), instrumentProblem;
+  }
   bool ProbeTeskRecord() override { return call("probe"), teskAnswers; }
   void startInstrumentReader() override { call("read instrument"); }
   void closeInstrumentPort() override { call("close instrument"); }
@@ -76,8 +78,8 @@ class FakePorts final : public SessionPorts {
   void call(const char* what) { calls.emplace_back(what); }
 };
 
-// A session on fakes. begin() starts it and creates a data file in memory; the file's opening records are cut off
-// what records() gives.
+// A session on fakes. begin() starts it and creates a data file in memory; the file's opening records are cut
+// off what records() gives.
 struct TestSession {
   explicit TestSession(Kind kind, bool ice = false)
       : session({.kind = kind, .iceChosen = ice, .root = folder.path()}, settings, link, clock, disk, view,
@@ -93,9 +95,8 @@ struct TestSession {
 
   void begin() {
     ASSERT_EQ(startSession(session), StartOutcome::started);
-    const auto outcome = createDataFile(session, [this](const std::string& name) {
-      return std::optional(folder.path() / (name + ".DAT"));
-    });
+    const auto outcome = createDataFile(
+        session, [this](const std::string& name) { return std::optional(folder.path() / (name + ".DAT")); });
     ASSERT_EQ(outcome.how, CreateOutcome::How::created) << outcome.cause;
     opening = disk.content().size();
   }

@@ -17,8 +17,8 @@ class EventLoop {
     std::function<void()> onTerminate;  // SIGINT or SIGTERM
   };
 
-  // With `readInput`, standard input is read. Catches SIGINT and SIGTERM from now on; there can be only one loop
-  // a program.
+  // With `readInput`, standard input is read. Catches SIGINT and SIGTERM from now on; there can be only one
+  // loop a program.
   explicit EventLoop(bool readInput);
   EventLoop(const EventLoop&) = delete;
   EventLoop& operator=(const EventLoop&) = delete;

@@ -52,18 +52,22 @@ FieldValues runValues(const LogOptions& options) {
   const bool gps = !options.gps.empty();
   values.push_back(field("gpsInput", gps ? 1 : 0));
   values.push_back(field("gpsPortIndex", gps ? comOf(options, options.gps, kGpsCom) - 1 : kGpsCom - 1));
-  values.push_back(field("markerPortChoice",
-                         options.marker.empty() ? 0 : comOf(options, options.marker, kMarkerCom)));
+  values.push_back(
+      field("markerPortChoice", options.marker.empty() ? 0 : comOf(options, options.marker, kMarkerCom)));
   values.insert(values.end(), options.set.begin(), options.set.end());
   return values;
 }
 
 std::string deviceOf(const LogOptions& options, int comNumber) {
   switch (comNumber) {
-    case kInstrumentCom: return options.port;
-    case kGpsCom: return options.gps;
-    case kMarkerCom: return options.marker;
-    default: return {};
+    case kInstrumentCom:
+      return options.port;
+    case kGpsCom:
+      return options.gps;
+    case kMarkerCom:
+      return options.marker;
+    default:
+      return {};
   }
 }
 
@@ -117,7 +121,10 @@ Run::Run(const LogOptions& options, std::filesystem::path root, const PortFactor
       events_(!options.seconds),
       output_(STDOUT_FILENO, STDERR_FILENO),
       view_([this](std::string line) { output_.line(std::move(line)); }, options.show, options.exitOnSilence),
-      settings_({.kind = options.kind, .iceOption = options.ice, .storageClass = options.storageClass, .root = root},
+      settings_({.kind = options.kind,
+                 .iceOption = options.ice,
+                 .storageClass = options.storageClass,
+                 .root = root},
                 runValues(options)),
       session_(setupOf(options, std::move(root)), settings_.settings(), link_, clock_, disk_, view_,
                [this](const Settings& current) { return settings_.save(current); }),
@@ -190,9 +197,9 @@ void Run::showStatus() {
   if (!terminal_ || ticksSince(clock_.tick(), status_tick_) < kStatusPeriodMs) return;
   status_tick_ = clock_.tick();
   const auto seconds = ticksSince(status_tick_, recording_since_) / 1000;
-  const auto gps = session_.gpsEnabled()
-                       ? fmt::format("{} {} sat", view_.text(PanelField::fix), view_.text(PanelField::satellites))
-                       : std::string("no GPS");
+  const auto gps = session_.gpsEnabled() ? fmt::format("{} {} sat", view_.text(PanelField::fix),
+                                                       view_.text(PanelField::satellites))
+                                         : std::string("no GPS");
   output_.status(fmt::format("[{}] line {} stn {:.2f} | {} {} | {} | {} records | {:02}:{:02}:{:02}",
                              view_.text(PanelField::state), session_.settings.lineName, session_.station,
                              view_.text(PanelField::value1), view_.text(PanelField::value2), gps,

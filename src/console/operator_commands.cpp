@@ -16,7 +16,9 @@ namespace {
 // The marker key's bit in a TESK2 record's mode byte.
 constexpr unsigned kMarkerKeyBit = 8;
 
-CommandAnswer failed(std::string why) { return {.error = std::move(why), .status = {}, .ends = false}; }
+CommandAnswer failed(std::string why) {
+  return {.error = std::move(why), .status = {}, .ends = false};
+}
 
 std::vector<std::string> words(std::string_view text) {
   std::vector<std::string> out;

@@ -117,7 +117,7 @@ std::string readTickBase(LogOptions& options, const std::string& value) {
   return {};
 }
 
-Reader textReader(std::string LogOptions::* member) {
+Reader textReader(std::string LogOptions::*member) {
   return [member](LogOptions& options, const std::string& value) {
     if (value.empty()) return std::string("a device is missing");
     options.*member = value;
@@ -201,7 +201,8 @@ std::variant<LogOptions, HelpWanted, UsageError> parseLogOptions(const std::vect
     if (auto problem = found->read(options, value); !problem.empty()) return UsageError{std::move(problem)};
     kindGiven = kindGiven || name == "--kind";
   }
-  if (auto problem = checkTogether(options, kindGiven); !problem.empty()) return UsageError{std::move(problem)};
+  if (auto problem = checkTogether(options, kindGiven); !problem.empty())
+    return UsageError{std::move(problem)};
   return options;
 }
 

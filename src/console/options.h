@@ -19,8 +19,8 @@ struct LogOptions {
   Kind kind = Kind::orla;
   bool ice = false;
   std::string port;
-  std::string gps;     // empty: none
-  std::string marker;  // empty: none
+  std::string gps;             // empty: none
+  std::string marker;          // empty: none
   std::filesystem::path root;  // empty: the folder in the user's documents
   int storageClass = kDefaultStorageClass;
   std::vector<std::pair<FieldRef, std::string>> set;

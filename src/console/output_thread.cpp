@@ -21,7 +21,9 @@ constexpr std::string_view kClearLine = "\r\033[K";
 OutputThread::OutputThread(int outputFd, int statusFd)
     : output_fd_(outputFd), status_fd_(statusFd), thread_(&OutputThread::run, this) {}
 
-OutputThread::~OutputThread() { finish(); }
+OutputThread::~OutputThread() {
+  finish();
+}
 
 void OutputThread::line(std::string text) {
   {
@@ -76,7 +78,8 @@ void OutputThread::run() {
   if (status_shown_) (void)!::write(status_fd_, "\n", 1);
 }
 
-// Writes whole items, waiting for room in slices so that finish is never held up by a reader that stands still.
+// Writes whole items, waiting for room in slices so that finish is never held up by a reader that stands
+// still.
 bool OutputThread::print(const Item& item) {
   std::string text = item.status ? std::string(kClearLine) + item.text : item.text + '\n';
   const int fd = item.status ? status_fd_ : output_fd_;

@@ -21,7 +21,9 @@ void beepThrice(Session& session, Beep sound) {
   for (int i = 0; i < 3; ++i) session.view.beep(sound);
 }
 
-void showText(Session& session, std::string_view text) { session.view.show(PanelField::calibration, text); }
+void showText(Session& session, std::string_view text) {
+  session.view.show(PanelField::calibration, text);
+}
 
 std::uint32_t sinceTick(const Session& session) {
   return ticksSince(session.clock.tick(), session.calibration.calibrationTick);
@@ -146,9 +148,12 @@ void horizontalStage(Session& session, const Tesk2Reading& reading) {
       }
       calibration.calibrationCount = 0;
       return enterStep(session, kMeasuring);
-    case kMeasuring: return measureHorizontal(session, reading);
-    case kCompleted: return closeWithSuccess(session);
-    default: return closeWithFailure(session);
+    case kMeasuring:
+      return measureHorizontal(session, reading);
+    case kCompleted:
+      return closeWithSuccess(session);
+    default:
+      return closeWithFailure(session);
   }
 }
 
@@ -161,8 +166,7 @@ bool startCalibration(Session& session) {
   factors.fill(0.0F);
   const Message question{
       .title = "CALIBRATION",
-      .text =
-          "Place  TESK-2  on  Monopod\r\nin  Vertical  Dipole  Mode\r\nand  press  YES  when  ready\r\n",
+      .text = "Place  TESK-2  on  Monopod\r\nin  Vertical  Dipole  Mode\r\nand  press  YES  when  ready\r\n",
       .icon = Icon::information};
   if (!session.view.ask(Question::startCalibration, question)) {
     factors = calibration.calibrationBackup;
@@ -182,8 +186,9 @@ bool startCalibration(Session& session) {
 
 bool deleteCalibration(Session& session) {
   const Message question{.title = "Delete Calibration",
-                         .text = "Are you sure you want to\r\ndelete Calibration factors ?\r\npress  YES  or  "
-                                 "NO\r\n",
+                         .text =
+                             "Are you sure you want to\r\ndelete Calibration factors ?\r\npress  YES  or  "
+                             "NO\r\n",
                          .icon = Icon::exclamation};
   if (!session.view.ask(Question::deleteCalibration, question)) return false;
   session.calibration.deletedCalibration = session.settings.calibrationFactors;

@@ -4,9 +4,9 @@
 
 namespace kalmira {
 
-// The TESK2's calibration in the air: two seconds of readings with vertical dipoles, a rotation, two seconds with
-// horizontal ones. They give six factors: the inphase that is left in each mode and channel, and what each
-// conductivity lacks to be, with vertical dipoles, twice what it is with horizontal ones.
+// The TESK2's calibration in the air: two seconds of readings with vertical dipoles, a rotation, two seconds
+// with horizontal ones. They give six factors: the inphase that is left in each mode and channel, and what
+// each conductivity lacks to be, with vertical dipoles, twice what it is with horizontal ones.
 
 // At least so many readings in the right mode make a stage good.
 inline constexpr int kCalibrationReadings = 30;

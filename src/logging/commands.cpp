@@ -13,19 +13,23 @@ bool commandAllowed(const Session& session, Command command) {
   const int state = session.loggingState;
   const bool tesk2 = session.instrument.kind == Kind::tesk2;
   switch (command) {
-    case Command::createFile: return state == kNoFile;
-    case Command::pause: return state == kLogging;
-    case Command::leave: return state != kLogging;
+    case Command::createFile:
+      return state == kNoFile;
+    case Command::pause:
+      return state == kLogging;
+    case Command::leave:
+      return state != kLogging;
     case Command::calibrate:
-    case Command::deleteCalibration: return tesk2 && state != kLogging;
-    default: return state == kStandBy;
+    case Command::deleteCalibration:
+      return tesk2 && state != kLogging;
+    default:
+      return state == kStandBy;
   }
 }
 
 CreateOutcome createDataFile(Session& session, const ChooseDataFile& choose) {
   const auto warnExists = [&session] {
-    session.view.tell(
-        {.title = "WARNING", .text = std::string(kFileExistsText), .icon = Icon::exclamation});
+    session.view.tell({.title = "WARNING", .text = std::string(kFileExistsText), .icon = Icon::exclamation});
   };
   const DataPlace place{.kind = session.instrument.kind,
                         .storageClass = session.setup.storageClass,
@@ -127,7 +131,8 @@ bool LeaveLogging(Session& session, bool forced) {
 }
 
 void tellPortProblem(Session& session, const PortProblem& problem) {
-  session.view.tell({.title = "Serial Port", .text = problem.message + "\r\n" + problem.detail, .icon = Icon::none});
+  session.view.tell(
+      {.title = "Serial Port", .text = problem.message + "\r\n" + problem.detail, .icon = Icon::none});
 }
 
 }  // namespace kalmira

@@ -2,8 +2,8 @@
 
 #include "logging/session.h"
 
-// What a session does with a reading, one handler a family. Called on the session's thread with a record in the
-// link state, whose reader waits meanwhile; the record's first byte is NUL afterwards: it is consumed.
+// What a session does with a reading, one handler a family. Called on the session's thread with a record in
+// the link state, whose reader waits meanwhile; the record's first byte is NUL afterwards: it is consumed.
 namespace kalmira {
 
 void OnMainReading(Session& session);   // ORLA, TESKB, TESKDD, TESK, VARDO, MIRKA

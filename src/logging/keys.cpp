@@ -11,10 +11,18 @@ constexpr int kPauseSpace = 1;
 constexpr int kPauseEnter = 2;
 constexpr int kPauseS = 3;
 
-bool isMarkDigit(int keyCode) { return keyCode >= '1' && keyCode <= '9'; }
-bool isArrow(int keyCode) { return keyCode >= key::kLeft && keyCode <= key::kDown; }
-bool isTesk2(const Session& session) { return session.instrument.kind == Kind::tesk2; }
-int pauseKeyOf(const Session& session) { return indexOr(session.settings.pauseKey, 4, kPauseAnyKey); }
+bool isMarkDigit(int keyCode) {
+  return keyCode >= '1' && keyCode <= '9';
+}
+bool isArrow(int keyCode) {
+  return keyCode >= key::kLeft && keyCode <= key::kDown;
+}
+bool isTesk2(const Session& session) {
+  return session.instrument.kind == Kind::tesk2;
+}
+int pauseKeyOf(const Session& session) {
+  return indexOr(session.settings.pauseKey, 4, kPauseAnyKey);
+}
 
 void pressMarker(Session& session) {
   if (session.link.markerKeyPending == 0) session.link.markerKeyPending = 1;
@@ -23,26 +31,40 @@ void pressMarker(Session& session) {
 // State 0: what is left of the keys once a TESK2's row has been told from the others'.
 int letterWithoutFile(const Session& session, int letter) {
   switch (letter) {
-    case 'C': return 0;
-    case 'N': return 2;
+    case 'C':
+      return 0;
+    case 'N':
+      return 2;
     case 'M':
-    case 'X': return 4;
-    case 'U': return 1;
-    case 'A': return isTesk2(session) ? 1 : kNoCode;
-    case 'E': return isTesk2(session) ? 2 : kNoCode;
-    default: return kNoCode;
+    case 'X':
+      return 4;
+    case 'U':
+      return 1;
+    case 'A':
+      return isTesk2(session) ? 1 : kNoCode;
+    case 'E':
+      return isTesk2(session) ? 2 : kNoCode;
+    default:
+      return kNoCode;
   }
 }
 
 int letterStandingBy(int letter) {
   switch (letter) {
-    case 'G': return 0;
-    case 'L': return 1;
-    case 'N': return 2;
-    case 'C': return 3;
-    case 'M': return 4;
-    case 'X': return 5;
-    default: return kNoCode;
+    case 'G':
+      return 0;
+    case 'L':
+      return 1;
+    case 'N':
+      return 2;
+    case 'C':
+      return 3;
+    case 'M':
+      return 4;
+    case 'X':
+      return 5;
+    default:
+      return kNoCode;
   }
 }
 
@@ -59,19 +81,27 @@ int keypadStart(const Session& session, const Focus& focus, int keyCode) {
 int remapTesk2(const Session& session, int code) {
   if (!isTesk2(session) || session.loggingState != kNoFile) return code;
   switch (code) {
-    case 1: return kMenuCalibrate;
-    case 2: return kMenuDeleteCalibration;
-    case 3: return 1;
-    default: return code;
+    case 1:
+      return kMenuCalibrate;
+    case 2:
+      return kMenuDeleteCalibration;
+    case 3:
+      return 1;
+    default:
+      return code;
   }
 }
 
 bool pauses(const Session& session, int keyCode) {
   switch (pauseKeyOf(session)) {
-    case kPauseSpace: return keyCode == key::kMinus || keyCode == key::kPeriod || keyCode == '0';
-    case kPauseEnter: return keyCode == key::kEnter;
-    case kPauseS: return keyCode == '0';
-    default: return !(isTesk2(session) && isMarkDigit(keyCode));
+    case kPauseSpace:
+      return keyCode == key::kMinus || keyCode == key::kPeriod || keyCode == '0';
+    case kPauseEnter:
+      return keyCode == key::kEnter;
+    case kPauseS:
+      return keyCode == '0';
+    default:
+      return !(isTesk2(session) && isMarkDigit(keyCode));
   }
 }
 
@@ -80,8 +110,8 @@ bool focusMoves(const Session& session, const KeyContext& context) {
 }
 
 int keyWhileLogging(Session& session, const KeyContext& context, int keyCode) {
-  const bool marks = context.digitsPlatform ? isMarkDigit(keyCode)
-                                            : isArrow(keyCode) && focusMoves(session, context);
+  const bool marks =
+      context.digitsPlatform ? isMarkDigit(keyCode) : isArrow(keyCode) && focusMoves(session, context);
   if (marks) pressMarker(session);
   return pauses(session, keyCode) ? 0 : kNoCode;
 }

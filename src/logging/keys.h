@@ -26,12 +26,12 @@ struct Focus {
 
 // What the window knows besides the session.
 struct KeyContext {
-  bool keypadEntry = false;    // the soft marker is on
+  bool keypadEntry = false;     // the soft marker is on
   bool digitsPlatform = false;  // a numeric keypad: digits mark, where elsewhere arrows do
 };
 
-// What a button or key asks for in state 0 (no file), Stand By and Logging: codes 0 to 5 of the window's rows,
-// for a TESK2 without a file also the menu commands 107 and 108.
+// What a button or key asks for in state 0 (no file), Stand By and Logging: codes 0 to 5 of the window's
+// rows, for a TESK2 without a file also the menu commands 107 and 108.
 inline constexpr int kNoCode = -1;
 inline constexpr int kMenuCalibrate = 107;
 inline constexpr int kMenuDeleteCalibration = 108;

@@ -82,7 +82,8 @@ void recordReading(Session& session, const Channels& channels) {
 float iceThickness(Session& session, const AsciiReading& reading, Channels& channels) {
   if (!session.iceOption || reading.orientation != 'H') return kIceBelowTable;
   const bool kept = session.settings.iceQuantity == 1;
-  return IceThickness(static_cast<double>(reading.conductivity), session.iceModel, kept ? &channels : nullptr);
+  return IceThickness(static_cast<double>(reading.conductivity), session.iceModel,
+                      kept ? &channels : nullptr);
 }
 
 }  // namespace
@@ -108,9 +109,12 @@ void OnMainReading(Session& session) {
 
 void OnReading(Session& session) {
   switch (session.instrument.framing) {
-    case Framing::ascii: return OnMainReading(session);
-    case Framing::ice: return OnIceReading(session);
-    case Framing::tesk2: return OnTesk2Reading(session);
+    case Framing::ascii:
+      return OnMainReading(session);
+    case Framing::ice:
+      return OnIceReading(session);
+    case Framing::tesk2:
+      return OnTesk2Reading(session);
   }
 }
 

@@ -16,9 +16,12 @@ std::string_view stateWord(int loggingState) {
 
 std::string_view triggerModeWord(const Session& session) {
   switch (session.triggerMode) {
-    case kModeAuto: return "Auto";
-    case kModeWheel: return session.instrument.kind == Kind::glaco ? "Manual" : "Wheel";
-    default: return "Manual";
+    case kModeAuto:
+      return "Auto";
+    case kModeWheel:
+      return session.instrument.kind == Kind::glaco ? "Manual" : "Wheel";
+    default:
+      return "Manual";
   }
 }
 
@@ -35,7 +38,9 @@ void showFile(Session& session) {
   session.view.show(PanelField::file, "File:" + name);
 }
 
-void showState(Session& session) { session.view.show(PanelField::state, stateWord(session.loggingState)); }
+void showState(Session& session) {
+  session.view.show(PanelField::state, stateWord(session.loggingState));
+}
 
 void showLineAndStation(Session& session) {
   session.view.show(PanelField::line, session.settings.lineName);

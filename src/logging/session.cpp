@@ -39,10 +39,10 @@ void endWaiting(Session& session) {
 
 std::string_view panelFieldName(PanelField field) {
   static constexpr std::array<std::string_view, kPanelFields> kNames{
-      "file",   "state",  "battery", "triggerMode", "stationLabel", "station",     "line",
-      "repeat", "mode",   "value1",  "value2",      "value3",       "value4",      "value5",
-      "value6", "range",  "marker",  "message",     "calibration",  "gpsActivity", "gpsCount",
-      "satellites", "fix", "pdop",   "gpsNote"};
+      "file",       "state", "battery", "triggerMode", "stationLabel", "station",     "line",
+      "repeat",     "mode",  "value1",  "value2",      "value3",       "value4",      "value5",
+      "value6",     "range", "marker",  "message",     "calibration",  "gpsActivity", "gpsCount",
+      "satellites", "fix",   "pdop",    "gpsNote"};
   return kNames[static_cast<std::size_t>(field)];
 }
 
@@ -70,8 +70,8 @@ void takeSettings(Session& session) {
   session.samplesPerAverage = readingsCountOf(settings);
   session.averageOnTrigger =
       mode == kModeManual && session.samplesPerAverage >= 2 && session.instrument.kind != Kind::glaco;
-  session.readingsPerStation = readingsPerStationOf(session.instrument.kind, mode,
-                                                    settings.surveyListA, settings.surveyListB);
+  session.readingsPerStation =
+      readingsPerStationOf(session.instrument.kind, mode, settings.surveyListA, settings.surveyListB);
   session.connectionTimeoutMs = watchPeriod(session);
   session.iceOption =
       session.instrument.kind == Kind::orla && session.setup.iceChosen && settings.iceDisplay == 1;
@@ -95,9 +95,13 @@ AsciiOptions asciiOptions(const Session& session) {
           .gpsLoggingMode = session.triggerMode};
 }
 
-std::string stationText(double station) { return fmt::format("{:<11.2f}", station); }
+std::string stationText(double station) {
+  return fmt::format("{:<11.2f}", station);
+}
 
-void clearTraces(Session& session) { session.traceStarted.fill(0); }
+void clearTraces(Session& session) {
+  session.traceStarted.fill(0);
+}
 
 void showBattery(Session& session) {
   const auto percent = session.readBattery();

@@ -186,8 +186,8 @@ void writeEvent(Session& session, std::string_view text);
 // Saves the settings file and tells the operator when that failed.
 void saveSettingsOrTell(Session& session);
 
-// Looks after the data file (what waits is written, trouble and its end are shown) and calls the watchdog when
-// its period is over. Called whenever msUntilService says.
+// Looks after the data file (what waits is written, trouble and its end are shown) and calls the watchdog
+// when its period is over. Called whenever msUntilService says.
 void serviceSession(Session& session);
 std::uint32_t msUntilService(const Session& session);
 

@@ -41,7 +41,8 @@ bool takeSample(Session& session, Tesk2Reading& reading, Channels& channels) {
   for (std::size_t i = 0; i < sums.wordSums.size(); ++i) sums.wordSums[i] += reading.words[i];
   if (!last) return false;
   const auto count = static_cast<unsigned>(session.samplesPerAverage);
-  for (std::size_t i = 0; i < values.size(); ++i) *values[i] = sums.channelSums[i] / static_cast<float>(count);
+  for (std::size_t i = 0; i < values.size(); ++i)
+    *values[i] = sums.channelSums[i] / static_cast<float>(count);
   Words averages{};
   for (std::size_t i = 0; i < averages.size(); ++i) {
     averages[i] = static_cast<std::uint16_t>(sums.wordSums[i] / count);

@@ -79,14 +79,20 @@ auto withElement(Record& settings, const SettingsField& field, std::size_t index
 
 }  // namespace
 
-std::span<const SettingsField> settingsFields() { return kFields; }
+std::span<const SettingsField> settingsFields() {
+  return kFields;
+}
 
 bool fieldApplies(const SettingsField& field, Kind kind, bool iceOption) {
   switch (field.scope) {
-    case FieldScope::orla: return kind == Kind::orla;
-    case FieldScope::orlaIce: return kind == Kind::orla && iceOption;
-    case FieldScope::tesk2: return kind == Kind::tesk2;
-    case FieldScope::all: break;
+    case FieldScope::orla:
+      return kind == Kind::orla;
+    case FieldScope::orlaIce:
+      return kind == Kind::orla && iceOption;
+    case FieldScope::tesk2:
+      return kind == Kind::tesk2;
+    case FieldScope::all:
+      break;
   }
   return true;
 }

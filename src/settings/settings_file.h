@@ -20,9 +20,9 @@ struct SettingsPlace {
 // The file's text: version tag, then one value a line, every line ended by CR LF.
 std::string formatSettings(const Settings& settings, Kind kind, bool iceOption);
 
-// Reads what formatSettings wrote. False when the first line is not the kind's version tag; `settings` is then
-// left alone. Lines that are missing or do not parse read as 0 or empty. The station increment becomes that
-// of the survey mode.
+// Reads what formatSettings wrote. False when the first line is not the kind's version tag; `settings` is
+// then left alone. Lines that are missing or do not parse read as 0 or empty. The station increment becomes
+// that of the survey mode.
 bool parseSettings(std::string_view text, Kind kind, bool iceOption, Settings& settings);
 
 enum class SettingsLoad {

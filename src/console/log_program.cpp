@@ -158,7 +158,11 @@ bool Run::createFile() {
 
 bool Run::begin() {
   if (!settings_.problem().empty()) output_.line("notice " + settings_.problem());
-  if (startSession(session_) != StartOutcome::started) return false;
+  const auto outcome = startSession(session_);
+  if (outcome == StartOutcome::uptimeExceeded) {
+    fmt::print(stderr, "On a machine that runs for weeks, start with --tick-base program.\n");
+  }
+  if (outcome != StartOutcome::started) return false;
   if (!createFile()) {
     LeaveLogging(session_, true);
     return false;

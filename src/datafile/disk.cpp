@@ -7,6 +7,8 @@
 #include <cerrno>
 #include <system_error>
 
+#include "platform/paths.h"
+
 namespace kalmira {
 namespace {
 
@@ -69,7 +71,9 @@ OpenOutcome openFile(const std::filesystem::path& path, int flags) {
 }  // namespace
 
 OpenOutcome LocalDisk::createNew(const std::filesystem::path& path) {
-  return openFile(path, O_CREAT | O_EXCL);
+  auto outcome = openFile(path, O_CREAT | O_EXCL);
+  if (outcome.file) syncFolder(path.parent_path());
+  return outcome;
 }
 
 OpenOutcome LocalDisk::openExisting(const std::filesystem::path& path) {

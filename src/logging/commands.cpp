@@ -22,6 +22,9 @@ bool commandAllowed(const Session& session, Command command) {
     case Command::calibrate:
     case Command::deleteCalibration:
       return tesk2 && state != kLogging;
+    case Command::newStation:
+    case Command::comment:
+      return state != kLogging;
     default:
       return state == kStandBy;
   }

@@ -1,5 +1,6 @@
 #include "logging/keys.h"
 
+#include <array>
 #include <cctype>
 
 namespace kalmira {
@@ -160,6 +161,30 @@ void keyReleased(Session& session, const KeyContext& context, int keyCode) {
   if (session.inputEnabled && marks && context.keypadEntry && session.link.markerKeyPending == 1) {
     session.link.markerKeyPending = 0;
   }
+}
+
+std::optional<Command> commandOf(const Session& session, int code) {
+  switch (code) {
+    case 101:
+      return Command::scale;
+    case 102:
+      return Command::displayOptions;
+    case 103:
+      return Command::repaint;
+    case kMenuCalibrate:
+      return Command::calibrate;
+    case kMenuDeleteCalibration:
+      return Command::deleteCalibration;
+    default:
+      break;
+  }
+  if (code < 0 || code > 5) return std::nullopt;
+  if (session.loggingState == kLogging) return code == 0 ? std::optional(Command::pause) : std::nullopt;
+  using enum Command;
+  static constexpr std::array kNoFileCodes{createFile, leave, newStation, comment, leave, leave};
+  static constexpr std::array kStandByCodes{start, newLine, newStation, comment, menu, leave};
+  const auto index = static_cast<std::size_t>(code);
+  return session.loggingState == kNoFile ? kNoFileCodes[index] : kStandByCodes[index];
 }
 
 int menuCommandOf(int menuIdentifier) {

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <optional>
+
+#include "logging/commands.h"
 #include "logging/session.h"
 
 // From keys to what they do in the logging window. Key numbers are the handheld's virtual key codes: letters
@@ -42,6 +45,9 @@ int codeOfButton(const Session& session, int index);
 int codeOfKey(Session& session, Focus& focus, const KeyContext& context, int keyCode);
 // A key was released.
 void keyReleased(Session& session, const KeyContext& context, int keyCode);
+
+// What a code does in the session's present state; nothing where it does nothing.
+std::optional<Command> commandOf(const Session& session, int code);
 
 // The command behind a menu identifier 1101 to 1112: 101 to 108; kNoCode for others.
 int menuCommandOf(int menuIdentifier);

@@ -42,6 +42,13 @@ std::filesystem::path localPath(const std::filesystem::path& root, std::string_v
   return path;
 }
 
+void syncFolder(const std::filesystem::path& folder) {
+  const int fd = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (fd < 0) return;
+  ::fsync(fd);
+  ::close(fd);
+}
+
 std::string replaceFile(const std::filesystem::path& path, std::string_view content) {
   std::filesystem::path fresh = path;
   fresh += ".new";
@@ -51,7 +58,10 @@ std::string replaceFile(const std::filesystem::path& path, std::string_view cont
   if (error == 0 && ::fsync(fd) != 0) error = errno;
   if (::close(fd) != 0 && error == 0) error = errno;
   if (error == 0 && std::rename(fresh.c_str(), path.c_str()) != 0) error = errno;
-  if (error == 0) return {};
+  if (error == 0) {
+    syncFolder(path.parent_path());
+    return {};
+  }
   ::unlink(fresh.c_str());
   return errorText(error);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <string>
 #include <string_view>
 
 namespace kalmira {
@@ -8,6 +9,10 @@ namespace kalmira {
 // Turns a catalogue path ("Storage\KALINI\ORLA.INI", "\KALINI", "C_DRIVE\DATAORLA\") into a path of this
 // machine below the storage root. A leading backslash stands for the root itself.
 std::filesystem::path localPath(const std::filesystem::path& root, std::string_view cataloguePath);
+
+// Commits the folder's entries to the disk, so that a file just made in it survives a power cut. Where a file
+// system cannot do that, nothing happens.
+void syncFolder(const std::filesystem::path& folder);
 
 // Writes `content` to a new file beside `path`, commits it to the disk and renames it over `path`, so that a
 // full disk or a power cut leaves either the old file or the new one. Returns an empty text on success, else

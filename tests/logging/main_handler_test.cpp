@@ -34,9 +34,9 @@ TEST(MainHandler, FirstTwoReadingsOfALineShareItsStartStation) {
     test.record(kReleased);
   }
   EXPECT_THAT(stationsBefore, ElementsAre(10.0, 10.0, 11.0, 12.0));
-  EXPECT_THAT(test.records(), ElementsAre("X$STARTED        100050", "T -0100-0400     100050",
-                                          "T -0100-0400     100050", "T -0100-0400     100050",
-                                          "T -0100-0400     100050"));
+  EXPECT_THAT(test.records(),
+              ElementsAre("X$STARTED        100050", "T -0100-0400     100050", "T -0100-0400     100050",
+                          "T -0100-0400     100050", "T -0100-0400     100050"));
 }
 
 TEST(MainHandler, RepeatedReadingsAtAStationAreNumberedAndShareAColumn) {

@@ -213,7 +213,8 @@ std::string withChecksum(std::string text) {
 }
 
 GpsLine gga(const std::string& time) {
-  return {.text = withChecksum("$GPGGA," + time + ",4807.038,N,01131.000,E,4,08,0.9,5.4,M,46.9,M,,"), .tick = 77};
+  return {.text = withChecksum("$GPGGA," + time + ",4807.038,N,01131.000,E,4,08,0.9,5.4,M,46.9,M,,"),
+          .tick = 77};
 }
 
 TEST(GpsHandler, AutoModeWritesEachLineAsItComes) {
@@ -230,8 +231,8 @@ TEST(GpsHandler, AutoModeWritesEachLineAsItComes) {
   EXPECT_EQ(test.view.texts[PanelField::satellites], "??");
   EXPECT_EQ(test.view.texts[PanelField::gpsCount], "1    ");
   EXPECT_THAT(test.records(),
-              ElementsAre("X$STARTED        100050", "@$GPGGA,100001,4807.038", "#,N,01131.000,E,4,08,0.9",
-                          "#,5.4,M,46.9,M,,*4F    ", "!                    77", "?$GPGGA,100002*00      ",
+              ElementsAre("X$STARTED        100050", "@$GPGGA,100001,4807.038", "#,N,01131.000,E,4,08,0.",
+                          "#9,5.4,M,46.9,M,,*4E   ", "!                    77", "?$GPGGA,100002*00      ",
                           "\"$GPGGA,100002*00      ", "!                    78"));
 }
 
@@ -253,14 +254,14 @@ TEST(GpsHandler, ManualModeTiesOnePositionToEachReading) {
   for (const auto* time : {"1", "2", "3"}) OnGpsLine(test.session, gga(time));
   OnGpsLine(test.session, {.text = withChecksum("$GPGSA,A,3,1,,,,,,,,,,,,,1.8,1,1"), .tick = 79});
   press();  // the first reading brings the held sentences with it
-  EXPECT_EQ(tags(), "X@###!@#!T");
+  EXPECT_EQ(tags(), "X@##!@#!T");
   OnGpsLine(test.session, gga("4"));
-  EXPECT_EQ(tags(), "X@###!@#!T") << "no second position for the same reading";
+  EXPECT_EQ(tags(), "X@##!@#!T") << "no second position for the same reading";
   press();
-  EXPECT_EQ(tags(), "X@###!@#!TT") << "the held one came before this reading, the next line ties it";
+  EXPECT_EQ(tags(), "X@##!@#!TT") << "the held one came before this reading, the next line ties it";
   OnGpsLine(test.session, {.text = "$GPGGA,bad*00", .tick = 1});
   OnGpsLine(test.session, gga("5"));
-  EXPECT_EQ(tags(), "X@###!@#!TT@###!");
+  EXPECT_EQ(tags(), "X@##!@#!TT@##!");
   EXPECT_EQ(test.session.gpsRecordCount, 2);
 }
 
@@ -271,9 +272,18 @@ struct KeyCase {
 
 TEST(Keys, CodesOfEveryState) {
   const std::vector<KeyCase> cases{
-      {'C', 0, 3, 0},      {'g', kNoCode, 0, 0},       {'L', kNoCode, 1, 0}, {'n', 2, 2, 0},
-      {'M', 4, 4, 0},      {'X', 4, 5, 0},             {'u', 1, kNoCode, 0}, {'A', kNoCode, kNoCode, 0},
-      {'E', kNoCode, kNoCode, 0}, {'B', kNoCode, kNoCode, 0}, {'0', kNoCode, kNoCode, 0}, {13, 0, 0, 0},
+      {'C', 0, 3, 0},
+      {'g', kNoCode, 0, 0},
+      {'L', kNoCode, 1, 0},
+      {'n', 2, 2, 0},
+      {'M', 4, 4, 0},
+      {'X', 4, 5, 0},
+      {'u', 1, kNoCode, 0},
+      {'A', kNoCode, kNoCode, 0},
+      {'E', kNoCode, kNoCode, 0},
+      {'B', kNoCode, kNoCode, 0},
+      {'0', kNoCode, kNoCode, 0},
+      {13, 0, 0, 0},
   };
   TestSession test(Kind::orla);
   test.session.inputEnabled = true;
@@ -327,6 +337,12 @@ TEST(Keys, PauseKeysAndTesk2) {
   codeOfKey(session, focus, digits, key::kLeft);
   EXPECT_EQ(focus.focusIndex, 5);
   EXPECT_EQ(codeOfKey(session, focus, digits, key::kEnter), 5);
+  EXPECT_EQ(commandOf(session, 4), Command::menu);
+  session.loggingState = kNoFile;
+  EXPECT_EQ(commandOf(session, 4), Command::leave);
+  EXPECT_EQ(commandOf(session, 2), Command::newStation);
+  session.loggingState = kLogging;
+  EXPECT_EQ(commandOf(session, 1), std::nullopt);
   EXPECT_EQ(menuCommandOf(1112), kMenuDeleteCalibration);
   EXPECT_EQ(menuCommandOf(1106), 106);
   EXPECT_EQ(menuCommandOf(1107), kNoCode);

@@ -183,11 +183,11 @@ std::optional<TimeMark> parseTimeMark(std::string_view record) {
   return TimeMark{.timeOfDayMs = static_cast<std::uint32_t>(seconds * 1000 + *milliseconds), .tick = *tick};
 }
 
-std::optional<Calibration> parseCalibration(std::string_view record) {
+std::optional<CalibrationPair> parseCalibration(std::string_view record) {
   const auto channel = digits(columns(record, 2, 1), 6);
   const auto factor = real(columns(record, 3, 10));
   if (!channel || *channel == 0 || !factor) return std::nullopt;
-  return Calibration{
+  return CalibrationPair{
       .channel = *channel, .factor = *factor, .replaced = real(columns(record, 14, 10)).value_or(0.0)};
 }
 

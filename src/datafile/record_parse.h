@@ -64,12 +64,12 @@ struct TimeMark {
 };
 std::optional<TimeMark> parseTimeMark(std::string_view record);
 
-struct Calibration {
+struct CalibrationPair {
   int channel = 1;  // 1 to 6
   double factor = 0;
   double replaced = 0;
 };
-std::optional<Calibration> parseCalibration(std::string_view record);
+std::optional<CalibrationPair> parseCalibration(std::string_view record);
 
 // The instrument's bytes: 12, of a TESK2 14, some of which may be line feeds. A view into `record`.
 std::string_view readingText(std::string_view record);

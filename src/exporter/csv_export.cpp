@@ -47,7 +47,7 @@ bool takeRecord(FileState& state, std::string_view record) {
       return takeIf(parseTimeMark(record), [&](const TimeMark& mark) { state.times.takeMark(mark); });
     case RecordType::calibration:
       return takeIf(parseCalibration(record),
-                    [&](const Calibration& calibration) { state.decoder.takeCalibration(calibration); });
+                    [&](const CalibrationPair& calibration) { state.decoder.takeCalibration(calibration); });
     default:
       return state.position.take(record);
   }

@@ -51,7 +51,7 @@ ReadingDecoder::ReadingDecoder(const Header1& header) : kind_(header.kind) {
   }
 }
 
-void ReadingDecoder::takeCalibration(const Calibration& calibration) {
+void ReadingDecoder::takeCalibration(const CalibrationPair& calibration) {
   factors_.at(static_cast<std::size_t>(calibration.channel - 1)) = static_cast<float>(calibration.factor);
 }
 

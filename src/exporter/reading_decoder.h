@@ -33,7 +33,7 @@ class ReadingDecoder {
   explicit ReadingDecoder(const Header1& header);
 
   // TESK2: from here on this factor holds.
-  void takeCalibration(const Calibration& calibration);
+  void takeCalibration(const CalibrationPair& calibration);
   // `text` as in the file, any bytes.
   DecodedReading decode(std::string_view text) const;
 

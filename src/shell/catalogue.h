@@ -33,12 +33,13 @@ struct Instrument {
   std::string_view filterText;       // of the open and save dialogs
   std::string_view modelTag;         // header 1, columns 1 to 8
   std::string_view programVersion;   // header 1: "W230" followed by GRD or GPS
-  Framing framing;
-  int instrumentBaud;       // of the instrument link
-  int instrumentLength;     // bytes of an instrument record (TESK: the longer of its two)
-  double recordPeriodMs;    // time between two records of the stream (TESK: the longer of its two)
-  int fileRecordLength;     // bytes of a data file record, with its line feed
-  bool fixedStorageFolder;  // true: always under "C_DRIVE", whatever the storage class
+  // Most of the family is alike in these.
+  Framing framing = Framing::ascii;
+  int instrumentBaud = 9600;        // of the instrument link
+  int instrumentLength = 12;        // bytes of an instrument record (TESK: the longer of its two)
+  double recordPeriodMs = 91.0;     // time between two records of the stream (TESK: the longer of its two)
+  int fileRecordLength = 24;        // bytes of a data file record, with its line feed
+  bool fixedStorageFolder = false;  // true: always under "C_DRIVE", whatever the storage class
 };
 
 // nullptr for an index outside 0 to 7.

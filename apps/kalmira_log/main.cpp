@@ -20,7 +20,7 @@ int main(int argc, char** argv) {
     return 0;
   }
   if (const auto* error = std::get_if<kalmira::UsageError>(&parsed)) {
-    fmt::print(stderr, "kalmira-log: {}\n{}", error->what, kalmira::kLogUsage);
+    fmt::print(stderr, "kalmira-log: {}\nkalmira-log --help shows the usage\n", error->what);
     return 2;
   }
   const QCoreApplication application(argc, argv);

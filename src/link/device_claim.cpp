@@ -9,6 +9,7 @@
 #include <sys/file.h>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
+#include <sys/sysmacros.h>
 #include <termios.h>
 #include <unistd.h>
 #endif
@@ -96,8 +97,27 @@ std::optional<Holder> lockFileHolder(const std::string& path) {
   return std::nullopt;
 }
 
-// Whoever has the device open, of the processes that this user may look at.
+// Whoever holds an advisory lock on the device, by the kernel's list of locks, a line each:
+//   1: FLOCK  ADVISORY  WRITE 23073 00:1b:5 0 EOF
+std::optional<Holder> lockHolder(const std::string& path) {
+  struct stat status {};
+  if (stat(path.c_str(), &status) != 0) return std::nullopt;
+  const auto file =
+      fmt::format(" {:02x}:{:02x}:{} ", major(status.st_dev), minor(status.st_dev), status.st_ino);
+  std::ifstream locks("/proc/locks");
+  for (std::string line; std::getline(locks, line);) {
+    const auto at = line.find(file);
+    if (at == std::string::npos || at == 0) continue;
+    const auto number = line.rfind(' ', at - 1);
+    const int pid = number == std::string::npos ? 0 : parseInt(line.substr(number, at - number));
+    if (pid > 0) return holderOf(pid);
+  }
+  return std::nullopt;
+}
+
+// Whoever holds the device or, when no lock tells, has it open, of the processes that this user may look at.
 Holder findHolder(const std::string& path) {
+  if (const auto holder = lockHolder(path)) return *holder;
   std::error_code error;
   for (fs::directory_iterator process("/proc", error), end; !error && process != end;
        process.increment(error)) {

@@ -20,9 +20,8 @@ void ConsoleView::notice(std::string_view lines) {
 }
 
 void ConsoleView::show(PanelField field, std::string_view text) {
-  auto& shown = texts_[static_cast<std::size_t>(field)];
-  if (field == PanelField::message && text != shown) notice(text);
-  shown = text;
+  if (field == PanelField::message) notice(text);
+  texts_[static_cast<std::size_t>(field)] = text;
   if (show_texts_) print_(fmt::format("show {} {}", panelFieldName(field), text));
 }
 

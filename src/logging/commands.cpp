@@ -66,7 +66,7 @@ void startRecording(Session& session) {
   session.triggerLatch = 0;
   session.chartPointCount = 0;
   clearTraces(session);
-  session.view.show(PanelField::message, "");
+  showMessage(session, "");
   writeEvent(session, "$STARTED");
   session.view.loggingStateChanged();
 }

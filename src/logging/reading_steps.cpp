@@ -28,8 +28,8 @@ bool isSample(const Session& session) {
 bool countSample(Session& session) {
   session.triggerMode = kModeAuto;
   ++session.averaging.sampleCount;
-  session.view.show(PanelField::message, fmt::format("Sample {:<3} of {:<3}", session.averaging.sampleCount,
-                                                     session.samplesPerAverage));
+  showMessage(session,
+              fmt::format("Sample {:<3} of {:<3}", session.averaging.sampleCount, session.samplesPerAverage));
   if (session.averaging.sampleCount < session.samplesPerAverage) return false;
   session.averaging.sampleCount = 0;
   session.triggerMode = kModeManual;

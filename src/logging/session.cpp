@@ -25,14 +25,15 @@ void showFileTrouble(Session& session) {
   const auto& problem = session.file.problem();
   if (problem.empty() && !session.fileTrouble) return;
   session.fileTrouble = !problem.empty();
-  session.view.show(PanelField::message, problem);
+  // Another message may have taken its place meanwhile; this one stays until the records are through.
+  if (session.message != problem) showMessage(session, problem);
 }
 
 // "Please Wait..." has been answered: records come again.
 void endWaiting(Session& session) {
-  if (!session.pleaseWait || session.link.missedTicks != 0) return;
+  if (!session.pleaseWait || session.link.lastRecordTick == session.pleaseWaitTick) return;
   session.pleaseWait = false;
-  session.view.show(PanelField::message, "");
+  showMessage(session, "");
 }
 
 }  // namespace
@@ -97,6 +98,11 @@ AsciiOptions asciiOptions(const Session& session) {
 
 std::string stationText(double station) {
   return fmt::format("{:<11.2f}", station);
+}
+
+void showMessage(Session& session, std::string_view text) {
+  session.message = text;
+  session.view.show(PanelField::message, text);
 }
 
 void clearTraces(Session& session) {

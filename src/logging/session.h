@@ -127,8 +127,10 @@ struct Session {
   bool gpsHeldWritten = false;
   int gpsRecordCount = 0;
   bool gpsSpin = false;
-  bool fileTrouble = false;  // the message line says why records wait
-  bool pleaseWait = false;   // the message line asks to wait for the instrument
+  std::string message;       // what stands in the message line
+  bool fileTrouble = false;  // it says why records wait
+  bool pleaseWait = false;   // it asks to wait for the instrument, silent since pleaseWaitTick
+  std::uint32_t pleaseWaitTick = 0;
 
   // What was recorded, for the closing summary.
   struct Counts {
@@ -174,6 +176,9 @@ AsciiOptions asciiOptions(const Session& session);
 std::string stationText(double station);
 
 void clearTraces(Session& session);
+
+// Puts a text into the message line; an empty one clears it.
+void showMessage(Session& session, std::string_view text);
 
 // The handheld's own battery, now.
 void showBattery(Session& session);

@@ -24,7 +24,8 @@ Message linkLostQuestion(Kind kind) {
 void pleaseWait(Session& session) {
   clearTraces(session);
   session.pleaseWait = true;
-  session.view.show(PanelField::message, "Please Wait...");
+  session.pleaseWaitTick = session.link.lastRecordTick;
+  showMessage(session, "Please Wait...");
 }
 
 void giveUpForGood(Session& session) {
@@ -32,7 +33,7 @@ void giveUpForGood(Session& session) {
   if (session.loggingState != kNoFile) writeEvent(session, "$CONN END  ");
   // A file that was never created stays so: only an open one can be standing by.
   if (session.loggingState != kNoFile) session.loggingState = kStandBy;
-  session.view.show(PanelField::message, "");
+  showMessage(session, "");
   session.view.closeDialogs();
   LeaveLogging(session, true);
 }

@@ -59,26 +59,24 @@ EventLoop::~EventLoop() {
   ::close(wake_write_);
 }
 
-void EventLoop::wake() const {
-  // A full pipe will wake the loop anyway.
-  (void)!::write(wake_write_, "w", 1);
-}
-
-void EventLoop::wait(std::uint32_t milliseconds, const Handlers& handlers) {
+EventLoop::Ready EventLoop::wait(std::uint32_t milliseconds) const {
   std::array<pollfd, 2> waits{{{.fd = wake_read_, .events = POLLIN, .revents = 0},
                                {.fd = read_input_ ? STDIN_FILENO : -1, .events = POLLIN, .revents = 0}}};
-  const int ready = ::poll(waits.data(), waits.size(), static_cast<int>(milliseconds));
-  if (ready > 0 && waits[0].revents != 0) {
+  if (::poll(waits.data(), waits.size(), static_cast<int>(milliseconds)) <= 0) return {};
+  return {.woken = waits[0].revents != 0, .input = waits[1].revents != 0};
+}
+
+void EventLoop::handle(Ready ready, const Handlers& handlers) {
+  if (ready.woken) {
     std::array<char, 64> drained{};
     while (::read(wake_read_, drained.data(), drained.size()) == static_cast<ssize_t>(drained.size())) {
     }
-    handlers.onWake();
   }
   if (terminateWanted != 0) {
     terminateWanted = 0;
     handlers.onTerminate();
   }
-  if (ready > 0 && waits[1].revents != 0) readLines(handlers);
+  if (ready.input) readLines(handlers);
 }
 
 void EventLoop::readLines(const Handlers& handlers) {

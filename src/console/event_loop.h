@@ -11,7 +11,6 @@ namespace kalmira {
 class EventLoop {
  public:
   struct Handlers {
-    std::function<void()> onWake;                    // wake() was called
     std::function<void(const std::string&)> onLine;  // a line of standard input, without its end
     std::function<void()> onEndOfInput;
     std::function<void()> onTerminate;  // SIGINT or SIGTERM
@@ -24,10 +23,14 @@ class EventLoop {
   EventLoop& operator=(const EventLoop&) = delete;
   ~EventLoop();
 
-  // Makes wait() return soon. From any thread.
-  void wake() const;
-  // Waits at most `milliseconds` for something to happen and calls the handlers of what did.
-  void wait(std::uint32_t milliseconds, const Handlers& handlers);
+  struct Ready {
+    bool woken = false;
+    bool input = false;
+  };
+  // Waits at most `milliseconds` for something to happen.
+  Ready wait(std::uint32_t milliseconds) const;
+  // Calls the handlers of what happened.
+  void handle(Ready ready, const Handlers& handlers);
 
  private:
   void readLines(const Handlers& handlers);

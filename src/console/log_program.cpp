@@ -128,7 +128,6 @@ Run::Run(const LogOptions& options, std::filesystem::path root, const PortFactor
                 runValues(options)),
       session_(setupOf(options, std::move(root)), settings_.settings(), link_, clock_, disk_, view_,
                [this](const Settings& current) { return settings_.save(current); }),
-      hand_over_([this] { events_.wake(); }),
       ports_(options.kind, settings_.settings(), [this](int com) { return deviceOf(options_, com); }, link_,
              hand_over_, clock_, portFactory,
              {.onRecord =
@@ -211,12 +210,18 @@ void Run::showStatus() {
 }
 
 void Run::loop() {
-  const EventLoop::Handlers handlers{.onWake = [this] { hand_over_.run(); },
-                                     .onLine = [this](const std::string& line) { onLine(line); },
+  const EventLoop::Handlers handlers{.onLine = [this](const std::string& line) { onLine(line); },
                                      .onEndOfInput = [this] { leave(); },
                                      .onTerminate = [this] { leave(); }};
   while (session_.sessionActive) {
-    events_.wait(nextWait(), handlers);
+    const auto wait = nextWait();
+    EventLoop::Ready ready;
+    {
+      // Readings and GPS lines are handled meanwhile, in turn with what this thread does.
+      const HandOver::Rest rest(hand_over_);
+      ready = events_.wait(wait);
+    }
+    events_.handle(ready, handlers);
     if (!session_.sessionActive) break;
     serviceSession(session_);
     if (timeIsOver()) leave();

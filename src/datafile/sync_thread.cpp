@@ -5,8 +5,8 @@
 
 namespace kalmira {
 namespace {
-// Half of the second that may be lost to a power cut; the other half is for the medium.
-constexpr auto kCommitEvery = std::chrono::milliseconds(500);
+// Of the second that may be lost to a power cut; the rest is for the medium.
+constexpr auto kCommitEvery = std::chrono::milliseconds(700);
 }  // namespace
 
 SyncThread::~SyncThread() {

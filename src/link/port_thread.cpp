@@ -34,6 +34,9 @@ void PortThread::close() {
   }
   changed_.notify_all();
   sender_->close();
+  // From within work done directly on the port's own thread: it ends with that, and is waited for another
+  // time.
+  if (thread_.get_id() == std::this_thread::get_id()) return;
   thread_.join();
   gone_ = false;
 }

@@ -2,9 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <semaphore>
 #include <string>
 #include <thread>
+#include <vector>
 
 namespace kalmira {
 namespace {
@@ -112,6 +114,40 @@ TEST_F(HandOverTest, WorkMayRunWhatElseWaits) {
   handOver.run();
   first.join();
   EXPECT_EQ(order, "inner outer");
+}
+
+TEST(DirectHandOver, WorkTakesTurnsWithTheReceivingThread) {
+  constexpr int kEach = 500;
+  HandOver handOver;
+  int handled = 0;  // no atomic: the turn guards it
+  std::vector<std::thread> threads;
+  for (int i = 0; i < 2; ++i) {
+    threads.emplace_back([&] {
+      HandOver::Sender sender(handOver);
+      for (int k = 0; k < kEach; ++k) EXPECT_TRUE(sender.send([&] { ++handled; }));
+    });
+  }
+  EXPECT_EQ(handled, 0) << "the turn has not been given away";
+  while (handled < 2 * kEach) {
+    {
+      const HandOver::Rest rest(handOver);
+      std::this_thread::yield();
+    }
+    ++handled;
+    --handled;
+  }
+  for (auto& thread : threads) thread.join();
+}
+
+TEST(DirectHandOver, ClosingReleasesASendThatWaitsForItsTurn) {
+  HandOver handOver;
+  HandOver::Sender sender(handOver);
+  bool ran = false;
+  std::thread thread([&] { EXPECT_FALSE(sender.send([&] { ran = true; })); });
+  std::this_thread::sleep_for(std::chrono::milliseconds(20));
+  sender.close();
+  thread.join();
+  EXPECT_FALSE(ran);
 }
 
 }  // namespace

@@ -192,6 +192,10 @@ void Run::leave() {
 void Run::onLine(const std::string& line) {
   if (line.empty() || !session_.sessionActive) return;
   const auto answer = runOperatorCommand(session_, line);
+  if (answer.newLine) {
+    settings_.keepLine();
+    saveSettingsOrTell(session_);
+  }
   if (!answer.status.empty()) output_.line(answer.status);
   output_.line(answer.error.empty() ? "ok" : "error " + answer.error);
 }

@@ -17,7 +17,7 @@ namespace {
 constexpr unsigned kMarkerKeyBit = 8;
 
 CommandAnswer failed(std::string why) {
-  return {.error = std::move(why), .status = {}, .ends = false};
+  return {.error = std::move(why), .status = {}, .ends = false, .newLine = false};
 }
 
 std::vector<std::string> words(std::string_view text) {
@@ -66,7 +66,7 @@ CommandAnswer line(Session& session, std::string_view text) {
     entry.direction = static_cast<int>(direction);
   }
   newLine(session, entry);
-  return {};
+  return {.error = {}, .status = {}, .ends = false, .newLine = true};
 }
 
 CommandAnswer station(Session& session, std::string_view text) {
@@ -100,12 +100,12 @@ CommandAnswer mark(Session& session, std::string_view) {
 }
 
 CommandAnswer status(Session& session, std::string_view) {
-  return {.error = {}, .status = "status " + statusText(session), .ends = false};
+  return {.error = {}, .status = "status " + statusText(session), .ends = false, .newLine = false};
 }
 
 CommandAnswer leave(Session& session, std::string_view) {
   leaveCleanly(session);
-  return {.error = {}, .status = {}, .ends = true};
+  return {.error = {}, .status = {}, .ends = true, .newLine = false};
 }
 
 struct OperatorCommand {

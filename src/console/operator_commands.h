@@ -8,9 +8,10 @@
 namespace kalmira {
 
 struct CommandAnswer {
-  std::string error;   // empty: done
-  std::string status;  // a line to print before "ok"
-  bool ends = false;   // the session has been left
+  std::string error;     // empty: done
+  std::string status;    // a line to print before "ok"
+  bool ends = false;     // the session has been left
+  bool newLine = false;  // a new line was begun
 };
 
 // Carries out one line of standard input on a session that has its data file.

@@ -1,5 +1,9 @@
 #include "console/run_settings.h"
 
+#include <algorithm>
+#include <array>
+#include <string_view>
+
 namespace kalmira {
 
 RunSettings::RunSettings(SettingsPlace place, const FieldValues& overrides) : place_(std::move(place)) {
@@ -19,6 +23,14 @@ RunSettings::RunSettings(SettingsPlace place, const FieldValues& overrides) : pl
                           .fileValue = fieldText(fromFile, *field.field, field.index),
                           .runValue = fieldText(settings_, *field.field, field.index)});
   }
+}
+
+void RunSettings::keepLine() {
+  static constexpr std::array<std::string_view, 6> kLineFields{
+      "lineName", "lineIncrement", "sequenceMode", "direction", "startStation", "stationIncrement"};
+  std::erase_if(overrides_, [](const Override& item) {
+    return std::find(kLineFields.begin(), kLineFields.end(), item.field.field->name) != kLineFields.end();
+  });
 }
 
 std::string RunSettings::save(const Settings& current) const {

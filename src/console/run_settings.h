@@ -20,6 +20,8 @@ class RunSettings {
   Settings& settings() { return settings_; }
   // Empty, or why the settings file could not be written at load.
   const std::string& problem() const { return problem_; }
+  // A new line was confirmed: what it set is the session's own from now on, also where it equals an override.
+  void keepLine();
   // Writes `current` with the file's own value wherever an override still stands. Empty text or the problem.
   std::string save(const Settings& current) const;
 

@@ -33,7 +33,7 @@ std::string surveyModeValue(const Settings& settings) {
 void WriteFileHeader(const WriterContext& context, std::string_view baseName) {
   const auto& settings = context.settings;
   const Header1 header{.kind = context.instrument.kind,
-                       .shortInstrument = settings.instrumentLength != 0,
+                       .shortInstrument = indexOr(settings.instrumentLength, 2, 0) == 1,
                        .gps = settings.gpsInput == 1,
                        .iceOption = context.iceOption,
                        .lengthUnits = indexOr(settings.lengthUnits, 2, 0),

@@ -139,6 +139,8 @@ ReaderEnd InstrumentReaderTesk2(const ReaderContext& context, bool markerOnInstr
 
 ReaderEnd GpsReaderThread(Port& port, const Clock& clock, const std::atomic<bool>& stop,
                           const LineHandOver& handOver) {
+  // What came before is of unknown age, and would get the tick of this moment.
+  port.purge();
   NmeaFramer framer(NmeaFramer::kLoggingLimit);
   return readBlocks(port, stop, kReadSliceMs, [&](Bytes block) {
     const std::uint32_t tick = clock.tick();

@@ -74,6 +74,14 @@ TEST(RunSettings, OverridesNeverReachTheFile) {
   EXPECT_EQ(file.modeIncrement[2], 1.0F);
   EXPECT_EQ(file.lineIncrement, 3.0F);
   EXPECT_EQ(file.lineName, "9");
+
+  // A confirmed line is the session's, even where it repeats what was set for the run.
+  run.settings().lineIncrement = 7.0F;
+  run.keepLine();
+  ASSERT_EQ(run.save(run.settings()), "");
+  loadSettings(place, file);
+  EXPECT_EQ(file.lineIncrement, 7.0F);
+  EXPECT_EQ(file.surveyMode, 0);
 }
 
 TEST(OperatorCommands, StatesAndMistakes) {

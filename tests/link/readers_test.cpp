@@ -198,7 +198,7 @@ TEST_F(ReadersTest, GpsLinesComeWithTheTickOfTheirFirstByte) {
   EXPECT_EQ(lines[0].tick, 1030U);
   EXPECT_EQ(lines[1].text, "$GPGSA,2");
   EXPECT_EQ(lines[1].tick, 1100U);
-  EXPECT_EQ(port.purges, 0);
+  EXPECT_EQ(port.purges, 1) << "what came before it was listened to is of unknown age";
 }
 
 TEST_F(ReadersTest, ProbeKnowsTheTwoTeskStreams) {

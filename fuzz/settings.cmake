@@ -1,0 +1,3 @@
+kalmira_fuzz(fuzz_settings
+  SOURCES fuzz_settings.cpp
+  LINKS kalmira_settings)

@@ -1,0 +1,266 @@
+#include "end_to_end/programs.h"
+
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <poll.h>
+#include <sys/wait.h>
+#include <termios.h>
+
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+
+#include "platform/text.h"
+
+namespace kalmira {
+namespace {
+
+using std::chrono::steady_clock;
+
+constexpr int kStepMs = 50;
+
+class Deadline {
+ public:
+  bool passed() const { return steady_clock::now() >= end_; }
+
+ private:
+  steady_clock::time_point end_ = steady_clock::now() + std::chrono::milliseconds(kPatienceMs);
+};
+
+struct Pipe {
+  int reading = -1, writing = -1;
+  Pipe() {
+    std::array<int, 2> ends{};
+    if (::pipe2(ends.data(), O_CLOEXEC) != 0) throw std::runtime_error("pipe");
+    reading = ends[0];
+    writing = ends[1];
+  }
+};
+
+void closeFd(int& fd) {
+  if (fd >= 0) ::close(fd);
+  fd = -1;
+}
+
+// In the new process: nothing but calls that may stand between fork and exec.
+[[noreturn]] void become(char* const* arguments, int in, int out, int err) {
+  ::dup2(in, STDIN_FILENO);
+  ::dup2(out, STDOUT_FILENO);
+  ::dup2(err, STDERR_FILENO);
+  ::execv(arguments[0], arguments);
+  ::_exit(127);
+}
+
+// Takes what there is; false at its end.
+bool take(int fd, std::string& text) {
+  std::array<char, 4096> block{};
+  const auto count = ::read(fd, block.data(), block.size());
+  if (count > 0) text.append(block.data(), static_cast<std::size_t>(count));
+  return count > 0 || (count < 0 && errno == EINTR);
+}
+
+void zeroDigits(std::string& record, std::size_t from, std::size_t to) {
+  for (std::size_t i = from; i < to && i < record.size(); ++i) {
+    if (record[i] >= '0' && record[i] <= '9') record[i] = '0';
+  }
+}
+
+// A number at the right of the last ten columns, of a program that has just been started.
+void wipeTick(std::string& record) {
+  const auto at = record.size() - 11;
+  const auto text = record.substr(at, 10);
+  const auto digits = text.find_first_not_of(' ');
+  const bool number =
+      digits != std::string::npos && text.find_first_not_of("0123456789", digits) == std::string::npos;
+  if (number && parseInt(text) < 10 * kPatienceMs) record.replace(at, 10, "      tick");
+}
+
+}  // namespace
+
+Program::Program(std::vector<std::string> command) {
+  // A program that has ended must not end the test that speaks to it.
+  (void)std::signal(SIGPIPE, SIG_IGN);
+  std::vector<char*> arguments;
+  arguments.reserve(command.size() + 1);
+  for (auto& argument : command) arguments.push_back(argument.data());
+  arguments.push_back(nullptr);
+  Pipe in;
+  Pipe out;
+  Pipe err;
+  process_ = ::fork();
+  if (process_ == 0) become(arguments.data(), in.reading, out.writing, err.writing);
+  for (int* fd : {&in.reading, &out.writing, &err.writing}) closeFd(*fd);
+  input_ = in.writing;
+  output_fd_ = out.reading;
+  errors_fd_ = err.reading;
+}
+
+Program::~Program() {
+  if (!ended_) {
+    ::kill(process_, SIGKILL);
+    ::waitpid(process_, nullptr, 0);
+  }
+  for (int* fd : {&input_, &output_fd_, &errors_fd_}) closeFd(*fd);
+}
+
+void Program::say(std::string_view line) {
+  const auto text = std::string(line) + '\n';
+  EXPECT_EQ(::write(input_, text.data(), text.size()), static_cast<ssize_t>(text.size())) << line;
+}
+
+void Program::closeInput() {
+  closeFd(input_);
+}
+
+void Program::signal(int number) const {
+  ASSERT_EQ(::kill(process_, number), 0);
+}
+
+bool Program::gather(int milliseconds) {
+  std::array<pollfd, 2> waits{{{.fd = output_fd_, .events = POLLIN, .revents = 0},
+                               {.fd = errors_fd_, .events = POLLIN, .revents = 0}}};
+  if (::poll(waits.data(), waits.size(), milliseconds) <= 0) return true;
+  if (waits[0].revents != 0 && !take(output_fd_, output_)) closeFd(output_fd_);
+  if (waits[1].revents != 0 && !take(errors_fd_, errors_)) closeFd(errors_fd_);
+  return output_fd_ >= 0 || errors_fd_ >= 0;
+}
+
+std::string Program::nextLine(std::string_view start, const std::function<void()>& onWait) {
+  bool more = true;
+  auto lastCall = steady_clock::now() - std::chrono::seconds(1);
+  for (const Deadline deadline; !deadline.passed();) {
+    for (auto end = output_.find('\n', read_); end != std::string::npos; end = output_.find('\n', read_)) {
+      auto line = output_.substr(read_, end - read_);
+      read_ = end + 1;
+      if (line.starts_with(start)) return line;
+    }
+    if (!more) break;
+    if (onWait && steady_clock::now() - lastCall >= std::chrono::milliseconds(kStepMs)) {
+      onWait();
+      lastCall = steady_clock::now();
+    }
+    more = gather(kStepMs);
+  }
+  ADD_FAILURE() << "no line \"" << start << "\" in\n" << output_ << "and the messages\n" << errors_;
+  return {};
+}
+
+bool Program::printed(std::string_view text) {
+  for (const Deadline deadline; !deadline.passed();) {
+    if (output_.find(text) != std::string::npos) return true;
+    if (!gather(kStepMs)) break;
+  }
+  return output_.find(text) != std::string::npos;
+}
+
+int Program::end() {
+  for (const Deadline deadline; !ended_ && !deadline.passed();) {
+    if (!gather(kStepMs)) ::poll(nullptr, 0, 5);
+    ended_ = ::waitpid(process_, &status_, WNOHANG) == process_;
+  }
+  if (!ended_) return -1;
+  while ((output_fd_ >= 0 || errors_fd_ >= 0) && gather(0)) {
+  }
+  return WIFEXITED(status_) ? WEXITSTATUS(status_) : 128 + WTERMSIG(status_);
+}
+
+namespace {
+
+std::vector<std::string> logCommand(std::string_view kind, const std::string& device,
+                                    const std::filesystem::path& root, const std::vector<std::string>& more) {
+  std::vector<std::string> command{KALMIRA_LOG, "--kind", std::string(kind), "--port", device,
+                                   "--root",    root,     "--tick-base",     "program"};
+  command.insert(command.end(), more.begin(), more.end());
+  return command;
+}
+
+}  // namespace
+
+Logger::Logger(std::string_view kind, const std::string& device, const std::filesystem::path& root,
+               const std::vector<std::string>& more)
+    : Program(logCommand(kind, device, root, more)) {}
+
+std::filesystem::path Logger::file(const std::function<void()>& onWait) {
+  const auto line = nextLine("file ", onWait);
+  return line.empty() ? line : line.substr(5);
+}
+
+std::string Logger::answer(std::string_view command) {
+  say(command);
+  for (;;) {
+    auto line = nextLine("");
+    if (line.empty() || line == "ok" || line.starts_with("error ")) return line;
+  }
+}
+
+bool Logger::counted(std::string_view what, int number, const std::function<void()>& onWait) {
+  const auto field = fmt::format(" {}=", what);
+  for (const Deadline deadline; !deadline.passed();) {
+    if (onWait) onWait();
+    say("status");
+    const auto line = nextLine("status ");
+    nextLine("ok");
+    const auto at = line.find(field);
+    if (at == std::string::npos) break;
+    if (parseInt(std::string_view(line).substr(at + field.size())) >= number) return true;
+    ::poll(nullptr, 0, 20);
+  }
+  ADD_FAILURE() << what << " did not become " << number << " in\n" << output();
+  return false;
+}
+
+Outcome run(std::vector<std::string> command) {
+  Program program(std::move(command));
+  program.closeInput();
+  const int status = program.end();
+  return {.status = status, .output = program.output(), .errors = program.errors()};
+}
+
+Device::Device() {
+  termios settings{};
+  EXPECT_EQ(tcgetattr(master(), &settings), 0);
+  cfmakeraw(&settings);
+  EXPECT_EQ(tcsetattr(master(), TCSANOW, &settings), 0);
+}
+
+void Device::wakeUp(Logger& logger, std::string_view record, std::string_view text) const {
+  // What comes before the reader has begun is thrown away; a second try is then due.
+  constexpr int kTryAgainMs = 5000;
+  int waited = kTryAgainMs;
+  const auto sendAgain = [&] {
+    waited += kStepMs;
+    if (waited < kTryAgainMs) return;
+    waited = 0;
+    ASSERT_TRUE(send(record));
+  };
+  logger.nextLine(fmt::format("show {}", text), sendAgain);
+}
+
+std::string wiped(const std::string& content, std::size_t recordLength) {
+  std::string out;
+  for (std::size_t at = 0; at < content.size(); at += recordLength) {
+    auto record = content.substr(at, recordLength);
+    if (at > 0 && record.size() == recordLength) {
+      if (std::string_view("Tt23456CX!*").find(record[0]) != std::string_view::npos) wipeTick(record);
+      if (record[0] == '*') zeroDigits(record, 1, 13);
+      if (record[0] == 'Z') zeroDigits(record, 1, 18);
+      if (record[0] == 'S') zeroDigits(record, 13, 21);
+    }
+    out += record;
+  }
+  return out;
+}
+
+std::string withTick(std::size_t recordLength, std::string_view text) {
+  return textField(text, recordLength - 11) + "      tick";
+}
+
+int countRecords(const std::string& content, std::size_t recordLength, std::string_view tags) {
+  int count = 0;
+  for (auto at = recordLength; at + recordLength <= content.size(); at += recordLength) {
+    if (tags.find(content[at]) != std::string_view::npos) ++count;
+  }
+  return count;
+}
+
+}  // namespace kalmira

@@ -1,0 +1,147 @@
+#include <fmt/format.h>
+#include <gmock/gmock.h>
+
+#include "end_to_end/programs.h"
+
+namespace kalmira {
+namespace {
+
+using testing::HasSubstr;
+using testing::StartsWith;
+
+struct Start : testing::Test {
+  TempFolder folder;
+  Device device;
+
+  // Starts a logger that is expected to end by itself.
+  Outcome start(std::string_view kind, const std::string& port, const std::vector<std::string>& more = {}) {
+    Logger logger(kind, port, folder.path(), more);
+    const int status = logger.end();
+    EXPECT_EQ(logger.output().find("file "), std::string::npos);
+    return {.status = status, .output = logger.output(), .errors = logger.errors()};
+  }
+};
+
+TEST_F(Start, FailsWithTheKindsTextAndTheReasonBehindIt) {
+  const auto missing = (folder.path() / "ttyNone").string();
+  const auto plain = (folder.path() / "plain").string();
+  writeFile(plain, "no port");
+  struct Case {
+    std::string kind, port, errors;
+  };
+  for (const auto& item :
+       {Case{"ORLA", missing, "Cannot open ORLA port\nThere is no device " + missing},
+        Case{"TESKDD", missing, "Cannot open TESKD port\nThere is no device " + missing},
+        Case{"TESK2", plain, "Cannot open TESK2 port\n" + plain + " is a file, not a serial port"},
+        Case{"GLACO", folder.path(), "Cannot open GLACO port\n" + folder.path().string() + " is a folder"},
+        Case{"MIRKA", "/dev/null", "Cannot open MIRKA port\n/dev/null is a file, not a serial port"}}) {
+    const auto outcome = start(item.kind, item.port);
+    EXPECT_EQ(outcome.status, 1) << item.kind;
+    EXPECT_THAT(outcome.errors, StartsWith(item.errors));
+  }
+}
+
+TEST_F(Start, TakesAPortForItselfAlone) {
+  Logger first("ORLA", device.name, folder.path());
+  ASSERT_FALSE(first.file().empty());
+  const auto second = start("TESKB", device.name);
+  EXPECT_EQ(second.status, 1);
+  EXPECT_EQ(second.errors,
+            fmt::format("Cannot open TESKB port\n{} is held by kalmira-log (process {}): end that program\n",
+                        device.name, first.process()));
+  // Once it is free again, it can be had.
+  EXPECT_EQ(first.answer("exit"), "ok");
+  EXPECT_EQ(first.end(), 0);
+  Logger third("TESKB", device.name, folder.path());
+  EXPECT_FALSE(third.file().empty());
+}
+
+TEST_F(Start, NeedsAnAnswerFromATesk) {
+  const auto silent = start("TESK", device.name);
+  EXPECT_EQ(silent.status, 1);
+  EXPECT_EQ(silent.errors, "Instrument OFF or Disconnected\n");
+}
+
+TEST_F(Start, RefusesRecordsOfAnotherLengthFromATesk) {
+  Logger logger("TESK", device.name, folder.path());
+  logger.closeInput();
+  std::string records;
+  for (int i = 0; i < 400; ++i) records += "T$+010+00\r";
+  ASSERT_TRUE(device.send(records));
+  EXPECT_EQ(logger.end(), 1);
+  EXPECT_EQ(logger.errors(), "Instrument OFF or Disconnected\n");
+}
+
+TEST_F(Start, RefusesOnePortForTwoDevices) {
+  const auto outcome = start("ORLA", device.name, {"--gps", device.name});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.errors, "Same Port Assigned\n");
+}
+
+TEST_F(Start, NeverOverwritesAFile) {
+  const auto path = folder.path() / "Storage" / "DATAORLA" / "MINE.ROR";
+  writeFile(path, "a day's work");
+  const auto outcome = start("ORLA", device.name, {"--name", "MINE"});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.errors, "The file already exisits. Please enter another name\n");
+  EXPECT_EQ(readFile(path), "a day's work");
+}
+
+TEST_F(Start, GivesTwoFilesOfAnHourTwoLetters) {
+  std::vector<std::string> names;
+  for (int i = 0; i < 2; ++i) {
+    Logger logger("ORLA", device.name, folder.path());
+    names.push_back(logger.file().filename());
+    logger.closeInput();
+    EXPECT_EQ(logger.end(), 0);
+  }
+  EXPECT_THAT(names[0], testing::MatchesRegex("[01][0-9][0-3][0-9][0-2][0-9]A\\.ROR"));
+  // Unless the hour has just changed.
+  const bool sameHour = names[0].substr(0, 6) == names[1].substr(0, 6);
+  EXPECT_EQ(names[1].substr(6), sameHour ? "B.ROR" : "A.ROR");
+}
+
+TEST_F(Start, SaysWhereNoFileCanBeMade) {
+  writeFile(folder.path() / "Storage", "in the way");
+  const auto outcome = start("VARDO", device.name);
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_THAT(outcome.errors,
+              StartsWith("File not created. Potential disk problem. Try different folder and check "
+                         "files often. Press OK,wait for program end and restart.\n"));
+  EXPECT_THAT(outcome.output, HasSubstr("notice Cannot write "));  // the settings file
+}
+
+TEST(Usage, IsToldWhenItIsWrong) {
+  struct Case {
+    std::vector<std::string> command;
+    std::string what;
+  };
+  const std::string log = KALMIRA_LOG;
+  const std::vector<Case> cases{
+      {{log}, "--kind is missing"},
+      {{log, "--kind", "ORLA"}, "--port is missing"},
+      {{log, "--kind", "8", "--port", "x"}, "there is no instrument \"8\""},
+      {{log, "--kind", "TESK", "--port", "x", "--ice"}, "--ice is for the ORLA"},
+      {{log, "--kind", "ORLA", "--port", "x", "--set", "surveyMood=1"}, "there is no setting \"surveyMood\""},
+      {{log, "--kind", "ORLA", "--port", "x", "--set", "surveyMode=one"}, "\"one\" is no whole number"},
+      {{log, "--kind", "ORLA", "--port", "x", "--seconds", "0"}, "--seconds takes"},
+      {{log, "--kind", "ORLA", "--port", "x", "--name", "../up"}, "\"../up\" is no name"},
+      {{log, "--kind", "ORLA", "--port", "x", "--storage-class", "4"}, "--storage-class is 0 to 3"},
+      {{log, "--kind", "ORLA", "--port"}, "--port needs a value"},
+      {{log, "--nonsense"}, "\"--nonsense\" is no option"},
+      {{KALMIRA_SIM}, "--kind is missing"},
+      {{KALMIRA_SIM, "--kind", "ORLA", "--noise", "2"}, "--noise wants a probability"},
+      {{KALMIRA_EXPORT}, ""},
+      {{KALMIRA_EXPORT, "-o"}, ""},
+  };
+  for (const auto& item : cases) {
+    const auto outcome = run(item.command);
+    EXPECT_EQ(outcome.status, 2) << item.what;
+    EXPECT_EQ(outcome.output, "");
+    EXPECT_THAT(outcome.errors, HasSubstr(item.what));
+    EXPECT_FALSE(outcome.errors.empty());
+  }
+}
+
+}  // namespace
+}  // namespace kalmira

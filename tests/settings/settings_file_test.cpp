@@ -1,0 +1,272 @@
+#include "settings/settings_file.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <sstream>
+
+#include "platform/paths.h"
+#include "settings/settings_fields.h"
+#include "support/temp_folder.h"
+
+namespace kalmira {
+namespace {
+
+// Lines with CR LF behind each.
+std::string lines(std::initializer_list<std::string_view> texts) {
+  std::string out;
+  for (const auto text : texts) (out += text) += "\r\n";
+  return out;
+}
+
+struct FileCase {
+  const char* name;
+  Kind kind;
+  bool ice;
+};
+
+void PrintTo(const FileCase& item, std::ostream* out) {
+  *out << item.name;
+}
+
+class SettingsFileOf : public testing::TestWithParam<FileCase> {};
+
+INSTANTIATE_TEST_SUITE_P(
+    Kinds, SettingsFileOf,
+    testing::Values(FileCase{"Orla", Kind::orla, false}, FileCase{"OrlaIce", Kind::orla, true},
+                    FileCase{"Teskb", Kind::teskb, false}, FileCase{"Teskdd", Kind::teskdd, false},
+                    FileCase{"Tesk", Kind::tesk, false}, FileCase{"Vardo", Kind::vardo, false},
+                    FileCase{"Mirka", Kind::mirka, false}, FileCase{"Glaco", Kind::glaco, false},
+                    FileCase{"Tesk2", Kind::tesk2, false}),
+    [](const auto& row) { return row.param.name; });
+
+// Every field another value, each told apart from its neighbours and from its default.
+Settings distinctSettings(Kind kind, bool ice) {
+  Settings settings;
+  int number = 2;
+  for (const auto& field : settingsFields()) {
+    if (!fieldApplies(field, kind, ice)) continue;
+    for (std::size_t i = 0; i < fieldSize(field); ++i) {
+      setFieldText(settings, field, i, std::to_string(number++) + ".75");
+    }
+  }
+  settings.surveyMode = kModeManual;
+  settings.stationIncrement = settings.modeIncrement[2];
+  return settings;
+}
+
+TEST_P(SettingsFileOf, ReadsBackWhatItWrote) {
+  const auto& [name, kind, ice] = GetParam();
+  const auto written = distinctSettings(kind, ice);
+  const auto text = formatSettings(written, kind, ice);
+  Settings read;
+  ASSERT_TRUE(parseSettings(text, kind, ice, read));
+  EXPECT_EQ(formatSettings(read, kind, ice), text);
+  // Not only the text: also the fields that this kind's file leaves out, which keep their defaults.
+  EXPECT_EQ(formatSettings(read, Kind::tesk2, false), formatSettings(written, Kind::tesk2, false));
+}
+
+TEST_P(SettingsFileOf, HasTheKindsNumberOfLines) {
+  const auto& [name, kind, ice] = GetParam();
+  const auto text = formatSettings(Settings{}, kind, ice);
+  // 53 values that all have, the tag line, and what the kind adds.
+  const long own = kind == Kind::tesk2 ? 9 : (kind == Kind::orla ? 1 : 0) + (ice ? 5 : 0);
+  EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 54 + own);
+}
+
+// A survey that ends with an empty battery may leave the file cut anywhere, the missing values are 0 or
+// empty.
+TEST_P(SettingsFileOf, IsReadUpToWhereItWasCut) {
+  const auto& [name, kind, ice] = GetParam();
+  const auto text = formatSettings(distinctSettings(kind, ice), kind, ice);
+  const auto tagEnd = instrumentOf(kind).versionTag.size();
+  for (std::size_t length = 0; length < text.size(); ++length) {
+    Settings settings;
+    const bool read = parseSettings(std::string_view(text).substr(0, length), kind, ice, settings);
+    ASSERT_EQ(read, length >= tagEnd) << length;
+    if (!read) continue;
+    const auto whole = text.substr(0, text.rfind('\n', length) + 1);
+    const auto rewritten = formatSettings(settings, kind, ice);
+    ASSERT_EQ(rewritten.substr(0, std::min(length, whole.size())),
+              text.substr(0, std::min(length, whole.size())));
+  }
+  Settings settings;
+  ASSERT_TRUE(parseSettings(text.substr(0, tagEnd + 2), kind, ice, settings));
+  EXPECT_EQ(settings.lineName, "");
+  EXPECT_EQ(settings.gpsDataBitsIndex, 0);
+  EXPECT_EQ(settings.modeIncrement[1], 0.0F);
+}
+
+TEST(SettingsFile, HasTheBytesOfANewOrla) {
+  EXPECT_EQ(
+      formatSettings(Settings{}, Kind::orla, false),
+      lines({"CEVer2.30", "0",        "0",         "0",          "1",         "0",  // 1, 7 to 10
+             "1",         "1",        "1",         "1",          "1",         "1",
+             "1",         "1",  // shown
+             "1",         "1",        "1",         "1",          "1",         "1",
+             "1",         "1",  // widths
+             "11694592",  "24277",    "7577088",   "10975692",   "0",         "15316054",
+             "40934",     "6710886",                                                          // colours
+             "1",         "0.000000", "10.000000", "-10.000000", "10.000000",                 // 35 to 39
+             "0",         "1",        "0",         "1",          "0",         "0",            // GPS
+             "0",         "0",        "0",         "1",                                       // 46 to 49
+             "1.000000",  "1.000000", "1.000000",  "1.000000",                                // 57 to 60
+             "1",         "1.000000", "0",         "2",          "0.000000",  "1.000000"}));  // 61 to 66
+}
+
+TEST(SettingsFile, HasTheIceFieldsBehindTheLengthAndTheTesk2FieldsInTheirPlaces) {
+  Settings settings;
+  settings.instrumentLength = 1;
+  settings.iceDisplay = 1;
+  settings.iceQuantity = 1;
+  settings.seaWaterChoice = 10;
+  settings.lineName = "N\xC3\xBA 7";
+  EXPECT_EQ(formatSettings(settings, Kind::orla, true).substr(0, 60),
+            lines({"CEVer2.30", "1", "1", "1", "10", "9.000000", "10.000000", "0", "0", "1", "0", "1"})
+                .substr(0, 60));
+  settings.calibrationFactors = {0.5F, -1.25F, 2, 3, 4, 0.1F};
+  settings.tesk2Variant = 2;
+  settings.softMarker = 1;
+  settings.markerPortChoice = 6;
+  settings.startStation = -123456789.125;
+  const auto text = formatSettings(settings, Kind::tesk2, false);
+  const auto end =
+      lines({"0",        "0",        "0",        "1",        "2",        "0.500000",          "-1.250000",
+             "2.000000", "3.000000", "4.000000", "0.100000", "1.000000", "1.000000",          "1.000000",
+             "1.000000", "N? 7",     "1.000000", "0",        "2",        "-123456789.125000", "1.000000",
+             "1",        "6"});
+  EXPECT_EQ(text.substr(text.size() - end.size()), end);
+}
+
+// The values of the format document's example, its explanations cut off.
+std::string documentedFile() {
+  const auto document = readFile(KALMIRA_DOCS "/settings-file-format.md");
+  const std::string fence = "```example\n";
+  const auto start = document.find(fence) + fence.size();
+  std::istringstream example(document.substr(start, document.find("```", start) - start));
+  std::string out;
+  for (std::string line; std::getline(example, line);) out += line.substr(0, line.find(' ')) + "\r\n";
+  return out;
+}
+
+TEST(SettingsFile, IsThatOfTheFormatDocument) {
+  Settings settings;
+  settings.traceShown = {1, 1, 1, 1, 0, 0, 0, 0};
+  settings.traceWidth = {2, 2, 1, 1, 1, 1, 1, 1};
+  settings.conductivityMaximum = 50;
+  settings.gpsInput = 1;
+  settings.gpsBaudIndex = 1;
+  settings.surveyMode = kModeWheel;
+  settings.tesk2Variant = 2;
+  settings.calibrationFactors = {1.153F, 1.15276F, 2.30552F, -0.28819F, -160, 40};
+  settings.modeIncrement = {1, 2.5F, 1};
+  settings.lineName = "4.00";
+  settings.direction = 1;
+  settings.startStation = 250;
+  settings.stationIncrement = -2.5F;
+  settings.markerPortChoice = 6;
+  EXPECT_EQ(formatSettings(settings, Kind::tesk2, false), documentedFile());
+  Settings read;
+  ASSERT_TRUE(parseSettings(documentedFile(), Kind::tesk2, false, read));
+  EXPECT_EQ(read.stationIncrement, 2.5F);
+  EXPECT_EQ(read.calibrationFactors, settings.calibrationFactors);
+}
+
+std::string incrementLine(int mode, float increment) {
+  Settings settings;
+  settings.surveyMode = mode;
+  settings.stationIncrement = increment;
+  auto text = formatSettings(settings, Kind::mirka, false);
+  text.resize(text.size() - 2);
+  return text.substr(text.rfind('\n') + 1);
+}
+
+TEST(SettingsFile, KeepsOnlyTheSignOfTheIncrementInWheelMode) {
+  EXPECT_EQ(incrementLine(kModeWheel, -2.5F), "-1.000000");
+  EXPECT_EQ(incrementLine(kModeWheel, 2.5F), "1.000000");
+  EXPECT_EQ(incrementLine(kModeWheel, 0.0F), "1.000000");
+  EXPECT_EQ(incrementLine(kModeAuto, -2.5F), "-2.500000");
+  EXPECT_EQ(incrementLine(kModeManual, 0.0F), "0.000000");
+}
+
+TEST(SettingsFile, GivesTheIncrementOfTheLoadedMode) {
+  for (const int mode : {0, 1, 2, 9}) {
+    Settings settings;
+    settings.modeIncrement = {3, 4, 5};
+    settings.surveyMode = mode;
+    settings.stationIncrement = -77;
+    Settings read;
+    ASSERT_TRUE(parseSettings(formatSettings(settings, Kind::vardo, false), Kind::vardo, false, read));
+    EXPECT_EQ(read.stationIncrement, mode == 9 ? 3.0F : static_cast<float>(3 + mode));
+  }
+}
+
+TEST(SettingsFile, TakesNumbersOutOfRangeAndBytesThatAreNone) {
+  auto text = lines({"CEVer2.10", "99999999999", "-5", "x", "1e3"});
+  text += std::string("\0\xFF\r\n\r\r\n\n", 8) + std::string(100000, '7') + "\n";
+  Settings settings;
+  ASSERT_TRUE(parseSettings(text, Kind::mirka, false, settings));
+  EXPECT_EQ(settings.lengthUnits, 2147483647);
+  EXPECT_EQ(settings.instrumentPortIndex, -5);
+  EXPECT_EQ(settings.audio, 0);
+  EXPECT_EQ(settings.pauseKey, 1);
+  EXPECT_EQ(settings.traceShown[0], 0);
+  EXPECT_EQ(settings.traceShown[3], 2147483647);
+}
+
+struct LoadFixture : testing::Test {
+  TempFolder folder;
+  SettingsPlace place{.kind = Kind::teskb, .root = folder.path() / "new" / "root"};
+  std::filesystem::path file = place.root / "Storage" / "KALINI" / "TESKB.INI";
+};
+
+TEST_F(LoadFixture, MakesAMissingFileOfTheValuesAsTheyStand) {
+  Settings settings;
+  settings.lineIncrement = 4;
+  const auto result = loadSettings(place, settings);
+  EXPECT_EQ(result.how, SettingsLoad::created);
+  EXPECT_EQ(result.problem, "");
+  EXPECT_EQ(readFile(file), formatSettings(settings, Kind::teskb, false));
+  EXPECT_EQ(settings.lineIncrement, 4.0F);
+}
+
+TEST_F(LoadFixture, ReplacesAFileOfAnotherVersionWhole) {
+  for (const std::string tag : {"CEVer2.30", "CEVer2.2", "CEVer2.222", " CEVer2.22", ""}) {
+    writeFile(file, tag + "\r\n1\r\n2\r\n");
+    Settings settings;
+    EXPECT_EQ(loadSettings(place, settings).how, SettingsLoad::replaced) << tag;
+    EXPECT_EQ(settings.lengthUnits, 0);
+    EXPECT_EQ(readFile(file), formatSettings(Settings{}, Kind::teskb, false)) << tag;
+  }
+}
+
+TEST_F(LoadFixture, ReadsItsFileAndLeavesItAlone) {
+  writeFile(file, "CEVer2.22\r\n1\r\n11\r\n");
+  Settings settings;
+  EXPECT_EQ(loadSettings(place, settings).how, SettingsLoad::loaded);
+  EXPECT_EQ(settings.lengthUnits, 1);
+  EXPECT_EQ(settings.instrumentPortIndex, 11);
+  EXPECT_EQ(readFile(file), "CEVer2.22\r\n1\r\n11\r\n");
+}
+
+// A file where the folder should be: nobody, root included, can write there.
+TEST_F(LoadFixture, SaysWhyAFileCannotBeWritten) {
+  writeFile(place.root / "Storage", "in the way");
+  Settings settings;
+  const auto result = loadSettings(place, settings);
+  EXPECT_TRUE(result.problem.starts_with("Cannot write " + file.string() + ": ")) << result.problem;
+  EXPECT_EQ(saveSettings(place, settings), result.problem);
+}
+
+TEST_F(LoadFixture, KeepsTheOldFileWhenTheNewOneCannotBeWritten) {
+  ASSERT_EQ(saveSettings(place, Settings{}), "");
+  const auto old = readFile(file);
+  std::filesystem::create_directory(file.string() + ".new");
+  Settings settings;
+  settings.lineName = "77";
+  EXPECT_NE(saveSettings(place, settings), "");
+  EXPECT_EQ(readFile(file), old);
+}
+
+}  // namespace
+}  // namespace kalmira

@@ -11,8 +11,8 @@
 namespace kalmira {
 
 // Commits a growing file to its medium on a thread of its own, so that a memory card that stalls holds up
-// nobody: what was written is committed within seven tenths of a second and the time the medium takes. All members are
-// called on the writing thread and return at once, but for finish.
+// nobody: what was written is committed within seven tenths of a second and the time the medium takes. All
+// members are called on the writing thread and return at once, but for finish.
 class SyncThread {
  public:
   struct Progress {

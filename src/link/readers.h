@@ -12,8 +12,8 @@
 // The loops that run on the ports' threads: bytes from a port through a framer to the session.
 namespace kalmira {
 
-// Every loop looks at `stop` at least this often: a closing port waits for that, and is promised 200 ms. Longer
-// than the pause between two records or sentences, so that a stream that flows wakes nobody in vain.
+// Every loop looks at `stop` at least this often: a closing port waits for that, and is promised 200 ms.
+// Longer than the pause between two records or sentences, so that a stream that flows wakes nobody in vain.
 inline constexpr int kReadSliceMs = 150;
 // The instrument port's read time-out: an ice record that pauses so long is bad.
 inline constexpr std::uint32_t kReadTimeoutMs = 2000;

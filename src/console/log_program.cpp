@@ -43,18 +43,19 @@ int comOf(const LogOptions& options, const std::string& device, int own) {
   return own;
 }
 
-// The values of this run: the ports of the command line, then what --set says.
+// The values of this run: what --set says, then the ports, which are for the command line alone to say.
 FieldValues runValues(const LogOptions& options) {
-  const auto field = [](std::string_view name, int value) {
-    return std::pair{*findField(name), fmt::format("{}", value)};
+  FieldValues values = options.set;
+  const auto put = [&values](std::string_view name, int value) {
+    values.emplace_back(*findField(name), fmt::format("{}", value));
   };
-  FieldValues values{field("instrumentPortIndex", kInstrumentCom - 1)};
   const bool gps = !options.gps.empty();
-  values.push_back(field("gpsInput", gps ? 1 : 0));
-  values.push_back(field("gpsPortIndex", gps ? comOf(options, options.gps, kGpsCom) - 1 : kGpsCom - 1));
-  values.push_back(
-      field("markerPortChoice", options.marker.empty() ? 0 : comOf(options, options.marker, kMarkerCom)));
-  values.insert(values.end(), options.set.begin(), options.set.end());
+  put("instrumentPortIndex", kInstrumentCom - 1);
+  put("gpsInput", gps ? 1 : 0);
+  put("gpsPortIndex", gps ? comOf(options, options.gps, kGpsCom) - 1 : kGpsCom - 1);
+  if (options.kind == Kind::tesk2) {
+    put("markerPortChoice", options.marker.empty() ? 0 : comOf(options, options.marker, kMarkerCom));
+  }
   return values;
 }
 

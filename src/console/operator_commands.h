@@ -14,8 +14,8 @@ struct CommandAnswer {
   bool newLine = false;  // a new line was begun
 };
 
-// Carries out one line of standard input on a session that has its data file.
-CommandAnswer runOperatorCommand(Session& session, std::string_view line);
+// Carries out one line of standard input, `text`, on a session that has its data file.
+CommandAnswer runOperatorCommand(Session& session, std::string_view text);
 
 // Pauses if need be and leaves.
 void leaveCleanly(Session& session);

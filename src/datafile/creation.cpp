@@ -30,8 +30,8 @@ std::string ProposeDataFileName(const DataPlace& place, const Clock& clock) {
   const std::string extension(instrumentOf(place.kind).extension);
   std::string probed;
   for (char letter = 'A'; letter <= 'Z'; ++letter) {
-    const auto name = stem + letter;
-    probed = dataFolderPrefix(place.kind, place.storageClass) + name + extension;
+    auto name = stem + letter;
+    probed = fmt::format("{}{}{}", dataFolderPrefix(place.kind, place.storageClass), name, extension);
     if (!isTaken(localPath(place.root, probed))) return name;
   }
   return probed;

@@ -26,7 +26,7 @@ std::vector<std::filesystem::path> otherFolders(const std::filesystem::path& roo
 std::filesystem::path writeElsewhere(const Session& session, const std::string& records) {
   const auto name = session.file.path().filename().string() + ".REST";
   for (const auto& folder : otherFolders(session.setup.root)) {
-    const auto path = folder / name;
+    auto path = folder / name;
     std::error_code error;
     if (!std::filesystem::exists(path, error) && replaceFile(path, records).empty()) return path;
   }

@@ -62,14 +62,10 @@ struct MarkCase {
 };
 
 TEST(RecordTimes, FindTheMarksDayFromTheDateRecord) {
-  for (const auto& [hour, minute, mark, day] : {
-           MarkCase{10, 0, at(10), 0},
-           MarkCase{10, 0, at(9, 30), 0},  // the clock was put back
-           MarkCase{8, 0, at(22), 0},      // hours later on the same day
-           MarkCase{23, 59, at(0), 1},
-           MarkCase{23, 59, at(22, 0), 1},
-           MarkCase{0, 0, at(23, 50), -1},
-       }) {
+  for (const auto& [hour, minute, mark, day] :
+       {MarkCase{10, 0, at(10), 0}, MarkCase{10, 0, at(9, 30), 0},  // the clock was put back
+        MarkCase{8, 0, at(22), 0},                                  // hours later on the same day
+        MarkCase{23, 59, at(0), 1}, MarkCase{23, 59, at(22, 0), 1}, MarkCase{0, 0, at(23, 50), -1}}) {
     RecordTimes times;
     times.takeDate(eighthOfMarch(hour, minute));
     times.takeMark({.timeOfDayMs = mark, .tick = 1});

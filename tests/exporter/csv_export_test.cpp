@@ -9,6 +9,8 @@
 namespace kalmira {
 namespace {
 
+using namespace std::string_literals;
+
 constexpr std::string_view kCommon = "line,station,repeat,date,time,tick,dipole,marker,range,";
 
 // A line from station 10 on by 1.5, at 10:00:00.000 on 8 March 2024, which is tick 1000.
@@ -36,100 +38,56 @@ Exported exported(const std::string& bytes) {
   return out;
 }
 
-struct KindCase {
-  std::string name;
-  std::string header1;
-  std::string columns;
-  // Reading texts and what the row says from "dipole" on.
-  std::vector<std::pair<std::string, std::string>> readings;
+// What the row of a reading says from "dipole" on.
+struct ReadingCase {
+  std::string header1, columns, reading, cells;
 };
 
-class ExportOfAKind : public testing::TestWithParam<KindCase> {};
-
-TEST_P(ExportOfAKind, HasItsChannels) {
-  const auto& row = GetParam();
-  const std::size_t length = row.header1.size();
-  std::string bytes = row.header1 + lineBlock(length);
-  std::string expected = std::string(kCommon) + row.columns + "\n";
-  for (const auto& [text, cells] : row.readings) {
-    // Each is the first of its line, at station 10.
-    bytes += lineBlock(length) + formatReading(static_cast<int>(length), text, 2234);
-    expected += "7,10.000,1,2024-03-08,10:00:01.234,2234," + cells + "\n";
-  }
-  EXPECT_EQ(exported(bytes).table, expected);
-}
-
+const std::string kFour = "cond_v,cond_h,inph_v,inph_h";
+const std::string kSix = "cond_v10,cond_v20,cond_v40,cond_h10,cond_h20,cond_h40";
+const std::string kEight = "cond1_v,cond1_h,inph1_v,inph1_h,cond2_v,cond2_h,inph2_v,inph2_h";
 // Mode bytes: 64 trigger; 32 vertical (VARDO: horizontal); the range code in the lowest three bits.
-INSTANTIATE_TEST_SUITE_P(
-    Kinds, ExportOfAKind,
-    testing::Values(
-        KindCase{"Orla",
-                 "ORLA2   W230GRD0000    \n",
-                 "cond_v,cond_h,inph_v,inph_h",
-                 {{"T$-0400+0800", "V,0,100,10.00000,,-2.00000,"},
-                  {"TD-0400+0800", "H,1,100,,10.00000,,-2.00000"},
-                  {"T%+0640+0640", "V,0,1000,,,,"}}},  // odd mode byte: battery voltages
-        KindCase{"OrlaShort",
-                 "ORLAS   W230GRD0000    \n",
-                 "cond_v,cond_h,inph_v,inph_h",
-                 {{"T$-0400-1340", "V,0,100,10.00000,,1.00000,"}}},
-        KindCase{"OrlaInphaseOnly",
-                 "ORLA2   W230GRD0001    \n",
-                 "cond_v,cond_h,inph_v,inph_h",
-                 {{"T$-0400+0800", "V,0,100,,,2.50000,"}}},
-        // 62.5 mS/m lies between 64.58 at 3.4 m and 61.11 at 3.5 m.
-        KindCase{"OrlaIceThickness",
-                 "ORLAS  iW230GRD000010  \n",
-                 "cond_v,cond_h,inph_v,inph_h,thickness",
-                 {{std::string("T\x04-2500+0000", 12), "H,0,100,,62.50000,,0.00000,3.45994"},
-                  {"T$-2500+0000", "V,0,100,62.50000,,0.00000,,"},
-                  {std::string("T\0-9999+0000", 12), "H,0,1000,,2499.75000,,0.00000,"}}},  // beyond the table
-        KindCase{"OrlaIceWithoutThickness",
-                 "ORLAS  iW230GRD000000  \n",
-                 "cond_v,cond_h,inph_v,inph_h",
-                 {{std::string("T\x04-2500+0000", 12), "H,0,100,,62.50000,,0.00000"}}},
-        KindCase{"Teskb",
-                 "TESKB   W222GRD0000    \n",
-                 "cond_v,cond_h,inph_v,inph_h",
-                 {{"T!-1000-0025", "V,0,1000/100,25.00000,,2.88000,"},
-                  {"T1-1000-0025", "V,0,1000/100,3.12500,,0.36000,"}}},
-        KindCase{"Teskdd",
-                 "TESKD   W222GRD0001    \n",
-                 "cond_v,cond_h,inph_v,inph_h",
-                 {{"T#-0100+0100", "V,0,1000,,,2.88000,-2.88000"},
-                  {"T'-0012-0013", "V,0,1000,12.00000,13.00000,,"}}},
-        KindCase{"TeskShortRecords",
-                 "TESKS   W222GRD0001    \n",
-                 "cond_v,cond_h,inph_v,inph_h",
-                 {{"T$-0123     ", "V,0,100,12.30000,,,"}, {"TB+1000     ", "H,1,100,,,,-2.88000"}}},
-        KindCase{"Vardo",
-                 "VARDO   W230GRD0520    \n",
-                 "cond_v10,cond_v20,cond_v40,cond_h10,cond_h20,cond_h40",
-                 {{"TT-0400+0000", "V,1,100,10.00000,,,,,"},
-                  {"T\"-4000+0000", "H,0,10,,,,,10.00000,"},
-                  {"T8-4000+0000", "H,0,3,,,,,,3.00000"}}},
-        KindCase{"Mirka",
-                 "MIRKA   W210GRD0000    \n",
-                 "cond,inph",
-                 {{"T$-0004-0040", "V,0,100,10.00000,10.00000"}}},
-        KindCase{"Glaco",
-                 "GLACO   W210GRD0000    \n",
-                 "thickness,inph",
-                 {{"T123I456    ", "V,0,100,1.23000,456.00000"}}},
-        // 5 x 33792 / 1024 - 160 = 5, times 8 = 40; word 32778 is 0.390625.
-        KindCase{"Tesk2",
-                 "TESK2   W230GRD00001     \n",
-                 "cond1_v,cond1_h,inph1_v,inph1_h,cond2_v,cond2_h,inph2_v,inph2_h",
-                 {{std::string("T\x04\x80\x0A\x84\0\x84\0\x84\0\n\n\n\n", 14),
-                   "V,1,,40.00000,,1.15276,,0.39063,,0.28819,"},
-                  {std::string("t\x02\x80\x0A\x84\0\x84\0\x84\0\n\n\n\n", 14),
-                   "H,0,,,40.00000,,1.15276,,0.39063,,0.28819"}}},
-        KindCase{"Tesk2Unscaled",
-                 "TESK2   W230GRD00011     \n",
-                 "cond1_v,cond1_h,inph1_v,inph1_h,cond2_v,cond2_h,inph2_v,inph2_h",
-                 {{std::string("T\x04\x80\x0A\x84\0\x84\0\x84\0\n\n\n\n", 14),
-                   "V,1,,40.00000,,40.00000,,0.39063,,40.00000,"}}}),
-    [](const auto& row) { return row.param.name; });
+const std::vector<ReadingCase> kReadings{
+    {"ORLA2   W230GRD0000    \n", kFour, "T$-0400+0800", "V,0,100,10.00000,,-2.00000,"},
+    {"ORLA2   W230GRD0000    \n", kFour, "TD-0400+0800", "H,1,100,,10.00000,,-2.00000"},
+    {"ORLA2   W230GRD0000    \n", kFour, "T%+0640+0640", "V,0,1000,,,,"},  // odd: battery voltages
+    {"ORLAS   W230GRD0000    \n", kFour, "T$-0400-1340", "V,0,100,10.00000,,1.00000,"},
+    {"ORLA2   W230GRD0001    \n", kFour, "T$-0400+0800", "V,0,100,,,2.50000,"},
+    // 62.5 mS/m lies between 64.58 at 3.4 m and 61.11 at 3.5 m; the last is beyond the table.
+    {"ORLAS  iW230GRD000010  \n", kFour + ",thickness", "T\x04-2500+0000",
+     "H,0,100,,62.50000,,0.00000,3.45994"},
+    {"ORLAS  iW230GRD000010  \n", kFour + ",thickness", "T$-2500+0000", "V,0,100,62.50000,,0.00000,,"},
+    {"ORLAS  iW230GRD000010  \n", kFour + ",thickness", "T\0-9999+0000"s, "H,0,1000,,2499.75000,,0.00000,"},
+    {"ORLAS  iW230GRD000000  \n", kFour, "T\x04-2500+0000", "H,0,100,,62.50000,,0.00000"},
+    {"TESKB   W222GRD0000    \n", kFour, "T!-1000-0025", "V,0,1000/100,25.00000,,2.88000,"},
+    {"TESKB   W222GRD0000    \n", kFour, "T1-1000-0025", "V,0,1000/100,3.12500,,0.36000,"},
+    {"TESKD   W222GRD0001    \n", kFour, "T#-0100+0100", "V,0,1000,,,2.88000,-2.88000"},
+    {"TESKD   W222GRD0001    \n", kFour, "T'-0012-0013", "V,0,1000,12.00000,13.00000,,"},
+    {"TESKS   W222GRD0001    \n", kFour, "T$-0123     ", "V,0,100,12.30000,,,"},
+    {"TESKS   W222GRD0001    \n", kFour, "TB+1000     ", "H,1,100,,,,-2.88000"},
+    {"VARDO   W230GRD0520    \n", kSix, "TT-0400+0000", "V,1,100,10.00000,,,,,"},
+    {"VARDO   W230GRD0520    \n", kSix, "T\"-4000+0000", "H,0,10,,,,,10.00000,"},
+    {"VARDO   W230GRD0520    \n", kSix, "T8-4000+0000", "H,0,3,,,,,,3.00000"},
+    {"MIRKA   W210GRD0000    \n", "cond,inph", "T$-0004-0040", "V,0,100,10.00000,10.00000"},
+    {"GLACO   W210GRD0000    \n", "thickness,inph", "T123I456    ", "V,0,100,1.23000,456.00000"},
+    // 5 x 33792 / 1024 - 160 = 5, times 8 = 40; word 32778 is 0.390625.
+    {"TESK2   W230GRD00001     \n", kEight, "T\x04\x80\x0A\x84\0\x84\0\x84\0\n\n\n\n"s,
+     "V,1,,40.00000,,1.15276,,0.39063,,0.28819,"},
+    {"TESK2   W230GRD00001     \n", kEight, "t\x02\x80\x0A\x84\0\x84\0\x84\0\n\n\n\n"s,
+     "H,0,,,40.00000,,1.15276,,0.39063,,0.28819"},
+    {"TESK2   W230GRD00011     \n", kEight, "T\x04\x80\x0A\x84\0\x84\0\x84\0\n\n\n\n"s,
+     "V,1,,40.00000,,40.00000,,0.39063,,40.00000,"}};
+
+TEST(Export, HasTheChannelsOfEachKind) {
+  for (const auto& [header1, columns, reading, cells] : kReadings) {
+    const std::size_t length = header1.size();
+    // The first of its line, at station 10.
+    const auto table =
+        exported(header1 + lineBlock(length) + formatReading(static_cast<int>(length), reading, 2234)).table;
+    EXPECT_EQ(table,
+              std::string(kCommon) + columns + "\n7,10.000,1,2024-03-08,10:00:01.234,2234," + cells + "\n");
+  }
+}
 
 TEST(Export, AppliesTheLastCalibrationBeforeAReading) {
   const std::string reading =

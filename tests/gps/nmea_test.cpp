@@ -81,8 +81,7 @@ TEST(NmeaChecksum, ComparesTheBytesBeforeTheFirstStarWithTheValueAfterTheLast) {
       {"$*", true},
       {"$", false},
       {"*00", false},
-      {"", false},
-  };
+      {"", false}};
   for (const auto& [line, ok] : rows) EXPECT_EQ(nmeaChecksumOk(line), ok) << line;
 }
 

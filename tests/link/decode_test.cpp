@@ -152,17 +152,15 @@ TEST(AsciiDecode, ReadsEachFieldFromItsFiveBytesAlone) {
     std::string fields;
     float first, second;
   };
-  const std::vector<FieldCase> cases{
-      {"1234567890", 12345.0F, 67890.0F},
-      {" 12.5-.500", 12.5F, -0.5F},
-      {std::string("12\0"
-                   "45+0007",
-                   10),
-       12.0F, 7.0F},
-      {"+1e+3x0001", 1000.0F, 0.0F},
-      {"+12", 12.0F, 0.0F},
-      {"", 0.0F, 0.0F},
-  };
+  const std::vector<FieldCase> cases{{"1234567890", 12345.0F, 67890.0F},
+                                     {" 12.5-.500", 12.5F, -0.5F},
+                                     {std::string("12\0"
+                                                  "45+0007",
+                                                  10),
+                                      12.0F, 7.0F},
+                                     {"+1e+3x0001", 1000.0F, 0.0F},
+                                     {"+12", 12.0F, 0.0F},
+                                     {"", 0.0F, 0.0F}};
   for (const auto& [fields, first, second] : cases) {
     SCOPED_TRACE(fields);
     AsciiReading reading;

@@ -72,8 +72,7 @@ TEST(AsciiFraming, FindsRecordsOfTwelveBytes) {
       {"the return is the last byte that fits", std::string(168, 'x') + record + "\r", {record}},
       {"the return is dropped with the full buffer", std::string(169, 'x') + record + "\r", {}},
       {"in step again after a drop", std::string(169, 'x') + record + "\r" + record + "\r", {record}},
-      {"the letter is dropped with the full buffer", std::string(181, 'x') + record + "\r", {}},
-  };
+      {"the letter is dropped with the full buffer", std::string(181, 'x') + record + "\r", {}}};
   for (const auto& [name, stream, seen] : cases) {
     SCOPED_TRACE(name);
     EXPECT_EQ(frame(AsciiFramer(12), stream), seen);
@@ -96,23 +95,11 @@ TEST(IceFraming, ChecksEveryByteAtItsPlace) {
       {"the failing byte is not a new start",
        "T12T123I045",
        {"bad", "bad", "bad", "bad", "bad", "bad", "bad", "bad"}},
-      {"cut record", "T123I04", {}},
-  };
+      {"cut record", "T123I04", {}}};
   for (const auto& [name, stream, seen] : cases) {
     SCOPED_TRACE(name);
     EXPECT_EQ(frame(IceFramer(), stream), seen);
   }
-}
-
-TEST(IceFraming, KnowsWhetherARecordHasBegun) {
-  IceFramer framer;
-  EXPECT_FALSE(framer.inRecord());
-  framer.feed(bytesOf("T12"));
-  EXPECT_TRUE(framer.inRecord());
-  framer.reset();
-  EXPECT_FALSE(framer.inRecord());
-  EXPECT_EQ(framer.feed(bytesOf("T123I045")).result, FrameStep::Result::good);
-  EXPECT_FALSE(framer.inRecord());
 }
 
 TEST(Tesk2Framing, FindsFramesByTheirTwoEndBytes) {
@@ -133,8 +120,7 @@ TEST(Tesk2Framing, FindsFramesByTheirTwoEndBytes) {
       {"stream starts in the middle", record.substr(5) + end + record + end, {record}},
       {"the end is the last byte that fits", filler + record + end, {record}},
       {"the end is dropped with the full buffer", filler + "x" + record + end, {}},
-      {"in step again after a drop", filler + "x" + record + end + record + end, {record}},
-  };
+      {"in step again after a drop", filler + "x" + record + end + record + end, {record}}};
   for (const auto& [name, stream, seen] : cases) {
     SCOPED_TRACE(name);
     EXPECT_EQ(frame(Tesk2Framer(), stream), seen);

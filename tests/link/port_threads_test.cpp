@@ -126,19 +126,6 @@ milliseconds timeOf(const Action& action) {
 }
 constexpr milliseconds kClosingLimit{200};
 
-TEST_F(PortThreadsTest, RecordsAndGpsLinesReachTheSession) {
-  SerialSessionPorts ports = makePorts(Kind::orla);
-  ASSERT_FALSE(ports.OpenInstrumentPort());
-  ASSERT_FALSE(ports.OpenGpsPort());
-  ports.startInstrumentReader();
-  ports.startGpsReader();
-  instrument.send("T12345678901\r");
-  ASSERT_TRUE(handleOne());
-  gps.send("$GPGGA,1\r\n");
-  ASSERT_TRUE(handleOne());
-  EXPECT_THAT(seen, ElementsAre("T12345678901", "$GPGGA,1"));
-}
-
 TEST_F(PortThreadsTest, ClosingIsPromptWhileReadersWaitForBytes) {
   settings.markerPortChoice = 6;
   SerialSessionPorts ports = makePorts(Kind::tesk2);
@@ -217,19 +204,6 @@ TEST_F(PortThreadsTest, VanishedReceiverComesBackByItself) {
   gps.send("$GPGGA,2\r\n");
   ASSERT_TRUE(handleOne());
   EXPECT_THAT(seen, ElementsAre("$GPGGA,1", "$GPGGA,2"));
-}
-
-TEST_F(PortThreadsTest, ProbeAnswersThroughThePort) {
-  SerialSessionPorts ports = makePorts(Kind::tesk);
-  EXPECT_FALSE(ports.ProbeTeskRecord());  // not open
-  ASSERT_FALSE(ports.OpenInstrumentPort());
-  instrument.send("T123456\r");
-  EXPECT_TRUE(ports.ProbeTeskRecord());
-  EXPECT_EQ(link.recordLength, 7);
-  ports.startInstrumentReader();
-  instrument.send("T654321\r");
-  ASSERT_TRUE(handleOne());
-  EXPECT_THAT(seen, ElementsAre("T654321"));
 }
 
 TEST_F(PortThreadsTest, ReceiverIsTriedTenTimesTheOthersOnce) {

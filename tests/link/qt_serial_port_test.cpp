@@ -13,9 +13,7 @@
 #include <csignal>
 #include <filesystem>
 #include <fstream>
-#include <semaphore>
 
-#include "link/port_thread.h"
 #include "link/pty.h"
 
 namespace kalmira {
@@ -163,67 +161,6 @@ TEST_F(QtSerialPortTest, KilledProgramLeavesNothingBehind) {
   EXPECT_EQ(textOf(port->open(pty.name, instrumentLine(Kind::orla)), PortErrorKind::held), "opened");
   ::close(ready[0]);
   ::close(ready[1]);
-}
-
-TEST_F(QtSerialPortTest, WhatIsNoSerialPortIsNamed) {
-  const fs::path file = fs::path(testing::TempDir()) / "kalmira_no_port";
-  std::ofstream(file) << "text";
-  struct Case {
-    std::string device;
-    PortErrorKind kind;
-    std::string text;
-  };
-  const Case cases[] = {
-      {"/dev/ttyNONE7", PortErrorKind::missing,
-       "There is no device /dev/ttyNONE7: check the cable and the port"},
-      {file, PortErrorKind::notSerial, file.string() + " is a file, not a serial port"},
-      {"/dev", PortErrorKind::notSerial, "/dev is a folder, not a serial port"},
-      {"/dev/null", PortErrorKind::notSerial, "/dev/null is a file, not a serial port"},
-  };
-  for (const Case& testCase : cases) {
-    EXPECT_EQ(textOf(port->open(testCase.device, instrumentLine(Kind::orla)), testCase.kind), testCase.text);
-  }
-  fs::remove(file);
-}
-
-TEST_F(QtSerialPortTest, PortThreadReadsThroughUnplugAndReplug) {
-  std::counting_semaphore<> woken{0};
-  HandOver handOver([&] { woken.release(); });
-  const fs::path link = fs::path(testing::TempDir()) / "kalmira_replugged";
-  fs::remove(link);
-  fs::create_symlink(pty.name, link);
-  std::string received;
-  PortThread thread(makeQtSerialPort, handOver);
-  ASSERT_FALSE(thread.open(link, instrumentLine(Kind::orla)));
-  thread.start([&](const PortThread::Context& context) {
-    std::array<std::uint8_t, 64> buffer{};
-    while (!context.stop) {
-      const ReadResult result = context.port.read(buffer, kReadSliceMs);
-      if (result.gone) return ReaderEnd::gone;
-      if (result.count > 0) {
-        context.sender.send([&] { received.append(buffer.begin(), buffer.begin() + result.count); });
-      }
-    }
-    return ReaderEnd::stopped;
-  });
-  ASSERT_TRUE(pty.send("before"));
-  woken.acquire();
-  handOver.run();
-  pty.unplug();
-  while (!thread.gone()) std::this_thread::yield();
-  const Pty again;
-  fs::remove(link);
-  fs::create_symlink(again.name, link);
-  thread.reopen();
-  while (thread.gone()) std::this_thread::yield();
-  ASSERT_TRUE(again.send(" after"));
-  woken.acquire();
-  handOver.run();
-  const auto start = steady_clock::now();
-  thread.close();
-  EXPECT_LT(steady_clock::now() - start, milliseconds(200));
-  EXPECT_EQ(received, "before after");
-  fs::remove(link);
 }
 
 }  // namespace

@@ -7,20 +7,9 @@
 #include <string>
 
 #include "link/port.h"
-#include "platform/clock.h"
+#include "support/fake_clock.h"
 
 namespace kalmira {
-
-// Moves only when somebody waits.
-class FakeClock final : public Clock {
- public:
-  std::uint32_t tick() const override { return now_; }
-  LocalTime localTime() const override { return {}; }
-  void pause(std::uint32_t milliseconds) const override { now_ += milliseconds; }
-
- private:
-  mutable std::atomic<std::uint32_t> now_{1000};
-};
 
 // One thing that happens on the line.
 struct LineStep {

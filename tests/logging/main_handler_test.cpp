@@ -195,10 +195,13 @@ TEST(MainHandler, ValueTextsOfEveryKind) {
   };
   for (const auto& item : cases) {
     SCOPED_TRACE(std::string(instrumentOf(item.kind).name));
-    TestSession test(item.kind);
-    test.begin();
-    test.record(item.record);
-    for (const auto& [field, text] : item.wide) EXPECT_EQ(test.view.texts[field], text);
+    for (const bool wide : {true, false}) {
+      TestSession test(item.kind, false, wide);
+      test.begin();
+      test.record(item.record);
+      for (const auto& [field, text] : wide ? item.wide : item.narrow)
+        EXPECT_EQ(test.view.texts[field], text);
+    }
   }
 }
 

@@ -25,16 +25,16 @@ TEST(ProposedLine, GoesBackAlongTheNextOneWhenLinesAlternate) {
 }
 
 TEST(ProposedLine, StartsWhereTheLastOneDidWhenLinesGoOneWay) {
-  Settings settings;
-  settings.sequenceMode = kSequenceOneWay;
-  settings.startStation = 10.0;
-  settings.stationIncrement = -2.5F;
-  settings.direction = 3;
-  const auto entry = proposeLine(settings, 50.0);
+  const auto entry = proposeLine(
+      {.sequenceMode = kSequenceOneWay, .direction = 3, .startStation = 10.0, .stationIncrement = -2.5F},
+      50.0);
   EXPECT_EQ(entry.startStation, 10.0);
   EXPECT_EQ(entry.stationIncrement, -2.5F);
   EXPECT_EQ(entry.direction, 3);
   EXPECT_EQ(entry.sequenceMode, kSequenceOneWay);
+  const auto corrected = proposeLine({.sequenceMode = 7, .direction = -1}, 4.0);
+  EXPECT_EQ(corrected.sequenceMode, kSequenceAlternate);
+  EXPECT_EQ(corrected.direction, 1);  // the opposite of North
 }
 
 TEST(ProposedLine, ReadsTheNumberInFrontOfALineName) {
@@ -52,24 +52,9 @@ TEST(ProposedLine, ReadsTheNumberInFrontOfALineName) {
   }
 }
 
-TEST(ProposedLine, TakesDefaultsForChoicesThatAreNone) {
-  Settings settings;
-  settings.sequenceMode = 7;
-  settings.direction = -1;
-  const auto entry = proposeLine(settings, 4.0);
-  EXPECT_EQ(entry.sequenceMode, kSequenceAlternate);
-  EXPECT_EQ(entry.direction, 1);  // the opposite of North
-}
-
 TEST(TakenLine, BecomesTheCurrentOneWithItsNameCut) {
   Settings settings;
-  takeLine({.lineName = "\xC3\x84" + std::string(30, 'x'),
-            .lineIncrement = 3,
-            .sequenceMode = 1,
-            .direction = 0,
-            .startStation = 12.25,
-            .stationIncrement = -4},
-           settings);
+  takeLine({"\xC3\x84" + std::string(30, 'x'), 3, 1, 0, 12.25, -4}, settings);
   EXPECT_EQ(settings.lineName, "\xC3\x84" + std::string(23, 'x'));
   EXPECT_EQ(settings.lineIncrement, 3.0F);
   EXPECT_EQ(settings.sequenceMode, 1);

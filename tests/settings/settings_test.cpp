@@ -5,8 +5,6 @@
 #include <cmath>
 #include <limits>
 
-#include "settings/settings_fields.h"
-
 namespace kalmira {
 namespace {
 
@@ -37,20 +35,6 @@ TEST(Settings, IntervalAndCountAreUsedWithinTheirRanges) {
        {std::pair(0, 1), std::pair(5, 5), std::pair(101, 100), std::pair(-9, 1)}) {
     settings.readingsCount = stored;
     EXPECT_EQ(readingsCountOf(settings), used);
-  }
-}
-
-TEST(SettingsFields, AreFoundByTheirNames) {
-  for (const auto* name : {"surveyMode", "lineName", "traceWidth[0]", "traceColour[7]", "modeIncrement[2]",
-                           "calibrationFactors[5]"}) {
-    const auto found = findField(name);
-    ASSERT_TRUE(found.has_value()) << name;
-    EXPECT_TRUE(std::string_view(name).starts_with(found->field->name));
-  }
-  EXPECT_EQ(findField("traceColour[7]")->index, 7U);
-  for (const auto* name : {"", "surveymode", "surveyMode[0]", "traceWidth", "traceWidth[8]", "traceWidth[-1]",
-                           "traceWidth[1", "traceWidth[1]x", "traceWidth[]", "modeIncrement[3]"}) {
-    EXPECT_FALSE(findField(name).has_value()) << name;
   }
 }
 

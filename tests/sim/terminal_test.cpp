@@ -4,14 +4,12 @@
 #include <poll.h>
 #include <unistd.h>
 
-#include <csignal>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <string>
 
-#include "sim/pace.h"
 #include "sim/terminal_outlet.h"
 
 namespace kalmira::sim {
@@ -83,19 +81,6 @@ TEST_F(TerminalTest, BytesArriveThroughTheLinkAsTheyAre) {
   ::close(line);
 }
 
-TEST_F(TerminalTest, FullLineTakesTheNewestBytes) {
-  PseudoTerminal terminal;
-  ASSERT_EQ(terminal.open(), "");
-  const int line = openLine(terminal.device());
-  const std::string block(1000, 'o');
-  for (int i = 0; i < 200; ++i) terminal.send(block, 0);
-  terminal.send("newest", 0);
-  const auto text = arrived(line);
-  EXPECT_LT(text.size(), 100000U);
-  EXPECT_TRUE(text.ends_with("newest"));
-  ::close(line);
-}
-
 TEST_F(TerminalTest, LinksNeverReplaceFilesNorRemoveForeignLinks) {
   std::ofstream(link_) << "precious";
   TerminalOutlet refused(link_, {}, names_);
@@ -109,16 +94,6 @@ TEST_F(TerminalTest, LinksNeverReplaceFilesNorRemoveForeignLinks) {
     fs::create_symlink("/dev/null", link_);  // another simulator took it over
   }
   EXPECT_EQ(fs::read_symlink(link_), "/dev/null");
-}
-
-TEST(SignalPace, WaitsTillTheTimeAndEndsAtASignal) {
-  SignalPace pace;
-  EXPECT_TRUE(pace.waitUntil(0.05));
-  EXPECT_GE(pace.elapsed_s(), 0.05);
-  EXPECT_TRUE(pace.waitUntil(0.01));
-  ::kill(::getpid(), SIGTERM);
-  EXPECT_FALSE(pace.waitUntil(1000));
-  EXPECT_FALSE(pace.waitUntil(0));
 }
 
 }  // namespace

@@ -81,9 +81,9 @@ class FakePorts final : public SessionPorts {
 // A session on fakes. begin() starts it and creates a data file in memory; the file's opening records are cut
 // off what records() gives.
 struct TestSession {
-  explicit TestSession(Kind kind, bool ice = false)
-      : session({.kind = kind, .iceChosen = ice, .root = folder.path()}, settings, link, clock, disk, view,
-                [this](const Settings& current) {
+  explicit TestSession(Kind kind, bool ice = false, bool wide = true)
+      : session({.kind = kind, .iceChosen = ice, .root = folder.path(), .wideLayout = wide}, settings, link,
+                clock, disk, view, [this](const Settings& current) {
                   saved.push_back(current);
                   return std::string{};
                 }) {

@@ -11,8 +11,10 @@
 #include "console/log_program.h"
 #include "console/options.h"
 #include "link/qt_serial_port.h"
+#include "platform/standard_streams.h"
 
 int main(int argc, char** argv) {
+  kalmira::openMissingStreams();
   const std::vector<std::string> arguments(argv + 1, argv + argc);
   const auto parsed = kalmira::parseLogOptions(arguments);
   if (std::holds_alternative<kalmira::HelpWanted>(parsed)) {
@@ -20,7 +22,7 @@ int main(int argc, char** argv) {
     return 0;
   }
   if (const auto* error = std::get_if<kalmira::UsageError>(&parsed)) {
-    fmt::print(stderr, "kalmira-log: {}\nkalmira-log --help shows the usage\n", error->what);
+    kalmira::printError(fmt::format("kalmira-log: {}\nkalmira-log --help shows the usage", error->what));
     return 2;
   }
   const QCoreApplication application(argc, argv);

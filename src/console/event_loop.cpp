@@ -14,11 +14,11 @@ namespace {
 
 // A signal handler can reach nothing but globals.
 volatile std::sig_atomic_t terminateFd = -1;
-volatile std::sig_atomic_t terminateWanted = 0;
+volatile std::sig_atomic_t terminateSignalled = 0;
 
 extern "C" void onTerminateSignal(int) {
   const int savedErrno = errno;
-  terminateWanted = 1;
+  terminateSignalled = 1;
   if (terminateFd >= 0) (void)!::write(terminateFd, "t", 1);
   errno = savedErrno;
 }
@@ -43,17 +43,25 @@ EventLoop::EventLoop(bool readInput) : read_input_(readInput) {
     ::fcntl(fd, F_SETFL, O_NONBLOCK);
     ::fcntl(fd, F_SETFD, FD_CLOEXEC);
   }
-  terminateWanted = 0;
+  terminateSignalled = 0;
   terminateFd = wake_write_;
   catchSignal(SIGINT, onTerminateSignal);
   catchSignal(SIGTERM, onTerminateSignal);
-  catchSignal(SIGHUP, onTerminateSignal);
+  // A program started to outlive its terminal has hang-ups ignored.
+  struct sigaction found {};
+  ::sigaction(SIGHUP, nullptr, &found);
+  catches_hang_up_ = found.sa_handler != SIG_IGN;
+  if (catches_hang_up_) catchSignal(SIGHUP, onTerminateSignal);
+}
+
+bool EventLoop::terminateWanted() const {
+  return terminateSignalled != 0;
 }
 
 EventLoop::~EventLoop() {
   catchSignal(SIGINT, SIG_DFL);
   catchSignal(SIGTERM, SIG_DFL);
-  catchSignal(SIGHUP, SIG_DFL);
+  if (catches_hang_up_) catchSignal(SIGHUP, SIG_DFL);
   terminateFd = -1;
   ::close(wake_read_);
   ::close(wake_write_);
@@ -72,8 +80,8 @@ void EventLoop::handle(Ready ready, const Handlers& handlers) {
     while (::read(wake_read_, drained.data(), drained.size()) == static_cast<ssize_t>(drained.size())) {
     }
   }
-  if (terminateWanted != 0) {
-    terminateWanted = 0;
+  if (terminateSignalled != 0) {
+    terminateSignalled = 0;
     handlers.onTerminate();
   }
   if (ready.input) readLines(handlers);
@@ -90,9 +98,14 @@ void EventLoop::readLines(const Handlers& handlers) {
     auto line = input_.substr(0, end);
     input_.erase(0, end + 1);
     if (line.ends_with('\r')) line.pop_back();
-    handlers.onLine(line);
+    if (!skipping_) handlers.onLine(line);
+    skipping_ = false;
   }
-  if (input_.size() > kLongestLine) input_.clear();
+  if (input_.size() > kLongestLine) {
+    input_.clear();
+    if (!skipping_) handlers.onLine("a line too long for a command");
+    skipping_ = true;
+  }
   if (!ended) return;
   read_input_ = false;
   handlers.onEndOfInput();

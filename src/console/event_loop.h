@@ -27,6 +27,8 @@ class EventLoop {
     bool woken = false;
     bool input = false;
   };
+  // Whether SIGINT or SIGTERM has come and has not been handled yet.
+  bool terminateWanted() const;
   // Waits at most `milliseconds` for something to happen.
   Ready wait(std::uint32_t milliseconds) const;
   // Calls the handlers of what happened.
@@ -39,6 +41,8 @@ class EventLoop {
   int wake_write_ = -1;
   bool read_input_;
   std::string input_;
+  bool skipping_ = false;  // the rest of a line that is too long
+  bool catches_hang_up_ = true;
 };
 
 }  // namespace kalmira

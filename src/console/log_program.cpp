@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <system_error>
 
 #include "console/console_view.h"
@@ -20,6 +21,8 @@
 #include "logging/handlers.h"
 #include "platform/hand_over.h"
 #include "platform/idle.h"
+#include "platform/standard_streams.h"
+#include "platform/text.h"
 #include "shell/session_start.h"
 
 namespace kalmira {
@@ -85,6 +88,7 @@ class Run {
   void onLine(const std::string& line);
   void leave();
   void showStatus();
+  void tellSettingsProblem();
   bool timeIsOver() const;
   std::uint32_t nextWait() const;
 
@@ -100,6 +104,7 @@ class Run {
   HandOver hand_over_;
   SerialSessionPorts ports_;
   bool terminal_;
+  bool file_created_ = false;
   std::uint32_t recording_since_ = 0;
   std::uint32_t status_tick_ = 0;
 };
@@ -128,7 +133,10 @@ Run::Run(const LogOptions& options, std::filesystem::path root, const PortFactor
                  .root = root},
                 runValues(options)),
       session_(setupOf(options, std::move(root)), settings_.settings(), link_, clock_, disk_, view_,
-               [this](const Settings& current) { return settings_.save(current); }),
+               [this](const Settings& current) {
+                 settings_.save(current);
+                 return std::string{};  // what goes wrong is told when it is known
+               }),
       ports_(options.kind, settings_.settings(), [this](int com) { return deviceOf(options_, com); }, link_,
              hand_over_, clock_, portFactory,
              {.onRecord =
@@ -139,30 +147,36 @@ Run::Run(const LogOptions& options, std::filesystem::path root, const PortFactor
               .onGpsLine = [this](const GpsLine& line) { OnGpsLine(session_, line); }}),
       terminal_(::isatty(STDERR_FILENO) == 1) {
   session_.ports = &ports_;
-  view_.setPrintBefore([](const std::string& line) { fmt::print(stderr, "{}\n", line); });
+  view_.setPrintBefore([](const std::string& line) { printError(line); });
 }
 
 bool Run::createFile() {
-  bool proposed = false;
+  std::string last;
   const DataPlace place{
       .kind = options_.kind, .storageClass = options_.storageClass, .root = session_.setup.root};
   const auto choose = [&](const std::string& proposal) -> std::optional<std::filesystem::path> {
-    if (proposed) return std::nullopt;  // the name was taken, and there is nobody to ask for another
-    proposed = true;
+    // The name was taken, and there is nobody to ask for another; a proposal may have been snatched away.
+    if (!last.empty() && (!options_.name.empty() || last == proposal)) return std::nullopt;
+    last = proposal;
     return dataFilePathFor(place, options_.name.empty() ? proposal : options_.name);
   };
   if (createDataFile(session_, choose).how != CreateOutcome::How::created) return false;
+  file_created_ = true;
   output_.line(fmt::format("file {}", session_.file.path().string()));
   return true;
 }
 
 bool Run::begin() {
-  if (!settings_.problem().empty()) output_.line("notice " + settings_.problem());
+  tellSettingsProblem();
   const auto outcome = startSession(session_);
   if (outcome == StartOutcome::uptimeExceeded) {
-    fmt::print(stderr, "On a machine that runs for weeks, start with --tick-base program.\n");
+    printError("On a machine that runs for weeks, start with --tick-base program.");
   }
   if (outcome != StartOutcome::started) return false;
+  if (events_.terminateWanted()) {  // while the instrument was waited for
+    LeaveLogging(session_, true);
+    return true;
+  }
   if (!createFile()) {
     LeaveLogging(session_, true);
     return false;
@@ -184,6 +198,11 @@ std::uint32_t Run::nextWait() const {
     wait = std::min(wait, left < 1.0 ? 1U : static_cast<std::uint32_t>(left));
   }
   return wait;
+}
+
+void Run::tellSettingsProblem() {
+  const auto problem = settings_.takeProblem();
+  if (!problem.empty()) output_.line("notice " + problem);
 }
 
 void Run::leave() {
@@ -208,10 +227,10 @@ void Run::showStatus() {
   const auto gps = session_.gpsEnabled() ? fmt::format("{} {} sat", view_.text(PanelField::fix),
                                                        view_.text(PanelField::satellites))
                                          : std::string("no GPS");
-  output_.status(fmt::format("[{}] line {} stn {:.2f} | {} {} | {} | {} records | {:02}:{:02}:{:02}",
-                             view_.text(PanelField::state), session_.settings.lineName, session_.station,
-                             view_.text(PanelField::value1), view_.text(PanelField::value2), gps,
-                             session_.counts.readings, seconds / 3600, seconds / 60 % 60, seconds % 60));
+  output_.status(fmt::format(
+      "{} L{} S{:.2f} {} rec {:02}:{:02}:{:02} {} {} {}", view_.text(PanelField::state),
+      narrow(session_.settings.lineName), session_.station, session_.counts.readings, seconds / 3600,
+      seconds / 60 % 60, seconds % 60, gps, view_.text(PanelField::value1), view_.text(PanelField::value2)));
 }
 
 void Run::loop() {
@@ -229,6 +248,7 @@ void Run::loop() {
     events_.handle(ready, handlers);
     if (!session_.sessionActive) break;
     serviceSession(session_);
+    tellSettingsProblem();
     if (timeIsOver()) leave();
     showStatus();
   }
@@ -237,14 +257,17 @@ void Run::loop() {
 int Run::run() {
   IdleInhibitor inhibitor("Kalmira");
   const KeepAwakeThread keepAwake{[&inhibitor] { inhibitor.renew(); }};
-  if (!begin()) {
-    output_.finish();
-    return 1;
+  int status = 1;
+  if (begin()) {
+    loop();
+    settings_.finish();
+    tellSettingsProblem();
+    if (file_created_) output_.line(summaryText(session_));
+    status = view_.linkGivenUp() ? 1 : 0;
   }
-  loop();
-  output_.line(summaryText(session_));
-  output_.finish();
-  return view_.linkGivenUp() ? 1 : 0;
+  // Everything is closed by now: a terminal that stands still need not keep the program.
+  if (!output_.finish()) std::_Exit(status);
+  return status;
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <array>
+#include <cmath>
 #include <vector>
 
 #include "console/options.h"
@@ -15,6 +16,13 @@ namespace {
 
 // The marker key's bit in a TESK2 record's mode byte.
 constexpr unsigned kMarkerKeyBit = 8;
+// What the columns of stations and increments in a data file hold.
+constexpr double kLargestStation = 9999999.0;
+
+std::optional<double> stationNumber(std::string_view text) {
+  const auto number = wholeNumber(text);
+  return number && std::abs(*number) <= kLargestStation ? number : std::nullopt;
+}
 
 CommandAnswer failed(std::string why) {
   return {.error = std::move(why), .status = {}, .ends = false, .newLine = false};
@@ -49,13 +57,13 @@ CommandAnswer line(Session& session, std::string_view text) {
   if (given.size() > 4) return failed("line takes NAME START INCREMENT W|S|N|E at most");
   if (!given.empty()) entry.lineName = given[0];
   if (given.size() > 1) {
-    const auto start = wholeNumber(given[1]);
-    if (!start) return failed(fmt::format("the start station \"{}\" is no number", given[1]));
+    const auto start = stationNumber(given[1]);
+    if (!start) return failed(fmt::format("the start station \"{}\" is no number that fits", given[1]));
     entry.startStation = *start;
   }
   if (given.size() > 2) {
-    const auto increment = wholeNumber(given[2]);
-    if (!increment) return failed(fmt::format("the increment \"{}\" is no number", given[2]));
+    const auto increment = stationNumber(given[2]);
+    if (!increment) return failed(fmt::format("the increment \"{}\" is no number that fits", given[2]));
     entry.stationIncrement = static_cast<float>(*increment);
   }
   if (given.size() > 3) {
@@ -71,8 +79,8 @@ CommandAnswer line(Session& session, std::string_view text) {
 
 CommandAnswer station(Session& session, std::string_view text) {
   const auto given = words(text);
-  const auto number = given.size() == 1 ? wholeNumber(given[0]) : std::nullopt;
-  if (!number) return failed("station takes one number");
+  const auto number = given.size() == 1 ? stationNumber(given[0]) : std::nullopt;
+  if (!number) return failed("station takes one number of at most seven digits");
   newStation(session, *number);
   return {};
 }
@@ -131,6 +139,7 @@ constexpr std::array kCommands{
 std::string whyForbidden(const Session& session, Command command) {
   const bool calibration = command == Command::calibrate || command == Command::deleteCalibration;
   if (calibration && session.instrument.kind != Kind::tesk2) return "only the TESK2 is calibrated";
+  if (calibration && session.calibration.calibrationPhase != 0) return "a calibration is running";
   return session.loggingState == kLogging ? "not while logging: pause first" : "not logging";
 }
 

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 #include <poll.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -13,8 +14,15 @@ namespace kalmira {
 namespace {
 
 constexpr std::size_t kLongestQueue = 20000;
+constexpr std::string_view kPanelText = "show ";
 constexpr auto kFinishWait = std::chrono::seconds(2);
 constexpr std::string_view kClearLine = "\r\033[K";
+
+// Columns of the terminal; a line as wide as that would wrap.
+std::size_t terminalWidth(int fd) {
+  winsize size{};
+  return ::ioctl(fd, TIOCGWINSZ, &size) == 0 && size.ws_col > 1 ? size.ws_col : 80;
+}
 
 }  // namespace
 
@@ -22,13 +30,13 @@ OutputThread::OutputThread(int outputFd, int statusFd)
     : output_fd_(outputFd), status_fd_(statusFd), thread_(&OutputThread::run, this) {}
 
 OutputThread::~OutputThread() {
-  finish();
+  if (!finish()) thread_.detach();
 }
 
 void OutputThread::line(std::string text) {
   {
     const std::lock_guard lock(mutex_);
-    if (queue_.size() >= kLongestQueue) {
+    if (queue_.size() >= kLongestQueue && text.starts_with(kPanelText)) {
       ++dropped_;
       return;
     }
@@ -50,15 +58,20 @@ void OutputThread::status(std::string text) {
   changed_.notify_all();
 }
 
-void OutputThread::finish() {
-  if (!thread_.joinable()) return;
+bool OutputThread::finish() {
+  if (!thread_.joinable()) return true;
   {
     std::unique_lock lock(mutex_);
     changed_.wait_for(lock, kFinishWait, [this] { return queue_.empty() && idle_; });
     ending_ = true;
   }
   changed_.notify_all();
+  {
+    std::unique_lock lock(mutex_);
+    if (!changed_.wait_for(lock, kFinishWait, [this] { return ended_; })) return false;
+  }
   thread_.join();
+  return true;
 }
 
 void OutputThread::run() {
@@ -75,13 +88,19 @@ void OutputThread::run() {
     print(item);
     lock.lock();
   }
+  lock.unlock();
   if (status_shown_) (void)!::write(status_fd_, "\n", 1);
+  lock.lock();
+  ended_ = true;
+  changed_.notify_all();
 }
 
 // Writes whole items, waiting for room in slices so that finish is never held up by a reader that stands
 // still.
 bool OutputThread::print(const Item& item) {
-  std::string text = item.status ? std::string(kClearLine) + item.text : item.text + '\n';
+  std::string text = item.status
+                         ? std::string(kClearLine) + item.text.substr(0, terminalWidth(status_fd_) - 1)
+                         : item.text + '\n';
   const int fd = item.status ? status_fd_ : output_fd_;
   if (!item.status && status_shown_) (void)!::write(status_fd_, kClearLine.data(), kClearLine.size());
   status_shown_ = item.status;

@@ -17,12 +17,13 @@ class OutputThread {
   OutputThread& operator=(const OutputThread&) = delete;
   ~OutputThread();
 
-  // One line on the output; a line end is added.
+  // One line on the output; a line end is added. When far too many wait, panel texts are left out.
   void line(std::string text);
   // Replaces the line kept at the bottom of the terminal behind statusFd.
   void status(std::string text);
-  // Waits until everything is printed, at most two seconds, and ends the thread.
-  void finish();
+  // Waits until everything is printed, at most two seconds, and ends the thread. False when it cannot end,
+  // for the terminal stands still: the program must then be left without destroying this object.
+  bool finish();
 
  private:
   struct Item {
@@ -39,6 +40,7 @@ class OutputThread {
   std::deque<Item> queue_;
   std::size_t dropped_ = 0;
   bool ending_ = false;
+  bool ended_ = false;
   bool idle_ = false;
   bool status_shown_ = false;
   std::thread thread_;

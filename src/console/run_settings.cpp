@@ -6,7 +6,8 @@
 
 namespace kalmira {
 
-RunSettings::RunSettings(SettingsPlace place, const FieldValues& overrides) : place_(std::move(place)) {
+RunSettings::RunSettings(SettingsPlace place, const FieldValues& overrides)
+    : place_(std::move(place)), writer_(settingsFileOf(place_)) {
   problem_ = loadSettings(place_, settings_).problem;
   const Settings fromFile = settings_;
   bool incrementSet = false;
@@ -33,7 +34,12 @@ void RunSettings::keepLine() {
   });
 }
 
-std::string RunSettings::save(const Settings& current) const {
+std::string RunSettings::takeProblem() {
+  auto problem = std::exchange(problem_, {});
+  return problem.empty() ? writer_.takeProblem() : problem;
+}
+
+void RunSettings::save(const Settings& current) {
   Settings saved = current;
   for (const auto& item : overrides_) {
     const auto& field = *item.field.field;
@@ -41,7 +47,7 @@ std::string RunSettings::save(const Settings& current) const {
       setFieldText(saved, field, item.field.index, item.fileValue);
     }
   }
-  return saveSettings(place_, saved);
+  writer_.write(formatSettings(saved, place_.kind, place_.iceOption));
 }
 
 }  // namespace kalmira

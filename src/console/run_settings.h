@@ -6,6 +6,7 @@
 
 #include "settings/settings_fields.h"
 #include "settings/settings_file.h"
+#include "settings/settings_writer.h"
 
 namespace kalmira {
 
@@ -18,12 +19,14 @@ class RunSettings {
   RunSettings(SettingsPlace place, const FieldValues& overrides);
 
   Settings& settings() { return settings_; }
-  // Empty, or why the settings file could not be written at load.
-  const std::string& problem() const { return problem_; }
+  // Why the settings file could not be written, once; empty when there is nothing to tell.
+  std::string takeProblem();
   // A new line was confirmed: what it set is the session's own from now on, also where it equals an override.
   void keepLine();
-  // Writes `current` with the file's own value wherever an override still stands. Empty text or the problem.
-  std::string save(const Settings& current) const;
+  // Has `current` written, with the file's own value wherever an override still stands. Waits for nothing.
+  void save(const Settings& current);
+  // Waits until the last save is done.
+  void finish() { writer_.finish(); }
 
  private:
   struct Override {
@@ -36,6 +39,7 @@ class RunSettings {
   Settings settings_;
   std::string problem_;
   std::vector<Override> overrides_;
+  SettingsWriter writer_;
 };
 
 }  // namespace kalmira

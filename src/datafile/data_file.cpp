@@ -105,9 +105,9 @@ std::optional<DataFile::Unwritten> DataFile::finish() {
   service();
   int error = sync_->finish();
   takeProgress();
-  if (error != 0) {  // one more try for a medium that failed the last commit
+  if (error != 0 || waitingRecords() > 0) {  // one more try, for a medium that failed a commit
     writeWaiting();
-    error = file_ ? file_->sync() : error;
+    error = file_ ? file_->sync() : EIO;
   }
   if (file_) {
     const int closeError = file_->close();

@@ -1,5 +1,6 @@
 #include "datafile/sync_thread.h"
 
+#include <cerrno>
 #include <chrono>
 #include <utility>
 
@@ -67,7 +68,7 @@ void SyncThread::run() {
     const auto upTo = writtenTo_;
     const auto rewrites = rewrites_;
     lock.unlock();
-    const int error = handle ? handle->sync() : 0;
+    const int error = handle ? handle->sync() : EMFILE;  // no second handle was to be had
     lock.lock();
     progress_.error = error;
     if (error != 0) {

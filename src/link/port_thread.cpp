@@ -7,6 +7,8 @@ namespace kalmira {
 
 std::optional<PortError> PortThread::open(const std::string& device, const LineSettings& line, int tries) {
   close();
+  // Closed from its own work: the thread has yet to end.
+  if (isOpen()) return PortError{PortErrorKind::held, device + " is still being closed: try again"};
   device_ = device;
   line_ = line;
   job_ = nullptr;

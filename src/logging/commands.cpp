@@ -21,7 +21,7 @@ bool commandAllowed(const Session& session, Command command) {
       return state != kLogging;
     case Command::calibrate:
     case Command::deleteCalibration:
-      return tesk2 && state != kLogging;
+      return tesk2 && state != kLogging && session.calibration.calibrationPhase == 0;
     case Command::newStation:
     case Command::comment:
       return state != kLogging;

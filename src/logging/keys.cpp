@@ -111,9 +111,9 @@ bool focusMoves(const Session& session, const KeyContext& context) {
 }
 
 int keyWhileLogging(Session& session, const KeyContext& context, int keyCode) {
-  const bool marks =
-      context.digitsPlatform ? isMarkDigit(keyCode) : isArrow(keyCode) && focusMoves(session, context);
-  if (marks) pressMarker(session);
+  const bool arrowMarks = !context.digitsPlatform && isArrow(keyCode) && focusMoves(session, context);
+  const bool digitMarks = (context.digitsPlatform || context.keypadEntry) && isMarkDigit(keyCode);
+  if (arrowMarks || digitMarks) pressMarker(session);
   return pauses(session, keyCode) ? 0 : kNoCode;
 }
 

@@ -1,6 +1,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cmath>
 #include <string>
 
 #include "logging/handlers.h"
@@ -29,7 +30,8 @@ bool hasSecondField(const Session& session) {
 }
 
 float fieldValue(const LinkState& link, std::size_t start) {
-  return static_cast<float>(parseReal({link.recordText.data() + start, kFieldLength}));
+  const auto value = static_cast<float>(parseReal({link.recordText.data() + start, kFieldLength}));
+  return std::isfinite(value) ? value : 0.0F;  // noise may spell "nan"
 }
 
 // One sample of an average. True when the average is complete and stands in `reading` and `channels`.

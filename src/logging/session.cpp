@@ -15,6 +15,9 @@ constexpr std::uint32_t kBatteryPeriodMs = 180000;
 // How often the data file is looked after: its trouble must be known within a second.
 constexpr std::uint32_t kServicePeriodMs = 400;
 constexpr std::uint32_t kGlacoTimeoutMs = 2000;
+// The watch is called at most this late, and that long after it was put off.
+constexpr std::uint32_t kHeldUpMs = 300;
+constexpr std::uint32_t kMomentMs = 200;
 
 std::uint32_t watchPeriod(const Session& session) {
   if (session.instrument.kind == Kind::glaco && session.surveyMode() != kModeWheel) return kGlacoTimeoutMs;
@@ -34,6 +37,18 @@ void endWaiting(Session& session) {
   if (!session.pleaseWait || session.link.lastRecordTick == session.pleaseWaitTick) return;
   session.pleaseWait = false;
   showMessage(session, "");
+}
+
+// The watch period is over when it is. A session that was held up itself has kept records waiting: they get a
+// moment to be handled before anyone calls the instrument silent.
+void watchLink(Session& session) {
+  const auto passed = ticksSince(session.clock.tick(), session.timer.since);
+  if (passed < session.connectionTimeoutMs) return;
+  if (passed > session.connectionTimeoutMs + kHeldUpMs) {
+    session.timer.since = session.clock.tick() - session.connectionTimeoutMs + kMomentMs;
+    return;
+  }
+  onTimer(session);
 }
 
 }  // namespace
@@ -141,10 +156,7 @@ void serviceSession(Session& session) {
     showFileTrouble(session);
   }
   endWaiting(session);
-  if (session.timer.running &&
-      ticksSince(session.clock.tick(), session.timer.since) >= session.connectionTimeoutMs) {
-    onTimer(session);
-  }
+  if (session.timer.running) watchLink(session);
 }
 
 std::uint32_t msUntilService(const Session& session) {

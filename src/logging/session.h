@@ -105,6 +105,7 @@ struct Session {
   bool sessionActive = false;
   bool linkActive = false;
   bool linkLost = false;
+  bool instrumentOpen = false;  // false: the port could not be opened again after the link was lost
   bool inputEnabled = false;
   WatchTimer timer;
   std::uint32_t loggingStartTick = 0;

@@ -28,6 +28,16 @@ void pleaseWait(Session& session) {
   showMessage(session, "Please Wait...");
 }
 
+// A pulled cable may be back in its socket.
+void tryPortAgain(Session& session) {
+  if (session.instrumentOpen) {
+    if (session.ports->instrumentGone()) session.ports->reopenInstrumentPort();
+  } else if (!session.ports->OpenInstrumentPort()) {
+    session.instrumentOpen = true;
+    session.ports->startInstrumentReader();
+  }
+}
+
 void giveUpForGood(Session& session) {
   stopTimer(session);
   if (session.loggingState != kNoFile) writeEvent(session, "$CONN END  ");
@@ -41,7 +51,9 @@ void giveUpForGood(Session& session) {
 void connectAgain(Session& session) {
   session.linkActive = true;
   session.link.missedTicks = 0;
-  if (const auto problem = session.ports->OpenInstrumentPort()) tellPortProblem(session, *problem);
+  const auto problem = session.ports->OpenInstrumentPort();
+  session.instrumentOpen = !problem;
+  if (problem) tellPortProblem(session, *problem);
   session.clock.pause(kReopenPauseMs);
   session.link.lastRecordTick = session.clock.tick();
   session.ports->startInstrumentReader();
@@ -69,8 +81,7 @@ void onTimer(Session& session) {
   if (session.link.missedTicks == 0 && session.loggingState != kNoFile) writeEvent(session, "$CONN BREAK");
   if (++session.link.missedTicks < kMissedPeriodsToGiveUp) {
     pleaseWait(session);
-    // A pulled cable may be back in its socket.
-    if (session.ports->instrumentGone()) session.ports->reopenInstrumentPort();
+    tryPortAgain(session);
     startTimer(session);
     return;
   }

@@ -22,11 +22,11 @@ std::string_view takeLine(std::string_view& text) {
   return line;
 }
 
-std::filesystem::path settingsFile(const SettingsPlace& place) {
+}  // namespace
+
+std::filesystem::path settingsFileOf(const SettingsPlace& place) {
   return localPath(place.root, settingsPath(place.kind, place.iceOption, place.storageClass));
 }
-
-}  // namespace
 
 std::string formatSettings(const Settings& settings, Kind kind, bool iceOption) {
   Settings written = settings;
@@ -57,7 +57,7 @@ bool parseSettings(std::string_view text, Kind kind, bool iceOption, Settings& s
 }
 
 SettingsLoadResult loadSettings(const SettingsPlace& place, Settings& settings) {
-  const auto path = settingsFile(place);
+  const auto path = settingsFileOf(place);
   std::error_code ignored;  // a folder that cannot be made shows when the file cannot be written
   std::filesystem::create_directories(path.parent_path(), ignored);
 
@@ -75,7 +75,7 @@ SettingsLoadResult loadSettings(const SettingsPlace& place, Settings& settings) 
 }
 
 std::string saveSettings(const SettingsPlace& place, const Settings& settings) {
-  const auto path = settingsFile(place);
+  const auto path = settingsFileOf(place);
   std::error_code ignored;
   std::filesystem::create_directories(path.parent_path(), ignored);
   const auto problem = replaceFile(path, formatSettings(settings, place.kind, place.iceOption));

@@ -38,6 +38,9 @@ struct SettingsLoadResult {
 // Loads the kind's file into `settings`, creating the folder and the file where they are missing.
 SettingsLoadResult loadSettings(const SettingsPlace& place, Settings& settings);
 
+// The file on this machine.
+std::filesystem::path settingsFileOf(const SettingsPlace& place);
+
 // Replaces the file whole or not at all. Returns an empty text, or why it could not be written.
 std::string saveSettings(const SettingsPlace& place, const Settings& settings);
 

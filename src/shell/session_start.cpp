@@ -8,6 +8,7 @@ namespace kalmira {
 namespace {
 
 constexpr std::uint32_t kReaderPauseMs = 50;
+constexpr int kComPorts = 12;
 
 // Positions are compared as they stand, although the marker list skips COM6.
 bool markerOnGpsPort(const Session& session) {
@@ -17,7 +18,10 @@ bool markerOnGpsPort(const Session& session) {
 }
 
 bool instrumentOnGpsPort(const Session& session) {
-  return session.gpsEnabled() && session.settings.instrumentPortIndex == session.settings.gpsPortIndex;
+  const Settings first;
+  return session.gpsEnabled() &&
+         indexOr(session.settings.instrumentPortIndex, kComPorts, first.instrumentPortIndex) ==
+             indexOr(session.settings.gpsPortIndex, kComPorts, first.gpsPortIndex);
 }
 
 bool ownMarkerPort(const Session& session) {
@@ -130,6 +134,7 @@ StartOutcome startSession(Session& session) {
   }
   if (portsConflict(session) || !connectInstrument(session)) return StartOutcome::refused;
   session.linkActive = true;
+  session.instrumentOpen = true;
   startReaders(session);
   session.inputEnabled = true;
   paintPanel(session);

@@ -66,7 +66,9 @@ TEST(RunSettings, OverridesNeverReachTheFile) {
   EXPECT_EQ(run.settings().stationIncrement, 0.5F) << "that of the mode set for this run";
   run.settings().lineIncrement = 3.0F;  // changed in the session
   run.settings().lineName = "9";
-  ASSERT_EQ(run.save(run.settings()), "");
+  run.save(run.settings());
+  run.finish();
+  ASSERT_EQ(run.takeProblem(), "");
 
   Settings file;
   ASSERT_EQ(loadSettings(place, file).how, SettingsLoad::loaded);
@@ -78,7 +80,9 @@ TEST(RunSettings, OverridesNeverReachTheFile) {
   // A confirmed line is the session's, even where it repeats what was set for the run.
   run.settings().lineIncrement = 7.0F;
   run.keepLine();
-  ASSERT_EQ(run.save(run.settings()), "");
+  run.save(run.settings());
+  run.finish();
+  ASSERT_EQ(run.takeProblem(), "");
   loadSettings(place, file);
   EXPECT_EQ(file.lineIncrement, 7.0F);
   EXPECT_EQ(file.surveyMode, 0);

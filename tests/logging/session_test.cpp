@@ -174,6 +174,94 @@ TEST(Watchdog, RecordWithinFivePeriodsResumesWithoutAQuestion) {
   EXPECT_TRUE(test.view.questions.empty());
 }
 
+TEST(Watchdog, PortThatCouldNotBeOpenedAgainIsTriedEachPeriod) {
+  TestSession test(Kind::orla);
+  test.begin();
+  test.ports.instrumentProblem = PortProblem{.message = "Cannot open ORLA port", .detail = "no such device"};
+  for (int i = 0; i < 6; ++i) silence(test);
+  EXPECT_EQ(test.view.told.size(), 1U);
+  silence(test);
+  EXPECT_EQ(test.view.told.size(), 1U) << "tried in silence";
+  EXPECT_EQ(test.ports.calls.back(), "open instrument");
+  test.ports.instrumentProblem.reset();
+  silence(test);
+  EXPECT_EQ(test.ports.calls.back(), "read instrument");
+}
+
+TEST(Watchdog, ASessionThatWasHeldUpItselfCallsNobodySilent) {
+  TestSession test(Kind::orla);
+  test.begin();
+  test.clock.advance(3000);  // a command took so long; records wait to be handled
+  serviceSession(test.session);
+  test.clock.advance(10);
+  test.record("T -0100-0400");
+  test.clock.advance(990);
+  serviceSession(test.session);
+  EXPECT_TRUE(test.records().empty());
+}
+
+TEST(Session, CountersOfTheLastRecordingDoNotReachTheNext) {
+  TestSession test(Kind::orla);
+  test.begin();
+  test.session.beepCounter = 9;
+  test.session.triggerLatch = -1;
+  test.session.gpsHeldWritten = true;
+  test.session.readingLogged = true;
+  test.session.chartPointCount = 1;
+  test.session.linkActive = false;
+  test.session.traceStarted.fill(1);
+  test.link.recordCount = 5;
+  startRecording(test.session);
+  EXPECT_EQ(test.session.beepCounter, 0);
+  EXPECT_EQ(test.session.triggerLatch, 0);
+  EXPECT_FALSE(test.session.gpsHeldWritten || test.session.readingLogged);
+  EXPECT_TRUE(test.session.linkActive);
+  EXPECT_EQ(test.session.chartPointCount, 0);
+  EXPECT_EQ(test.session.traceStarted[9], 0);
+  EXPECT_EQ(test.link.recordCount, 0);
+  pauseRecording(test.session);
+  test.session.lineStarted = true;
+  test.session.traceStarted.fill(1);
+  newLine(test.session, proposeLine(test.settings, 0));
+  EXPECT_FALSE(test.session.lineStarted);
+  EXPECT_EQ(test.session.traceStarted[0], 0);
+  test.session.lineStarted = true;
+  newStation(test.session, 5);
+  EXPECT_FALSE(test.session.lineStarted);
+}
+
+struct PanelCase {
+  Kind kind;
+  int mode, listA, listB;
+  std::string triggerMode, stationLabel, modeText;
+};
+
+TEST(Panel, WordsOfTheModes) {
+  const std::vector<PanelCase> cases{
+      {Kind::orla, kModeAuto, 0, 1, "Auto", "Stn:", "Mode:H"},
+      {Kind::tesk, kModeManual, 0, 2, "Manual", "S  :M", "Mode:B"},
+      {Kind::teskdd, kModeWheel, 1, 0, "Wheel", "Stn:", "Mode:I"},
+      {Kind::teskdd, kModeAuto, 2, 0, "Auto", "Stn:", "Mode:C"},
+      {Kind::vardo, kModeAuto, 0, 4, "Auto", "Stn:", "M:H20"},
+      {Kind::glaco, kModeWheel, 0, 0, "Manual", "Stn:", ""},
+      {Kind::glaco, kModeManual, 0, 0, "Manual", "Stn:", ""},
+  };
+  for (const auto& item : cases) {
+    SCOPED_TRACE(std::string(instrumentOf(item.kind).name));
+    TestSession test(item.kind);
+    test.settings.surveyMode = item.mode;
+    test.settings.surveyListA = item.listA;
+    test.settings.surveyListB = item.listB;
+    test.settings.readingsCount = 5;
+    test.begin();
+    test.record(item.kind == Kind::glaco ? "T123I456" : "T -0100-0400");
+    EXPECT_EQ(test.view.texts[PanelField::triggerMode], item.triggerMode);
+    EXPECT_EQ(test.view.texts[PanelField::stationLabel], item.stationLabel);
+    EXPECT_EQ(test.view.texts[PanelField::mode], item.modeText);
+    EXPECT_EQ(test.session.averageOnTrigger, item.mode == kModeManual && item.kind != Kind::glaco);
+  }
+}
+
 TEST(Watchdog, NoEndsTheSessionWithItsRecord) {
   TestSession test(Kind::vardo);
   test.begin();

@@ -148,6 +148,16 @@ TEST_F(CalibrationTest, StayingVerticalFailsAfterTenSeconds) {
   EXPECT_EQ(text(), "Hor. Mode Not Detected - Wait for Beep");
 }
 
+TEST_F(CalibrationTest, NoSecondOneBeginsMeanwhile) {
+  EXPECT_FALSE(commandAllowed(test.session, Command::calibrate));
+  EXPECT_FALSE(commandAllowed(test.session, Command::deleteCalibration));
+  abandonCalibration(test.session);
+  EXPECT_TRUE(commandAllowed(test.session, Command::calibrate));
+  test.view.answer = false;
+  EXPECT_FALSE(startCalibration(test.session));
+  EXPECT_EQ(test.settings.calibrationFactors[0], 9.0F) << "the answer no changes nothing";
+}
+
 TEST_F(CalibrationTest, LeavingInTheMiddlePutsTheFactorsBack) {
   readings(kVertical, 41);
   ASSERT_TRUE(LeaveLogging(test.session, false));

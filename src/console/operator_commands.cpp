@@ -79,8 +79,9 @@ CommandAnswer line(Session& session, std::string_view text) {
 
 CommandAnswer station(Session& session, std::string_view text) {
   const auto given = words(text);
-  const auto number = given.size() == 1 ? stationNumber(given[0]) : std::nullopt;
-  if (!number) return failed("station takes one number of at most seven digits");
+  if (given.size() != 1 || !wholeNumber(given[0])) return failed("station takes one number");
+  const auto number = stationNumber(given[0]);
+  if (!number) return failed("no station is that far away: it would not fit into the file");
   newStation(session, *number);
   return {};
 }

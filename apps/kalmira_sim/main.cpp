@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <string>
 
+#include "platform/standard_streams.h"
 #include "sim/options.h"
 #include "sim/pace.h"
 #include "sim/player.h"
@@ -57,6 +58,7 @@ int runReplay(const sim::Options& options) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  kalmira::openMissingStreams();
   // A reader of the names that has gone must not end the survey with the links left behind.
   (void)std::signal(SIGPIPE, SIG_IGN);
   const auto parsed = sim::parseOptions({argv + 1, static_cast<std::size_t>(argc > 0 ? argc - 1 : 0)});

@@ -158,7 +158,7 @@ int readingsPerStationOf(Kind kind, int surveyMode, int listA, int listB) {
       if (!bothDipoles) return 1;
       return listA == 0 ? 4 : 2;
     case Kind::vardo:
-      return std::clamp(listB, 0, 5) + 1;
+      return listB >= 0 && listB <= 5 ? listB + 1 : 1;
     case Kind::mirka:
     case Kind::glaco:
       break;

@@ -22,13 +22,17 @@ std::string systemText(int error) {
 }
 
 // Whether these bytes are a record. A line feed inside means that they begin in one record and end in
-// another; only the instrument's bytes of a TESK2 reading may hold one.
-bool isRecord(std::string_view bytes, bool binaryReadings) {
+// another; only the instrument's bytes of a reading may hold one (any mode byte is possible). Those readings
+// are known by their tick.
+bool isRecord(std::string_view bytes) {
   if (bytes.back() != '\n') return false;
   const auto type = recordTypeOf(bytes);
   if (type == RecordType::unknown) return false;
-  const std::size_t textStart = binaryReadings && type == RecordType::reading ? readingText(bytes).size() : 0;
-  return bytes.find('\n', textStart) == bytes.size() - 1;
+  const bool reading = type == RecordType::reading;
+  const std::size_t textStart = reading ? readingText(bytes).size() : 0;
+  if (bytes.find('\n', textStart) != bytes.size() - 1) return false;
+  const bool lineFeedInText = reading && bytes.find('\n') < textStart;
+  return !lineFeedInText || parseTick(bytes).has_value();
 }
 
 }  // namespace
@@ -118,7 +122,7 @@ bool RecordReader::next(Record& record) {
       return false;
     }
     const auto first = bytes.substr(0, record_length_);
-    if (isRecord(first, binaryReadings())) {
+    if (isRecord(first)) {
       record = {first, place_};
       place_ += record_length_;
       return true;
@@ -133,7 +137,7 @@ bool RecordReader::next(Record& record) {
 std::size_t RecordReader::damageAhead(std::string_view bytes) const {
   for (std::size_t start = 1; start < record_length_ && start + record_length_ <= bytes.size(); ++start) {
     if (bytes[start - 1] != '\n') continue;
-    if (isRecord(bytes.substr(start, record_length_), binaryReadings())) return start;
+    if (isRecord(bytes.substr(start, record_length_))) return start;
   }
   return record_length_;
 }
@@ -150,7 +154,7 @@ bool RecordReader::previous(Record& record) {
     const auto bytes = bytesAt(from, wanted);
     if (error_.kind != FileErrorKind::none || bytes.size() < wanted) return false;
     const auto last = bytes.substr(wanted - record_length_);
-    if (isRecord(last, binaryReadings())) {
+    if (isRecord(last)) {
       place_ -= record_length_;
       record = {last, place_};
       return true;
@@ -165,7 +169,7 @@ bool RecordReader::previous(Record& record) {
 std::size_t RecordReader::damageBehind(std::string_view bytes) const {
   for (std::size_t step = 1; step < record_length_ && step + record_length_ <= bytes.size(); ++step) {
     const auto candidate = bytes.substr(bytes.size() - step - record_length_, record_length_);
-    if (isRecord(candidate, binaryReadings())) return step;
+    if (isRecord(candidate)) return step;
   }
   return record_length_;
 }

@@ -70,7 +70,6 @@ class RecordReader {
   std::string_view bytesAt(std::uint64_t offset, std::size_t count);
   void load(std::uint64_t offset, std::size_t count);
   bool identify();
-  bool binaryReadings() const { return header_.kind == Kind::tesk2; }
   std::size_t damageAhead(std::string_view bytes) const;
   std::size_t damageBehind(std::string_view bytes) const;
 

@@ -32,18 +32,20 @@ std::string surveyModeValue(const Settings& settings) {
 
 void WriteFileHeader(const WriterContext& context, std::string_view baseName) {
   const auto& settings = context.settings;
-  const Header1 header{.kind = context.instrument.kind,
-                       .shortInstrument = indexOr(settings.instrumentLength, 2, 0) == 1,
-                       .gps = settings.gpsInput == 1,
-                       .iceOption = context.iceOption,
-                       .lengthUnits = indexOr(settings.lengthUnits, 2, 0),
-                       .listB = indexOr(settings.surveyListB, 10, 0),
-                       .surveyMode = surveyModeOf(settings),
-                       .listA = indexOr(settings.surveyListA, 10, 0),
-                       .iceQuantity = indexOr(settings.iceQuantity, 2, 0),
-                       .seaWaterChoice = indexOr(settings.seaWaterChoice, 11, 0),
-                       .tesk2Variant = indexOr(settings.tesk2Variant, 10, 1),
-                       .screenMark = screenMark(context)};
+  const Kind kind = context.instrument.kind;
+  const Header1 header{
+      .kind = context.instrument.kind,
+      .shortInstrument = indexOr(settings.instrumentLength, 2, 0) == 1,
+      .gps = settings.gpsInput == 1,
+      .iceOption = context.iceOption,
+      .lengthUnits = indexOr(settings.lengthUnits, 2, 0),
+      .listB = indexOr(settings.surveyListB, kind == Kind::vardo ? 6 : 3, 0),
+      .surveyMode = surveyModeOf(settings),
+      .listA = indexOr(settings.surveyListA, kind == Kind::teskdd || kind == Kind::tesk ? 3 : 2, 0),
+      .iceQuantity = indexOr(settings.iceQuantity, 2, 0),
+      .seaWaterChoice = indexOr(settings.seaWaterChoice, 11, 0),
+      .tesk2Variant = settings.tesk2Variant == 2 ? 2 : 1,
+      .screenMark = screenMark(context)};
   context.file.append(formatHeader1(header));
   context.file.append(formatHeader2(lengthOf(context), baseName, surveyModeValue(settings)));
 }

@@ -18,7 +18,7 @@ void recordReading(Session& session, const Channels& channels) {
   WriteReadingRecord(session.writer(), {link.recordText.data(), kPaddedLength}, link.lastRecordTick);
   ++session.counts.readings;
   // Every reading beeps: a GLACO is read while standing, not at a walking pace.
-  if (session.settings.audio == 1) session.view.beep(Beep::hand);
+  if (indexOr(session.settings.audio, 2, 1) == 1) session.view.beep(Beep::hand);
   // No repeated readings here: every reading moves on, but for the first of a line.
   if (session.lineStarted) session.station += static_cast<double>(session.settings.stationIncrement);
   session.lineStarted = true;

@@ -68,7 +68,7 @@ void writeHeldSentences(Session& session) {
 }
 
 void beepWithReading(Session& session) {
-  if (session.settings.audio != 1) return;
+  if (indexOr(session.settings.audio, 2, 1) != 1) return;
   if (++session.beepCounter < session.beepInterval) return;
   session.view.beep(Beep::hand);
   session.beepCounter = 0;

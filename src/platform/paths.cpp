@@ -1,8 +1,10 @@
 #include "platform/paths.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
 #include <cstring>
 #include <string>
@@ -47,6 +49,26 @@ void syncFolder(const std::filesystem::path& folder) {
   if (fd < 0) return;
   ::fsync(fd);
   ::close(fd);
+}
+
+std::optional<std::string> readSmallFile(const std::filesystem::path& path) {
+  constexpr off_t kLargest = 1 << 20;
+  // Without waiting: a pipe under the file's name must not hold anybody up.
+  const int fd = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+  if (fd < 0) return std::nullopt;
+  struct stat status {};
+  bool good = ::fstat(fd, &status) == 0 && S_ISREG(status.st_mode) && status.st_size <= kLargest;
+  std::string content;
+  std::array<char, 4096> block{};
+  while (good) {
+    const auto count = ::read(fd, block.data(), block.size());
+    if (count == 0) break;
+    if (count < 0 && errno == EINTR) continue;
+    good = count > 0 && content.size() <= static_cast<std::size_t>(kLargest);
+    if (good) content.append(block.data(), static_cast<std::size_t>(count));
+  }
+  ::close(fd);
+  return good ? std::optional(content) : std::nullopt;
 }
 
 std::string replaceFile(const std::filesystem::path& path, std::string_view content) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -13,6 +14,9 @@ std::filesystem::path localPath(const std::filesystem::path& root, std::string_v
 // Commits the folder's entries to the disk, so that a file just made in it survives a power cut. Where a file
 // system cannot do that, nothing happens.
 void syncFolder(const std::filesystem::path& folder);
+
+// The content of a regular file of at most a megabyte; nothing when there is none such or it cannot be read.
+std::optional<std::string> readSmallFile(const std::filesystem::path& path);
 
 // Writes `content` to a new file beside `path`, commits it to the disk and renames it over `path`, so that a
 // full disk or a power cut leaves either the old file or the new one. Returns an empty text on success, else

@@ -1,7 +1,5 @@
 #include "settings/settings_file.h"
 
-#include <fstream>
-#include <iterator>
 #include <system_error>
 
 #include "platform/paths.h"
@@ -62,10 +60,8 @@ SettingsLoadResult loadSettings(const SettingsPlace& place, Settings& settings) 
   std::filesystem::create_directories(path.parent_path(), ignored);
 
   SettingsLoadResult result;
-  std::ifstream file(path, std::ios::binary);
-  if (file) {
-    const std::string text{std::istreambuf_iterator<char>(file), {}};
-    if (parseSettings(text, place.kind, place.iceOption, settings)) return result;
+  if (const auto text = readSmallFile(path)) {
+    if (parseSettings(*text, place.kind, place.iceOption, settings)) return result;
     result.how = SettingsLoad::replaced;
   } else {
     result.how = SettingsLoad::created;

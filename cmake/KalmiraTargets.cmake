@@ -46,3 +46,21 @@ function(kalmira_test name)
   endif()
   gtest_discover_tests(${name} PROPERTIES LABELS ${label} TIMEOUT 120 DISCOVERY_TIMEOUT 60)
 endfunction()
+
+# kalmira_widget_test(name SOURCES ... LINKS ... [THREADED])
+# A test of windows: runs without a screen, on Qt's offscreen platform, in one QApplication.
+function(kalmira_widget_test name)
+  cmake_parse_arguments(ARG "THREADED" "" "SOURCES;LINKS" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES} ${CMAKE_SOURCE_DIR}/tests/support/widget_main.cpp)
+  target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
+  target_link_libraries(${name} PRIVATE
+    ${ARG_LINKS} kalmira_resources GTest::gmock GTest::gtest Qt6::Widgets Qt6::Test kalmira_flags)
+  set(label unit)
+  if(ARG_THREADED)
+    set(label threaded)
+    add_dependencies(threaded_tests ${name})
+  endif()
+  # What the system's font and image libraries keep until the program's end is not ours to free.
+  gtest_discover_tests(${name} PROPERTIES LABELS ${label} TIMEOUT 120 DISCOVERY_TIMEOUT 60
+    ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/support/leaks.supp")
+endfunction()

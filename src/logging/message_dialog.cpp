@@ -1,0 +1,104 @@
+#include "logging/message_dialog.h"
+
+#include <QMessageBox>
+#include <QPushButton>
+#include <QStyle>
+#include <QTextLayout>
+#include <algorithm>
+
+#include "screen/template_dialog.h"
+
+namespace kalmira {
+namespace {
+
+constexpr int kMargins = 60;     // pixels: around icon and text
+constexpr int kLeastRoom = 120;  // pixels
+
+QMessageBox::Icon boxIcon(Icon icon) {
+  switch (icon) {
+    case Icon::none:
+      return QMessageBox::NoIcon;
+    case Icon::information:
+      return QMessageBox::Information;
+    case Icon::question:
+      return QMessageBox::Question;
+    case Icon::exclamation:
+      return QMessageBox::Warning;
+    case Icon::stop:
+      return QMessageBox::Critical;
+  }
+  return QMessageBox::NoIcon;
+}
+
+// Broken where the window ends: the box by itself looks only at the screen, which may be a good deal wider.
+QString wrapped(const QString& paragraph, const QFont& font, int room) {
+  QTextLayout layout(paragraph, font);
+  QStringList lines;
+  layout.beginLayout();
+  for (auto line = layout.createLine(); line.isValid(); line = layout.createLine()) {
+    line.setLineWidth(room);
+    lines += paragraph.mid(line.textStart(), line.textLength()).trimmed();
+  }
+  layout.endLayout();
+  return lines.join('\n');
+}
+
+QString wrappedText(const QMessageBox& box, const std::string& text) {
+  QStringList paragraphs = QString::fromStdString(text).remove('\r').trimmed().split('\n');
+  if (box.parentWidget() == nullptr) return paragraphs.join('\n');
+  const int beside = box.style()->pixelMetric(QStyle::PM_MessageBoxIconSize, nullptr, &box) + kMargins;
+  const int room = box.parentWidget()->window()->width() - beside;
+  for (auto& paragraph : paragraphs) paragraph = wrapped(paragraph, box.font(), std::max(room, kLeastRoom));
+  return paragraphs.join('\n');
+}
+
+void showMessage(QMessageBox& box, const QWidget* parent, const Message& message) {
+  dressLike(box, parent);
+  box.setWindowTitle(QString::fromStdString(message.title));
+  box.setTextFormat(Qt::PlainText);
+  box.setText(wrappedText(box, message.text));
+  box.setIcon(boxIcon(message.icon));
+}
+
+// The texts are set here because a desktop may have its own, in another language and with other keys.
+QPushButton& addButton(QMessageBox& box, QMessageBox::StandardButton which, const char* text) {
+  auto& button = *box.addButton(which);
+  button.setText(text);
+  button.setIcon({});
+  return button;
+}
+
+}  // namespace
+
+void tellMessage(QWidget* parent, const Message& message) {
+  QMessageBox box(parent);
+  showMessage(box, parent, message);
+  box.setEscapeButton(&addButton(box, QMessageBox::Ok, "OK"));
+  fitForFingers(box);
+  box.exec();
+}
+
+EnterMeans enterMeans(Question question) {
+  switch (question) {
+    case Question::exitLogging:
+    case Question::deleteCalibration:
+      return EnterMeans::no;
+    case Question::linkLost:
+    case Question::startCalibration:
+      return EnterMeans::yes;
+  }
+  return EnterMeans::no;
+}
+
+bool askMessage(QWidget* parent, const Message& message, EnterMeans enter) {
+  QMessageBox box(parent);
+  showMessage(box, parent, message);
+  auto& yes = addButton(box, QMessageBox::Yes, "&Yes");
+  auto& no = addButton(box, QMessageBox::No, "&No");
+  box.setEscapeButton(&no);
+  box.setDefaultButton(enter == EnterMeans::yes ? &yes : &no);
+  fitForFingers(box);
+  return box.exec() == QMessageBox::Yes;
+}
+
+}  // namespace kalmira

@@ -78,6 +78,8 @@ float DecodeTesk2Live(const LinkState& link, const Tesk2Offsets& offsets, bool i
                       Tesk2Reading& reading, Channels& channels);
 void DecodeTesk2Record(std::string_view record, const Tesk2Offsets& offsets, bool inphaseUnscaled,
                        Channels& channels, char& orientation, char& secondMode);
+// The two auxiliary values, which DecodeTesk2Record leaves out.
+std::array<float, 2> tesk2AuxiliaryValues(std::string_view record);
 
 // One vertical scale of the profile: a value stands (top - value) * scale pixels below the upper edge.
 struct ProfileAxis {

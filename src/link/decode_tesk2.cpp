@@ -14,6 +14,10 @@ unsigned byteAt(std::string_view record, std::size_t position) {
   return position < record.size() ? static_cast<unsigned char>(record[position]) : 0U;
 }
 
+std::uint16_t wordAt(std::string_view record, std::size_t word) {
+  return static_cast<std::uint16_t>(byteAt(record, 2 + 2 * word) * 256U + byteAt(record, 3 + 2 * word));
+}
+
 // The scale that both quantities share: 0 to 65535 is -1280 to almost 1280, 32768 is 0.
 double scaled(std::uint16_t word) {
   return (5 * static_cast<int>(word) / 1024.0 - 160.0) * 8.0;
@@ -34,10 +38,7 @@ float auxiliaryOf(std::uint16_t word) {
 
 void decode(std::string_view record, const Tesk2Offsets& offsets, bool unscaled, Tesk2Reading& reading,
             Channels& channels) {
-  for (std::size_t i = 0; i < reading.words.size(); ++i) {
-    reading.words[i] =
-        static_cast<std::uint16_t>(byteAt(record, 2 + 2 * i) * 256U + byteAt(record, 3 + 2 * i));
-  }
+  for (std::size_t i = 0; i < reading.words.size(); ++i) reading.words[i] = wordAt(record, i);
   // The reader has raised the mode byte by 16 and 8 for the markers. It is tested with them: a marked record
   // is vertical and "M" whatever the instrument said.
   const unsigned mode = byteAt(record, 1);
@@ -86,6 +87,10 @@ void DecodeTesk2Record(std::string_view record, const Tesk2Offsets& offsets, boo
   decode(record, offsets, inphaseUnscaled, reading, channels);
   orientation = reading.orientation;
   secondMode = reading.secondMode;
+}
+
+std::array<float, 2> tesk2AuxiliaryValues(std::string_view record) {
+  return {auxiliaryOf(wordAt(record, auxiliary1)), auxiliaryOf(wordAt(record, auxiliary2))};
 }
 
 }  // namespace kalmira

@@ -10,8 +10,9 @@ namespace kalmira {
 namespace {
 
 constexpr int kPaddedLength = 13;
+constexpr std::size_t kRecordedLength = 12;  // of these, in the file
 
-void recordReading(Session& session, const Channels& channels) {
+void recordReading(Session& session) {
   auto& link = session.link;
   std::fill(link.recordText.begin() + link.recordLength, link.recordText.begin() + kPaddedLength, ' ');
   writeHeldSentences(session);
@@ -23,7 +24,7 @@ void recordReading(Session& session, const Channels& channels) {
   if (session.lineStarted) session.station += static_cast<double>(session.settings.stationIncrement);
   session.lineStarted = true;
   showStation(session);
-  addPoint(session, true, channels, 0.0F, 0.0F);
+  addPoint(session, true, {link.recordText.data(), kRecordedLength});
 }
 
 }  // namespace
@@ -32,7 +33,7 @@ void OnIceReading(Session& session) {
   AsciiReading reading;
   Channels channels;
   DecodeAsciiLive(session.link, session.instrument.kind, asciiOptions(session), reading, channels);
-  if (session.loggingState == kLogging) recordReading(session, channels);
+  if (session.loggingState == kLogging) recordReading(session);
   session.view.show(PanelField::value1, valueText("Th", reading.conductivity, "", false));
   session.view.show(PanelField::value2, valueText("IP", reading.inphase, "", false));
   showBatteryWhenDue(session);

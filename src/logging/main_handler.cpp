@@ -5,6 +5,7 @@
 #include <string>
 
 #include "logging/handlers.h"
+#include "logging/profile_point.h"
 #include "logging/reading_steps.h"
 #include "logging/value_texts.h"
 #include "platform/text.h"
@@ -19,6 +20,7 @@ constexpr std::size_t kFirstField = 2;
 constexpr std::size_t kSecondField = 7;
 constexpr std::size_t kFieldLength = 5;
 constexpr int kPaddedLength = 13;
+constexpr std::size_t kRecordedLength = 12;  // of these, in the file
 
 bool triggerPressed(const LinkState& link) {
   const auto mode = static_cast<unsigned char>(link.recordText[kModeByte]);
@@ -34,23 +36,20 @@ float fieldValue(const LinkState& link, std::size_t start) {
   return std::isfinite(value) ? value : 0.0F;  // noise may spell "nan"
 }
 
-// One sample of an average. True when the average is complete and stands in `reading` and `channels`.
-bool takeSample(Session& session, AsciiReading& reading, Channels& channels) {
+// One sample of an average. True when the average is complete and stands in `reading`.
+bool takeSample(Session& session, AsciiReading& reading) {
   const bool last = countSample(session);
   auto& sums = session.averaging;
   sums.firstFieldSum += fieldValue(session.link, kFirstField);
   if (hasSecondField(session)) sums.secondFieldSum += fieldValue(session.link, kSecondField);
   sums.conductivitySum += reading.conductivity;
   sums.secondValueSum += reading.inphase;
-  for (std::size_t i = 0; i < kSlots; ++i) sums.slotSums[i] += channels.value[i];
   if (!last) return false;
   const auto count = static_cast<float>(session.samplesPerAverage);
   reading.conductivity = sums.conductivitySum / count;
   reading.inphase = sums.secondValueSum / count;
   sums.firstField = sums.firstFieldSum / count;
   sums.secondField = sums.secondFieldSum / count;
-  for (std::size_t i = 0; i < kSlots; ++i) channels.value[i] = sums.slotSums[i] / count;
-  sums.slotSums.fill(0.0F);
   sums.firstFieldSum = sums.secondFieldSum = sums.conductivitySum = sums.secondValueSum = 0.0F;
   return true;
 }
@@ -62,7 +61,7 @@ void overwriteField(LinkState& link, std::size_t start, float value) {
   std::copy(text.begin(), text.end(), link.recordText.begin() + static_cast<std::ptrdiff_t>(start));
 }
 
-void recordReading(Session& session, const Channels& channels) {
+void recordReading(Session& session) {
   auto& link = session.link;
   std::fill(link.recordText.begin() + link.recordLength, link.recordText.begin() + kPaddedLength, ' ');
   if (session.averageOnTrigger) {
@@ -77,15 +76,7 @@ void recordReading(Session& session, const Channels& channels) {
   beepWithReading(session);
   advanceStation(session);
   showStation(session);
-  addPoint(session, firstAtStation, channels, 0.0F, 0.0F);
-}
-
-// Ice thickness is known from horizontal dipoles only.
-float iceThickness(Session& session, const AsciiReading& reading, Channels& channels) {
-  if (!session.iceOption || reading.orientation != 'H') return kIceBelowTable;
-  const bool kept = session.settings.iceQuantity == 1;
-  return IceThickness(static_cast<double>(reading.conductivity), session.iceModel,
-                      kept ? &channels : nullptr);
+  addPoint(session, firstAtStation, {link.recordText.data(), kRecordedLength});
 }
 
 }  // namespace
@@ -94,14 +85,14 @@ void OnMainReading(Session& session) {
   ShownReading shown;
   Channels channels;
   DecodeAsciiLive(session.link, session.instrument.kind, asciiOptions(session), shown.reading, channels);
-  shown.thickness = iceThickness(session, shown.reading, channels);
+  shown.thickness = iceThicknessOf(session, shown.reading, channels);
   session.view.show(PanelField::mode, modeText(session));
 
   const bool pressed = triggerPressed(session.link);
   latchTrigger(session, pressed);
   bool recordable = isRecordable(session);
-  if (isSample(session)) recordable = takeSample(session, shown.reading, channels);
-  if (recordable) recordReading(session, channels);
+  if (isSample(session)) recordable = takeSample(session, shown.reading);
+  if (recordable) recordReading(session);
 
   for (const auto& [field, text] : valueTexts(session, shown)) session.view.show(field, text);
   showMarker(session, pressed);

@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include "logging/profile_point.h"
+
 namespace kalmira {
 namespace {
 
@@ -89,11 +91,11 @@ void showStation(Session& session) {
   }
 }
 
-void addPoint(Session& session, bool firstAtStation, const Channels& channels, float extra1, float extra2) {
-  const bool newStation = session.chartPointCount == 1 && firstAtStation;
+void addPoint(Session& session, bool firstAtStation, std::string_view text) {
+  auto point = profilePointOf(session, text, session.settings.calibrationFactors);
+  point.newStation = session.chartPointCount == 1 && firstAtStation;
   session.chartPointCount = 1;
-  session.view.addProfilePoint(
-      {.newStation = newStation, .channels = channels, .extra1 = extra1, .extra2 = extra2});
+  session.view.addProfilePoint(point);
 }
 
 void showMarker(Session& session, bool pressed) {

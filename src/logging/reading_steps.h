@@ -31,8 +31,9 @@ void writeReadySentences(Session& session);
 void beepWithReading(Session& session);
 void advanceStation(Session& session);
 void showStation(Session& session);
-// `firstAtStation`: the profile moves on before the point, but not before its very first.
-void addPoint(Session& session, bool firstAtStation, const Channels& channels, float extra1, float extra2);
+// `firstAtStation`: the profile moves on before the point, but not before its very first. `text` as it went
+// into the file.
+void addPoint(Session& session, bool firstAtStation, std::string_view text);
 
 // "M" while the trigger is pressed, but not where a press records.
 void showMarker(Session& session, bool pressed);

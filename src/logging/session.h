@@ -43,7 +43,6 @@ struct Averaging {
   int sampleCount = 0;
   float firstFieldSum = 0, secondFieldSum = 0;
   float conductivitySum = 0, secondValueSum = 0;
-  std::array<float, kSlots> slotSums{};
   float firstField = 0, secondField = 0;  // the last averages, as they go into the record
   // TESK2: the four channel values, and the six raw words.
   std::array<float, 4> channelSums{};
@@ -76,7 +75,7 @@ struct Session {
   Session(SessionSetup setupOfRun, Settings& settingsRecord, LinkState& linkState, const Clock& clockOfRun,
           Disk& diskOfRun, SessionView& viewOfRun, std::function<std::string(const Settings&)> save);
 
-  const SessionSetup setup;
+  SessionSetup setup;  // its layout fields follow the window when it is turned
   const Instrument& instrument;
   Settings& settings;
   LinkState& link;

@@ -22,17 +22,8 @@ void putWords(LinkState& link, const Words& words) {
   }
 }
 
-// The averaged values in the four slots of the reading's orientation.
-void valuesToChannels(const Tesk2Reading& reading, Channels& channels) {
-  const std::size_t base = reading.orientation == 'V' ? 0 : 1;
-  channels.value[base] = reading.conductivity1;
-  channels.value[base + 2] = reading.inphase1;
-  channels.value[base + 4] = reading.conductivity2;
-  channels.value[base + 6] = reading.inphase2;
-}
-
 // One sample of an average. True when it is complete: then it stands in `reading` and in the record.
-bool takeSample(Session& session, Tesk2Reading& reading, Channels& channels) {
+bool takeSample(Session& session, Tesk2Reading& reading) {
   const bool last = countSample(session);
   auto& sums = session.averaging;
   const std::array<float*, 4> values{&reading.conductivity1, &reading.inphase1, &reading.conductivity2,
@@ -48,23 +39,23 @@ bool takeSample(Session& session, Tesk2Reading& reading, Channels& channels) {
     averages[i] = static_cast<std::uint16_t>(sums.wordSums[i] / count);
   }
   putWords(session.link, averages);
-  valuesToChannels(reading, channels);
   sums.channelSums.fill(0.0F);
   sums.wordSums.fill(0);
   return true;
 }
 
-void recordReading(Session& session, const Tesk2Reading& reading, const Channels& channels) {
+void recordReading(Session& session) {
   auto& link = session.link;
   link.recordText[0] = countAtStation(session, link.recordText[0]);
   const bool firstAtStation = session.stationReadingCount == 1;
   writeHeldSentences(session);
-  WriteTesk2ReadingRecord(session.writer(), {link.recordText.data(), kRecordLength}, link.lastRecordTick);
+  const std::string_view text(link.recordText.data(), kRecordLength);
+  WriteTesk2ReadingRecord(session.writer(), text, link.lastRecordTick);
   ++session.counts.readings;
   beepWithReading(session);
   advanceStation(session);
   showStation(session);
-  addPoint(session, firstAtStation, channels, reading.auxiliary1, reading.auxiliary2);
+  addPoint(session, firstAtStation, text);
 }
 
 void showValues(Session& session, const Tesk2Reading& reading) {
@@ -78,13 +69,13 @@ void showValues(Session& session, const Tesk2Reading& reading) {
   view.show(PanelField::value6, valueText("t", reading.auxiliary2, "", wide));
 }
 
-void handleReading(Session& session, Tesk2Reading& reading, Channels& channels) {
+void handleReading(Session& session, Tesk2Reading& reading) {
   session.view.show(PanelField::mode, dipoleModeText(session.settings));
   const bool pressed = reading.secondMode == 'M';
   latchTrigger(session, pressed);
   bool recordable = isRecordable(session);
-  if (isSample(session)) recordable = takeSample(session, reading, channels);
-  if (recordable) recordReading(session, reading, channels);
+  if (isSample(session)) recordable = takeSample(session, reading);
+  if (recordable) recordReading(session);
   showValues(session, reading);
   showMarker(session, pressed);
 }
@@ -99,7 +90,7 @@ void OnTesk2Reading(Session& session) {
   if (session.calibration.calibrationPhase == -1) {
     calibrateWith(session, reading);
   } else {
-    handleReading(session, reading, channels);
+    handleReading(session, reading);
   }
   showBatteryWhenDue(session);
   session.link.recordText[0] = '\0';

@@ -1,0 +1,341 @@
+#include "logging/panel_layout.h"
+
+#include <algorithm>
+#include <cmath>
+#include <initializer_list>
+
+namespace kalmira {
+namespace {
+
+// All in units; a scale makes them pixels.
+constexpr double kMargin = 3;
+constexpr double kGap = 4;  // between two cells of a row
+constexpr double kBatteryWidth = 40;
+constexpr double kTextSize = 12;
+constexpr double kValueSize = 18;
+constexpr double kStateSizePortrait = 22;
+constexpr double kStateSizeLandscape = 21;
+constexpr double kSmallestStateSize = 15;  // the word gives way to nothing below this
+// A row's height and the room of the state's shape, by the size of its largest font.
+constexpr double kTextRowHeight = 1.15;
+constexpr double kValueRowHeight = 1.1;
+constexpr double kStateRowHeight = 1.1;
+constexpr double kShapeWidth = 0.85;
+constexpr int kSmallestFont = 5;  // pixels: where a font stops being one
+
+enum class RowShape {
+  flow,     // one beside the other, the last takes what is left
+  columns,  // equal shares of the width
+  band,     // the state's: shape, cells, and the battery's fixed place at the right
+};
+
+struct Row {
+  RowShape shape = RowShape::flow;
+  std::vector<PanelField> fields;
+};
+
+struct Sizes {
+  int text = 0, value = 0, state = 0;
+};
+
+// Everything that a layout is worked out from.
+struct Job {
+  const PanelSpace& space;
+  const MeasureText& measure;
+  int margin, gap, batteryWidth;
+};
+
+int pixels(const PanelSpace& space, double units) {
+  return std::max(1, static_cast<int>(std::lround(units * space.scale)));
+}
+
+PanelFont fontOf(PanelField field) {
+  switch (field) {
+    case PanelField::state:
+      return PanelFont::state;
+    case PanelField::station:
+    case PanelField::value1:
+    case PanelField::value2:
+    case PanelField::value3:
+    case PanelField::value4:
+    case PanelField::value5:
+    case PanelField::value6:
+      return PanelFont::value;
+    default:
+      return PanelFont::text;
+  }
+}
+
+std::string_view labelOf(PanelField field) {
+  switch (field) {
+    case PanelField::pdop:
+      return "PDOP:";
+    case PanelField::satellites:
+      return "Sat:";
+    case PanelField::line:
+      return "L:";
+    default:
+      return {};
+  }
+}
+
+int sizeOf(const Sizes& sizes, PanelFont font) {
+  switch (font) {
+    case PanelFont::text:
+      return sizes.text;
+    case PanelFont::value:
+      return sizes.value;
+    case PanelFont::state:
+      return sizes.state;
+  }
+  return sizes.text;
+}
+
+// Which fields stand in which row, from above. Those that the kind does not use are taken out afterwards.
+using F = PanelField;
+
+// An upright panel has the width for large figures one below the other, but not for those of four values.
+std::vector<Row> portraitValues(const PanelSpace& space) {
+  if (space.kind == Kind::teskdd || space.kind == Kind::tesk2) {
+    return {{RowShape::columns, {F::value1, F::value2}},
+            {RowShape::columns, {F::value3, F::value4}},
+            {RowShape::columns, {F::value5, F::value6}},
+            {RowShape::flow, {F::range}}};
+  }
+  if (space.iceOption) {
+    return {{RowShape::flow, {F::value1, F::range}},
+            {RowShape::flow, {F::value2}},
+            {RowShape::flow, {F::value3}}};
+  }
+  return {{RowShape::flow, {F::value1}}, {RowShape::flow, {F::value2}}, {RowShape::flow, {F::range}}};
+}
+
+std::vector<Row> portraitRows(const PanelSpace& space) {
+  std::vector<Row> rows{{RowShape::band, {F::state, F::triggerMode, F::battery}},
+                        {RowShape::flow, {F::file, F::mode, F::marker}},
+                        {RowShape::flow, {F::stationLabel, F::station, F::repeat, F::line}}};
+  for (auto& row : portraitValues(space)) rows.push_back(std::move(row));
+  rows.push_back({RowShape::flow, {F::calibration}});
+  rows.push_back({RowShape::flow, {F::gpsActivity, F::fix, F::pdop, F::satellites, F::gpsCount, F::gpsNote}});
+  rows.push_back({RowShape::flow, {F::message}});
+  return rows;
+}
+
+// A low panel has no row to spare: what is short moves up beside the figures of those with many of them.
+std::vector<Row> landscapeFigures(const PanelSpace& space) {
+  const Row band{RowShape::band, {F::state, F::message, F::battery}};
+  switch (space.kind) {
+    case Kind::tesk2:  // its two channels one below the other
+      return {{RowShape::band, {F::state, F::triggerMode, F::message, F::battery}},
+              {RowShape::flow, {F::stationLabel, F::station, F::repeat, F::file, F::line}},
+              {RowShape::columns, {F::value1, F::value2, F::value5}},
+              {RowShape::columns, {F::value3, F::value4, F::value6}},
+              {RowShape::flow, {F::calibration}}};
+    case Kind::teskdd:  // conductivity above inphase
+      return {band,
+              {RowShape::flow, {F::stationLabel, F::station, F::repeat, F::line, F::triggerMode}},
+              {RowShape::flow, {F::value1, F::value2, F::range}},
+              {RowShape::flow, {F::value3, F::value4, F::file}}};
+    default:
+      return {band,
+              {RowShape::flow, {F::stationLabel, F::station, F::repeat, F::line, F::triggerMode}},
+              {RowShape::columns, {F::value1, F::value2, F::value3}},
+              {RowShape::flow, {F::file, F::range}}};
+  }
+}
+
+std::vector<Row> landscapeRows(const PanelSpace& space) {
+  auto rows = landscapeFigures(space);
+  rows.push_back(
+      {RowShape::flow,
+       {F::gpsActivity, F::fix, F::pdop, F::satellites, F::gpsCount, F::gpsNote, F::mode, F::marker}});
+  return rows;
+}
+
+std::vector<Row> usedRows(const PanelSpace& space) {
+  auto rows = space.wideLayout ? portraitRows(space) : landscapeRows(space);
+  for (auto& row : rows) {
+    std::erase_if(row.fields, [&](PanelField field) { return widestTexts(space, field).empty(); });
+  }
+  std::erase_if(rows, [](const Row& row) { return row.fields.empty(); });
+  return rows;
+}
+
+int widthOf(const Job& job, PanelFont font, const Sizes& sizes, std::string_view text) {
+  return text.empty() ? 0 : static_cast<int>(std::ceil(job.measure(font, sizeOf(sizes, font), text)));
+}
+
+int labelWidthOf(const Job& job, PanelField field, const Sizes& sizes) {
+  return widthOf(job, PanelFont::text, sizes, labelOf(field));
+}
+
+int paddingOf(const Job& job, PanelField field) {
+  return field == F::message ? job.gap : 0;
+}
+
+int cellWidth(const Job& job, PanelField field, const Sizes& sizes) {
+  if (field == PanelField::battery) return job.batteryWidth - job.margin;
+  int widest = 0;
+  for (const auto& text : widestTexts(job.space, field)) {
+    widest = std::max(widest, widthOf(job, fontOf(field), sizes, text));
+  }
+  return labelWidthOf(job, field, sizes) + widest + 2 * paddingOf(job, field);
+}
+
+int shapeWidth(const Sizes& sizes) {
+  return static_cast<int>(std::lround(kShapeWidth * sizes.state));
+}
+
+int columnWidth(const Job& job, const Row& row) {
+  return (job.space.width - 2 * job.margin) / static_cast<int>(row.fields.size());
+}
+
+bool fits(const Job& job, const Row& row, const Sizes& sizes) {
+  if (row.shape == RowShape::columns) {
+    return std::all_of(row.fields.begin(), row.fields.end(), [&](PanelField field) {
+      return cellWidth(job, field, sizes) + job.gap <= columnWidth(job, row);
+    });
+  }
+  int needed = 2 * job.margin + job.gap * static_cast<int>(row.fields.size() - 1);
+  if (row.shape == RowShape::band) needed += shapeWidth(sizes) + job.gap;
+  for (const auto field : row.fields) needed += cellWidth(job, field, sizes);
+  return needed <= job.space.width;
+}
+
+bool contains(const Row& row, PanelFont font) {
+  return std::any_of(row.fields.begin(), row.fields.end(),
+                     [font](PanelField field) { return fontOf(field) == font; });
+}
+
+// Makes the font smaller that can best bear it; false when there is none left.
+bool shrinkFor(const Job& job, const Row& row, Sizes& sizes) {
+  if (contains(row, PanelFont::state) && sizes.state > pixels(job.space, kSmallestStateSize)) {
+    --sizes.state;
+  } else if (contains(row, PanelFont::value) && sizes.value > std::max(sizes.text, kSmallestFont)) {
+    --sizes.value;
+  } else if (sizes.text > kSmallestFont) {
+    --sizes.text;
+  } else {
+    return false;
+  }
+  return true;
+}
+
+// Rows of nothing but small text first: what they take away from it, the others need not take from figures.
+Sizes fittingSizes(const Job& job, const std::vector<Row>& rows) {
+  const auto& space = job.space;
+  Sizes sizes{.text = pixels(space, kTextSize),
+              .value = pixels(space, kValueSize),
+              .state = pixels(space, space.wideLayout ? kStateSizePortrait : kStateSizeLandscape)};
+  for (const bool plain : {true, false}) {
+    for (const auto& row : rows) {
+      const bool isPlain = !contains(row, PanelFont::state) && !contains(row, PanelFont::value);
+      if (isPlain != plain) continue;
+      while (!fits(job, row, sizes) && shrinkFor(job, row, sizes)) continue;
+    }
+  }
+  return sizes;
+}
+
+int rowHeight(const Row& row, const Sizes& sizes) {
+  if (row.shape == RowShape::band) return static_cast<int>(std::lround(kStateRowHeight * sizes.state));
+  const double text = kTextRowHeight * sizes.text;
+  const double value = contains(row, PanelFont::value) ? kValueRowHeight * sizes.value : 0.0;
+  return static_cast<int>(std::lround(std::max(text, value)));
+}
+
+PanelCell cellAt(const Job& job, PanelField field, const Sizes& sizes) {
+  return {.field = field,
+          .font = fontOf(field),
+          .label = labelOf(field),
+          .labelWidth = labelWidthOf(job, field, sizes),
+          .padding = paddingOf(job, field)};
+}
+
+// Whether a field can use what its row leaves over: its texts have no fixed length, or are centred.
+bool stretches(PanelField field) {
+  return field == F::file || field == F::line || field == F::range || field == F::message ||
+         field == F::calibration;
+}
+
+int spareWidth(const Job& job, const Row& row, const Sizes& sizes) {
+  int spare = job.space.width - 2 * job.margin - job.gap * static_cast<int>(row.fields.size() - 1);
+  if (row.shape == RowShape::band) spare -= shapeWidth(sizes) + job.gap;
+  for (const auto field : row.fields) spare -= cellWidth(job, field, sizes);
+  return spare;
+}
+
+// What the row leaves over goes to the last cell that can use it, else to all in equal parts. The battery
+// stands at the right.
+void placeFlow(const Job& job, const Row& row, const Sizes& sizes, std::vector<PanelCell>& cells) {
+  const int spare = std::max(spareWidth(job, row, sizes), 0);
+  const auto stretched = std::find_if(row.fields.rbegin(), row.fields.rend(), stretches);
+  const int share = spare / static_cast<int>(row.fields.size());
+  int left = job.margin + (row.shape == RowShape::band ? shapeWidth(sizes) + job.gap : 0);
+  for (const auto field : row.fields) {
+    auto cell = cellAt(job, field, sizes);
+    const bool takesAll = stretched != row.fields.rend() && *stretched == field;
+    cell.width = cellWidth(job, field, sizes);
+    if (takesAll) cell.width += spare;
+    if (stretched == row.fields.rend() && field != F::battery) cell.width += share;
+    cell.left = field == F::battery ? job.space.width - job.batteryWidth : left;
+    left += cell.width + job.gap;
+    cells.push_back(cell);
+  }
+}
+
+void placeColumns(const Job& job, const Row& row, const Sizes& sizes, std::vector<PanelCell>& cells) {
+  const int width = columnWidth(job, row);
+  int left = job.margin;
+  for (const auto field : row.fields) {
+    auto cell = cellAt(job, field, sizes);
+    cell.left = left;
+    cell.width = width - job.gap;
+    left += width;
+    cells.push_back(cell);
+  }
+}
+
+}  // namespace
+
+double PanelLayout::size(PanelFont font) const {
+  switch (font) {
+    case PanelFont::text:
+      return textSize;
+    case PanelFont::value:
+      return valueSize;
+    case PanelFont::state:
+      return stateSize;
+  }
+  return textSize;
+}
+
+PanelLayout layOutPanel(const PanelSpace& space, const MeasureText& measure) {
+  const Job job{.space = space,
+                .measure = measure,
+                .margin = pixels(space, kMargin),
+                .gap = pixels(space, kGap),
+                .batteryWidth = pixels(space, kBatteryWidth)};
+  const auto rows = usedRows(space);
+  const auto sizes = fittingSizes(job, rows);
+  PanelLayout layout;
+  layout.textSize = sizes.text;
+  layout.valueSize = sizes.value;
+  layout.stateSize = sizes.state;
+  for (const auto& row : rows) {
+    const auto first = layout.cells.size();
+    const auto place = row.shape == RowShape::columns ? placeColumns : placeFlow;
+    place(job, row, sizes, layout.cells);
+    const int height = rowHeight(row, sizes);
+    for (auto i = first; i < layout.cells.size(); ++i) {
+      layout.cells[i].top = layout.height;
+      layout.cells[i].height = height;
+    }
+    if (row.shape == RowShape::band) layout.stateBandHeight = height;
+    layout.height += height;
+  }
+  layout.height += pixels(space, 1);  // a line to the chart
+  return layout;
+}
+
+}  // namespace kalmira

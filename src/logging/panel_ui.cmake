@@ -1,0 +1,3 @@
+kalmira_library(kalmira_panel_ui
+  SOURCES panel_view.cpp
+  LINKS kalmira_panel kalmira_screen_ui)

@@ -109,10 +109,13 @@ void addComment(Session& session, std::string_view text) {
   session.view.redrawProfile();
 }
 
+Message exitQuestion() {
+  return {.title = "Confirm Exit", .text = "Exit Logging?", .icon = Icon::question};
+}
+
 bool LeaveLogging(Session& session, bool forced) {
   if (session.file.isOpen()) {
-    const Message question{.title = "Confirm Exit", .text = "Exit Logging?", .icon = Icon::question};
-    if (!forced && !session.view.ask(Question::exitLogging, question)) {
+    if (!forced && !session.view.ask(Question::exitLogging, exitQuestion())) {
       session.view.redrawProfile();
       return false;
     }

@@ -48,6 +48,7 @@ void addComment(Session& session, std::string_view text);
 // Ends the session: closes file and ports. Unless `forced`, asks first when there is a data file; the session
 // goes on when the answer is no. True when the session has ended.
 bool LeaveLogging(Session& session, bool forced);
+Message exitQuestion();
 
 void tellPortProblem(Session& session, const PortProblem& problem);
 

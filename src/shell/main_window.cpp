@@ -1,0 +1,282 @@
+#include "shell/main_window.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QIcon>
+#include <QKeyEvent>
+#include <QShortcut>
+#include <algorithm>
+#include <utility>
+
+#include "logging/keys.h"
+#include "logging/message_dialog.h"
+#include "screen/touch_button_view.h"
+#include "shell/chooser_dialog.h"
+#include "shell/menu_layout.h"
+#include "shell/session_start.h"
+#include "shell/title_view.h"
+
+namespace kalmira {
+namespace {
+
+constexpr int kSmallestSide = 160;
+constexpr int kModelKey = Qt::Key_M;
+constexpr int kThemeKey = Qt::Key_N;  // night, and day again
+
+// The handheld's code of a key, 0 for one that has no meaning in the menu.
+int menuKeyCode(const QKeyEvent& event) {
+  switch (event.key()) {
+    case Qt::Key_Left:
+      return key::kLeft;
+    case Qt::Key_Right:
+      return key::kRight;
+    case Qt::Key_Up:
+      return key::kUp;
+    case Qt::Key_Down:
+      return key::kDown;
+    case Qt::Key_Tab:
+      return key::kTab;
+    case Qt::Key_Enter:
+    case Qt::Key_Return:
+      return key::kEnter;
+    default:
+      return event.key() >= Qt::Key_A && event.key() <= Qt::Key_Z ? event.key() : 0;
+  }
+}
+
+QRect rectOf(const Box& box) {
+  return {box.x, box.y, box.width, box.height};
+}
+
+QString textOf(std::string_view text) {
+  return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+}  // namespace
+
+MainWindow::MainWindow(MainWindowHost host) : host_(std::move(host)) {
+  setObjectName(QStringLiteral("PELLO"));
+  setMinimumSize(kSmallestSide, kSmallestSide);
+  setFocusPolicy(Qt::StrongFocus);
+  uptime_exceeded_ = uptimeExceeded(host_.clock);
+  makeMenu();
+  useInstrument(host_.instrument);
+  showTheme();
+  showHighlight(0);
+  setFocus();
+}
+
+MainWindow::~MainWindow() = default;
+
+void MainWindow::makeMenu() {
+  menu_ = new QWidget(this);
+  title_ = new TitleView(host_.instrument.kind, host_.instrument.ice, theme(), menu_);
+  title_->setObjectName(QStringLiteral("title"));
+  const auto addButton = [this](const QString& text, const QString& name, auto clicked) {
+    auto* button = new TouchButton(text, theme(), menu_);
+    button->setObjectName(name);
+    connect(button, &TouchButton::clicked, this, clicked);
+    return button;
+  };
+  const auto usable = enabled();
+  for (const auto& entry : menuEntries()) {
+    const auto index = static_cast<std::size_t>(entry.command);
+    buttons_[index] =
+        addButton(textOf(entry.text), QString::fromStdString(std::to_string(kFirstMenuIdentifier + index)),
+                  [this, command = entry.command] { act(command); });
+    buttons_[index]->setEnabled(usable[index]);
+  }
+  model_button_ =
+      addButton(QStringLiteral("&Model"), QStringLiteral("model"), [this] { chooseInstrument(); });
+  theme_button_ = addButton(QString(), QStringLiteral("theme"), [this] { toggleTheme(); });
+  auto* fullScreenKey = new QShortcut(Qt::Key_F11, this);
+  connect(fullScreenKey, &QShortcut::activated, this, [this] { toggleFullScreen(); });
+}
+
+MenuEnabled MainWindow::enabled() const {
+  MenuEnabled usable{};
+  for (std::size_t i = 0; i < usable.size(); ++i) usable[i] = host_.actions[i] != nullptr;
+  usable[static_cast<std::size_t>(MenuCommand::monitorLog)] = true;
+  usable[static_cast<std::size_t>(MenuCommand::exit)] = true;
+  return usable;
+}
+
+void MainWindow::useInstrument(RememberedKind instrument) {
+  logging_.reset();  // before what it refers to is replaced
+  host_.instrument = instrument;
+  auto loggingHost = host_.open(instrument);
+  take_settings_problem_ = loggingHost.takeSettingsProblem;
+  loggingHost.onLeft = [this] { showMenu(); };
+  loggingHost.endProgram = host_.endProgram;
+  loggingHost.displayOptions = host_.actions[static_cast<std::size_t>(MenuCommand::displayOptions)];
+  logging_ = std::make_unique<LoggingWnd>(std::move(loggingHost), theme(), this);
+  logging_->setGeometry(rect());
+  title_->setInstrument(instrument.kind, instrument.ice);
+  setWindowTitle(textOf(instrumentOf(instrument.kind).title));
+}
+
+void MainWindow::showTheme() {
+  QApplication::setPalette(paletteOf(theme()));
+  title_->setTheme(theme());
+  for (auto* button : buttons_) button->setTheme(theme());
+  model_button_->setTheme(theme());
+  theme_button_->setTheme(theme());
+  // Says what pressing it gives.
+  theme_button_->setText(host_.night ? QStringLiteral("Day") : QStringLiteral("&Night"));
+  logging_->setTheme(theme());
+}
+
+void MainWindow::showHighlight(int index) {
+  highlight_ = index;
+  for (int i = 0; i < kMenuCommands; ++i) buttons_[static_cast<std::size_t>(i)]->setDefault(i == index);
+}
+
+void MainWindow::showMenu() {
+  menu_->show();
+  setFocus();
+  // Told once the session is through with leaving; to a program that ends, no more.
+  QMetaObject::invokeMethod(
+      this, [this] { tellSettingsProblem(); }, Qt::QueuedConnection);
+}
+
+void MainWindow::layOut() {
+  menu_->setGeometry(rect());
+  logging_->setGeometry(rect());
+  const auto layout = layOutMenu(width(), height(), touchHeight(screen()));
+  title_->setGeometry(rectOf(layout.title));
+  for (std::size_t i = 0; i < buttons_.size(); ++i) buttons_[i]->setGeometry(rectOf(layout.buttons[i]));
+  model_button_->setGeometry(rectOf(layout.model));
+  theme_button_->setGeometry(rectOf(layout.theme));
+  fitFont(layout.buttons[0].height);
+}
+
+// One size for all commands: the largest in which each of them fits.
+void MainWindow::fitFont(int buttonHeight) {
+  QFont font = menu_->font();
+  font.setPixelSize(std::max(8, buttonHeight * 60 / 100));
+  menu_->setFont(font);
+  for (const auto* button : buttons_) font = fittedFont(button->text(), font, button->textRoom().size());
+  menu_->setFont(font);
+}
+
+void MainWindow::resizeEvent(QResizeEvent*) {
+  layOut();
+}
+
+// The window is to be seen first; what has to be told comes then.
+void MainWindow::paintEvent(QPaintEvent*) {
+  if (std::exchange(painted_, true)) return;
+  QMetaObject::invokeMethod(
+      this, [this] { afterFirstPaint(); }, Qt::QueuedConnection);
+}
+
+void MainWindow::afterFirstPaint() {
+  if (uptime_exceeded_) {
+    tellMessage(this, uptimeMessage());
+    host_.endProgram();
+    return;
+  }
+  setWindowIcon(QIcon(programEmblem()));
+  tellSettingsProblem();
+}
+
+void MainWindow::tellSettingsProblem() {
+  if (!take_settings_problem_) return;
+  const auto problem = take_settings_problem_();
+  if (!problem.empty()) tellMessage(this, {.title = "WARNING", .text = problem, .icon = Icon::exclamation});
+}
+
+bool MainWindow::focusNextPrevChild(bool) {
+  return false;  // Tab is a key of the menu
+}
+
+void MainWindow::keyPressEvent(QKeyEvent* event) {
+  const auto others = event->modifiers() & ~(Qt::ShiftModifier | Qt::KeypadModifier);
+  if (logging_->sessionActive() || others != Qt::NoModifier) return QWidget::keyPressEvent(event);
+  const int keyCode = menuKeyCode(*event);
+  if (!event->isAutoRepeat() && keyCode == kModelKey) return chooseInstrument();
+  if (!event->isAutoRepeat() && keyCode == kThemeKey) return toggleTheme();
+  const auto step = stepOfKey(keyCode, highlight_, enabled());
+  // A key that is held down moves the highlight on, but acts once.
+  if (event->isAutoRepeat() && step.act) return;
+  showHighlight(step.highlight);
+  if (step.act) act(*step.act);
+}
+
+void MainWindow::act(MenuCommand command) {
+  if (acting_ || logging_->sessionActive()) return;
+  showHighlight(static_cast<int>(command));
+  if (command == MenuCommand::exit) {
+    close();
+    return;
+  }
+  acting_ = true;
+  if (command == MenuCommand::monitorLog) {
+    startSession();
+  } else if (const auto& action = host_.actions[static_cast<std::size_t>(command)]) {
+    action(this);
+  }
+  acting_ = false;
+  if (!logging_->sessionActive()) setFocus();
+}
+
+void MainWindow::startSession() {
+  if (host_.sessionBegins) host_.sessionBegins();
+  switch (logging_->startLogging()) {
+    case StartOutcome::started:
+      // A session may have been left again while it was being started.
+      menu_->setVisible(!logging_->sessionActive());
+      break;
+    case StartOutcome::uptimeExceeded:
+      host_.endProgram();
+      break;
+    case StartOutcome::refused:
+      break;
+  }
+}
+
+void MainWindow::chooseInstrument() {
+  if (acting_ || logging_->sessionActive()) return;
+  acting_ = true;
+  const auto chosen = runChooserDialog(this, theme(), host_.instrument);
+  if (chosen && (chosen->kind != host_.instrument.kind || chosen->ice != host_.instrument.ice)) {
+    useInstrument(*chosen);
+    if (host_.rememberInstrument) host_.rememberInstrument(*chosen);
+    tellSettingsProblem();
+  }
+  acting_ = false;
+  setFocus();
+}
+
+void MainWindow::toggleTheme() {
+  host_.night = !host_.night;
+  showTheme();
+  if (host_.rememberNight) host_.rememberNight(host_.night);
+}
+
+void MainWindow::toggleFullScreen() {
+  setWindowState(windowState() ^ Qt::WindowFullScreen);
+}
+
+void MainWindow::bringToFront() {
+  setWindowState(windowState() & ~Qt::WindowMinimized);
+  show();
+  raise();
+  activateWindow();
+}
+
+void MainWindow::endAtOnce() {
+  logging_->leaveAtOnce();
+  host_.endProgram();
+}
+
+void MainWindow::closeEvent(QCloseEvent* event) {
+  if (!logging_->mayClose()) {
+    event->ignore();
+    return;
+  }
+  event->accept();
+  host_.endProgram();
+}
+
+}  // namespace kalmira

@@ -1,0 +1,91 @@
+#pragma once
+
+#include <QWidget>
+#include <array>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "logging/logging_window.h"
+#include "screen/theme.h"
+#include "shell/main_menu.h"
+#include "shell/remembered.h"
+
+namespace kalmira {
+
+class TitleView;
+class TouchButton;
+
+// What the main menu's commands do, by index. "Monitor/Log" and "Exit" are the window's own; a command
+// without an action is greyed.
+using MenuActions = std::array<std::function<void(QWidget* parent)>, kMenuCommands>;
+
+// What the main window needs of the program. What is referred to outlives the window.
+struct MainWindowHost {
+  const Clock& clock;
+  RememberedKind instrument;
+  bool night = false;
+  // Loads the instrument's settings and gives what its logging window needs; what was given for another
+  // instrument is no longer used. The window adds onLeft and endProgram by itself.
+  std::function<LoggingHost(RememberedKind)> open;
+  std::function<void()> sessionBegins;  // before the ports are opened
+  std::function<void(RememberedKind)> rememberInstrument;
+  std::function<void(bool night)> rememberNight;
+  std::function<void()> endProgram;
+  MenuActions actions{};
+};
+
+// The main window: the title screen and the main menu, and, while a session runs, the logging window all
+// over it.
+class MainWindow final : public QWidget {
+ public:
+  explicit MainWindow(MainWindowHost host);
+  ~MainWindow() override;
+
+  LoggingWnd& logging() { return *logging_; }
+  int highlight() const { return highlight_; }
+  // To the front, for another start of the program on the same root.
+  void bringToFront();
+  // The machine asks the program to end: leaves a session without a question, then ends the program.
+  void endAtOnce();
+
+ protected:
+  void keyPressEvent(QKeyEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
+  void paintEvent(QPaintEvent* event) override;
+  void closeEvent(QCloseEvent* event) override;
+  bool focusNextPrevChild(bool next) override;
+
+ private:
+  void makeMenu();
+  void useInstrument(RememberedKind instrument);
+  void showTheme();
+  void showHighlight(int index);
+  void showMenu();
+  void layOut();
+  void fitFont(int buttonHeight);
+  void afterFirstPaint();
+  void act(MenuCommand command);
+  void startSession();
+  void chooseInstrument();
+  void toggleTheme();
+  void toggleFullScreen();
+  void tellSettingsProblem();
+  MenuEnabled enabled() const;
+  const Theme& theme() const { return host_.night ? nightTheme() : dayTheme(); }
+
+  MainWindowHost host_;
+  std::function<std::string()> take_settings_problem_;
+  QWidget* menu_ = nullptr;
+  TitleView* title_ = nullptr;
+  std::array<TouchButton*, kMenuCommands> buttons_{};
+  TouchButton* model_button_ = nullptr;
+  TouchButton* theme_button_ = nullptr;
+  int highlight_ = 0;
+  bool uptime_exceeded_ = false;
+  bool painted_ = false;
+  bool acting_ = false;
+  std::unique_ptr<LoggingWnd> logging_;
+};
+
+}  // namespace kalmira

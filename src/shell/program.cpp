@@ -1,0 +1,220 @@
+#include "shell/program.h"
+
+#include <QCoreApplication>
+#include <QGuiApplication>
+#include <QScreen>
+#include <QSettings>
+#include <csignal>
+#include <memory>
+#include <optional>
+#include <utility>
+
+#include "datafile/disk.h"
+#include "link/keep_awake.h"
+#include "link/qt_serial_port.h"
+#include "platform/idle.h"
+#include "platform/standard_streams.h"
+#include "settings/settings_file.h"
+#include "settings/settings_writer.h"
+#include "shell/chooser_dialog.h"
+#include "shell/main_window.h"
+#include "shell/menu_layout.h"
+#include "shell/single_instance.h"
+#include "shell/terminate_signals.h"
+
+namespace kalmira {
+namespace {
+
+// An instrument's settings, as long as it is the one in use.
+class InstrumentSettings {
+ public:
+  explicit InstrumentSettings(const SettingsPlace& place)
+      : kind_(place.kind), ice_option_(place.iceOption), writer_(settingsFileOf(place)) {
+    problem_ = loadSettings(place, settings_).problem;
+  }
+
+  Settings& settings() { return settings_; }
+  void save(const Settings& current) { writer_.write(formatSettings(current, kind_, ice_option_)); }
+  // Why the file could not be read or written, once.
+  std::string takeProblem() {
+    auto problem = std::exchange(problem_, {});
+    return problem.empty() ? writer_.takeProblem() : problem;
+  }
+  void finish() { writer_.finish(); }
+
+ private:
+  Kind kind_;
+  bool ice_option_;
+  Settings settings_;
+  std::string problem_;
+  SettingsWriter writer_;
+};
+
+// One run of the program: everything the windows are given, in the order in which it comes to life.
+class Program {
+ public:
+  explicit Program(const ProgramOptions& options)
+      : options_(options), store_("kalmira", "kalmira"), clock_(options.tickBase) {}
+  int run();
+
+ private:
+  std::optional<RememberedKind> instrumentToUse();
+  bool nightToUse();
+  MainWindowHost windowHost(RememberedKind instrument, bool night);
+  LoggingHost openInstrument(RememberedKind instrument);
+  SessionSetup setupOf(RememberedKind instrument) const;
+  void findDevices();
+  void showWindow();
+  void finishSettings();
+  void end();
+
+  const ProgramOptions& options_;
+  QSettings store_;
+  SystemClock clock_;
+  LocalDisk disk_;
+  ComAssignments devices_;  // as they were when the session began: what comes and goes renumbers nothing
+  std::unique_ptr<InstrumentSettings> instrument_settings_;
+  std::unique_ptr<MainWindow> window_;
+  bool ended_ = false;
+};
+
+std::optional<RememberedKind> Program::instrumentToUse() {
+  std::optional<RememberedKind> instrument;
+  if (options_.kind) {
+    instrument = RememberedKind{.kind = *options_.kind, .ice = options_.ice};
+  } else {
+    instrument = rememberedKind(store_);
+    if (!instrument) {
+      instrument = runChooserDialog(nullptr, nightToUse() ? nightTheme() : dayTheme(), std::nullopt);
+    }
+  }
+  if (instrument) rememberKind(store_, *instrument);
+  return instrument;
+}
+
+bool Program::nightToUse() {
+  if (options_.night) rememberNight(store_, *options_.night);
+  return options_.night.value_or(rememberedNight(store_));
+}
+
+void Program::findDevices() {
+  auto assigned = rememberedComDevices(store_);
+  for (std::size_t i = 0; i < assigned.size(); ++i) {
+    if (!options_.com[i].empty()) assigned[i] = options_.com[i];
+  }
+  devices_ = resolveComDevices(assigned, serialDevices());
+}
+
+SessionSetup Program::setupOf(RememberedKind instrument) const {
+  SessionSetup setup;
+  setup.kind = instrument.kind;
+  setup.iceChosen = instrument.ice;
+  setup.teskRangeTimes10 = options_.teskTimes10 && instrument.kind == Kind::tesk;
+  setup.storageClass = options_.storageClass;
+  setup.root = options_.root;
+  return setup;
+}
+
+LoggingHost Program::openInstrument(RememberedKind instrument) {
+  finishSettings();
+  instrument_settings_ =
+      std::make_unique<InstrumentSettings>(SettingsPlace{.kind = instrument.kind,
+                                                         .iceOption = instrument.ice,
+                                                         .storageClass = options_.storageClass,
+                                                         .root = options_.root});
+  auto& own = *instrument_settings_;
+  return {.setup = setupOf(instrument),
+          .settings = own.settings(),
+          .clock = clock_,
+          .disk = disk_,
+          .deviceOf =
+              [this](int comNumber) {
+                const bool known = comNumber >= 1 && comNumber <= kComPorts;
+                return known ? devices_[static_cast<std::size_t>(comNumber - 1)] : std::string();
+              },
+          .portFactory = makeQtSerialPort,
+          .saveSettings =
+              [&own](const Settings& current) {
+                own.save(current);
+                return std::string();  // what goes wrong is told when it is known
+              },
+          .takeSettingsProblem = [&own] { return own.takeProblem(); },
+          .onLeft = {},
+          .endProgram = {},
+          .displayOptions = {}};
+}
+
+MainWindowHost Program::windowHost(RememberedKind instrument, bool night) {
+  return {.clock = clock_,
+          .instrument = instrument,
+          .night = night,
+          .open = [this](RememberedKind chosen) { return openInstrument(chosen); },
+          .sessionBegins = [this] { findDevices(); },
+          .rememberInstrument = [this](RememberedKind chosen) { rememberKind(store_, chosen); },
+          .rememberNight = [this](bool chosen) { rememberNight(store_, chosen); },
+          .endProgram = [this] { end(); }};
+}
+
+void Program::end() {
+  ended_ = true;
+  QCoreApplication::exit(0);
+}
+
+void Program::showWindow() {
+  const auto room = QGuiApplication::primaryScreen()->availableSize();
+  const auto place = openingPlace({room.width(), room.height()}, options_.portrait, options_.scale);
+  window_->resize(place.width, place.height);
+  if (place.fullScreen) {
+    window_->showFullScreen();
+  } else {
+    window_->show();
+  }
+}
+
+// The settings file of an instrument is not left before it is written.
+void Program::finishSettings() {
+  if (!instrument_settings_) return;
+  instrument_settings_->finish();
+  if (const auto problem = instrument_settings_->takeProblem(); !problem.empty()) printError(problem);
+}
+
+int Program::run() {
+  const SingleInstance instance(options_.root, [this] {
+    if (window_) window_->bringToFront();
+  });
+  if (!instance.isFirst()) {
+    printError("kalmira: already running on this root");
+    return 0;
+  }
+  const TerminateSignals terminateSignals([this] {
+    if (window_) {
+      window_->endAtOnce();
+    } else {
+      end();
+    }
+  });
+  const auto instrument = instrumentToUse();
+  if (!instrument || ended_) return 0;
+  window_ = std::make_unique<MainWindow>(windowHost(*instrument, nightToUse()));
+  showWindow();
+  IdleInhibitor inhibitor("Kalmira");
+  const KeepAwakeThread keepAwake{[&inhibitor] { inhibitor.renew(); }};
+  const int status = QCoreApplication::exec();
+  window_.reset();
+  finishSettings();
+  return status;
+}
+
+}  // namespace
+
+int runProgram(const ProgramOptions& options) {
+  // A closed pipe or a file size limit is an error of one write, not the end of a survey.
+  std::signal(SIGPIPE, SIG_IGN);
+#ifdef SIGXFSZ
+  std::signal(SIGXFSZ, SIG_IGN);
+#endif
+  Program program(options);
+  return program.run();
+}
+
+}  // namespace kalmira

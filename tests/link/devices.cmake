@@ -1,0 +1,1 @@
+kalmira_test(com_devices_test SOURCES com_devices_test.cpp LINKS kalmira_ports)

@@ -1,0 +1,286 @@
+#include "shots/shots_window.h"
+
+#include <fmt/format.h>
+
+#include <QApplication>
+#include <QDialog>
+#include <QElapsedTimer>
+#include <QMenu>
+#include <QPainter>
+#include <QTemporaryDir>
+#include <QTimer>
+#include <algorithm>
+#include <cctype>
+#include <memory>
+#include <vector>
+
+#include "logging/commands.h"
+#include "logging/keys.h"
+#include "logging/logging_window.h"
+#include "screen/touch_button_view.h"
+#include "shell/chooser_dialog.h"
+#include "shell/main_window.h"
+#include "shots/simulated_port.h"
+
+namespace kalmira::shots {
+namespace {
+
+constexpr std::uint64_t kRecords = 260;  // more than a chart is wide
+constexpr std::uint64_t kFirstRecords = 40;
+constexpr int kSettling_ms = 150;
+constexpr int kPatience_ms = 10000;
+
+struct Shot {
+  RememberedKind instrument;
+  QSize size;
+  bool night = false;
+};
+
+// A session's time is that of its records.
+class SurveyClock final : public Clock {
+ public:
+  std::uint32_t tick() const override { return tick_; }
+  LocalTime localTime() const override {
+    return {.year = 2026, .month = 7, .day = 14, .hour = 9, .minute = 30, .second = 0, .millisecond = 0};
+  }
+  void pause(std::uint32_t) const override {}
+
+ private:
+  std::uint32_t tick_ = 60000;
+};
+
+std::string nameOf(const Shot& shot, std::string_view what) {
+  std::string kind(instrumentOf(shot.instrument.kind).name);
+  std::transform(kind.begin(), kind.end(), kind.begin(),
+                 [](char c) { return static_cast<char>(std::tolower(static_cast<unsigned char>(c))); });
+  return fmt::format("{}{}-{}-{}{}.png", kind, shot.instrument.ice ? "-ice" : "",
+                     shot.size.height() >= shot.size.width() ? "portrait" : "landscape", what,
+                     shot.night ? "-night" : "");
+}
+
+// Settings that show much of a kind: GPS on, readings as fast as the instrument sends them, and scales that
+// hold the simulated ground.
+Settings surveySettings(RememberedKind instrument) {
+  Settings settings;
+  settings.audio = 0;
+  settings.gpsInput = 1;
+  settings.readingsInterval = 0.05F;
+  settings.traceWidth.fill(2);
+  settings.lineName = "14 N";
+  settings.iceDisplay = 1;
+  settings.iceQuantity = 1;
+  settings.iceMinimum = 0.0F;
+  settings.surveyListA = instrument.kind == Kind::tesk || instrument.kind == Kind::teskdd ? 2 : 0;
+  const bool ice = instrument.kind == Kind::glaco;
+  settings.conductivityMaximum = ice ? 8.0F : 60.0F;
+  settings.inphaseMinimum = ice ? 0.0F : -5.0F;
+  settings.inphaseMaximum = ice ? 500.0F : 5.0F;
+  return settings;
+}
+
+// One instrument's program on one size of screen, without devices.
+class Stage {
+ public:
+  Stage(const Shot& shot, const std::filesystem::path& folder)
+      : shot_(shot),
+        folder_(folder),
+        settings_(surveySettings(shot.instrument)),
+        plan_(sim::naturalPlan(shot.instrument.kind, 12)),
+        window_(host()) {
+    plan_.sentencePeriod_s = 0.2;
+    window_.resize(shot.size);
+    window_.show();
+  }
+
+  void takeAll();
+  const std::string& problem() const { return problem_; }
+
+ private:
+  MainWindowHost host();
+  LoggingHost loggingHost();
+  void save(std::string_view what);
+  void saveWith(std::string_view what, const QWidget& above);
+  void runAndSave(int code, std::string_view what);
+  bool waitFor(const std::function<bool()>& happened);
+  void takeQuestion();
+
+  Shot shot_;
+  std::filesystem::path folder_;
+  QTemporaryDir root_;
+  SurveyClock clock_;
+  LocalDisk disk_;
+  Settings settings_;
+  sim::SurveyPlan plan_;
+  Allowance allowance_;
+  std::string problem_;
+  MainWindow window_;
+};
+
+LoggingHost Stage::loggingHost() {
+  return {.setup = {.kind = shot_.instrument.kind,
+                    .iceChosen = shot_.instrument.ice,
+                    .root = root_.path().toStdString()},
+          .settings = settings_,
+          .clock = clock_,
+          .disk = disk_,
+          .deviceOf = [](int com) { return std::string(com == 1 ? "instrument" : "gps"); },
+          .portFactory = [this] { return std::make_unique<SimulatedPort>(plan_, allowance_); },
+          .saveSettings = [](const Settings&) { return std::string{}; },
+          .takeSettingsProblem = {},
+          .onLeft = {},
+          .endProgram = {},
+          .displayOptions = {}};
+}
+
+MainWindowHost Stage::host() {
+  return {.clock = clock_,
+          .instrument = shot_.instrument,
+          .night = shot_.night,
+          .open = [this](RememberedKind) { return loggingHost(); },
+          .sessionBegins = [] {},
+          .rememberInstrument = [](RememberedKind) {},
+          .rememberNight = [](bool) {},
+          .endProgram = [] {}};
+}
+
+bool Stage::waitFor(const std::function<bool()>& happened) {
+  QElapsedTimer timer;
+  timer.start();
+  while (!happened() && timer.elapsed() < kPatience_ms) {
+    QApplication::processEvents(QEventLoop::AllEvents, 20);
+  }
+  return happened();
+}
+
+void Stage::save(std::string_view what) {
+  const auto path = folder_ / nameOf(shot_, what);
+  if (!window_.grab().save(QString::fromStdString(path.string()))) problem_ = "cannot write " + path.string();
+}
+
+// The window with what stands above it.
+void Stage::saveWith(std::string_view what, const QWidget& above) {
+  auto picture = window_.grab();
+  QPainter painter(&picture);
+  const auto place = above.mapToGlobal(QPoint(0, 0)) - window_.mapToGlobal(QPoint(0, 0));
+  painter.drawPixmap(place, const_cast<QWidget&>(above).grab());
+  painter.setPen(QPen(Qt::gray, 1));
+  painter.drawRect(QRect(place, above.size()));
+  painter.end();
+  const auto path = folder_ / nameOf(shot_, what);
+  if (!picture.save(QString::fromStdString(path.string()))) problem_ = "cannot write " + path.string();
+}
+
+// Carries out a code; of the dialog or menu that it opens a picture is taken, and then it is closed.
+void Stage::runAndSave(int code, std::string_view what) {
+  QTimer watch;
+  QObject::connect(&watch, &QTimer::timeout, [&] {
+    if (auto* popup = QApplication::activePopupWidget()) {
+      saveWith(what, *popup);
+      popup->close();
+    } else if (auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget())) {
+      saveWith(what, *dialog);
+      dialog->reject();
+    }
+  });
+  watch.start(60);
+  window_.logging().runCode(code);
+}
+
+void Stage::takeQuestion() {
+  QTimer watch;
+  QObject::connect(&watch, &QTimer::timeout, [&] {
+    if (auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget())) {
+      saveWith("link-lost", *dialog);
+      dialog->reject();
+    }
+  });
+  watch.start(60);
+  auto& session = *window_.logging().session();
+  session.view.ask(Question::linkLost,
+                   {.title = "No Connection/Instrument OFF",
+                    .text = "Fix the problem and\r\npress YES to try.\r\nPress NO to exit Logging Mode.\r\n",
+                    .icon = Icon::exclamation});
+}
+
+void Stage::takeAll() {
+  QApplication::processEvents();
+  save("1-menu");
+  allowance_.records = kFirstRecords;  // a TESK is listened to before the session begins
+  if (window_.logging().startLogging() != StartOutcome::started) {
+    problem_ = "no session for " + nameOf(shot_, "");
+    return;
+  }
+  auto& session = *window_.logging().session();
+  allowance_.sentences = 6;
+  QElapsedTimer settling;
+  settling.start();
+  waitFor([&] { return settling.elapsed() > kSettling_ms; });
+  save("2-monitor");
+  runAndSave(0, "create-file");
+  const auto name = session.setup.root / ("SHOT" + std::string(session.instrument.extension));
+  createDataFile(session, [&](const std::string&) { return std::optional(name); });
+  save("3-stand-by");
+  window_.logging().runCode(0);
+  allowance_.sentences = 60;
+  allowance_.records = kFirstRecords + kRecords;
+  if (!waitFor([&] { return session.counts.readings >= kRecords - 20; })) {
+    problem_ = fmt::format("{}: only {} readings", nameOf(shot_, "logging"), session.counts.readings);
+  }
+  save("4-logging");
+  window_.logging().runCode(0);
+  runAndSave(1, "new-line");
+  runAndSave(2, "new-station");
+  runAndSave(3, "comment");
+  runAndSave(101, "scale");
+  runAndSave(4, "popup-menu");
+  runAndSave(5, "exit");
+  takeQuestion();
+  window_.logging().leaveAtOnce();
+}
+
+std::string takeChooser(const std::filesystem::path& folder, QSize size, bool night) {
+  QWidget parent;
+  parent.resize(size);
+  parent.show();
+  QTimer watch;
+  std::string problem;
+  QObject::connect(&watch, &QTimer::timeout, [&] {
+    auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+    if (dialog == nullptr) return;
+    const auto path =
+        folder / fmt::format("chooser-{}{}.png", size.height() >= size.width() ? "portrait" : "landscape",
+                             night ? "-night" : "");
+    if (!dialog->grab().save(QString::fromStdString(path.string())))
+      problem = "cannot write " + path.string();
+    dialog->reject();
+  });
+  watch.start(60);
+  const Theme& theme = night ? nightTheme() : dayTheme();
+  QApplication::setPalette(paletteOf(theme));
+  runChooserDialog(&parent, theme, std::nullopt);
+  return problem;
+}
+
+}  // namespace
+
+std::string takeShots(const std::filesystem::path& folder) {
+  std::vector<RememberedKind> instruments;
+  for (int kind = 0; kind < kKindCount; ++kind) instruments.push_back({.kind = static_cast<Kind>(kind)});
+  instruments.insert(instruments.begin() + 1, {.kind = Kind::orla, .ice = true});
+  const std::vector<QSize> sizes{{480, 640}, {640, 480}};
+  for (const auto& size : sizes) {
+    for (const bool night : {false, true}) {
+      if (auto problem = takeChooser(folder, size, night); !problem.empty()) return problem;
+      for (const auto& instrument : instruments) {
+        // By night two will do: they differ in colours alone.
+        if (night && instrument.kind != Kind::orla && instrument.kind != Kind::tesk2) continue;
+        Stage stage({.instrument = instrument, .size = size, .night = night}, folder);
+        stage.takeAll();
+        if (!stage.problem().empty()) return stage.problem();
+      }
+    }
+  }
+  return {};
+}
+
+}  // namespace kalmira::shots

@@ -3,6 +3,11 @@
 #include "screen/touch_button_view.h"
 
 namespace kalmira {
+namespace {
+
+constexpr int kTextPercent = 45;  // of the row's height, for one line
+
+}  // namespace
 
 ButtonRowView::ButtonRowView(const Theme& theme, std::function<void(int index)> pressed, QWidget* parent)
     : QWidget(parent), theme_(&theme), pressed_(std::move(pressed)) {}
@@ -44,6 +49,7 @@ void ButtonRowView::placeButtons() {
     const int left = width() * i / count;
     buttons_[static_cast<std::size_t>(i)]->setGeometry(left, 0, width() * (i + 1) / count - left, height());
   }
+  fitTogether(buttons_, height() * kTextPercent / 100);
 }
 
 }  // namespace kalmira

@@ -14,13 +14,12 @@
 #include "logging/logging_parts_window.h"
 #include "logging/message_dialog.h"
 #include "logging/panel.h"
+#include "screen/screen_scale.h"
 #include "screen/touch_button_view.h"
 
 namespace kalmira {
 namespace {
 
-constexpr int kShortSide = 240;  // units
-constexpr int kLongSide = 320;
 constexpr int kButtonUnits = 28;
 constexpr double kSmallScale = 1.5;
 
@@ -45,9 +44,10 @@ void LoggingWnd::View::beep(Beep) {
   QApplication::beep();
 }
 
-bool LoggingWnd::View::ask(Question, const Message& message) {
+bool LoggingWnd::View::ask(Question question, const Message& message) {
   const Depth asking(window_.parts_->askingDepth);
-  const bool yes = askMessage(topmost(&window_), message);
+  const bool unasked = question == Question::linkLost;
+  const bool yes = askMessage(topmost(&window_), message, enterMeans(question), unasked ? kDeafMs : 0);
   window_.setFocus();
   return yes;
 }
@@ -175,13 +175,15 @@ bool LoggingWnd::event(QEvent* event) {
 
 void LoggingWnd::layOut() {
   if (width() <= 0 || height() <= 0) return;
-  const bool portrait = height() >= width();
-  const double scale = portrait ? std::min(width() / double{kShortSide}, height() / double{kLongSide})
-                                : std::min(width() / double{kLongSide}, height() / double{kShortSide});
+  const auto [portrait, scale] = screenScaleOf(width(), height());
   auto& setup = host_.setup;
   setup.portrait = setup.wideLayout = portrait;
   setup.smallScreen = scale < kSmallScale;
   if (auto* running = session()) running->setup = setup;
+  // The dialogs' font, too.
+  QFont texts = font();
+  texts.setPixelSize(dialogTextPixels(scale));
+  setFont(texts);
   const int panelHeight =
       parts_->panel->layOut({.kind = setup.kind,
                              .iceOption = setup.iceChosen && host_.settings.iceDisplay == 1,

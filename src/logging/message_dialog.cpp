@@ -1,9 +1,12 @@
 #include "logging/message_dialog.h"
 
+#include <QCoreApplication>
+#include <QEvent>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QStyle>
 #include <QTextLayout>
+#include <QTimer>
 #include <algorithm>
 
 #include "screen/template_dialog.h"
@@ -68,6 +71,34 @@ QPushButton& addButton(QMessageBox& box, QMessageBox::StandardButton which, cons
   return button;
 }
 
+// Drops keys and taps for its box until its time is over.
+class Deaf final : public QObject {
+ public:
+  Deaf(QMessageBox& box, int milliseconds) : box_(box) {
+    if (milliseconds <= 0) return;
+    QCoreApplication::instance()->installEventFilter(this);
+    QTimer::singleShot(milliseconds, this, [this] { QCoreApplication::instance()->removeEventFilter(this); });
+  }
+  bool eventFilter(QObject* watched, QEvent* event) override {
+    const auto* widget = qobject_cast<QWidget*>(watched);
+    if (widget == nullptr || widget->window() != &box_) return false;
+    switch (event->type()) {
+      case QEvent::KeyPress:
+      case QEvent::Shortcut:
+      case QEvent::ShortcutOverride:
+      case QEvent::MouseButtonPress:
+      case QEvent::MouseButtonDblClick:
+      case QEvent::TouchBegin:
+        return true;
+      default:
+        return false;
+    }
+  }
+
+ private:
+  QMessageBox& box_;
+};
+
 }  // namespace
 
 void tellMessage(QWidget* parent, const Message& message) {
@@ -90,7 +121,7 @@ EnterMeans enterMeans(Question question) {
   return EnterMeans::no;
 }
 
-bool askMessage(QWidget* parent, const Message& message, EnterMeans enter) {
+bool askMessage(QWidget* parent, const Message& message, EnterMeans enter, int deafMs) {
   QMessageBox box(parent);
   showMessage(box, parent, message);
   auto& yes = addButton(box, QMessageBox::Yes, "&Yes");
@@ -98,6 +129,7 @@ bool askMessage(QWidget* parent, const Message& message, EnterMeans enter) {
   box.setEscapeButton(&no);
   box.setDefaultButton(enter == EnterMeans::yes ? &yes : &no);
   fitForFingers(box);
+  const Deaf deaf(box, deafMs);
   return box.exec() == QMessageBox::Yes;
 }
 

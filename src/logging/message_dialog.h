@@ -15,8 +15,12 @@ void tellMessage(QWidget* parent, const Message& message);
 enum class EnterMeans { yes, no };
 EnterMeans enterMeans(Question question);
 
+// A question that comes by itself would be answered by a key or tap that was meant for something else: it is
+// deaf for this long.
+inline constexpr int kDeafMs = 500;
+
 // Yes or No, by button or by the keys Y and N: true for Yes. Escape and closing the box, also from outside by
-// reject(), are No.
-bool askMessage(QWidget* parent, const Message& message, EnterMeans enter = EnterMeans::yes);
+// reject(), are No. For the first `deafMs` milliseconds keys and taps are dropped.
+bool askMessage(QWidget* parent, const Message& message, EnterMeans enter = EnterMeans::yes, int deafMs = 0);
 
 }  // namespace kalmira

@@ -9,6 +9,8 @@ namespace {
 
 constexpr double kPortraitColumn = 200.0;   // units
 constexpr double kLandscapeColumn = 270.0;  // units
+constexpr double kPortraitWidth = 240.0;    // units, of the whole chart
+constexpr double kLandscapeWidth = 320.0;
 
 constexpr int kIndexEnd = 10;  // grid lines have the indices 1 to 9
 
@@ -156,7 +158,10 @@ ProfileSetup profileSetup(Kind kind, bool iceOption, const Settings& settings, b
                      .secondCoil = kind == Kind::tesk2 && settings.surveyListA == 1,
                      .width = std::max(width, 1),
                      .height = std::max(height, 1)};
-  const int column = pixel((wideLayout ? kPortraitColumn : kLandscapeColumn) * scale);
+  // On a screen wider than the layout the chart's left part grows: more of the line is seen.
+  const int column =
+      pixel((wideLayout ? kPortraitColumn : kLandscapeColumn) * scale) +
+      std::max(0, setup.width - pixel((wideLayout ? kPortraitWidth : kLandscapeWidth) * scale));
   setup.pointColumn = std::clamp(column, 0, std::max(0, setup.width - 3));
   takeScales(settings, setup);
   setup.showGrid = gridShown(settings);

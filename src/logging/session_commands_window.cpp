@@ -157,6 +157,7 @@ void LoggingWnd::enterScale() {
 void LoggingWnd::runMenu() {
   auto& session = *this->session();
   QMenu menu(this);
+  menu.setFont(font());
   menu.setStyleSheet(
       QString("QMenu::item { min-height: %1px; padding: 0 24px; }").arg(touchHeight(screen())));
   for (const auto& row : menuOf(session.instrument.kind)) {

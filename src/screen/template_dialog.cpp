@@ -164,6 +164,8 @@ void fitForFingers(QWidget& root) {
   for (auto* control : root.findChildren<QWidget*>()) {
     if (!isControl(*control) || !standsAlone(*control)) continue;
     control->setMinimumHeight(height);
+    // Buttons have a font of their own from the desktop.
+    if (qobject_cast<QAbstractButton*>(control) != nullptr) control->setFont(root.font());
     if (qobject_cast<QToolButton*>(control) != nullptr) control->setMinimumWidth(height);
     if (auto* box = qobject_cast<QComboBox*>(control)) box->setItemDelegate(new TouchRows(height, box));
   }

@@ -2,6 +2,7 @@
 
 #include <QFontInfo>
 #include <QFontMetrics>
+#include <QMouseEvent>
 #include <QPainter>
 #include <QPainterPath>
 #include <QScreen>
@@ -116,6 +117,10 @@ void TouchButton::paintPointer(QPainter& painter) const {
   painter.fillPath(wedge, QColor(theme_->focus));
 }
 
+void TouchButton::mouseDoubleClickEvent(QMouseEvent* event) {
+  event->accept();
+}
+
 void TouchButton::paintEvent(QPaintEvent* /*event*/) {
   QPainter painter(this);
   painter.setRenderHint(QPainter::Antialiasing);
@@ -127,6 +132,14 @@ void TouchButton::paintEvent(QPaintEvent* /*event*/) {
   painter.setPen(QColor(isEnabled() ? theme_->buttonText : theme_->faintText));
   if (isDown()) room.translate(1, 1);
   painter.drawText(room, kTextFlags, text());
+}
+
+void fitTogether(std::span<TouchButton* const> buttons, int pixels) {
+  if (buttons.empty()) return;
+  QFont font = buttons.front()->font();
+  font.setPixelSize(std::max(kSmallestFont, pixels));
+  for (const auto* button : buttons) font = fittedFont(button->text(), font, button->textRoom().size());
+  for (auto* button : buttons) button->setFont(font);
 }
 
 QPalette paletteOf(const Theme& theme) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QPushButton>
+#include <span>
 
 #include "screen/theme.h"
 
@@ -34,6 +35,8 @@ class TouchButton final : public QPushButton {
 
  protected:
   void paintEvent(QPaintEvent* event) override;
+  // The second tap of a double tap is none: it may meet a button that came in place of the one first tapped.
+  void mouseDoubleClickEvent(QMouseEvent* event) override;
 
  private:
   int frameWidth() const;
@@ -42,6 +45,9 @@ class TouchButton final : public QPushButton {
 
   const Theme* theme_;
 };
+
+// Gives all of them one size of text: the largest, up to `pixels`, in which each text fits its button.
+void fitTogether(std::span<TouchButton* const> buttons, int pixels);
 
 // The palette for everything Qt draws by itself: dialogs, menus, message boxes.
 QPalette paletteOf(const Theme& theme);

@@ -2,14 +2,18 @@
 
 #include <fmt/format.h>
 
+#include <cmath>
+
 #include "platform/text.h"
 
 namespace kalmira {
 
 LineEntry proposeLine(const Settings& settings, double station) {
   LineEntry entry;
-  const auto number = static_cast<float>(parseReal(settings.lineName)) + settings.lineIncrement;
-  entry.lineName = fmt::format("{:.2f}", number);
+  // "Nantes" and "Info" spell numbers that are none.
+  const double typed = parseReal(settings.lineName);
+  const float number = (std::isfinite(typed) ? static_cast<float>(typed) : 0.0F) + settings.lineIncrement;
+  entry.lineName = fmt::format("{:.2f}", std::isfinite(number) ? number : 0.0F);
   entry.lineIncrement = settings.lineIncrement;
   entry.sequenceMode = indexOr(settings.sequenceMode, 2, kSequenceAlternate);
   entry.direction = indexOr(settings.direction, 4, Settings{}.direction);

@@ -10,6 +10,7 @@
 
 #include "logging/keys.h"
 #include "logging/message_dialog.h"
+#include "screen/screen_scale.h"
 #include "screen/touch_button_view.h"
 #include "shell/chooser_dialog.h"
 #include "shell/menu_layout.h"
@@ -20,6 +21,7 @@ namespace kalmira {
 namespace {
 
 constexpr int kSmallestSide = 160;
+constexpr int kTextPercent = 60;  // of a button's height, for one line
 constexpr int kModelKey = Qt::Key_M;
 constexpr int kThemeKey = Qt::Key_N;  // night, and day again
 
@@ -140,6 +142,9 @@ void MainWindow::showMenu() {
 }
 
 void MainWindow::layOut() {
+  QFont texts = font();
+  texts.setPixelSize(dialogTextPixels(screenScaleOf(width(), height()).scale));
+  setFont(texts);
   menu_->setGeometry(rect());
   logging_->setGeometry(rect());
   const auto layout = layOutMenu(width(), height(), touchHeight(screen()));
@@ -147,16 +152,7 @@ void MainWindow::layOut() {
   for (std::size_t i = 0; i < buttons_.size(); ++i) buttons_[i]->setGeometry(rectOf(layout.buttons[i]));
   model_button_->setGeometry(rectOf(layout.model));
   theme_button_->setGeometry(rectOf(layout.theme));
-  fitFont(layout.buttons[0].height);
-}
-
-// One size for all commands: the largest in which each of them fits.
-void MainWindow::fitFont(int buttonHeight) {
-  QFont font = menu_->font();
-  font.setPixelSize(std::max(8, buttonHeight * 60 / 100));
-  menu_->setFont(font);
-  for (const auto* button : buttons_) font = fittedFont(button->text(), font, button->textRoom().size());
-  menu_->setFont(font);
+  fitTogether(buttons_, layout.buttons[0].height * kTextPercent / 100);
 }
 
 void MainWindow::resizeEvent(QResizeEvent*) {

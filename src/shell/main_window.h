@@ -63,7 +63,6 @@ class MainWindow final : public QWidget {
   void showHighlight(int index);
   void showMenu();
   void layOut();
-  void fitFont(int buttonHeight);
   void afterFirstPaint();
   void act(MenuCommand command);
   void startSession();

@@ -124,7 +124,11 @@ LoggingHost Stage::loggingHost() {
           .clock = clock_,
           .disk = disk_,
           .deviceOf = [](int com) { return std::string(com == 1 ? "instrument" : "gps"); },
-          .portFactory = [this] { return std::make_unique<SimulatedPort>(plan_, allowance_); },
+          .portFactory =
+              [this] {
+                return std::make_unique<SimulatedPort>(plan_, allowance_,
+                                                       shot_.instrument.ice ? iceRecordAt : nullptr);
+              },
           .saveSettings = [](const Settings&) { return std::string{}; },
           .takeSettingsProblem = {},
           .onLeft = {},

@@ -4,7 +4,26 @@
 #include <chrono>
 #include <thread>
 
+#include <cmath>
+
+#include "link/ice_model.h"
+#include "sim/encode.h"
+
 namespace kalmira::shots {
+
+std::string iceRecordAt(std::uint64_t number) {
+  static const IceModel kModel = [] {
+    IceModel model;
+    LoadIceTable(0, false, model);
+    return model;
+  }();
+  const double tenths = 25.0 + 15.0 * std::sin(static_cast<double>(number) / 20.0);
+  const auto index = static_cast<std::size_t>(tenths);
+  const double part = tenths - static_cast<double>(index);
+  const double conductivity =
+      kModel.iceTable[index] + part * (kModel.iceTable[index + 1] - kModel.iceTable[index]);
+  return sim::terminated(Framing::ascii, sim::encodeOrla({.vertical = false}, conductivity, 1.0));
+}
 
 std::optional<PortError> SimulatedPort::open(const std::string& device, const LineSettings&) {
   gps_ = device == "gps";
@@ -18,7 +37,9 @@ ReadResult SimulatedPort::read(std::span<std::uint8_t> buffer, int timeoutMs) {
       std::this_thread::sleep_for(std::chrono::milliseconds(std::min(timeoutMs, 5)));
       return {};
     }
-    waiting_ = gps_ ? sim::sentenceAt(plan_, sent_) : sim::recordAt(plan_, sent_);
+    waiting_ = gps_                  ? sim::sentenceAt(plan_, sent_)
+               : records_ != nullptr ? records_(sent_)
+                                     : sim::recordAt(plan_, sent_);
     ++sent_;
   }
   const auto count = std::min(buffer.size(), waiting_.size());

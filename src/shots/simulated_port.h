@@ -15,11 +15,17 @@ struct Allowance {
   std::atomic<std::uint64_t> sentences{0};
 };
 
+// An ORLA carried over sea ice, for its ice option: the conductivities that the ice model gives for ice of 1
+// to 4 m.
+std::string iceRecordAt(std::uint64_t number);
+
 // The simulated survey as a serial port, as fast as it is read: "instrument" or "gps" is its device.
 class SimulatedPort final : public Port {
  public:
-  SimulatedPort(const sim::SurveyPlan& plan, const Allowance& allowance)
-      : plan_(plan), allowance_(allowance) {}
+  using RecordSource = std::string (*)(std::uint64_t number);
+  // `records` in place of the plan's own records, where given.
+  SimulatedPort(const sim::SurveyPlan& plan, const Allowance& allowance, RecordSource records = nullptr)
+      : plan_(plan), allowance_(allowance), records_(records) {}
 
   std::optional<PortError> open(const std::string& device, const LineSettings& line) override;
   ReadResult read(std::span<std::uint8_t> buffer, int timeoutMs) override;
@@ -31,6 +37,7 @@ class SimulatedPort final : public Port {
  private:
   const sim::SurveyPlan& plan_;
   const Allowance& allowance_;
+  RecordSource records_;
   bool gps_ = false;
   std::uint64_t sent_ = 0;
   std::string waiting_;

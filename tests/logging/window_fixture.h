@@ -6,6 +6,7 @@
 #include <QDialog>
 #include <QMenu>
 #include <QMessageBox>
+#include <QPointer>
 #include <QPushButton>
 #include <QTest>
 #include <QTimer>
@@ -108,7 +109,12 @@ class WhenOpen {
 inline void answer(QDialog& box, QMessageBox::StandardButton button) {
   auto* message = qobject_cast<QMessageBox*>(&box);
   ASSERT_NE(message, nullptr) << box.windowTitle().toStdString();
-  QTest::mouseClick(message->button(button), Qt::LeftButton);
+  // A question that comes by itself is deaf at first.
+  const QPointer<QMessageBox> open(message);
+  while (open && open->isVisible()) {
+    QTest::mouseClick(open->button(button), Qt::LeftButton);
+    QTest::qWait(20);
+  }
 }
 
 // The logging window on a clock, a folder and wires of the test's own. COM1 is the wire "instrument", COM2

@@ -267,11 +267,10 @@ std::string takeChooser(const std::filesystem::path& folder, QSize size, bool ni
 
 }  // namespace
 
-std::string takeShots(const std::filesystem::path& folder) {
+std::string takeShots(const std::filesystem::path& folder, const std::vector<QSize>& sizes) {
   std::vector<RememberedKind> instruments;
   for (int kind = 0; kind < kKindCount; ++kind) instruments.push_back({.kind = static_cast<Kind>(kind)});
   instruments.insert(instruments.begin() + 1, {.kind = Kind::orla, .ice = true});
-  const std::vector<QSize> sizes{{480, 640}, {640, 480}};
   for (const auto& size : sizes) {
     for (const bool night : {false, true}) {
       if (auto problem = takeChooser(folder, size, night); !problem.empty()) return problem;

@@ -269,6 +269,7 @@ std::string takeChooser(const std::filesystem::path& folder, QSize size, bool ni
 
 std::string takeShots(const std::filesystem::path& folder, const std::vector<QSize>& sizes) {
   std::vector<RememberedKind> instruments;
+  instruments.reserve(kKindCount + 1);
   for (int kind = 0; kind < kKindCount; ++kind) instruments.push_back({.kind = static_cast<Kind>(kind)});
   instruments.insert(instruments.begin() + 1, {.kind = Kind::orla, .ice = true});
   for (const auto& size : sizes) {

@@ -90,7 +90,6 @@ int PanelView::layOut(const PanelSpace& space) {
   for (const auto kind : {PanelFont::text, PanelFont::value, PanelFont::state}) {
     fonts_[static_cast<std::size_t>(kind)] = panelFont(font(), kind, layout_.size(kind));
   }
-  for (const auto& cell : layout_.cells) measure(cell);
   update();
   return layout_.height;
 }
@@ -105,9 +104,7 @@ void PanelView::showText(PanelField field, std::string_view text) {
   if (held == text) return;
   held = text;
   const auto* cell = cellOf(field);
-  if (cell == nullptr) return;
-  measure(*cell);
-  update(rectOf(*cell));
+  if (cell != nullptr) update(rectOf(*cell));
 }
 
 void PanelView::setLoggingState(int loggingState) {
@@ -118,7 +115,6 @@ void PanelView::setLoggingState(int loggingState) {
 
 void PanelView::clearTexts() {
   texts_.fill({});
-  shown_.fill({});
   update();
 }
 
@@ -136,10 +132,11 @@ const QFont& PanelView::fontOf(PanelFont font) const {
   return fonts_[static_cast<std::size_t>(font)];
 }
 
-void PanelView::measure(const PanelCell& cell) {
-  auto& shown = shown_[indexOf(cell.field)];
-  shown.text = qtText(withoutTrailingBlanks(texts_[indexOf(cell.field)]));
-  shown.width = QFontMetricsF(fontOf(cell.font)).horizontalAdvance(shown.text);
+// Only when it is drawn: a hidden window's texts change as often.
+PanelView::Shown PanelView::shownIn(const PanelCell& cell) const {
+  auto text = qtText(withoutTrailingBlanks(texts_[indexOf(cell.field)]));
+  const double width = QFontMetricsF(fontOf(cell.font)).horizontalAdvance(text);
+  return {.text = std::move(text), .width = width};
 }
 
 void PanelView::paintBand(QPainter& painter) const {
@@ -167,7 +164,7 @@ void PanelView::paintText(QPainter& painter, const QRectF& room, const Shown& sh
 }
 
 void PanelView::paintCell(QPainter& painter, const PanelCell& cell) const {
-  const auto& shown = shown_[indexOf(cell.field)];
+  const auto shown = shownIn(cell);
   QRectF room = rectOf(cell);
   QColor colour(theme_->text);
   if (cell.top < layout_.stateBandHeight) colour = stateColours(*theme_, logging_state_).text;

@@ -45,7 +45,7 @@ class PanelView final : public QWidget {
   };
   const PanelCell* cellOf(PanelField field) const;
   const QFont& fontOf(PanelFont font) const;
-  void measure(const PanelCell& cell);
+  Shown shownIn(const PanelCell& cell) const;
   void paintBand(QPainter& painter) const;
   void paintCell(QPainter& painter, const PanelCell& cell) const;
   void paintText(QPainter& painter, const QRectF& room, const Shown& shown, PanelFont font) const;
@@ -53,7 +53,6 @@ class PanelView final : public QWidget {
   const Theme* theme_;
   PanelLayout layout_;
   std::array<std::string, kPanelFields> texts_;
-  std::array<Shown, kPanelFields> shown_;
   std::array<QFont, 3> fonts_;
   int logging_state_ = 0;
 };

@@ -1,0 +1,154 @@
+#include "settings/display_options.h"
+
+#include <fmt/format.h>
+
+#include <array>
+#include <limits>
+
+namespace kalmira {
+namespace {
+
+using Rows = std::span<const TraceRow>;
+using Choices = std::span<const AxisChoice>;
+
+constexpr std::array<TraceRow, 5> kDipoleRows{
+    {{0, "Conductivity V"}, {1, "Conductivity H"}, {2, "Inphase V"}, {3, "Inphase H"}, {4, "Ice Thickness"}}};
+constexpr std::array<TraceRow, 6> kVardoRows{{{0, "Cond. V10"},
+                                              {1, "Cond. V20"},
+                                              {2, "Cond. V40"},
+                                              {3, "Cond. H10"},
+                                              {4, "Cond. H20"},
+                                              {5, "Cond. H40"}}};
+constexpr std::array<TraceRow, 2> kMirkaRows{{{0, "Conductivity"}, {2, "Inphase"}}};
+constexpr std::array<TraceRow, 2> kGlacoRows{{{0, "Thickness"}, {2, "Inphase"}}};
+constexpr std::array<TraceRow, 8> kTesk2Rows{{{0, "Conductivity 1 V"},
+                                              {1, "Conductivity 1 H"},
+                                              {2, "Inphase 1 V"},
+                                              {3, "Inphase 1 H"},
+                                              {4, "Conductivity 2 V"},
+                                              {5, "Conductivity 2 H"},
+                                              {6, "Inphase 2 V"},
+                                              {7, "Inphase 2 H"}}};
+
+constexpr std::array<AxisChoice, 2> kBothAxes{{{0, "Conductivity"}, {1, "Inphase"}}};
+constexpr std::array<AxisChoice, 2> kGlacoAxes{{{0, "Thickness"}, {1, "Inphase"}}};
+constexpr std::array<AxisChoice, 1> kIceAxis{{{2, "Ice Thickness"}}};
+
+struct NamedColour {
+  std::string_view name;
+  std::array<int, 3> rgb;
+};
+constexpr std::array<NamedColour, 19> kNamedColours{{{"Black", {0, 0, 0}},
+                                                     {"White", {255, 255, 255}},
+                                                     {"Grey", {128, 128, 128}},
+                                                     {"Light grey", {200, 200, 200}},
+                                                     {"Red", {230, 0, 0}},
+                                                     {"Dark red", {128, 0, 0}},
+                                                     {"Vermilion", {213, 94, 0}},
+                                                     {"Orange", {240, 160, 0}},
+                                                     {"Brown", {130, 75, 20}},
+                                                     {"Yellow", {250, 240, 40}},
+                                                     {"Olive", {128, 128, 0}},
+                                                     {"Light green", {120, 230, 100}},
+                                                     {"Green", {0, 150, 60}},
+                                                     {"Dark green", {0, 85, 20}},
+                                                     {"Light blue", {90, 185, 240}},
+                                                     {"Blue", {0, 100, 200}},
+                                                     {"Dark blue", {0, 0, 140}},
+                                                     {"Purple", {130, 30, 160}},
+                                                     {"Pink", {225, 130, 180}}}};
+
+std::array<int, 3> rgbOf(int colour) {
+  const auto bgr = static_cast<unsigned>(colour);
+  return {static_cast<int>(bgr & 0xFFU), static_cast<int>(bgr >> 8U & 0xFFU),
+          static_cast<int>(bgr >> 16U & 0xFFU)};
+}
+
+int squaredDistance(const std::array<int, 3>& a, const std::array<int, 3>& b) {
+  int sum = 0;
+  for (std::size_t i = 0; i < a.size(); ++i) sum += (a[i] - b[i]) * (a[i] - b[i]);
+  return sum;
+}
+
+}  // namespace
+
+Rows traceRows(Kind kind, bool iceOption) {
+  switch (kind) {
+    case Kind::vardo:
+      return kVardoRows;
+    case Kind::mirka:
+      return kMirkaRows;
+    case Kind::glaco:
+      return kGlacoRows;
+    case Kind::tesk2:
+      return kTesk2Rows;
+    default:
+      return Rows(kDipoleRows).first(kind == Kind::orla && iceOption ? 5 : 4);
+  }
+}
+
+Choices axisChoices(Kind kind, bool iceDisplayed) {
+  switch (kind) {
+    case Kind::orla:
+      return iceDisplayed ? Choices(kIceAxis) : Choices(kBothAxes);
+    // All that these draw has one scale.
+    case Kind::vardo:
+    case Kind::mirka:
+      return Choices(kBothAxes).first(1);
+    case Kind::glaco:
+      return kGlacoAxes;
+    default:
+      return kBothAxes;
+  }
+}
+
+std::size_t axisPosition(Choices choices, const Settings& settings) {
+  for (std::size_t i = 0; i < choices.size(); ++i) {
+    if (profileGridOf(true, choices[i].group) == settings.profileGrid) return i;
+  }
+  return 0;
+}
+
+bool gridChosen(const Settings& settings) {
+  return indexOr(settings.profileGrid, 4, 1) != 0;
+}
+
+int profileGridOf(bool grid, int group) {
+  return grid ? 1 + group : 0;
+}
+
+bool traceChosen(const Settings& settings, std::size_t slot) {
+  return indexOr(settings.traceShown.at(slot), 2, 1) == 1;
+}
+
+int traceWidthOf(const Settings& settings, std::size_t slot) {
+  return indexOr(settings.traceWidth.at(slot) - 1, kTraceWidths, 0) + 1;
+}
+
+std::string traceWidthName(int width) {
+  return fmt::format("{} pixel{}", width, width == 1 ? "" : "s");
+}
+
+std::string_view colourName(int colour) {
+  const auto rgb = rgbOf(colour);
+  int least = std::numeric_limits<int>::max();
+  std::string_view name;
+  for (const auto& named : kNamedColours) {
+    const int distance = squaredDistance(named.rgb, rgb);
+    if (distance >= least) continue;
+    least = distance;
+    name = named.name;
+  }
+  return name;
+}
+
+std::string colourNumber(int colour) {
+  const auto rgb = rgbOf(colour);
+  return fmt::format("#{:02X}{:02X}{:02X}", rgb[0], rgb[1], rgb[2]);
+}
+
+int settingsColour(int red, int green, int blue) {
+  return blue << 16 | green << 8 | red;
+}
+
+}  // namespace kalmira

@@ -1,0 +1,81 @@
+#pragma once
+
+#include <QWidget>
+#include <array>
+#include <functional>
+
+#include "gps/monitor.h"
+#include "gps/monitor_reader.h"
+#include "link/port_thread.h"
+#include "link/serial_session_ports.h"
+#include "platform/clock.h"
+#include "platform/hand_over.h"
+#include "screen/theme.h"
+#include "settings/settings.h"
+
+class QLineEdit;
+
+namespace kalmira {
+
+class SentenceListView;
+class TouchButton;
+
+// What the monitor needs of the program. What is referred to outlives the window.
+struct MonitorHost {
+  const Settings& settings;
+  const Clock& clock;
+  DeviceResolver deviceOf;
+  PortFactory portFactory;
+  std::function<void()> onLeft;  // the monitor is closed; the main menu is to be shown
+};
+
+// MonitorGPSWnd: watches what the GPS receiver sends and sends it messages. All over its parent while it is
+// shown. Typed letters are commands; the edit line has the keyboard only after it was tapped, and Escape, Tab
+// or Enter give it back.
+class MonitorGPSWnd final : public QWidget {
+ public:
+  MonitorGPSWnd(MonitorHost host, const Theme& theme, QWidget* parent);
+  ~MonitorGPSWnd() override;
+
+  // Opens the GPS port of the settings and shows the window. False when GPS input is disabled, and when the
+  // port did not open: the operator has been told why.
+  bool open();
+  // Closes the port and hides the window; ignored while it is not open.
+  void leave();
+  void setTheme(const Theme& theme);
+  const MonitorState& state() const { return state_; }
+
+ protected:
+  void keyPressEvent(QKeyEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
+  bool event(QEvent* event) override;
+  bool eventFilter(QObject* watched, QEvent* event) override;
+  bool focusNextPrevChild(bool) override { return false; }  // Tab moves the default button
+
+ private:
+  void makeButtons();
+  void makeEdit();
+  bool openPort();
+  void startReader();
+  void showNews(const MonitorNews& news);
+  void run(MonitorCommand command);
+  void sendMessage();
+  bool scrollKey(int key);
+  bool editKey(const QKeyEvent& event);
+  void showButtons();
+  void layOut();
+
+  MonitorHost host_;
+  const Theme* theme_;
+  MonitorState state_;
+  bool receiver_gone_ = false;
+  bool entering_ = false;  // the message dialog is open
+  SentenceListView* list_;
+  QLineEdit* edit_;
+  std::array<TouchButton*, kMonitorCommands> buttons_{};
+  MonitorRequests requests_;
+  HandOver hand_over_;
+  PortThread port_;
+};
+
+}  // namespace kalmira

@@ -67,6 +67,12 @@ ComAssignments resolveComDevices(const ComAssignments& assigned, std::vector<Ser
   return devices;
 }
 
+const SerialDevice* findDevice(const std::vector<SerialDevice>& present, const std::string& path) {
+  const auto found = std::find_if(present.begin(), present.end(),
+                                  [&path](const SerialDevice& device) { return isDevice(device, path); });
+  return found == present.end() ? nullptr : &*found;
+}
+
 std::string stableNameOf(const std::string& device, const std::filesystem::path& folder) {
   const auto wanted = targetOf(device);
   std::string found;

@@ -23,6 +23,9 @@ using ComAssignments = std::array<std::string, kComPorts>;
 // assigned to no number. Stable names are taken where there are any. Empty where the ports run out.
 ComAssignments resolveComDevices(const ComAssignments& assigned, std::vector<SerialDevice> present);
 
+// The one of `present` that a path of either form leads to; nullptr when it is not there.
+const SerialDevice* findDevice(const std::vector<SerialDevice>& present, const std::string& path);
+
 // The link in `folder` that leads to `device`, the first in order of name; empty when there is none.
 std::string stableNameOf(const std::string& device, const std::filesystem::path& folder);
 

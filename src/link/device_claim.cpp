@@ -219,6 +219,16 @@ std::optional<PortError> DeviceClaim::take(const std::string& path) {
   return held(path, findHolder(path));
 }
 
+std::optional<PortError> lookAtDevice(const std::string& path) {
+  struct stat status {};
+  if (stat(path.c_str(), &status) != 0) return openingError(path, errno);
+  if (!S_ISCHR(status.st_mode)) {
+    return PortError{PortErrorKind::notSerial, notSerialText(path, S_ISDIR(status.st_mode))};
+  }
+  if (faccessat(AT_FDCWD, path.c_str(), R_OK | W_OK, AT_EACCESS) != 0) return openingError(path, errno);
+  return std::nullopt;
+}
+
 void DeviceClaim::release() {
   // Nothing was written here: a failing close loses nothing.
   if (descriptor_ >= 0) ::close(std::exchange(descriptor_, -1));
@@ -254,6 +264,9 @@ void dropLastingExclusiveMode(int descriptor, std::string_view path) {
 #else
 
 std::optional<PortError> DeviceClaim::take(const std::string&) {
+  return std::nullopt;
+}
+std::optional<PortError> lookAtDevice(const std::string&) {
   return std::nullopt;
 }
 void DeviceClaim::release() {}

@@ -31,6 +31,10 @@ class DeviceClaim {
   int descriptor_ = -1;
 };
 
+// What would keep this user from opening the device at `path`, as far as can be seen without touching it;
+// nothing also when another program holds it.
+std::optional<PortError> lookAtDevice(const std::string& path);
+
 // Tells the device's driver to deliver bytes as they come; adapters that collect them for 16 ms and more can
 // do that. Devices that cannot ignore it.
 void askForLowLatency(int descriptor);

@@ -23,6 +23,7 @@ namespace {
 constexpr int kSmallestSide = 160;
 constexpr int kTextPercent = 60;  // of a button's height, for one line
 constexpr int kModelKey = Qt::Key_M;
+constexpr int kSettingsWatchMs = 500;
 constexpr int kThemeKey = Qt::Key_N;  // night, and day again
 
 // The handheld's code of a key, 0 for one that has no meaning in the menu.
@@ -66,6 +67,8 @@ MainWindow::MainWindow(MainWindowHost host) : host_(std::move(host)) {
   showTheme();
   showHighlight(0);
   setFocus();
+  connect(&settings_watch_, &QTimer::timeout, this, [this] { watchSettings(); });
+  settings_watch_.start(kSettingsWatchMs);
 }
 
 MainWindow::~MainWindow() = default;
@@ -110,7 +113,6 @@ void MainWindow::useInstrument(RememberedKind instrument) {
   take_settings_problem_ = loggingHost.takeSettingsProblem;
   loggingHost.onLeft = [this] { showMenu(); };
   loggingHost.endProgram = host_.endProgram;
-  loggingHost.displayOptions = host_.actions[static_cast<std::size_t>(MenuCommand::displayOptions)];
   logging_ = std::make_unique<LoggingWnd>(std::move(loggingHost), theme(), this);
   logging_->setGeometry(rect());
   title_->setInstrument(instrument.kind, instrument.ice);
@@ -134,11 +136,18 @@ void MainWindow::showHighlight(int index) {
 }
 
 void MainWindow::showMenu() {
+  settings_watch_.start(kSettingsWatchMs);
   menu_->show();
   setFocus();
   // Told once the session is through with leaving; to a program that ends, no more.
   QMetaObject::invokeMethod(
       this, [this] { tellSettingsProblem(); }, Qt::QueuedConnection);
+}
+
+void MainWindow::cover(QWidget* window) {
+  cover_ = window;
+  menu_->setVisible(window == nullptr);
+  (window == nullptr ? this : window)->setFocus();
 }
 
 void MainWindow::layOut() {
@@ -176,6 +185,13 @@ void MainWindow::afterFirstPaint() {
   tellSettingsProblem();
 }
 
+// A settings file is written by a thread of its own: that it could not be is known only some time after a
+// dialog was left.
+void MainWindow::watchSettings() {
+  const bool busy = acting_ || logging_->sessionActive() || QApplication::activeModalWidget() != nullptr;
+  if (painted_ && !busy) tellSettingsProblem();
+}
+
 void MainWindow::tellSettingsProblem() {
   if (!take_settings_problem_) return;
   const auto problem = take_settings_problem_();
@@ -188,7 +204,8 @@ bool MainWindow::focusNextPrevChild(bool) {
 
 void MainWindow::keyPressEvent(QKeyEvent* event) {
   const auto others = event->modifiers() & ~(Qt::ShiftModifier | Qt::KeypadModifier);
-  if (logging_->sessionActive() || others != Qt::NoModifier) return QWidget::keyPressEvent(event);
+  if (logging_->sessionActive() || cover_ != nullptr || others != Qt::NoModifier)
+    return QWidget::keyPressEvent(event);
   const int keyCode = menuKeyCode(*event);
   if (!event->isAutoRepeat() && keyCode == kModelKey) return chooseInstrument();
   if (!event->isAutoRepeat() && keyCode == kThemeKey) return toggleTheme();
@@ -200,7 +217,7 @@ void MainWindow::keyPressEvent(QKeyEvent* event) {
 }
 
 void MainWindow::act(MenuCommand command) {
-  if (acting_ || logging_->sessionActive()) return;
+  if (acting_ || cover_ != nullptr || logging_->sessionActive()) return;
   showHighlight(static_cast<int>(command));
   if (command == MenuCommand::exit) {
     close();
@@ -213,7 +230,7 @@ void MainWindow::act(MenuCommand command) {
     action(this);
   }
   acting_ = false;
-  if (!logging_->sessionActive()) setFocus();
+  if (!logging_->sessionActive() && cover_ == nullptr) setFocus();
 }
 
 void MainWindow::startSession() {
@@ -221,7 +238,9 @@ void MainWindow::startSession() {
   switch (logging_->startLogging()) {
     case StartOutcome::started:
       // A session may have been left again while it was being started.
-      menu_->setVisible(!logging_->sessionActive());
+      if (!logging_->sessionActive()) break;
+      menu_->hide();
+      settings_watch_.stop();  // the session looks after it itself
       break;
     case StartOutcome::uptimeExceeded:
       host_.endProgram();

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QPointer>
+#include <QTimer>
 #include <QWidget>
 #include <array>
 #include <functional>
@@ -44,6 +46,9 @@ class MainWindow final : public QWidget {
 
   LoggingWnd& logging() { return *logging_; }
   int highlight() const { return highlight_; }
+  // Shows a child window in the menu's place, and keeps the menu's commands away meanwhile; nullptr: the menu
+  // again.
+  void cover(QWidget* window);
   // To the front, for another start of the program on the same root.
   void bringToFront();
   // The machine asks the program to end: leaves a session without a question, then ends the program.
@@ -70,6 +75,7 @@ class MainWindow final : public QWidget {
   void toggleTheme();
   void toggleFullScreen();
   void tellSettingsProblem();
+  void watchSettings();
   MenuEnabled enabled() const;
   const Theme& theme() const { return host_.night ? nightTheme() : dayTheme(); }
 
@@ -81,6 +87,8 @@ class MainWindow final : public QWidget {
   TouchButton* model_button_ = nullptr;
   TouchButton* theme_button_ = nullptr;
   int highlight_ = 0;
+  QPointer<QWidget> cover_;
+  QTimer settings_watch_;
   bool uptime_exceeded_ = false;
   bool painted_ = false;
   bool acting_ = false;

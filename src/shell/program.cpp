@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "datafile/disk.h"
+#include "link/device_claim.h"
 #include "link/keep_awake.h"
 #include "link/qt_serial_port.h"
 #include "platform/idle.h"
@@ -19,6 +20,7 @@
 #include "shell/chooser_dialog.h"
 #include "shell/main_window.h"
 #include "shell/menu_layout.h"
+#include "shell/setup_actions_window.h"
 #include "shell/single_instance.h"
 #include "shell/terminate_signals.h"
 
@@ -33,12 +35,17 @@ class InstrumentSettings {
     problem_ = loadSettings(place, settings_).problem;
   }
 
+  RememberedKind instrument() const { return {.kind = kind_, .ice = ice_option_}; }
   Settings& settings() { return settings_; }
   void save(const Settings& current) { writer_.write(formatSettings(current, kind_, ice_option_)); }
   // Why the file could not be read or written, once.
   std::string takeProblem() {
     auto problem = std::exchange(problem_, {});
-    return problem.empty() ? writer_.takeProblem() : problem;
+    if (problem.empty()) problem = writer_.takeProblem();
+    // The same again at every dialog would only be in the way.
+    if (problem == told_) return {};
+    if (!problem.empty()) told_ = problem;
+    return problem;
   }
   void finish() { writer_.finish(); }
 
@@ -47,6 +54,7 @@ class InstrumentSettings {
   bool ice_option_;
   Settings settings_;
   std::string problem_;
+  std::string told_;
   SettingsWriter writer_;
 };
 
@@ -54,7 +62,15 @@ class InstrumentSettings {
 class Program {
  public:
   explicit Program(const ProgramOptions& options)
-      : options_(options), store_("kalmira", "kalmira"), clock_(options.tickBase) {}
+      : options_(options),
+        store_("kalmira", "kalmira"),
+        clock_(options.tickBase),
+        assigned_(rememberedComDevices(store_)),
+        setup_actions_(setupHost()) {
+    for (std::size_t i = 0; i < assigned_.size(); ++i) {
+      if (!options_.com[i].empty()) assigned_[i] = options_.com[i];
+    }
+  }
   int run();
 
  private:
@@ -62,8 +78,9 @@ class Program {
   bool nightToUse();
   MainWindowHost windowHost(RememberedKind instrument, bool night);
   LoggingHost openInstrument(RememberedKind instrument);
+  SetupHost setupHost();
+  void rememberDevices(const ComAssignments& changed);
   SessionSetup setupOf(RememberedKind instrument) const;
-  void findDevices();
   void showWindow();
   void finishSettings();
   void end();
@@ -72,9 +89,12 @@ class Program {
   QSettings store_;
   SystemClock clock_;
   LocalDisk disk_;
-  ComAssignments devices_;  // as they were when the session began: what comes and goes renumbers nothing
+  ComAssignments assigned_;  // what the operator gave the COM numbers
+  ComAssignments devices_;   // as they were when the session began: what comes and goes renumbers nothing
   std::unique_ptr<InstrumentSettings> instrument_settings_;
+  SetupActions setup_actions_;
   std::unique_ptr<MainWindow> window_;
+  bool night_ = false;
   bool ended_ = false;
 };
 
@@ -97,12 +117,28 @@ bool Program::nightToUse() {
   return options_.night.value_or(rememberedNight(store_));
 }
 
-void Program::findDevices() {
-  auto assigned = rememberedComDevices(store_);
-  for (std::size_t i = 0; i < assigned.size(); ++i) {
-    if (!options_.com[i].empty()) assigned[i] = options_.com[i];
+// What the command line gave for this run only is not kept unless the operator changed it.
+void Program::rememberDevices(const ComAssignments& changed) {
+  auto kept = rememberedComDevices(store_);
+  for (std::size_t i = 0; i < kept.size(); ++i) {
+    if (changed[i] != assigned_[i]) kept[i] = changed[i];
   }
-  devices_ = resolveComDevices(assigned, serialDevices());
+  rememberComDevices(store_, kept);
+}
+
+SetupHost Program::setupHost() {
+  return {.clock = clock_,
+          .storageClass = options_.storageClass,
+          .instrument = [this] { return instrument_settings_->instrument(); },
+          .settings = [this]() -> Settings& { return instrument_settings_->settings(); },
+          .saveSettings = [this](const Settings& changed) { instrument_settings_->save(changed); },
+          .theme = [this]() -> const Theme& { return night_ ? nightTheme() : dayTheme(); },
+          .assigned = assigned_,
+          .presentDevices = serialDevices,
+          .lookAtDevice = lookAtDevice,
+          .rememberDevices = [this](const ComAssignments& changed) { rememberDevices(changed); },
+          .portFactory = makeQtSerialPort,
+          .cover = [this](QWidget* covering) { window_->cover(covering); }};
 }
 
 SessionSetup Program::setupOf(RememberedKind instrument) const {
@@ -141,7 +177,7 @@ LoggingHost Program::openInstrument(RememberedKind instrument) {
           .takeSettingsProblem = [&own] { return own.takeProblem(); },
           .onLeft = {},
           .endProgram = {},
-          .displayOptions = {}};
+          .displayOptions = [this](QWidget* parent) { setup_actions_.runSessionDisplayOptions(parent); }};
 }
 
 MainWindowHost Program::windowHost(RememberedKind instrument, bool night) {
@@ -149,10 +185,15 @@ MainWindowHost Program::windowHost(RememberedKind instrument, bool night) {
           .instrument = instrument,
           .night = night,
           .open = [this](RememberedKind chosen) { return openInstrument(chosen); },
-          .sessionBegins = [this] { findDevices(); },
+          .sessionBegins = [this] { devices_ = resolveComDevices(assigned_, serialDevices()); },
           .rememberInstrument = [this](RememberedKind chosen) { rememberKind(store_, chosen); },
-          .rememberNight = [this](bool chosen) { rememberNight(store_, chosen); },
-          .endProgram = [this] { end(); }};
+          .rememberNight =
+              [this](bool chosen) {
+                night_ = chosen;
+                rememberNight(store_, chosen);
+              },
+          .endProgram = [this] { end(); },
+          .actions = setup_actions_.menuActions()};
 }
 
 void Program::end() {
@@ -195,7 +236,8 @@ int Program::run() {
   });
   const auto instrument = instrumentToUse();
   if (!instrument || ended_) return 0;
-  window_ = std::make_unique<MainWindow>(windowHost(*instrument, nightToUse()));
+  night_ = nightToUse();
+  window_ = std::make_unique<MainWindow>(windowHost(*instrument, night_));
   showWindow();
   IdleInhibitor inhibitor("Kalmira");
   const KeepAwakeThread keepAwake{[&inhibitor] { inhibitor.renew(); }};

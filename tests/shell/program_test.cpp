@@ -3,10 +3,12 @@
 #include <gmock/gmock.h>
 
 #include <QApplication>
+#include <QElapsedTimer>
 #include <QSettings>
 #include <QTest>
 #include <QTimer>
 #include <csignal>
+#include <fstream>
 
 #include "shell/main_window.h"
 #include "shell/remembered.h"
@@ -91,6 +93,37 @@ TEST_F(ProgramTest, APortThatIsNotThereIsToldAndTheMachineMayEndIt) {
   EXPECT_EQ(told, "Serial Port");
   EXPECT_TRUE(std::filesystem::exists(options.root / "Storage/KALINI/ORLICE.INI"));
   EXPECT_FALSE(std::filesystem::exists(options.root / "Storage/KALINI/ORLA.INI"));
+}
+
+// The settings can be changed all the same; that they cannot be kept is told once.
+TEST_F(ProgramTest, ASettingsFolderThatCannotBeWrittenIsToldOnce) {
+  options.kind = Kind::glaco;
+  std::filesystem::create_directories(options.root);
+  std::ofstream(options.root / "Storage") << "a file where a folder is to be";
+  const auto opened = [](const char* title) {
+    auto* modal = QApplication::activeModalWidget();
+    if (modal == nullptr || modal->windowTitle() != title) return false;
+    QTest::keyClick(modal, Qt::Key_Return);
+    return true;
+  };
+  bool toldAgain = false;
+  QElapsedTimer sinceSaved;
+  const auto quiet = [&] {
+    if (!sinceSaved.isValid()) sinceSaved.start();
+    toldAgain = toldAgain || QApplication::activeModalWidget() != nullptr;
+    return toldAgain || sinceSaved.elapsed() > 1500;
+  };
+  // Without a desktop no window becomes the active one when a dialog is closed.
+  const auto logger = [] {
+    for (auto* window : QApplication::topLevelWidgets()) {
+      if (window->objectName() == "PELLO") QTest::keyClick(window, Qt::Key_O);
+    }
+    return true;
+  };
+  EXPECT_EQ(run({[&] { return opened("WARNING"); }, logger, [&] { return opened("Logger Setup"); }, quiet,
+                 [] { return std::raise(SIGTERM) == 0; }}),
+            0);
+  EXPECT_FALSE(toldAgain);
 }
 
 }  // namespace

@@ -1,0 +1,2 @@
+kalmira_test(setup_lists_test SOURCES setup_lists_test.cpp LINKS kalmira_settings)
+kalmira_widget_test(setup_dialogs_test SOURCES setup_dialogs_test.cpp LINKS kalmira_setup_ui THREADED)

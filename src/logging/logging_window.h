@@ -3,6 +3,7 @@
 #include <QWidget>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "datafile/disk.h"
@@ -28,8 +29,9 @@ struct LoggingHost {
   std::function<std::string()> takeSettingsProblem;
   std::function<void()> onLeft;      // the session is over; the main menu is to be shown
   std::function<void()> endProgram;  // the operator was told why
-  // "Display Options" of the menu: changes the settings. Greyed while there is none.
-  std::function<void(QWidget* parent)> displayOptions;
+  // "Display Options" of the menu: the settings as changed, nothing when cancelled. Greyed while there is
+  // none.
+  std::function<std::optional<Settings>(QWidget* parent, const Settings& settings)> displayOptions;
 };
 
 // LoggingWnd: the screen on which a survey is recorded. It owns the session from startLogging until it is
@@ -72,6 +74,7 @@ class LoggingWnd final : public QWidget {
   void enterStation();
   void enterComment();
   void enterScale();
+  void changeDisplay();
   void runMenu();
   void redrawAfterDialog();
   void layOut();

@@ -7,6 +7,7 @@
 #include "logging/create_file_dialog.h"
 #include "logging/logging_parts_window.h"
 #include "screen/touch_button_view.h"
+#include "settings/display_options.h"
 #include "settings/session_dialogs_dialog.h"
 #include "shell/resource_names.h"
 
@@ -75,8 +76,7 @@ void LoggingWnd::runCommand(Command command) {
     case Command::scale:
       return enterScale();
     case Command::displayOptions:
-      if (host_.displayOptions) host_.displayOptions(this);
-      return redrawAfterDialog();
+      return changeDisplay();
     case Command::repaint:
       return redrawAfterDialog();
     case Command::calibrate:
@@ -147,8 +147,20 @@ void LoggingWnd::enterScale() {
   if (!session.sessionActive) return;
   session.chartPointCount = 0;
   if (changed) {
-    session.settings = *changed;
+    takeScales(*changed, session.settings);
     clearTraces(session);
+    saveSettingsOrTell(session);
+  }
+  redrawAfterDialog();
+}
+
+void LoggingWnd::changeDisplay() {
+  auto& session = *this->session();
+  if (!host_.displayOptions) return;
+  const auto changed = host_.displayOptions(this, session.settings);
+  if (!session.sessionActive) return;
+  if (changed) {
+    takeDisplayOptions(*changed, session.settings);
     saveSettingsOrTell(session);
   }
   redrawAfterDialog();

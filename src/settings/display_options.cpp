@@ -117,6 +117,13 @@ int profileGridOf(bool grid, int group) {
   return grid ? 1 + group : 0;
 }
 
+void takeDisplayOptions(const Settings& from, Settings& to) {
+  to.traceShown = from.traceShown;
+  to.traceWidth = from.traceWidth;
+  to.traceColour = from.traceColour;
+  to.profileGrid = from.profileGrid;
+}
+
 bool traceChosen(const Settings& settings, std::size_t slot) {
   return indexOr(settings.traceShown.at(slot), 2, 1) == 1;
 }

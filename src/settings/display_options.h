@@ -33,6 +33,9 @@ bool gridChosen(const Settings& settings);
 // What the settings hold for it: 0 without grid lines, whatever the group, else 1 plus the group.
 int profileGridOf(bool grid, int group);
 
+// What the display options are of `from`, and nothing else: the rest may have changed behind the open dialog.
+void takeDisplayOptions(const Settings& from, Settings& to);
+
 bool traceChosen(const Settings& settings, std::size_t slot);
 int traceWidthOf(const Settings& settings, std::size_t slot);  // pixels, 1 to 4
 inline constexpr int kTraceWidths = 4;

@@ -45,4 +45,13 @@ ScaleEnds limitedThickness(ScaleEnds typed) {
   return apart(ends, kLeastThicknessSpan);
 }
 
+void takeScales(const Settings& from, Settings& to) {
+  to.conductivityMinimum = from.conductivityMinimum;
+  to.conductivityMaximum = from.conductivityMaximum;
+  to.inphaseMinimum = from.inphaseMinimum;
+  to.inphaseMaximum = from.inphaseMaximum;
+  to.iceMinimum = from.iceMinimum;
+  to.iceMaximum = from.iceMaximum;
+}
+
 }  // namespace kalmira

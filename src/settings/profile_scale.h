@@ -26,4 +26,7 @@ ScaleEnds limitedScale(ScaleEnds typed);
 // for one above the other; a maximum that is not above the minimum becomes the minimum plus 1.
 ScaleEnds limitedThickness(ScaleEnds typed);
 
+// The scales of `from`, and nothing else: the rest may have changed behind the open dialog.
+void takeScales(const Settings& from, Settings& to);
+
 }  // namespace kalmira

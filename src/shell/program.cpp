@@ -177,7 +177,10 @@ LoggingHost Program::openInstrument(RememberedKind instrument) {
           .takeSettingsProblem = [&own] { return own.takeProblem(); },
           .onLeft = {},
           .endProgram = {},
-          .displayOptions = [this](QWidget* parent) { setup_actions_.runSessionDisplayOptions(parent); }};
+          .displayOptions =
+              [this](QWidget* parent, const Settings& settings) {
+                return setup_actions_.runSessionDisplayOptions(parent, settings);
+              }};
 }
 
 MainWindowHost Program::windowHost(RememberedKind instrument, bool night) {

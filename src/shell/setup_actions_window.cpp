@@ -64,10 +64,10 @@ void SetupActions::runDisplayOptions(QWidget* parent) {
   take(runDisplayOptionsDialog(parent, frameFor(parent), host_.settings()));
 }
 
-void SetupActions::runSessionDisplayOptions(QWidget* parent) {
+std::optional<Settings> SetupActions::runSessionDisplayOptions(QWidget* parent, const Settings& settings) {
   auto frame = frameFor(parent);
-  frame.iceOption = frame.iceOption && host_.settings().iceDisplay == 1;
-  take(runDisplayOptionsDialog(parent, frame, host_.settings()));
+  frame.iceOption = frame.iceOption && settings.iceDisplay == 1;
+  return runDisplayOptionsDialog(parent, frame, settings);
 }
 
 void SetupActions::runGpsSetup(QWidget* parent) {

@@ -3,6 +3,7 @@
 #include <QPointer>
 #include <QWidget>
 #include <functional>
+#include <optional>
 
 #include "gps/monitor_window.h"
 #include "link/device_texts.h"
@@ -39,7 +40,8 @@ class SetupActions {
   // Commands 1 to 4. They refer to this object.
   MenuActions menuActions();
   // "Display Options" of a session's menu: an ORLA's ice traces are there only with the ice display.
-  void runSessionDisplayOptions(QWidget* parent);
+  // The settings as changed, for the session to take and save; nothing when cancelled.
+  std::optional<Settings> runSessionDisplayOptions(QWidget* parent, const Settings& settings);
 
  private:
   SetupFrame frameFor(const QWidget* parent) const;

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <QCheckBox>
 #include <QComboBox>
 #include <QLabel>
 
@@ -58,7 +59,10 @@ class SetupActionsTest : public testing::Test {
             .takeSettingsProblem = {},
             .onLeft = {},
             .endProgram = {},
-            .displayOptions = [this](QWidget* parent) { actions->runSessionDisplayOptions(parent); }};
+            .displayOptions =
+                [this](QWidget* parent, const Settings& current) {
+                  return actions->runSessionDisplayOptions(parent, current);
+                }};
   }
   void key(Qt::Key qtKey) { QTest::keyClick(&*window, qtKey); }
   // A command of the menu, and what is done in its dialog.
@@ -208,18 +212,25 @@ TEST_F(SetupActionsTest, DevicesAreAssignedFromWithinTheDialogs) {
   EXPECT_EQ(assigned[0], "B");
 }
 
-TEST_F(SetupActionsTest, DisplayOptionsOfASessionChangeItsRecord) {
+TEST_F(SetupActionsTest, DisplayOptionsOfASessionChangeNothingElse) {
   wires["A"];
-  open(Kind::orla);
+  open(Kind::tesk2);
   key(Qt::Key_L);
-  ASSERT_TRUE(window->logging().sessionActive());
+  auto& logging = window->logging();
+  const WhenOpen create("Create Data File", [](QDialog& box) { QTest::keyClick(&box, Qt::Key_Return); });
+  QTest::keyClick(&logging, Qt::Key_C);
   {
-    const DialogActor actor(window->logging(), "Display Options", [](QDialog& dialog) { tap(dialog, "ok"); });
-    std::filesystem::remove(settingsFileOf(place));
-    actions->runSessionDisplayOptions(&window->logging());
+    const WhenOpen dialog("Display Options", [this](QDialog& box) {
+      settings.calibrationFactors[2] = 0.125F;  // a calibration has come to its end behind the dialog
+      QTest::mouseClick(&part<QCheckBox>(box, "traceShown0"), Qt::LeftButton);
+      tap(box, "ok");
+    });
+    logging.runCode(102);
+    ASSERT_TRUE(dialog.acted());
   }
-  EXPECT_TRUE(std::filesystem::exists(settingsFileOf(place)));
-  window->logging().leaveAtOnce();
+  EXPECT_EQ(saved().traceShown[0], 0);
+  EXPECT_EQ(saved().calibrationFactors[2], 0.125F);
+  logging.leaveAtOnce();
 }
 
 }  // namespace

@@ -14,12 +14,15 @@
 #include <memory>
 #include <vector>
 
+#include "gps/monitor_window.h"
 #include "logging/commands.h"
 #include "logging/keys.h"
 #include "logging/logging_window.h"
 #include "screen/touch_button_view.h"
 #include "shell/chooser_dialog.h"
+#include "shell/devices_dialog.h"
 #include "shell/main_window.h"
+#include "shell/setup_actions_window.h"
 #include "shots/simulated_port.h"
 
 namespace kalmira::shots {
@@ -29,6 +32,11 @@ constexpr std::uint64_t kRecords = 260;  // more than a chart is wide
 constexpr std::uint64_t kFirstRecords = 40;
 constexpr int kSettling_ms = 150;
 constexpr int kPatience_ms = 10000;
+
+// Two devices, as an adapter and a receiver are named.
+const std::vector<SerialDevice> kDevices{
+    {.path = "/dev/ttyACM0", .stablePath = {}, .description = "GPS receiver"},
+    {.path = "/dev/ttyUSB0", .stablePath = {}, .description = "USB serial adapter"}};
 
 struct Shot {
   RememberedKind instrument;
@@ -64,7 +72,7 @@ Settings surveySettings(RememberedKind instrument) {
   Settings settings;
   settings.audio = 0;
   settings.gpsInput = 1;
-  settings.readingsInterval = 0.05F;
+  settings.readingsInterval = static_cast<float>(instrumentOf(instrument.kind).recordPeriodMs / 1000.0);
   settings.traceWidth.fill(2);
   settings.lineName = "14 N";
   settings.iceDisplay = 1;
@@ -86,6 +94,7 @@ class Stage {
         folder_(folder),
         settings_(surveySettings(shot.instrument)),
         plan_(sim::naturalPlan(shot.instrument.kind, 12)),
+        setup_actions_(setupHost()),
         window_(host()) {
     plan_.sentencePeriod_s = 0.2;
     window_.resize(shot.size);
@@ -98,9 +107,17 @@ class Stage {
  private:
   MainWindowHost host();
   LoggingHost loggingHost();
+  SetupHost setupHost();
   void save(std::string_view what);
   void saveWith(std::string_view what, const QWidget& above);
-  void runAndSave(int code, std::string_view what);
+  // Takes a picture of the dialog or menu that `open` opens, and closes it.
+  void runAndSave(const std::function<void()>& open, std::string_view what);
+  void runCodeAndSave(int code, std::string_view what) {
+    runAndSave([this, code] { window_.logging().runCode(code); }, what);
+  }
+  void takeSetup();
+  void takeMonitor();
+  void settle();
   bool waitFor(const std::function<bool()>& happened);
   void takeQuestion();
 
@@ -113,6 +130,8 @@ class Stage {
   sim::SurveyPlan plan_;
   Allowance allowance_;
   std::string problem_;
+  ComAssignments assigned_;
+  SetupActions setup_actions_;
   MainWindow window_;
 };
 
@@ -133,7 +152,7 @@ LoggingHost Stage::loggingHost() {
           .takeSettingsProblem = {},
           .onLeft = {},
           .endProgram = {},
-          .displayOptions = {}};
+          .displayOptions = [](QWidget*, const Settings&) { return std::optional<Settings>(); }};
 }
 
 MainWindowHost Stage::host() {
@@ -144,7 +163,23 @@ MainWindowHost Stage::host() {
           .sessionBegins = [] {},
           .rememberInstrument = [](RememberedKind) {},
           .rememberNight = [](bool) {},
-          .endProgram = [] {}};
+          .endProgram = [] {},
+          .actions = setup_actions_.menuActions()};
+}
+
+SetupHost Stage::setupHost() {
+  return {.clock = clock_,
+          .storageClass = kDefaultStorageClass,
+          .instrument = [this] { return shot_.instrument; },
+          .settings = [this]() -> Settings& { return settings_; },
+          .saveSettings = [](const Settings&) {},
+          .theme = [this]() -> const Theme& { return shot_.night ? nightTheme() : dayTheme(); },
+          .assigned = assigned_,
+          .presentDevices = [] { return kDevices; },
+          .lookAtDevice = [](const std::string&) { return std::nullopt; },
+          .rememberDevices = [](const ComAssignments&) {},
+          .portFactory = [this] { return std::make_unique<SimulatedPort>(plan_, allowance_); },
+          .cover = [this](QWidget* window) { window_.cover(window); }};
 }
 
 bool Stage::waitFor(const std::function<bool()>& happened) {
@@ -174,8 +209,7 @@ void Stage::saveWith(std::string_view what, const QWidget& above) {
   if (!picture.save(QString::fromStdString(path.string()))) problem_ = "cannot write " + path.string();
 }
 
-// Carries out a code; of the dialog or menu that it opens a picture is taken, and then it is closed.
-void Stage::runAndSave(int code, std::string_view what) {
+void Stage::runAndSave(const std::function<void()>& open, std::string_view what) {
   QTimer watch;
   QObject::connect(&watch, &QTimer::timeout, [&] {
     if (auto* popup = QApplication::activePopupWidget()) {
@@ -187,7 +221,40 @@ void Stage::runAndSave(int code, std::string_view what) {
     }
   });
   watch.start(60);
-  window_.logging().runCode(code);
+  open();
+}
+
+void Stage::takeSetup() {
+  const auto press = [this](MenuCommand command, std::string_view what) {
+    runAndSave([&] { setup_actions_.menuActions()[static_cast<std::size_t>(command)](&window_); }, what);
+  };
+  press(MenuCommand::surveySetup, "survey-setup");
+  press(MenuCommand::loggerSetup, "logger-setup");
+  press(MenuCommand::setGpsPort, "gps-port-setup");
+  press(MenuCommand::displayOptions, "display-options");
+  const DeviceSight sight{.present = [] { return kDevices; },
+                          .look = [](const std::string&) { return std::nullopt; }};
+  runAndSave([&] { runDevicesDialog(&window_, assigned_, sight); }, "devices");
+}
+
+void Stage::takeMonitor() {
+  MonitorGPSWnd monitor({.settings = settings_,
+                         .clock = clock_,
+                         .deviceOf = [](int) { return std::string("gps"); },
+                         .portFactory = [this] { return std::make_unique<SimulatedPort>(plan_, allowance_); },
+                         .onLeft = {}},
+                        shot_.night ? nightTheme() : dayTheme(), &window_);
+  allowance_.sentences = 9;
+  monitor.open();
+  settle();
+  save("gps-monitor");
+  monitor.leave();
+}
+
+void Stage::settle() {
+  QElapsedTimer settling;
+  settling.start();
+  waitFor([&] { return settling.elapsed() > kSettling_ms; });
 }
 
 void Stage::takeQuestion() {
@@ -209,6 +276,8 @@ void Stage::takeQuestion() {
 void Stage::takeAll() {
   QApplication::processEvents();
   save("1-menu");
+  takeSetup();
+  takeMonitor();
   allowance_.records = kFirstRecords;  // a TESK is listened to before the session begins
   if (window_.logging().startLogging() != StartOutcome::started) {
     problem_ = "no session for " + nameOf(shot_, "");
@@ -216,11 +285,9 @@ void Stage::takeAll() {
   }
   auto& session = *window_.logging().session();
   allowance_.sentences = 6;
-  QElapsedTimer settling;
-  settling.start();
-  waitFor([&] { return settling.elapsed() > kSettling_ms; });
+  settle();
   save("2-monitor");
-  runAndSave(0, "create-file");
+  runCodeAndSave(0, "create-file");
   const auto name = session.setup.root / ("SHOT" + std::string(session.instrument.extension));
   createDataFile(session, [&](const std::string&) { return std::optional(name); });
   save("3-stand-by");
@@ -232,12 +299,12 @@ void Stage::takeAll() {
   }
   save("4-logging");
   window_.logging().runCode(0);
-  runAndSave(1, "new-line");
-  runAndSave(2, "new-station");
-  runAndSave(3, "comment");
-  runAndSave(101, "scale");
-  runAndSave(4, "popup-menu");
-  runAndSave(5, "exit");
+  runCodeAndSave(1, "new-line");
+  runCodeAndSave(2, "new-station");
+  runCodeAndSave(3, "comment");
+  runCodeAndSave(101, "scale");
+  runCodeAndSave(4, "popup-menu");
+  runCodeAndSave(5, "exit");
   takeQuestion();
   window_.logging().leaveAtOnce();
 }

@@ -60,7 +60,5 @@ function(kalmira_widget_test name)
     set(label threaded)
     add_dependencies(threaded_tests ${name})
   endif()
-  # What the system's font and image libraries keep until the program's end is not ours to free.
-  gtest_discover_tests(${name} PROPERTIES LABELS ${label} TIMEOUT 120 DISCOVERY_TIMEOUT 60
-    ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/support/leaks.supp")
+  gtest_discover_tests(${name} PROPERTIES LABELS ${label} TIMEOUT 120 DISCOVERY_TIMEOUT 60)
 endfunction()

@@ -85,7 +85,8 @@ FindOutcome findReceiver(Port& port, const std::string& device, const std::vecto
     if (stop) return {.how = How::cancelled};
     onTrial(i);
     if (const auto error = port.open(device, lineOf(trials[i]))) {
-      return {.how = How::cannotOpen, .problem = error->text};
+      if (i == 0) return {.how = How::cannotOpen, .problem = error->text};
+      continue;  // it was open before: a rate that the device does not take
     }
     port.purge();
     std::string sentence;

@@ -247,7 +247,7 @@ bool LoggingWnd::mayClose() {
   const Depth busy(parts_->commandDepth);
   auto& session = parts_->run->session;
   if (session.loggingState != kLogging) return LeaveLogging(session, false);
-  if (!parts_->view.ask(Question::exitLogging, exitQuestion())) return !sessionActive();
+  if (!parts_->view.ask(Question::exitLogging, exitQuestion())) return false;
   leaveAtOnce();
   return true;
 }

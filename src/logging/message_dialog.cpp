@@ -43,6 +43,7 @@ QString wrapped(const QString& paragraph, const QFont& font, int room) {
     lines += paragraph.mid(line.textStart(), line.textLength()).trimmed();
   }
   layout.endLayout();
+  if (lines.size() == 1) return paragraph;  // with the blanks that it may begin with
   return lines.join('\n');
 }
 
@@ -106,7 +107,7 @@ void tellMessage(QWidget* parent, const Message& message) {
   showMessage(box, parent, message);
   box.setEscapeButton(&addButton(box, QMessageBox::Ok, "OK"));
   fitForFingers(box);
-  box.exec();
+  execDialog(box);
 }
 
 EnterMeans enterMeans(Question question) {
@@ -130,7 +131,7 @@ bool askMessage(QWidget* parent, const Message& message, EnterMeans enter, int d
   box.setDefaultButton(enter == EnterMeans::yes ? &yes : &no);
   fitForFingers(box);
   const Deaf deaf(box, deafMs);
-  return box.exec() == QMessageBox::Yes;
+  return execDialog(box) == QMessageBox::Yes;
 }
 
 }  // namespace kalmira

@@ -47,12 +47,16 @@ void showLineAndStation(Session& session) {
   session.view.show(PanelField::station, stationText(session.station));
 }
 
+void showTriggerMode(Session& session) {
+  session.view.show(PanelField::triggerMode, triggerModeWord(session));
+  session.view.show(PanelField::stationLabel, manualStations(session) ? "S  :M" : "Stn:");
+}
+
 void paintPanel(Session& session) {
   showFile(session);
   showState(session);
   showBattery(session);
-  session.view.show(PanelField::triggerMode, triggerModeWord(session));
-  session.view.show(PanelField::stationLabel, manualStations(session) ? "S  :M" : "Stn:");
+  showTriggerMode(session);
   showLineAndStation(session);
   session.view.show(PanelField::gpsNote, session.gpsEnabled() ? "" : "GPS  Input  disabled");
 }

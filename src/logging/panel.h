@@ -8,6 +8,8 @@ namespace kalmira {
 void showFile(Session& session);
 void showState(Session& session);
 void showLineAndStation(Session& session);
+// The trigger mode's word and the station's label, which names it, too.
+void showTriggerMode(Session& session);
 // Everything but the values of the last reading: when the panel appears, and when it must be drawn anew.
 void paintPanel(Session& session);
 

@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include "logging/panel.h"
+
 #include "logging/profile_point.h"
 
 namespace kalmira {
@@ -35,6 +37,7 @@ bool countSample(Session& session) {
   if (session.averaging.sampleCount < session.samplesPerAverage) return false;
   session.averaging.sampleCount = 0;
   session.triggerMode = kModeManual;
+  showTriggerMode(session);  // the panel may have been painted between two samples
   return true;
 }
 

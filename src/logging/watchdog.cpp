@@ -54,6 +54,7 @@ void connectAgain(Session& session) {
   const auto problem = session.ports->OpenInstrumentPort();
   session.instrumentOpen = !problem;
   if (problem) tellPortProblem(session, *problem);
+  if (!session.sessionActive) return;  // left behind that message
   session.clock.pause(kReopenPauseMs);
   session.link.lastRecordTick = session.clock.tick();
   session.ports->startInstrumentReader();
@@ -89,7 +90,9 @@ void onTimer(Session& session) {
   stopTimer(session);
   session.ports->closeInstrumentPort();
   session.linkLost = true;
-  if (session.view.ask(Question::linkLost, linkLostQuestion(session.instrument.kind))) {
+  const bool again = session.view.ask(Question::linkLost, linkLostQuestion(session.instrument.kind));
+  if (!session.sessionActive) return;  // the program was told to end meanwhile
+  if (again) {
     connectAgain(session);
   } else {
     giveUpForGood(session);

@@ -61,11 +61,14 @@ class FormArea final : public QScrollArea {
 // A window that is turned or resized takes its dialog along.
 class Follower final : public QObject {
  public:
-  explicit Follower(QDialog& dialog) : QObject(&dialog), dialog_(dialog) {
+  explicit Follower(QDialog& dialog) : dialog_(dialog) {
     if (auto* parent = dialog.parentWidget()) parent->window()->installEventFilter(this);
   }
   bool eventFilter(QObject*, QEvent* event) override {
-    if (event->type() == QEvent::Resize && dialog_.isVisible()) placeInParent(dialog_);
+    if (event->type() == QEvent::Resize && dialog_.isVisible()) {
+      dialog_.adjustSize();
+      placeInParent(dialog_);
+    }
     return false;
   }
 
@@ -96,6 +99,24 @@ void makeScrollable(QDialog& dialog) {
   delete dialog.layout()->replaceWidget(&form, area);
   area->setWidget(&form);
   form.show();
+}
+
+// The room that the form wants, now that it is filled: layouts within layouts remember what they wanted when
+// they were empty.
+void remeasure(const QDialog& dialog) {
+  auto& form = *part<QWidget>(dialog, "form").layout();
+  form.invalidate();
+  form.activate();
+  for (auto* area : dialog.findChildren<QScrollArea*>()) area->updateGeometry();
+}
+
+// What texts that are wrapped at this width want beyond the form's usual height.
+int wrappedHeight(const QDialog& dialog, int width) {
+  const auto* form = dialog.findChild<QWidget*>("form");
+  if (form == nullptr || form->layout() == nullptr || !form->layout()->hasHeightForWidth()) return 0;
+  const auto margins = dialog.layout()->contentsMargins();
+  const int room = width - margins.left() - margins.right();
+  return std::max(0, form->layout()->totalHeightForWidth(room) - form->sizeHint().height());
 }
 
 void connectButtons(QDialog& dialog) {
@@ -167,7 +188,11 @@ void fitForFingers(QWidget& root) {
     // Buttons have a font of their own from the desktop.
     if (qobject_cast<QAbstractButton*>(control) != nullptr) control->setFont(root.font());
     if (qobject_cast<QToolButton*>(control) != nullptr) control->setMinimumWidth(height);
-    if (auto* box = qobject_cast<QComboBox*>(control)) box->setItemDelegate(new TouchRows(height, box));
+    if (auto* box = qobject_cast<QComboBox*>(control)) {
+      box->setItemDelegate(new TouchRows(height, box));
+      // In a narrow window a list gives way before the form is cut.
+      box->setMinimumWidth(root.fontMetrics().horizontalAdvance(QStringLiteral("COM12:")) + height * 2 / 3);
+    }
   }
   for (auto* list : root.findChildren<QListView*>()) list->setItemDelegate(new TouchRows(height, list));
 }
@@ -179,7 +204,8 @@ void placeInParent(QDialog& dialog) {
   const QSize wished = dialog.sizeHint();
   const int comfortable =
       std::max(wished.width(), kWidestLetters * dialog.fontMetrics().horizontalAdvance('x'));
-  const QSize size = QSize(comfortable, wished.height()).boundedTo(room);
+  const int width = std::min(comfortable, room.width());
+  const QSize size = QSize(width, wished.height() + wrappedHeight(dialog, width)).boundedTo(room);
   dialog.resize(size);
   dialog.move(window->pos() + QPoint((room.width() - size.width()) / 2, 0));
 }
@@ -195,11 +221,19 @@ std::unique_ptr<QDialog> makeDialog(std::string_view name, QWidget* parent) {
   return dialog;
 }
 
-bool runDialog(QDialog& dialog) {
+int execDialog(QDialog& dialog) {
   const Follower follower(dialog);
+  const int result = dialog.exec();
+  // Where no window manager does it, the keyboard would be nobody's.
+  if (auto* parent = dialog.parentWidget()) parent->window()->activateWindow();
+  return result;
+}
+
+bool runDialog(QDialog& dialog) {
+  remeasure(dialog);
   placeInParent(dialog);
   focusFirst(dialog);
-  return dialog.exec() == QDialog::Accepted;
+  return execDialog(dialog) == QDialog::Accepted;
 }
 
 double typedNumber(const QLineEdit& field) {

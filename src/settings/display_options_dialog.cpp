@@ -31,15 +31,6 @@ QString textOf(std::string_view text) {
   return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }
 
-// The room that the form wants, now that it is filled: layouts within layouts remember what they wanted when
-// they were empty.
-void remeasure(const QDialog& dialog) {
-  auto& form = *part<QWidget>(dialog, "form").layout();
-  form.invalidate();
-  form.activate();
-  for (auto* area : dialog.findChildren<QScrollArea*>()) area->updateGeometry();
-}
-
 // A piece of a colour as it will be drawn. The frame tells a pale one from its ground.
 QIcon swatch(const Theme& theme, int colour, int side) {
   QPixmap pixmap(side, side);
@@ -106,7 +97,6 @@ std::optional<int> runTraceColourDialog(QWidget* parent, const Theme& theme, int
       dialog->accept();
     });
   }
-  remeasure(*dialog);
   if (!runDialog(*dialog)) return std::nullopt;
   return settingsColourOf(picker.currentColor());
 }
@@ -252,7 +242,6 @@ std::optional<Settings> runDisplayOptionsDialog(QWidget* parent, const SetupFram
   const auto dialog = makeDialog(displayOptionsTemplate(frame.kind, frame.iceOption), parent);
   if (dialog == nullptr) return std::nullopt;
   DisplayOptions options(*dialog, frame, settings);
-  remeasure(*dialog);
   if (!runDialog(*dialog)) return std::nullopt;
   options.takeGrid();
   return options.changed();

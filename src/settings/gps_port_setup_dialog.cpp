@@ -34,6 +34,9 @@ class Finder {
     button_.setVisible(access.portFactory && access.deviceOf && access.clock != nullptr);
     QObject::connect(&button_, &QPushButton::clicked, &dialog, [this] { search_ ? stop() : start(); });
     QObject::connect(&watch_, &QTimer::timeout, &dialog, [this] { look(); });
+    // What is behind the port may be another device now.
+    QObject::connect(&part<QPushButton>(dialog, "devices"), &QPushButton::clicked, &dialog,
+                     [this] { stop(); });
     for (const auto& list : lists) {
       QObject::connect(&part<QComboBox>(dialog, list.name), &QComboBox::activated, &dialog,
                        [this] { stop(); });

@@ -20,7 +20,6 @@ constexpr double kMostSamples = 100.0;
 constexpr std::size_t kQuotedCharacters = 12;  // of what was typed
 
 constexpr std::array<std::string_view, 3> kModes{"Auto", "Wheel", "Manual"};
-constexpr std::array<std::string_view, 2> kGlacoModes{"Auto", "Manual"};
 
 constexpr std::array<std::string_view, 2> kOrlaDisplay{"Cond./Inphase", "Inphase"};
 constexpr std::array<std::string_view, 3> kComponents{"Both", "Inphase", "Conductivity"};
@@ -84,12 +83,8 @@ std::string quoted(std::string_view typed) {
 
 }  // namespace
 
-Names surveyModeNames(Kind kind) {
-  return kind == Kind::glaco ? Names(kGlacoModes) : Names(kModes);
-}
-
-int shownSurveyMode(Kind kind, const Settings& settings) {
-  return std::min(surveyModeOf(settings), static_cast<int>(surveyModeNames(kind).size()) - 1);
+Names surveyModeNames() {
+  return kModes;
 }
 
 SurveyList surveyListA(Kind kind, int mode) {

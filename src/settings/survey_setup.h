@@ -12,11 +12,8 @@
 // first line begins. Which choices there are depends on the kind, and on the survey mode.
 namespace kalmira {
 
-// The names of the survey modes, by mode. A GLACO is read from its own button, which the program sees as
-// mode 1: it has no wheel, and its second mode is its last.
-std::span<const std::string_view> surveyModeNames(Kind kind);
-// The mode of the settings as a position of that list.
-int shownSurveyMode(Kind kind, const Settings& settings);
+// The names of the survey modes, by mode. The panel calls a GLACO's second mode "Manual", too.
+std::span<const std::string_view> surveyModeNames();
 
 // One of the two lists of a kind in a mode.
 struct SurveyList {

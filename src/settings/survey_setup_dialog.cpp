@@ -48,15 +48,6 @@ void fill(QComboBox& box, std::span<const std::string_view> entries, int positio
   box.setCurrentIndex(position);
 }
 
-// The room that the form wants, now that it is filled: layouts within layouts remember what they wanted when
-// they were empty.
-void remeasure(const QDialog& dialog) {
-  auto& form = *part<QWidget>(dialog, "form").layout();
-  form.invalidate();
-  form.activate();
-  for (auto* area : dialog.findChildren<QScrollArea*>()) area->updateGeometry();
-}
-
 // The dialog while it is open. Each mode has its own station increment and, in some kinds, its own lists;
 // what is chosen for a mode stays while the operator looks at another.
 class SurveySetup {
@@ -107,10 +98,10 @@ SurveySetup::SurveySetup(QDialog& dialog, const SetupFrame& frame, const Setting
     : dialog_(dialog),
       kind_(frame.kind),
       settings_(settings),
-      mode_(shownSurveyMode(kind_, settings)),
+      mode_(surveyModeOf(settings)),
       list_a_(surveyListA, kind_, settings.surveyListA, mode_),
       list_b_(surveyListB, kind_, settings.surveyListB, mode_) {
-  fill(piece<QComboBox>("surveyMode"), surveyModeNames(kind_), mode_);
+  fill(piece<QComboBox>("surveyMode"), surveyModeNames(), mode_);
   piece<QLabel>("stationIncrementLabel")
       .setText(settings.lengthUnits == 1 ? "Stn Increm., ft" : "Stn Increm., m");
   fillLine();
@@ -285,7 +276,6 @@ std::optional<Settings> runSurveySetupDialog(QWidget* parent, const SetupFrame& 
   const auto dialog = makeDialog(surveySetupTemplate(frame.kind, frame.portrait, frame.storageClass), parent);
   if (dialog == nullptr) return std::nullopt;
   const SurveySetup setup(*dialog, frame, settings);
-  remeasure(*dialog);
   if (!runDialog(*dialog)) return std::nullopt;
   return setup.changed();
 }

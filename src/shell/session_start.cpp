@@ -95,6 +95,7 @@ void startReaders(Session& session) {
       session.ports->startMarkerReader();
     }
   }
+  if (!session.sessionActive) return;  // left behind that message
   session.clock.pause(kReaderPauseMs);
   startTimer(session);
   if (!session.gpsEnabled()) return;
@@ -136,6 +137,7 @@ StartOutcome startSession(Session& session) {
   session.linkActive = true;
   session.instrumentOpen = true;
   startReaders(session);
+  if (!session.sessionActive) return StartOutcome::refused;
   session.inputEnabled = true;
   paintPanel(session);
   return StartOutcome::started;

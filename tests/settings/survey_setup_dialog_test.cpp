@@ -106,7 +106,7 @@ constexpr std::array<KindCase, kKindCount> kKinds{
       "Both,Inphase,Conductivity,Inphase", "Vertical,Horizontal,Both,Both", "s"},
      {Kind::vardo, "Auto,Wheel,Manual,Auto", "", "V10,V20,V40,H10,H20,H40,V40", "", "1,2,3,4,5,6,1", "s"},
      {Kind::mirka, "Auto,Wheel,Manual,Auto", "", "", "", "", "s"},
-     {Kind::glaco, "Auto,Manual,Auto", "", "", "", "", ""},
+     {Kind::glaco, "Auto,Wheel,Manual,Auto", "", "", "", "", ""},
      {Kind::tesk2, "Auto,Wheel,Manual,Auto", "ppt,Unscaled,Unscaled", "Vertical,Horizontal,Both,Both",
       "ppt,Unscaled,Unscaled", "Vertical,Horizontal,Both,Both", "s"}}};
 
@@ -132,7 +132,7 @@ TEST_P(SurveySetupOf, HasTheListsOfItsKindAndGreysWhatTheModeDoesNotUse) {
       tapOk(dialog);
     });
     ASSERT_TRUE(saved);
-    EXPECT_EQ(saved->surveyMode, c.kind == Kind::glaco ? kModeWheel : kModeManual);
+    EXPECT_EQ(saved->surveyMode, kModeManual);
     EXPECT_EQ(saved->surveyListA, *c.listA == '\0' ? 0 : 1);
     EXPECT_EQ(saved->surveyListB, *c.listB == '\0' || c.kind == Kind::vardo ? 0 : 2);
   }

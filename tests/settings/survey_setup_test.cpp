@@ -40,17 +40,6 @@ TEST(SurveyLists, AreThoseOfKindAndMode) {
   }
 }
 
-TEST(SurveyModes, GlacoHasTwoAndBadOnesAreAuto) {
-  EXPECT_THAT(surveyModeNames(Kind::orla), ElementsAre("Auto", "Wheel", "Manual"));
-  EXPECT_THAT(surveyModeNames(Kind::glaco), ElementsAre("Auto", "Manual"));
-  Settings settings;
-  settings.surveyMode = kModeManual;
-  EXPECT_EQ(shownSurveyMode(Kind::glaco, settings), kModeWheel);
-  EXPECT_EQ(shownSurveyMode(Kind::orla, settings), kModeManual);
-  settings.surveyMode = -7;
-  EXPECT_EQ(shownSurveyMode(Kind::orla, settings), kModeAuto);
-}
-
 TEST(ModeChoices, AreSharedByModesThatMeanTheSame) {
   ModeChoices component(surveyListA, Kind::tesk, 0, kModeManual);
   EXPECT_EQ(component.value(kModeManual), 0);

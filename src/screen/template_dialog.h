@@ -38,8 +38,8 @@ Widget& part(const QDialog& dialog, const char* objectName) {
 // true when it was accepted. Readings go on meanwhile, and anybody may reject() it.
 bool runDialog(QDialog& dialog);
 
-// For every dialog: waits until it is closed, and gives its result. It stays within its parent's window when that
-// is turned or resized, and gives the keyboard back to it.
+// For every dialog: waits until it is closed, and gives its result. It stays within its parent's window when
+// that is turned or resized, and gives the keyboard back to it.
 int execDialog(QDialog& dialog);
 
 // What stands in a field, as a decimal number with a full stop; what is no finite number is 0.

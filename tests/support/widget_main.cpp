@@ -11,6 +11,12 @@ extern "C" const char* __lsan_default_suppressions() {  // NOLINT(bugprone-reser
   return "leak:libfontconfig\nleak:libQt6\n";
 }
 
+// Qt is not built for the thread sanitizer: what its libraries do between themselves, by means the sanitizer
+// does not see, looks like races. What our code does with our threads is still watched.
+extern "C" const char* __tsan_default_suppressions() {  // NOLINT(bugprone-reserved-identifier,cert-dcl*)
+  return "called_from_lib:libQt6Core.so\ncalled_from_lib:libQt6Gui.so\ncalled_from_lib:libQt6Widgets.so\n";
+}
+
 int main(int argc, char** argv) {
   testing::InitGoogleMock(&argc, argv);
   // What the offscreen platform cannot do is not news.

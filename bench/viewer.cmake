@@ -1,0 +1,3 @@
+kalmira_bench(viewer_bench
+  SOURCES viewer_bench.cpp
+  LINKS kalmira_viewer kalmira_records)

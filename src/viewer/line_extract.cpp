@@ -1,0 +1,197 @@
+#include "viewer/line_extract.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "datafile/record_parse.h"
+#include "datafile/record_times.h"
+#include "platform/text.h"
+
+namespace kalmira {
+namespace {
+
+constexpr int kBreakRows = 4;
+
+// A number from a column (from 1) on; 0 when there is none.
+double numberFrom(std::string_view record, std::size_t column) {
+  const double value = parseReal(record.substr(column - 1));
+  return std::isfinite(value) ? value : 0.0;
+}
+
+// A station's readings that wait for the station to be whole.
+struct PendingRow {
+  int count = 0;  // of readings; 0: none
+  Channels channels;
+  std::array<float, 2> extras{};
+  RowPlace place;
+};
+
+class Extraction {
+ public:
+  Extraction(const ScannedFile& file, const ExtractOptions& options, RowWriter& writer, ExtractedLine& out)
+      : file_(file), writer_(writer), out_(out), tesk2_(file.header.kind == Kind::tesk2) {
+    ascii_.teskRangeTimes10 = options.teskRangeTimes10;
+    ascii_.orlaModelOption = file.header.shortInstrument;
+    ascii_.orlaAltInphase = file.header.kind == Kind::orla && file.header.listA == 1;
+    ascii_.gpsLoggingMode = file.header.surveyMode;
+  }
+
+  // Any record of the line behind its name.
+  void take(const Record& record) {
+    switch (recordTypeOf(record.bytes)) {
+      case RecordType::startStation:
+        if (opening_) start_ = numberFrom(record.bytes, 2);
+        break;
+      case RecordType::direction:
+        if (opening_) takeIncrement(record.bytes);
+        break;
+      case RecordType::calibration:
+        takeCalibration(record.bytes);
+        break;
+      case RecordType::date:
+        if (const auto date = parseDate(record.bytes)) times_.takeDate(*date);
+        break;
+      case RecordType::timeMark:
+        if (const auto mark = parseTimeMark(record.bytes)) times_.takeMark(*mark);
+        break;
+      case RecordType::station:
+        takeStation(record);
+        break;
+      case RecordType::reading:
+        takeReading(record);
+        break;
+      default:
+        break;
+    }
+  }
+
+ private:
+  // The line's own "B" and "A" stand before its first reading; further ones are strays. Sentences of the
+  // satellite receiver, which come whenever they come, may stand between them.
+  void takeIncrement(std::string_view record) {
+    increment_ = numberFrom(record, 3);
+    station_ = start_ - increment_;
+    opening_ = false;
+  }
+
+  void takeCalibration(std::string_view record) {
+    if (!tesk2_ || record[1] < '1' || record[1] > '6') return;
+    factors_[static_cast<std::size_t>(record[1] - '1')] = static_cast<float>(numberFrom(record, 3));
+  }
+
+  void takeStation(const Record& record) {
+    opening_ = false;
+    const RowPlace place{.offset = record.offset, .timeOfDayMs = RowPlace::kNoTime};
+    for (int i = 0; i < kBreakRows; ++i) {
+      writer_.appendBreakRow();
+      out_.rows.push_back(place);
+      if (tesk2_) out_.extras.push_back({});
+    }
+    station_ = numberFrom(record.bytes, 2) - increment_;
+  }
+
+  void takeReading(const Record& record) {
+    opening_ = false;
+    if (readingRepeat(record.bytes) == 1) {
+      station_ += increment_;
+      // The station before was not whole. Its row bears the number of the one that begins here.
+      if (pending_.count > 0) writeRow();
+      pending_.count = 1;
+    } else {
+      pending_.count = std::max(pending_.count, 1) + 1;
+    }
+    decodeInto(record);
+    if (pending_.count == file_.readingsPerStation) writeRow();
+  }
+
+  void decodeInto(const Record& record) {
+    if (pending_.place.offset == 0) {
+      pending_.place.offset = record.offset;
+      pending_.place.timeOfDayMs = timeOf(record.bytes);
+    }
+    const auto text = readingText(record.bytes);
+    Channels decoded;
+    if (tesk2_) {
+      char orientation = 'H';
+      char mode = 'N';
+      DecodeTesk2Record(text, tesk2Offsets(factors_), file_.header.listA == 1, decoded, orientation, mode);
+      pending_.extras = tesk2AuxiliaryValues(text);
+    } else {
+      AsciiReading reading;
+      DecodeAsciiRecord(text, file_.header.kind, ascii_, reading, decoded);
+    }
+    for (std::size_t slot = 0; slot < kSlots; ++slot) {
+      if (decoded.present[slot] == 0) continue;
+      pending_.channels.present[slot] = 1;
+      pending_.channels.value[slot] = decoded.value[slot];
+    }
+  }
+
+  std::uint32_t timeOf(std::string_view record) const {
+    const auto tick = parseTick(record);
+    const auto moment = tick ? times_.at(*tick) : std::nullopt;
+    return moment ? moment->timeOfDayMs : RowPlace::kNoTime;
+  }
+
+  void writeRow() {
+    writer_.appendRow(station_, pending_.channels);
+    out_.rows.push_back(pending_.place);
+    if (tesk2_) out_.extras.push_back(pending_.extras);
+    pending_ = {};
+  }
+
+  const ScannedFile& file_;
+  RowWriter& writer_;
+  ExtractedLine& out_;
+  bool tesk2_;
+  AsciiOptions ascii_;
+  RecordTimes times_;
+  bool opening_ = true;  // the increment has not come yet
+  double start_ = 0;
+  double increment_ = 0;
+  double station_ = 0;
+  std::array<float, 6> factors_{};
+  PendingRow pending_;
+};
+
+// Stands behind the line's name record when it returns true.
+bool goToLine(RecordReader& reader, std::uint64_t offset) {
+  reader.seek(offset);
+  Record record;
+  return reader.next(record) && record.offset == offset && record.bytes[0] == tag::kLine;
+}
+
+ViewerError readError(const FileError& error) {
+  if (error.kind == FileErrorKind::none) return {};
+  return {ViewerErrorKind::cannotRead, "The data file " + error.text};
+}
+
+}  // namespace
+
+ViewerError ExtractLine(RecordReader& reader, const ScannedFile& file, std::size_t line,
+                        const RowFiles& rowFiles, const ExtractOptions& options, ExtractedLine& extracted) {
+  extracted = {};
+  extracted.line = line;
+  RowWriter writer;
+  if (auto error = writer.open(rowFiles); error.kind != ViewerErrorKind::none) return error;
+  if (line < 1 || line > file.lines.size()) return {ViewerErrorKind::noSuchLine, "The file has no such line"};
+  const auto begin = file.lines[line - 1].offset;
+  if (!goToLine(reader, begin)) {
+    if (auto error = readError(reader.error()); error.kind != ViewerErrorKind::none) return error;
+    return {ViewerErrorKind::noSuchLine, "The line is no longer in the file"};
+  }
+  extracted.begin = begin;
+  extracted.end = begin + static_cast<std::uint64_t>(reader.recordLength());
+
+  Extraction extraction(file, options, writer, extracted);
+  Record record;
+  while (!writer.failed() && reader.next(record)) {
+    if (record.bytes[0] == tag::kLine) break;
+    extraction.take(record);
+    extracted.end = record.offset + record.bytes.size();
+  }
+  const auto written = writer.finish();
+  return written.kind != ViewerErrorKind::none ? written : readError(reader.error());
+}
+
+}  // namespace kalmira

@@ -1,0 +1,71 @@
+#pragma once
+
+#include <cstddef>
+
+// Where the operator stands in a line: which rows the plot shows and which of them the bar marks. Rows and
+// bar count from 1.
+namespace kalmira {
+
+inline constexpr int kPageStep = 80;  // rows
+inline constexpr int kBarAtOpening = 50;
+
+struct Navigation {
+  int pointsInView = 1;  // columns of the plot, one a station
+  int firstRow = 1;
+  int lastRow = 0;
+  int totalRows = 0;
+  int bar = kBarAtOpening;  // 1 to pointsInView, within the view
+  int previousBar = kBarAtOpening;
+  std::size_t selectedLine = 0;  // index in the line list
+  bool fileOpen = false;
+};
+
+// The row that the bar marks; below 1 or above totalRows: there is none.
+constexpr int rowAtBar(const Navigation& state) {
+  return state.firstRow + state.bar - 1;
+}
+
+// Commands by number; a button's identifier is kFirstCommandId plus the number.
+enum class ViewCommand {
+  lineStart = 0,
+  pageLeft,
+  barLeft,
+  barRight,
+  pageRight,
+  lineEnd,
+  openFile,
+  scale,
+  exit,
+  help,
+  lineList,
+};
+inline constexpr int kFirstCommandId = 480;
+
+// What is to be done after a command.
+struct ViewStep {
+  bool load = false;     // the rows from firstRow on into points 1 to pointsInView
+  bool readout = false;  // show the station at the bar
+  bool redraw = false;   // the plot, and with it the readout
+  bool moveBar = false;  // erase it at previousBar, draw it at bar
+};
+
+// Every command begins with it: two pixels of the plot's width are its frame. The rows in view follow.
+void setPlotWidth(Navigation& state, int plotWidth);
+
+// Commands lineStart to lineEnd; the others do nothing here. Without an open file nothing happens.
+ViewStep moveView(Navigation& state, ViewCommand command);
+
+// An entry of the line list was confirmed. True: another line than the present one, to be extracted;
+// then call lineExtracted. False: only redraw.
+bool selectLine(Navigation& state, std::size_t index);
+ViewStep lineExtracted(Navigation& state, int totalRows);
+
+// A file was opened and its first line extracted (`totalRows` 0 where it has none).
+ViewStep fileOpened(Navigation& state, int totalRows);
+void fileClosed(Navigation& state);
+
+// The view begins so that `row` stands in its middle, as far as the line goes; the bar moves onto the row.
+// For a tap into the overview.
+ViewStep goToRow(Navigation& state, int row);
+
+}  // namespace kalmira

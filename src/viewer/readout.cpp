@@ -1,0 +1,324 @@
+#include "viewer/readout.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <string_view>
+
+#include "datafile/record_parse.h"
+#include "datafile/record_times.h"
+#include "platform/text.h"
+
+namespace kalmira {
+namespace {
+
+// A station has a few dozen records at most; what a damaged file holds more must not hold up the screen.
+constexpr int kMostRecords = 2000;
+constexpr std::size_t kMostNotes = 40;
+
+constexpr double kMetresPerFoot = 0.3048;
+constexpr int kThicknessTrace = 4;
+
+// --- what stands at a station ---
+
+using Moment = std::optional<std::uint32_t>;
+
+// "HHMMSS" and two digits of hundredths in columns 14 to 21.
+Moment timeOfStation(std::string_view record) {
+  std::uint32_t value = 0;
+  for (const char c : record.substr(13, 8)) {
+    if (c < '0' || c > '9') return std::nullopt;
+    value = value * 10 + static_cast<std::uint32_t>(c - '0');
+  }
+  const std::uint32_t hour = value / 1000000;
+  const std::uint32_t minute = value / 10000 % 100;
+  const std::uint32_t second = value / 100 % 100;
+  return ((hour * 60 + minute) * 60 + second) * 1000 + value % 100 * 10;
+}
+
+class NoteCollector {
+ public:
+  NoteCollector(const ScannedFile& file, StationNotes& notes) : header_(file.header), notes_(notes) {}
+
+  // The station's first reading ties the ticks to the clock until a time mark does.
+  void takePlace(const RowPlace& place) { place_ = place; }
+
+  void take(const Record& record) {
+    const auto bytes = record.bytes;
+    switch (recordTypeOf(bytes)) {
+      case RecordType::timeMark:
+        if (const auto mark = parseTimeMark(bytes)) times_.takeMark(*mark);
+        break;
+      case RecordType::comment:
+        add(NoteKind::comment, parseNote(bytes), timeOf(bytes));
+        break;
+      case RecordType::event:
+        add(NoteKind::event, parseNote(bytes), timeOf(bytes));
+        break;
+      case RecordType::station:
+        add(NoteKind::newStation, std::string(trimmedStation(bytes)), timeOfStation(bytes));
+        break;
+      case RecordType::reading:
+        takeReading(record);
+        break;
+      default:
+        break;
+    }
+  }
+
+ private:
+  static std::string_view trimmedStation(std::string_view record) {
+    const auto text = record.substr(1, 11);
+    const auto first = text.find_first_not_of(' ');
+    return first == std::string_view::npos ? std::string_view() : text.substr(first);
+  }
+
+  void takeReading(const Record& record) {
+    const auto tick = parseTick(record.bytes);
+    if (tick && record.offset == place_.offset && place_.timeOfDayMs != RowPlace::kNoTime)
+      times_.takeMark({.timeOfDayMs = place_.timeOfDayMs, .tick = *tick});
+    const auto text = readingText(record.bytes);
+    char mode = 'N';
+    if (header_.kind == Kind::tesk2) {
+      Channels channels;
+      char orientation = 'H';
+      DecodeTesk2Record(text, {}, false, channels, orientation, mode);
+    } else {
+      Channels channels;
+      AsciiReading reading;
+      DecodeAsciiRecord(text, header_.kind, {}, reading, channels);
+      mode = reading.secondMode;
+      if (header_.kind == Kind::orla && reading.odd != 0) notes_.batteryLevels = true;
+    }
+    // In the other modes the trigger is what takes every reading.
+    if (mode == 'M' && header_.surveyMode == kModeAuto) add(NoteKind::mark, "Mark", timeOf(record.bytes));
+  }
+
+  Moment timeOf(std::string_view record) const {
+    const auto tick = parseTick(record);
+    const auto moment = tick ? times_.at(*tick) : std::nullopt;
+    return moment ? Moment(moment->timeOfDayMs) : std::nullopt;
+  }
+
+  void add(NoteKind kind, const std::string& text, Moment time) {
+    if (notes_.notes.size() < kMostNotes) {
+      notes_.notes.push_back({kind, narrow(text), time});
+    } else {
+      notes_.more = true;
+    }
+  }
+
+  const Header1& header_;
+  StationNotes& notes_;
+  RowPlace place_;
+  RecordTimes times_;
+};
+
+bool hasRow(const ExtractedLine& line, int row) {
+  return row >= 1 && row <= line.rowCount();
+}
+
+// Where the next station's records begin. Break rows share one place, and a row that was written late has an
+// earlier one than the break rows before it.
+std::uint64_t endOfRow(const ExtractedLine& line, int row) {
+  const auto own = line.rows[static_cast<std::size_t>(row - 1)].offset;
+  const auto next = std::find_if(line.rows.begin() + row, line.rows.end(),
+                                 [&](const RowPlace& place) { return place.offset > own; });
+  return next == line.rows.end() ? line.end : next->offset;
+}
+
+// --- the values ---
+
+struct ChannelText {
+  std::string_view label;
+  std::string_view unit;
+};
+using ChannelTexts = std::array<ChannelText, kSlots>;
+
+constexpr std::string_view kConductivityUnit = "mS/m";
+constexpr std::string_view kInphaseUnit = "ppt";
+
+// A slot without a label is not used by the kind.
+constexpr ChannelTexts kDipoleTexts{
+    {{"C V", kConductivityUnit}, {"C H", kConductivityUnit}, {"I V", kInphaseUnit}, {"I H", kInphaseUnit}}};
+constexpr ChannelTexts kVardoTexts{{{"C V10", kConductivityUnit},
+                                    {"C V20", kConductivityUnit},
+                                    {"C V40", kConductivityUnit},
+                                    {"C H10", kConductivityUnit},
+                                    {"C H20", kConductivityUnit},
+                                    {"C H40", kConductivityUnit}}};
+constexpr ChannelTexts kMirkaTexts{{{"C", kConductivityUnit}, {}, {"I", kInphaseUnit}}};
+constexpr ChannelTexts kGlacoTexts{{{"Th", "m"}, {}, {"I", kInphaseUnit}}};
+constexpr ChannelTexts kTesk2Texts{{{"C1 V", kConductivityUnit},
+                                    {"C1 H", kConductivityUnit},
+                                    {"I1 V", kInphaseUnit},
+                                    {"I1 H", kInphaseUnit},
+                                    {"C2 V", kConductivityUnit},
+                                    {"C2 H", kConductivityUnit},
+                                    {"I2 V", kInphaseUnit},
+                                    {"I2 H", kInphaseUnit}}};
+
+const ChannelTexts& channelTexts(Kind kind) {
+  switch (kind) {
+    case Kind::vardo:
+      return kVardoTexts;
+    case Kind::mirka:
+      return kMirkaTexts;
+    case Kind::glaco:
+      return kGlacoTexts;
+    case Kind::tesk2:
+      return kTesk2Texts;
+    default:
+      return kDipoleTexts;
+  }
+}
+
+// No "-0.00": the sign of what was rounded away says nothing to anybody.
+std::string twoDecimals(double value) {
+  return fmt::format("{:.2f}", std::abs(value) < 0.005 ? 0.0 : value);
+}
+
+std::string timeText(std::uint32_t timeOfDayMs) {
+  const std::uint32_t seconds = timeOfDayMs / 1000;
+  return fmt::format("{:02}:{:02}:{:02}", seconds / 3600, seconds / 60 % 60, seconds % 60);
+}
+
+ReadoutField thicknessField(const ScannedFile& file, float thickness) {
+  ReadoutField field{.label = "Th", .value = "out of range", .unit = "", .trace = kThicknessTrace};
+  if (thickness < 0.0F) return field;
+  const bool feet = file.header.lengthUnits == 1;
+  const double metres = static_cast<double>(thickness);
+  field.value = twoDecimals(feet ? metres / kMetresPerFoot : metres);
+  field.unit = feet ? "ft" : "m";
+  return field;
+}
+
+void addChannels(const ScannedFile& file, const StationPoint& point, std::vector<ReadoutField>& fields) {
+  const auto& texts = channelTexts(file.header.kind);
+  // The operator asked for the instrument's own counts in place of parts per thousand.
+  const bool unscaled = file.header.kind == Kind::tesk2 && file.header.listA == 1;
+  for (std::size_t slot = 0; slot < kSlots; ++slot) {
+    if (point.channels.present[slot] == 0 || texts[slot].label.empty()) continue;
+    const bool noUnit = unscaled && texts[slot].unit == kInphaseUnit;
+    fields.push_back({.label = std::string(texts[slot].label),
+                      .value = twoDecimals(static_cast<double>(point.channels.value[slot])),
+                      .unit = noUnit ? std::string() : std::string(texts[slot].unit),
+                      .trace = static_cast<int>(slot)});
+  }
+}
+
+// --- the scales ---
+
+int whole(float value) {
+  return std::isfinite(value) ? static_cast<int>(std::clamp(value, -1e9F, 1e9F)) : 0;
+}
+
+std::string wholeScale(char letter, float minimum, float maximum) {
+  return fmt::format("{}:{}/{}", letter, whole(minimum), whole(maximum));
+}
+
+std::string thicknessScale(float minimum, float maximum) {
+  return fmt::format("T:{:.1f}/{:.1f}", static_cast<double>(minimum), static_cast<double>(maximum));
+}
+
+// Which of the two scales the file's curves stand on. TESK and TESKDD may have logged one component alone.
+struct CurveScales {
+  bool conductivity = true;
+  bool inphase = true;
+};
+CurveScales curveScales(const Header1& header) {
+  switch (header.kind) {
+    case Kind::orla:
+      return {.conductivity = header.listA != 1, .inphase = true};
+    case Kind::teskdd:
+    case Kind::tesk:
+      return {.conductivity = header.listA != 1, .inphase = header.listA != 2};
+    case Kind::vardo:
+    case Kind::mirka:
+      return {.conductivity = true, .inphase = false};
+    default:
+      return {};
+  }
+}
+
+std::string_view kindWord(NoteKind kind) {
+  switch (kind) {
+    case NoteKind::comment:
+      return "Comment: ";
+    case NoteKind::event:
+      return "Event: ";
+    case NoteKind::newStation:
+      return "New station ";
+    case NoteKind::mark:
+      break;
+  }
+  return "";
+}
+
+}  // namespace
+
+StationNotes readStationNotes(RecordReader& reader, const ScannedFile& file, const ExtractedLine& line,
+                              int row) {
+  StationNotes notes;
+  if (!hasRow(line, row)) return notes;
+  const auto& place = line.rows[static_cast<std::size_t>(row - 1)];
+  const auto end = endOfRow(line, row);
+  reader.seek(row == 1 ? line.begin : place.offset);
+  NoteCollector collector(file, notes);
+  collector.takePlace(place);
+  Record record;
+  int count = 0;
+  while (reader.next(record) && record.offset < end) {
+    collector.take(record);
+    if (++count < kMostRecords) continue;
+    notes.more = true;
+    break;
+  }
+  return notes;
+}
+
+std::vector<ReadoutField> readoutFields(const ScannedFile& file, const ExtractedLine& line, int row,
+                                        const StationPoint& point) {
+  std::vector<ReadoutField> fields;
+  if (!hasRow(line, row)) return fields;
+  fields.push_back({.label = "Stn", .value = point.valid ? twoDecimals(point.station) : "-", .unit = ""});
+  const auto time = line.rows[static_cast<std::size_t>(row - 1)].timeOfDayMs;
+  if (time != RowPlace::kNoTime) fields.push_back({.label = "Time", .value = timeText(time), .unit = ""});
+  if (!point.valid) return fields;
+  addChannels(file, point, fields);
+  if (point.hasThickness) fields.push_back(thicknessField(file, point.thickness));
+  if (!point.hasExtras) return fields;
+  constexpr std::array<std::string_view, 2> kExtraLabels{"T", "t"};
+  for (std::size_t i = 0; i < kExtraLabels.size(); ++i) {
+    fields.push_back({.label = std::string(kExtraLabels[i]),
+                      .value = twoDecimals(static_cast<double>(point.extras[i])),
+                      .unit = "",
+                      .trace = static_cast<int>(kSlots + i)});
+  }
+  return fields;
+}
+
+std::string readoutText(const ReadoutField& field) {
+  return field.unit.empty() ? fmt::format("{}: {}", field.label, field.value)
+                            : fmt::format("{}: {} {}", field.label, field.value, field.unit);
+}
+
+std::string noteText(const StationNote& note) {
+  const std::string time = note.timeOfDayMs ? timeText(*note.timeOfDayMs) + ' ' : std::string();
+  return fmt::format("{}{}{}", time, kindWord(note.kind), note.text);
+}
+
+std::string scaleStatusText(const ScannedFile& file, const Settings& settings) {
+  const auto inphase = wholeScale('I', settings.inphaseMinimum, settings.inphaseMaximum);
+  if (file.iceThickness) return thicknessScale(settings.iceMinimum, settings.iceMaximum) + "  " + inphase;
+  if (file.header.kind == Kind::glaco)
+    return thicknessScale(settings.conductivityMinimum, settings.conductivityMaximum) + "  " + inphase;
+  const auto scales = curveScales(file.header);
+  auto conductivity = wholeScale('C', settings.conductivityMinimum, settings.conductivityMaximum);
+  if (!scales.inphase) return conductivity;
+  return scales.conductivity ? conductivity + "  " + inphase : inphase;
+}
+
+}  // namespace kalmira

@@ -1,0 +1,125 @@
+#include "viewer/plot_points.h"
+
+#include <fmt/format.h>
+
+#include "viewer/viewed_file.h"
+
+namespace kalmira {
+namespace {
+
+constexpr int kHeight = 100;  // 10 pixels a mS/m, 5 a ppt
+
+// Writes down what is drawn of the traces.
+class TraceCanvas final : public ChartCanvas {
+ public:
+  void clear() override { drawn.clear(); }
+  void scrollLeft(int) override { ADD_FAILURE(); }
+  void eraseColumns(int, int) override { ADD_FAILURE(); }
+  void gridPiece(int, int, int, int) override { ++gridLines; }
+  void line(int x1, int y1, int x2, int y2, int colour, int width) override {
+    drawn.push_back(fmt::format("{}:{} {},{}-{},{}", colour, width, x1, y1, x2, y2));
+  }
+  void point(int x, int y, int colour, int width) override {
+    drawn.push_back(fmt::format("{}:{} {},{}", colour, width, x, y));
+  }
+  std::vector<std::string> drawn;
+  int gridLines = 0;
+};
+
+using Drawn = std::vector<std::string>;
+
+StationPoint stationPoint(std::size_t slot, float value) {
+  StationPoint point{.valid = true, .station = 1, .channels = {}};
+  point.channels.present[slot] = 1;
+  point.channels.value[slot] = value;
+  return point;
+}
+
+Settings plainSettings() {
+  Settings settings;
+  for (std::size_t i = 0; i < kTraces; ++i) settings.traceColour[i] = static_cast<int>(i);
+  settings.traceWidth[2] = 3;
+  return settings;
+}
+
+TEST(StationPlot, joinsStationsButNotOverBreaks) {
+  auto settings = plainSettings();
+  const ViewedFile viewed(kOrla);
+  const std::vector<StationPoint> points{stationPoint(0, 5), stationPoint(2, 0), stationPoint(0, 6),
+                                         StationPoint{},     stationPoint(0, 7), stationPoint(0, 8)};
+  TraceCanvas canvas;
+  DrawStationPlot(canvas, plotSetup(viewed.file, settings, 102, kHeight), points);
+  EXPECT_EQ(canvas.drawn, (Drawn{"0:1 1,50", "2:3 2,50", "0:1 1,50-3,40", "0:1 5,30", "0:1 5,30-6,20"}));
+  EXPECT_EQ(canvas.gridLines, 4);
+  settings.traceShown[0] = 0;
+  DrawStationPlot(canvas, plotSetup(viewed.file, settings, 102, kHeight), points);
+  EXPECT_EQ(canvas.drawn, (Drawn{"2:3 2,50"}));
+}
+
+TEST(StationPlot, drawsWhatTheFileHolds) {
+  const auto settings = plainSettings();  // of an instrument in its first display
+  TraceCanvas canvas;
+  // Ice thickness alone, on its own scale of 9 to 10 m.
+  auto ice = stationPoint(4, 9.5F);
+  ice.channels.present[1] = 1;
+  DrawStationPlot(canvas, plotSetup(ViewedFile(kOrlaIce).file, settings, 102, kHeight), std::span(&ice, 1));
+  EXPECT_EQ(canvas.drawn, (Drawn{"4:1 1,50"}));
+  // A TESK2 file in instrument counts shows the auxiliary values, too.
+  auto tesk2 = stationPoint(0, 5);
+  tesk2.extras = {1, 2};
+  const auto setup = plotSetup(ViewedFile("TESK2   W230GRD00011     \n").file, settings, 102, kHeight);
+  DrawStationPlot(canvas, setup, std::span(&tesk2, 1));
+  EXPECT_EQ(canvas.drawn, (Drawn{"0:1 1,50", "1:1 1,90", "5:1 1,80"}));
+}
+
+TEST(StationPlot, labelsWithRoom) {
+  std::vector<StationPoint> points(7, stationPoint(0, 1));
+  for (std::size_t i = 0; i < points.size(); ++i) points[i].station = static_cast<double>(i) / 2;
+  points[0].valid = points[3].valid = false;
+  const auto labels = stationLabels(points, 2);
+  Drawn texts;
+  for (const auto& label : labels) texts.push_back(fmt::format("{} {}", label.column, label.text));
+  EXPECT_EQ(texts, (Drawn{"2 0.50", "5 2.00", "7 3.00"}));
+}
+
+TEST(Overview, leastAndLargestOfEveryColumn) {
+  std::string bytes = kOrla + lineBlock();
+  // Conductivities 0, 0.5, 1 ... 3.5, a break, 4: 13 rows.
+  for (int i = 0; i < 8; ++i) bytes += formatReading(24, fmt::format("T${:+05}+0000", -20 * i), 1000);
+  bytes += records24({"S     100.00 10000000"}) + formatReading(24, "T$-0160+0000", 1000);
+  ViewedFile viewed(bytes);
+  ASSERT_EQ(viewed.extract().kind, ViewerErrorKind::none);
+  const auto overview = lineOverview(viewed.rows, viewed.file, viewed.line, 4);
+  ASSERT_EQ(overview.columns, 4);
+  // Rows 1 to 4, 5 to 7, 8 to 10 (two of them break rows), 11 to 13.
+  const std::array<std::pair<float, float>, 4> expected{{{0, 1.5F}, {2, 3}, {3.5F, 3.5F}, {4, 4}}};
+  for (std::size_t i = 0; i < 4; ++i) {
+    EXPECT_EQ(overview.spans[i][0].least, expected[i].first) << i;
+    EXPECT_EQ(overview.spans[i][0].largest, expected[i].second) << i;
+    EXPECT_FALSE(overview.spans[i][1].any);
+  }
+  auto settings = plainSettings();
+  settings.traceShown[2] = 0;
+  TraceCanvas canvas;
+  DrawOverview(canvas, plotSetup(viewed.file, settings, 4, kHeight), overview);
+  EXPECT_EQ(canvas.drawn, (Drawn{"0:1 0,85-0,100", "0:1 1,70-1,85", "0:1 2,65-2,70", "0:1 3,60-3,65"}));
+  EXPECT_EQ(lineOverview(viewed.rows, viewed.file, viewed.line, 500).columns, 13);
+  EXPECT_EQ(lineOverview(viewed.rows, viewed.file, viewed.line, 0).columns, 0);
+}
+
+TEST(Overview, columnsAndRows) {
+  for (int rows = 1; rows < 60; ++rows) {
+    for (int columns = 1; columns <= rows; ++columns) {
+      const Overview overview{.columns = columns, .rowCount = rows, .spans = {}};
+      for (int column = 0; column < columns; ++column)
+        ASSERT_EQ(overviewColumn(overview, overviewRow(overview, column)), column) << rows << ' ' << columns;
+      EXPECT_EQ(overviewColumn(overview, 1), 0);
+      EXPECT_EQ(overviewColumn(overview, rows + 5), columns - 1);
+    }
+  }
+  EXPECT_EQ(overviewRow(Overview{}, 3), 0);
+  EXPECT_EQ(overviewColumn(Overview{}, 3), 0);
+}
+
+}  // namespace
+}  // namespace kalmira

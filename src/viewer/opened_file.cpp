@@ -1,0 +1,57 @@
+#include "viewer/opened_file.h"
+
+#include <fmt/format.h>
+
+namespace kalmira {
+
+std::unique_ptr<OpenedFile> openDataFile(const std::filesystem::path& path, std::string& problem) {
+  auto file = std::make_unique<OpenedFile>();
+  file->path = path;
+  const auto tell = [&](const FileError& error) {
+    if (error.kind != FileErrorKind::none)
+      problem = fmt::format("{}: {}", path.filename().string(), error.text);
+    return error.kind == FileErrorKind::none;
+  };
+  if (!tell(file->reader.open(path))) return nullptr;
+  tell(ScanDataFile(file->reader, file->scanned));
+  return file;
+}
+
+std::string extractLine(OpenedFile& file, std::size_t index, const RowFiles& rowFiles,
+                        const ExtractOptions& options) {
+  file.line = {};
+  file.points.clear();
+  if (index >= file.scanned.lines.size()) return {};
+  return ExtractLine(file.reader, file.scanned, index + 1, rowFiles, options, file.line).text;
+}
+
+std::vector<std::string> loadView(OpenedFile& file, const RowFiles& rowFiles, const Navigation& state) {
+  file.points.clear();
+  if (file.line.line == 0) return {};
+  const auto outcome =
+      LoadLineRows(rowFiles, file.scanned, file.line, 0, state.pointsInView - 1, state.firstRow, file.points);
+  std::vector<std::string> messages;
+  if (outcome.line1Missing) messages.emplace_back(kInvalidHandle1);
+  if (outcome.line2Missing) messages.emplace_back(kInvalidHandle2);
+  return messages;
+}
+
+std::string fileCaption(const OpenedFile& file) {
+  const auto& header = file.scanned.header;
+  return fmt::format("{}  {}{}{}", file.path.filename().string(), instrumentOf(header.kind).name,
+                     header.iceOption ? " ice" : "", file.scanned.skippedBytes > 0 ? ", damaged" : "");
+}
+
+RowReadout readoutOf(OpenedFile& file, const Navigation& state) {
+  const int row = rowAtBar(state);
+  const auto index = static_cast<std::size_t>(state.bar - 1);
+  if (row < 1 || row > state.totalRows || state.bar < 1 || index >= file.points.size()) return {};
+  RowReadout readout;
+  readout.fields = readoutFields(file.scanned, file.line, row, file.points[index]);
+  const auto found = readStationNotes(file.reader, file.scanned, file.line, row);
+  for (const auto& note : found.notes) readout.notes.push_back(noteText(note));
+  if (found.more) readout.notes.emplace_back("and more");
+  return readout;
+}
+
+}  // namespace kalmira

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "viewer/line_extract.h"
+#include "viewer/line_table.h"
+#include "viewer/navigation.h"
+#include "viewer/readout.h"
+#include "viewer/row_files.h"
+
+namespace kalmira {
+
+// A data file in the viewer, its lines, and of the line that is shown the rows in view.
+struct OpenedFile {
+  std::filesystem::path path;
+  RecordReader reader;
+  ScannedFile scanned;
+  ExtractedLine line;
+  std::vector<StationPoint> points;  // rows firstRow on, one a column
+};
+
+// Opens and scans the file; nullptr when it cannot be opened, or is no data file. `problem` says why, or what
+// went wrong later: what was read before it is there.
+std::unique_ptr<OpenedFile> openDataFile(const std::filesystem::path& path, std::string& problem);
+
+// Extracts line `index` (from 0). An empty text, or what went wrong.
+std::string extractLine(OpenedFile& file, std::size_t index, const RowFiles& rowFiles,
+                        const ExtractOptions& options);
+
+// The rows in view. The messages for the operator, for there may be two.
+std::vector<std::string> loadView(OpenedFile& file, const RowFiles& rowFiles, const Navigation& state);
+
+// "111510A.ROR  TESK, ice thickness", with what is damaged in it.
+std::string fileCaption(const OpenedFile& file);
+
+// What is said of the row: its fields, and what stands between it and the next station.
+struct RowReadout {
+  std::vector<ReadoutField> fields;
+  std::vector<std::string> notes;
+};
+RowReadout readoutOf(OpenedFile& file, const Navigation& state);
+
+}  // namespace kalmira

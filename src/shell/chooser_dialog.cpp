@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <array>
 
+#include "screen/template_dialog.h"
 #include "screen/touch_button_view.h"
 #include "shell/menu_layout.h"
 #include "shell/title_view.h"
@@ -221,7 +222,7 @@ std::optional<RememberedKind> runChooserDialog(QWidget* parent, const Theme& the
                                                std::optional<RememberedKind> current) {
   Chooser chooser(parent, theme, current ? indexOf(*current) : 0);
   showAt(chooser, parent);
-  if (chooser.exec() != QDialog::Accepted) return std::nullopt;
+  if (execDialog(chooser) != QDialog::Accepted) return std::nullopt;
   return choiceAt(chooser.chosen());
 }
 

@@ -25,6 +25,7 @@ constexpr int kTextPercent = 60;  // of a button's height, for one line
 constexpr int kModelKey = Qt::Key_M;
 constexpr int kSettingsWatchMs = 500;
 constexpr int kThemeKey = Qt::Key_N;  // night, and day again
+constexpr int kFontsKey = Qt::Key_F;
 
 // The handheld's code of a key, 0 for one that has no meaning in the menu.
 int menuKeyCode(const QKeyEvent& event) {
@@ -94,6 +95,8 @@ void MainWindow::makeMenu() {
   model_button_ =
       addButton(QStringLiteral("&Model"), QStringLiteral("model"), [this] { chooseInstrument(); });
   theme_button_ = addButton(QString(), QStringLiteral("theme"), [this] { toggleTheme(); });
+  fonts_button_ = addButton(QStringLiteral("&Fonts"), QStringLiteral("fonts"), [this] { showFonts(); });
+  fonts_button_->setVisible(host_.showFonts != nullptr);
   auto* fullScreenKey = new QShortcut(Qt::Key_F11, this);
   connect(fullScreenKey, &QShortcut::activated, this, [this] { toggleFullScreen(); });
 }
@@ -125,6 +128,7 @@ void MainWindow::showTheme() {
   for (auto* button : buttons_) button->setTheme(theme());
   model_button_->setTheme(theme());
   theme_button_->setTheme(theme());
+  fonts_button_->setTheme(theme());
   // Says what pressing it gives.
   theme_button_->setText(host_.night ? QStringLiteral("Day") : QStringLiteral("&Night"));
   logging_->setTheme(theme());
@@ -161,6 +165,7 @@ void MainWindow::layOut() {
   for (std::size_t i = 0; i < buttons_.size(); ++i) buttons_[i]->setGeometry(rectOf(layout.buttons[i]));
   model_button_->setGeometry(rectOf(layout.model));
   theme_button_->setGeometry(rectOf(layout.theme));
+  fonts_button_->setGeometry(rectOf(layout.fonts));
   fitTogether(buttons_, layout.buttons[0].height * kTextPercent / 100);
 }
 
@@ -209,6 +214,7 @@ void MainWindow::keyPressEvent(QKeyEvent* event) {
   const int keyCode = menuKeyCode(*event);
   if (!event->isAutoRepeat() && keyCode == kModelKey) return chooseInstrument();
   if (!event->isAutoRepeat() && keyCode == kThemeKey) return toggleTheme();
+  if (!event->isAutoRepeat() && keyCode == kFontsKey) return showFonts();
   const auto step = stepOfKey(keyCode, highlight_, enabled());
   // A key that is held down moves the highlight on, but acts once.
   if (event->isAutoRepeat() && step.act) return;
@@ -267,6 +273,11 @@ void MainWindow::toggleTheme() {
   host_.night = !host_.night;
   showTheme();
   if (host_.rememberNight) host_.rememberNight(host_.night);
+}
+
+void MainWindow::showFonts() {
+  if (!host_.showFonts || acting_ || cover_ != nullptr || logging_->sessionActive()) return;
+  host_.showFonts(this);
 }
 
 void MainWindow::toggleFullScreen() {

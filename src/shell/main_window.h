@@ -35,6 +35,7 @@ struct MainWindowHost {
   std::function<void(bool night)> rememberNight;
   std::function<void()> endProgram;
   MenuActions actions{};
+  std::function<void(QWidget* parent)> showFonts{};  // the font window; none: it is not offered
 };
 
 // The main window: the title screen and the main menu, and, while a session runs, the logging window all
@@ -73,6 +74,7 @@ class MainWindow final : public QWidget {
   void startSession();
   void chooseInstrument();
   void toggleTheme();
+  void showFonts();
   void toggleFullScreen();
   void tellSettingsProblem();
   void watchSettings();
@@ -86,6 +88,7 @@ class MainWindow final : public QWidget {
   std::array<TouchButton*, kMenuCommands> buttons_{};
   TouchButton* model_button_ = nullptr;
   TouchButton* theme_button_ = nullptr;
+  TouchButton* fonts_button_ = nullptr;
   int highlight_ = 0;
   QPointer<QWidget> cover_;
   QTimer settings_watch_;

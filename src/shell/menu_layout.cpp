@@ -103,8 +103,16 @@ bool fits(ScreenRoom room, OpeningPlace place) {
 }  // namespace
 
 MenuLayout layOutMenu(int width, int height, int touchHeight) {
-  return width > height ? layOutLandscape(width, height, touchHeight)
-                        : layOutPortrait(width, height, touchHeight);
+  auto layout = width > height ? layOutLandscape(width, height, touchHeight)
+                               : layOutPortrait(width, height, touchHeight);
+  const int gap = gapOf(width, height);
+  const int side = std::max(0, std::min(touchHeight, layout.title.height / 3));
+  const int lastLine = std::min(layout.title.width / 12, layout.title.height / 9) * 5 / 3;
+  layout.fonts = {.x = layout.title.x + layout.title.width - side - gap,
+                  .y = layout.title.height - lastLine - side - gap,
+                  .width = side,
+                  .height = side};
+  return layout;
 }
 
 OpeningPlace openingPlace(ScreenRoom room, std::optional<bool> portrait, std::optional<double> scale) {

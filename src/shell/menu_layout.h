@@ -20,6 +20,7 @@ struct MenuLayout {
   std::array<Box, kMenuCommands> buttons{};
   Box model;  // "Model", beside the theme's button
   Box theme;
+  Box fonts;  // small, at the right edge of the title, above its last line
 };
 
 // Title above the buttons in a window that is higher than wide, else beside them. Buttons stand in one column

@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "datafile/disk.h"
+#include "datafile/record_reader.h"
 #include "link/device_claim.h"
 #include "link/keep_awake.h"
 #include "link/qt_serial_port.h"
@@ -23,6 +24,7 @@
 #include "shell/setup_actions_window.h"
 #include "shell/single_instance.h"
 #include "shell/terminate_signals.h"
+#include "shell/view_actions_window.h"
 
 namespace kalmira {
 namespace {
@@ -66,7 +68,8 @@ class Program {
         store_("kalmira", "kalmira"),
         clock_(options.tickBase),
         assigned_(rememberedComDevices(store_)),
-        setup_actions_(setupHost()) {
+        setup_actions_(setupHost()),
+        view_actions_(viewHost()) {
     for (std::size_t i = 0; i < assigned_.size(); ++i) {
       if (!options_.com[i].empty()) assigned_[i] = options_.com[i];
     }
@@ -75,10 +78,13 @@ class Program {
 
  private:
   std::optional<RememberedKind> instrumentToUse();
+  std::optional<RememberedKind> instrumentOfFile() const;
   bool nightToUse();
   MainWindowHost windowHost(RememberedKind instrument, bool night);
   LoggingHost openInstrument(RememberedKind instrument);
   SetupHost setupHost();
+  ViewActionsHost viewHost();
+  MenuActions menuActions();
   void rememberDevices(const ComAssignments& changed);
   SessionSetup setupOf(RememberedKind instrument) const;
   void showWindow();
@@ -93,6 +99,7 @@ class Program {
   ComAssignments devices_;   // as they were when the session began: what comes and goes renumbers nothing
   std::unique_ptr<InstrumentSettings> instrument_settings_;
   SetupActions setup_actions_;
+  ViewActions view_actions_;
   std::unique_ptr<MainWindow> window_;
   bool night_ = false;
   bool ended_ = false;
@@ -102,6 +109,8 @@ std::optional<RememberedKind> Program::instrumentToUse() {
   std::optional<RememberedKind> instrument;
   if (options_.kind) {
     instrument = RememberedKind{.kind = *options_.kind, .ice = options_.ice};
+  } else if (const auto ofFile = instrumentOfFile()) {
+    return ofFile;  // looked at, not remembered
   } else {
     instrument = rememberedKind(store_);
     if (!instrument) {
@@ -110,6 +119,13 @@ std::optional<RememberedKind> Program::instrumentToUse() {
   }
   if (instrument) rememberKind(store_, *instrument);
   return instrument;
+}
+
+// Of the data file to be viewed; nothing without one, or when it is none.
+std::optional<RememberedKind> Program::instrumentOfFile() const {
+  RecordReader reader;
+  if (options_.file.empty() || reader.open(options_.file).kind != FileErrorKind::none) return std::nullopt;
+  return RememberedKind{.kind = reader.header().kind, .ice = reader.header().iceOption};
 }
 
 bool Program::nightToUse() {
@@ -196,7 +212,27 @@ MainWindowHost Program::windowHost(RememberedKind instrument, bool night) {
                 rememberNight(store_, chosen);
               },
           .endProgram = [this] { end(); },
-          .actions = setup_actions_.menuActions()};
+          .actions = menuActions(),
+          .showFonts = [this](QWidget* parent) { view_actions_.showFonts(parent); }};
+}
+
+MenuActions Program::menuActions() {
+  auto actions = setup_actions_.menuActions();
+  actions[static_cast<std::size_t>(MenuCommand::viewFiles)] = [this](QWidget* parent) {
+    view_actions_.viewFiles(parent);
+  };
+  return actions;
+}
+
+ViewActionsHost Program::viewHost() {
+  return {.root = options_.root,
+          .storageClass = options_.storageClass,
+          .teskRangeTimes10 = options_.teskTimes10,
+          .instrument = [this] { return instrument_settings_->instrument(); },
+          .settings = [this]() -> Settings& { return instrument_settings_->settings(); },
+          .saveSettings = [this](const Settings& changed) { instrument_settings_->save(changed); },
+          .theme = [this]() -> const Theme& { return night_ ? nightTheme() : dayTheme(); },
+          .cover = [this](QWidget* covering) { window_->cover(covering); }};
 }
 
 void Program::end() {
@@ -218,6 +254,8 @@ void Program::showWindow() {
 // The settings file of an instrument is not left before it is written.
 void Program::finishSettings() {
   if (!instrument_settings_) return;
+  // What was tried out and kept in memory only is kept for good at the end.
+  instrument_settings_->save(instrument_settings_->settings());
   instrument_settings_->finish();
   if (const auto problem = instrument_settings_->takeProblem(); !problem.empty()) printError(problem);
 }
@@ -242,6 +280,12 @@ int Program::run() {
   night_ = nightToUse();
   window_ = std::make_unique<MainWindow>(windowHost(*instrument, night_));
   showWindow();
+  if (!options_.file.empty()) {
+    // Once the window is to be seen: what cannot be opened is told in front of it.
+    QMetaObject::invokeMethod(
+        window_.get(), [this] { view_actions_.viewFiles(window_.get(), options_.file); },
+        Qt::QueuedConnection);
+  }
   IdleInhibitor inhibitor("Kalmira");
   const KeepAwakeThread keepAwake{[&inhibitor] { inhibitor.renew(); }};
   const int status = QCoreApplication::exec();

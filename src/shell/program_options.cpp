@@ -9,7 +9,9 @@ namespace kalmira {
 namespace {
 
 constexpr std::string_view kUsage =
-    "usage: kalmira [options]\n"
+    "usage: kalmira [options] [FILE]\n"
+    "  FILE                 a data file, shown at once; without --kind the logger is for its instrument, "
+    "this time\n"
     "  --kind NAME|0..7     ORLA, TESKB, TESKDD, TESK, VARDO, MIRKA, GLACO, TESK2; otherwise the one last "
     "used\n"
     "  --ice                ORLA: for ice thickness, with the settings kept for that\n"
@@ -139,11 +141,11 @@ std::variant<ProgramOptions, ProgramHelp, ProgramUsageError> parseProgramOptions
   if (understood && parser.isSet(QStringLiteral("version")))
     return ProgramHelp{"kalmira " KALMIRA_VERSION "\n"};
   if (!understood) return ProgramUsageError{parser.errorText().toStdString()};
-  if (!parser.positionalArguments().isEmpty()) {
-    return ProgramUsageError{
-        fmt::format("\"{}\" is no option", parser.positionalArguments().constFirst().toStdString())};
-  }
+  const auto files = parser.positionalArguments();
+  if (files.size() > 1)
+    return ProgramUsageError{fmt::format("\"{}\" is one file too many", files[1].toStdString())};
   ProgramOptions options;
+  if (!files.isEmpty()) options.file = files.constFirst().toStdString();
   options.ice = parser.isSet(QStringLiteral("ice"));
   options.teskTimes10 = parser.isSet(QStringLiteral("tesk-x10"));
   if (auto problem = takeValues(options, parser); !problem.empty()) return ProgramUsageError{problem};

@@ -24,6 +24,7 @@ struct ProgramOptions {
   TickBase tickBase = TickBase::boot;
   int storageClass = kDefaultStorageClass;
   bool teskTimes10 = false;
+  std::filesystem::path file;  // to be viewed; empty: none
 };
 
 struct ProgramHelp {

@@ -56,7 +56,7 @@ TEST(ProgramOptions, WhatIsWrongIsSaid) {
       {{"--tick-base", ""}, "--tick-base is boot or program"},
       {{"--storage-class", "4"}, "--storage-class is 0 to 3"},
       {{"--root", ""}, "--root takes a folder"},
-      {{"survey.ROR"}, "\"survey.ROR\" is no option"},
+      {{"survey.ROR", "b.ROR"}, "\"b.ROR\" is one file too many"},
   };
   for (const auto& [arguments, text] : cases) {
     const auto parsed = parseProgramOptions(arguments);

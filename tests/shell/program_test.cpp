@@ -95,6 +95,26 @@ TEST_F(ProgramTest, APortThatIsNotThereIsToldAndTheMachineMayEndIt) {
   EXPECT_FALSE(std::filesystem::exists(options.root / "Storage/KALINI/ORLA.INI"));
 }
 
+TEST_F(ProgramTest, AFileIsShownByTheLoggerOfItsInstrument) {
+  options.file = folder.path() / "survey.IOR";
+  std::ofstream(options.file) << "GLACO   W210GPS0000   3\nH survey     1.000     \n";
+  std::string title;
+  EXPECT_EQ(run({[&title] {
+                   const auto* window = QApplication::activeWindow();
+                   if (window != nullptr && window->windowTitle().startsWith("survey"))
+                     title = window->windowTitle().toStdString();
+                   return !title.empty();
+                 },
+                 [] {
+                   QTest::keyClick(QApplication::focusWidget(), Qt::Key_X);
+                   return true;
+                 },
+                 [] { return press(Qt::Key_X); }}),
+            0);
+  EXPECT_EQ(title, "survey.IOR  GLACO");
+  EXPECT_FALSE(rememberedKind(QSettings("kalmira", "kalmira")));
+}
+
 // The settings can be changed all the same; that they cannot be kept is told once.
 TEST_F(ProgramTest, ASettingsFolderThatCannotBeWrittenIsToldOnce) {
   options.kind = Kind::glaco;

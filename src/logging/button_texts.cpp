@@ -5,7 +5,7 @@
 namespace kalmira {
 namespace {
 
-constexpr int kPauseKeys = 4;
+constexpr std::size_t kPauseKeys = 4;
 using Prompts = std::array<std::string_view, 2 * kPauseKeys>;  // the second half is for Manual mode
 
 constexpr Prompts kFull{"TAP ME or press any key to Pause",
@@ -71,8 +71,8 @@ Keypad keypadOf(const Session& session, const KeyContext& context) {
 }
 
 std::string_view pausePrompt(Keypad keypad, int pauseKey, bool manual) {
-  const int index = indexOr(pauseKey, kPauseKeys, 0) + (manual ? kPauseKeys : 0);
-  return promptsOf(keypad)[static_cast<std::size_t>(index)];
+  const auto key = static_cast<std::size_t>(indexOr(pauseKey, static_cast<int>(kPauseKeys), 0));
+  return promptsOf(keypad)[key + (manual ? kPauseKeys : 0)];
 }
 
 std::vector<std::string_view> buttonTexts(const Session& session, const KeyContext& context) {

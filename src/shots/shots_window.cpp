@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <cctype>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "gps/monitor_window.h"
@@ -24,6 +25,8 @@
 #include "shell/main_window.h"
 #include "shell/setup_actions_window.h"
 #include "shots/simulated_port.h"
+#include "viewer/font_window.h"
+#include "viewer/view_files_window.h"
 
 namespace kalmira::shots {
 namespace {
@@ -117,6 +120,7 @@ class Stage {
   }
   void takeSetup();
   void takeMonitor();
+  void takeViewer(const std::filesystem::path& file);
   void settle();
   bool waitFor(const std::function<bool()>& happened);
   void takeQuestion();
@@ -156,6 +160,8 @@ LoggingHost Stage::loggingHost() {
 }
 
 MainWindowHost Stage::host() {
+  auto actions = setup_actions_.menuActions();
+  actions[static_cast<std::size_t>(MenuCommand::viewFiles)] = [](QWidget*) {};
   return {.clock = clock_,
           .instrument = shot_.instrument,
           .night = shot_.night,
@@ -164,7 +170,8 @@ MainWindowHost Stage::host() {
           .rememberInstrument = [](RememberedKind) {},
           .rememberNight = [](bool) {},
           .endProgram = [] {},
-          .actions = setup_actions_.menuActions()};
+          .actions = std::move(actions),
+          .showFonts = [](QWidget*) {}};
 }
 
 SetupHost Stage::setupHost() {
@@ -307,6 +314,32 @@ void Stage::takeAll() {
   runCodeAndSave(5, "exit");
   takeQuestion();
   window_.logging().leaveAtOnce();
+  takeViewer(name);
+}
+
+// The survey that was just logged, and the fonts.
+void Stage::takeViewer(const std::filesystem::path& file) {
+  const auto& theme = shot_.night ? nightTheme() : dayTheme();
+  const DataPlace place{.kind = shot_.instrument.kind, .root = root_.path().toStdString()};
+  ViewFilesWnd viewer({.place = place,
+                       .extract = {},
+                       .settingsFor = [this](Kind, bool) { return settings_; },
+                       .takeSettings = [](Kind, bool, const Settings&) {},
+                       .onLeft = {}},
+                      theme, &window_);
+  viewer.open();
+  save("5-viewer-empty");
+  if (!viewer.openFile(file)) problem_ = "cannot view " + file.string();
+  viewer.run(ViewCommand::barRight);
+  save("6-viewer");
+  runAndSave([&] { viewer.run(ViewCommand::openFile); }, "view-open");
+  runAndSave([&] { viewer.run(ViewCommand::scale); }, "view-scale");
+  runAndSave([&] { viewer.run(ViewCommand::help); }, "view-help");
+  runAndSave([&] { viewer.run(kSavePicture); }, "view-picture");
+  viewer.leave();
+  FontWnd fonts([] {}, theme, &window_);
+  fonts.open();
+  save("7-fonts");
 }
 
 std::string takeChooser(const std::filesystem::path& folder, QSize size, bool night) {

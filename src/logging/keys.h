@@ -12,6 +12,10 @@ namespace kalmira {
 namespace key {
 inline constexpr int kTab = 9;
 inline constexpr int kEnter = 13;
+inline constexpr int kPageUp = 33;
+inline constexpr int kPageDown = 34;
+inline constexpr int kEnd = 35;
+inline constexpr int kHome = 36;
 inline constexpr int kLeft = 37;
 inline constexpr int kUp = 38;
 inline constexpr int kRight = 39;

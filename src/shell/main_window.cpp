@@ -8,7 +8,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "logging/keys.h"
+#include "logging/key_table.h"
 #include "logging/message_dialog.h"
 #include "screen/screen_scale.h"
 #include "screen/touch_button_view.h"
@@ -26,27 +26,6 @@ constexpr int kModelKey = Qt::Key_M;
 constexpr int kSettingsWatchMs = 500;
 constexpr int kThemeKey = Qt::Key_N;  // night, and day again
 constexpr int kFontsKey = Qt::Key_F;
-
-// The handheld's code of a key, 0 for one that has no meaning in the menu.
-int menuKeyCode(const QKeyEvent& event) {
-  switch (event.key()) {
-    case Qt::Key_Left:
-      return key::kLeft;
-    case Qt::Key_Right:
-      return key::kRight;
-    case Qt::Key_Up:
-      return key::kUp;
-    case Qt::Key_Down:
-      return key::kDown;
-    case Qt::Key_Tab:
-      return key::kTab;
-    case Qt::Key_Enter:
-    case Qt::Key_Return:
-      return key::kEnter;
-    default:
-      return event.key() >= Qt::Key_A && event.key() <= Qt::Key_Z ? event.key() : 0;
-  }
-}
 
 QRect rectOf(const Box& box) {
   return {box.x, box.y, box.width, box.height};
@@ -211,7 +190,7 @@ void MainWindow::keyPressEvent(QKeyEvent* event) {
   const auto others = event->modifiers() & ~(Qt::ShiftModifier | Qt::KeypadModifier);
   if (logging_->sessionActive() || cover_ != nullptr || others != Qt::NoModifier)
     return QWidget::keyPressEvent(event);
-  const int keyCode = menuKeyCode(*event);
+  const int keyCode = keyCodeOf(event->key(), 0);
   if (!event->isAutoRepeat() && keyCode == kModelKey) return chooseInstrument();
   if (!event->isAutoRepeat() && keyCode == kThemeKey) return toggleTheme();
   if (!event->isAutoRepeat() && keyCode == kFontsKey) return showFonts();

@@ -8,7 +8,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "logging/keys.h"
+#include "logging/key_table.h"
 #include "logging/message_dialog.h"
 #include "screen/screen_scale.h"
 #include "screen/template_dialog.h"
@@ -35,30 +35,6 @@ QRect rectOf(const ViewBox& box) {
 
 QString qtText(std::string_view utf8) {
   return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
-}
-
-// The handheld's code of a key, 0 for one that means nothing here.
-int viewKeyCode(const QKeyEvent& event) {
-  switch (event.key()) {
-    case Qt::Key_Left:
-      return key::kLeft;
-    case Qt::Key_Right:
-      return key::kRight;
-    case Qt::Key_Up:
-      return key::kUp;
-    case Qt::Key_Down:
-      return key::kDown;
-    case Qt::Key_Home:
-      return key::kHome;
-    case Qt::Key_End:
-      return key::kEnd;
-    case Qt::Key_PageUp:
-      return key::kPageUp;
-    case Qt::Key_PageDown:
-      return key::kPageDown;
-    default:
-      return event.key() >= Qt::Key_A && event.key() <= Qt::Key_Z ? event.key() : 0;
-  }
 }
 
 bool movesView(ViewCommand command) {
@@ -315,7 +291,7 @@ void ViewFilesWnd::keyPressEvent(QKeyEvent* event) {
   }
   const bool enter = event->key() == Qt::Key_Enter || event->key() == Qt::Key_Return;
   const auto command = enter ? std::optional(viewEntries().at(static_cast<std::size_t>(highlight_)).command)
-                             : viewCommandOfKey(viewKeyCode(*event));
+                             : viewCommandOfKey(keyCodeOf(event->key(), 0));
   if (!command || (event->isAutoRepeat() && !movesView(*command))) return;
   if (event->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) return;
   run(*command);

@@ -27,13 +27,6 @@ inline constexpr int kViewButtons = 12;
 // In the order in which Tab goes over the buttons.
 const std::array<ViewEntry, kViewButtons>& viewEntries();
 
-namespace key {
-inline constexpr int kPageUp = 33;
-inline constexpr int kPageDown = 34;
-inline constexpr int kEnd = 35;
-inline constexpr int kHome = 36;
-}  // namespace key
-
 // What a key asks for, by the handheld's virtual key codes (letters of either case by their ASCII codes);
 // nothing for Tab and Enter, which go by the highlight.
 std::optional<ViewCommand> viewCommandOfKey(int keyCode);

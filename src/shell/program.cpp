@@ -50,6 +50,10 @@ class InstrumentSettings {
     return problem;
   }
   void finish() { writer_.finish(); }
+  // What went wrong with the settings of the instrument used before is told with these.
+  void takeOver(std::string problem) {
+    if (problem_.empty()) problem_ = std::move(problem);
+  }
 
  private:
   Kind kind_;
@@ -88,7 +92,7 @@ class Program {
   void rememberDevices(const ComAssignments& changed);
   SessionSetup setupOf(RememberedKind instrument) const;
   void showWindow();
-  void finishSettings();
+  std::string finishSettings();
   void end();
 
   const ProgramOptions& options_;
@@ -168,13 +172,14 @@ SessionSetup Program::setupOf(RememberedKind instrument) const {
 }
 
 LoggingHost Program::openInstrument(RememberedKind instrument) {
-  finishSettings();
+  auto problem = finishSettings();
   instrument_settings_ =
       std::make_unique<InstrumentSettings>(SettingsPlace{.kind = instrument.kind,
                                                          .iceOption = instrument.ice,
                                                          .storageClass = options_.storageClass,
                                                          .root = options_.root});
   auto& own = *instrument_settings_;
+  own.takeOver(std::move(problem));
   return {.setup = setupOf(instrument),
           .settings = own.settings(),
           .clock = clock_,
@@ -251,13 +256,13 @@ void Program::showWindow() {
   }
 }
 
-// The settings file of an instrument is not left before it is written.
-void Program::finishSettings() {
-  if (!instrument_settings_) return;
+// The settings file of an instrument is not left before it is written. Gives what went wrong.
+std::string Program::finishSettings() {
+  if (!instrument_settings_) return {};
   // What was tried out and kept in memory only is kept for good at the end.
   instrument_settings_->save(instrument_settings_->settings());
   instrument_settings_->finish();
-  if (const auto problem = instrument_settings_->takeProblem(); !problem.empty()) printError(problem);
+  return instrument_settings_->takeProblem();
 }
 
 int Program::run() {
@@ -290,7 +295,7 @@ int Program::run() {
   const KeepAwakeThread keepAwake{[&inhibitor] { inhibitor.renew(); }};
   const int status = QCoreApplication::exec();
   window_.reset();
-  finishSettings();
+  if (const auto problem = finishSettings(); !problem.empty()) printError(problem);
   return status;
 }
 

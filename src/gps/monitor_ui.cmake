@@ -5,5 +5,5 @@ kalmira_library(kalmira_gps_monitor
 kalmira_library(kalmira_gps_ui
   SOURCES message_entry_dialog.cpp monitor_window.cpp sentence_list_view.cpp
   LINKS
-    kalmira_gps_monitor kalmira_logging_dialogs_ui kalmira_screen_ui kalmira_ports kalmira_hand_over
+    kalmira_gps_monitor kalmira_logging_dialogs_ui kalmira_screen_ui kalmira_ports kalmira_platform
     kalmira_settings kalmira_platform)

@@ -1,1 +1,0 @@
-kalmira_test(platform_text_test SOURCES text_test.cpp LINKS kalmira_platform)

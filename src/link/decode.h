@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <string_view>
 
-#include "link/link_state.h"
 #include "shell/catalogue.h"
 
 // From a framed record to engineering values. Conductivity is in mS/m, inphase in parts per thousand,
@@ -50,9 +49,6 @@ struct AsciiReading {
 // `channels`. Any bytes give some values; nothing here fails.
 void DecodeAsciiRecord(std::string_view record, Kind kind, const AsciiOptions& options, AsciiReading& reading,
                        Channels& channels);
-// The same for the record in the link state.
-void DecodeAsciiLive(const LinkState& link, Kind kind, const AsciiOptions& options, AsciiReading& reading,
-                     Channels& channels);
 
 // Conductivity offsets are added, inphase offsets subtracted.
 struct Tesk2Offsets {
@@ -74,7 +70,7 @@ struct Tesk2Reading {
 
 // Both need at least 14 bytes; fewer are read as if the rest were zero. DecodeTesk2Live also decodes the
 // auxiliary values and returns the last inphase value.
-float DecodeTesk2Live(const LinkState& link, const Tesk2Offsets& offsets, bool inphaseUnscaled,
+float DecodeTesk2Live(std::string_view record, const Tesk2Offsets& offsets, bool inphaseUnscaled,
                       Tesk2Reading& reading, Channels& channels);
 void DecodeTesk2Record(std::string_view record, const Tesk2Offsets& offsets, bool inphaseUnscaled,
                        Channels& channels, char& orientation, char& secondMode);

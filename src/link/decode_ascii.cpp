@@ -304,9 +304,4 @@ void DecodeAsciiRecord(std::string_view record, Kind kind, const AsciiOptions& o
   }
 }
 
-void DecodeAsciiLive(const LinkState& link, Kind kind, const AsciiOptions& options, AsciiReading& reading,
-                     Channels& channels) {
-  DecodeAsciiRecord(link.record(), kind, options, reading, channels);
-}
-
 }  // namespace kalmira

@@ -73,9 +73,9 @@ Tesk2Offsets tesk2Offsets(const std::array<float, 6>& calibrationFactors) {
           .inphaseOffsetH2 = calibrationFactors[3]};
 }
 
-float DecodeTesk2Live(const LinkState& link, const Tesk2Offsets& offsets, bool inphaseUnscaled,
+float DecodeTesk2Live(std::string_view record, const Tesk2Offsets& offsets, bool inphaseUnscaled,
                       Tesk2Reading& reading, Channels& channels) {
-  decode(link.record(), offsets, inphaseUnscaled, reading, channels);
+  decode(record, offsets, inphaseUnscaled, reading, channels);
   reading.auxiliary1 = auxiliaryOf(reading.words[auxiliary1]);
   reading.auxiliary2 = auxiliaryOf(reading.words[auxiliary2]);
   return reading.inphase2;

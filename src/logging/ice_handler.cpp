@@ -32,7 +32,7 @@ void recordReading(Session& session) {
 void OnIceReading(Session& session) {
   AsciiReading reading;
   Channels channels;
-  DecodeAsciiLive(session.link, session.instrument.kind, asciiOptions(session), reading, channels);
+  DecodeAsciiRecord(session.link.record(), session.instrument.kind, asciiOptions(session), reading, channels);
   if (session.loggingState == kLogging) recordReading(session);
   session.view.show(PanelField::value1, valueText("Th", reading.conductivity, "", false));
   session.view.show(PanelField::value2, valueText("IP", reading.inphase, "", false));

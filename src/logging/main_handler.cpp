@@ -84,7 +84,7 @@ void recordReading(Session& session) {
 void OnMainReading(Session& session) {
   ShownReading shown;
   Channels channels;
-  DecodeAsciiLive(session.link, session.instrument.kind, asciiOptions(session), shown.reading, channels);
+  DecodeAsciiRecord(session.link.record(), session.instrument.kind, asciiOptions(session), shown.reading, channels);
   shown.thickness = iceThicknessOf(session, shown.reading, channels);
   session.view.show(PanelField::mode, modeText(session));
 

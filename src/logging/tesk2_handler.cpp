@@ -85,7 +85,7 @@ void handleReading(Session& session, Tesk2Reading& reading) {
 void OnTesk2Reading(Session& session) {
   Tesk2Reading reading;
   Channels channels;
-  DecodeTesk2Live(session.link, tesk2Offsets(session.settings.calibrationFactors),
+  DecodeTesk2Live(session.link.record(), tesk2Offsets(session.settings.calibrationFactors),
                   session.settings.surveyListA == 1, reading, channels);
   if (session.calibration.calibrationPhase == -1) {
     calibrateWith(session, reading);

@@ -23,21 +23,14 @@ std::string record(int mode, const std::array<std::uint16_t, 6>& words) {
   return text;
 }
 
-void fill(LinkState& link, const std::string& text) {
-  std::ranges::copy(text, link.recordText.begin());
-  link.recordLength = static_cast<int>(text.size());
-}
-
 // Conductivity 2, inphase 2, conductivity 1, inphase 1, auxiliary 1 and 2.
 constexpr std::array<std::uint16_t, 6> kWords{0, 33792, 65535, 33792, 3108, 0};
 
 TEST(Tesk2Decode, LiveGivesEveryFieldOfTheRecord) {
-  LinkState link;
-  fill(link, record(6, kWords));
   Tesk2Reading reading;
   Channels channels;
   channels.present.fill(1);  // of the reading before: to be cleared
-  const float last = DecodeTesk2Live(link, kNoOffsets, false, reading, channels);
+  const float last = DecodeTesk2Live(record(6, kWords), kNoOffsets, false, reading, channels);
   EXPECT_EQ(reading.conductivity1, 1279.9609375F);
   EXPECT_EQ(reading.conductivity2, -1280.0F);
   EXPECT_FLOAT_EQ(reading.inphase1, kFactor1);

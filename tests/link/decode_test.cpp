@@ -180,17 +180,6 @@ TEST(AsciiDecode, TakesABlankForAMissingModeByte) {
   EXPECT_EQ(reading.range, 1000);
 }
 
-TEST(AsciiDecode, LiveReadsAShortTeskRecordFromTheLinkState) {
-  LinkState link;
-  const std::string text = record(4, "+1234") + '\0' + "-9999";
-  std::ranges::copy(text, link.recordText.begin());
-  link.recordLength = 7;
-  AsciiReading reading;
-  Channels channels;
-  DecodeAsciiLive(link, Kind::tesk, kNormal, reading, channels);
-  EXPECT_EQ(flagged(channels), (Slots{{1, -123.4F}}));
-}
-
 constexpr int kKept = -7;
 
 std::array<int, kProfilePoints> mapped(Kind kind, bool ice, bool unscaled,

@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "link/decode.h"
-#include "link/framing.h"
+#include "instruments/decode.h"
+#include "instruments/framing.h"
 
 namespace kalmira {
 namespace {

@@ -1,3 +1,3 @@
 kalmira_bench(framing_bench
   SOURCES framing_bench.cpp
-  LINKS kalmira_decode)
+  LINKS kalmira_instruments)

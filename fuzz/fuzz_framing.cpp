@@ -4,9 +4,9 @@
 #include <string>
 #include <vector>
 
-#include "link/decode.h"
-#include "link/framing.h"
-#include "link/ice_model.h"
+#include "instruments/decode.h"
+#include "instruments/framing.h"
+#include "instruments/ice_model.h"
 
 using namespace kalmira;
 

@@ -1,3 +1,3 @@
 kalmira_fuzz(fuzz_framing
   SOURCES fuzz_framing.cpp
-  LINKS kalmira_decode)
+  LINKS kalmira_instruments)

@@ -10,7 +10,7 @@
 
 #include "platform/clock.h"
 #include "settings/settings_fields.h"
-#include "shell/catalogue.h"
+#include "instruments/catalogue.h"
 
 namespace kalmira {
 

@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "platform/clock.h"
-#include "shell/catalogue.h"
+#include "instruments/catalogue.h"
 
 // The records of a data file, as text. A file is a sequence of records of one length, 24 bytes (26 for
 // TESK2), each ended by a single line feed; the first byte is the tag. docs/data-file-format.md has every

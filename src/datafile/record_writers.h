@@ -8,7 +8,7 @@
 #include "datafile/record_format.h"
 #include "platform/clock.h"
 #include "settings/settings.h"
-#include "shell/catalogue.h"
+#include "instruments/catalogue.h"
 
 // The writers of a session: each appends its records at the end of the open data file, in the order that
 // readers rely on: header, line block, time mark at creation; line block, time mark at a new line; station,

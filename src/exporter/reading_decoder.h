@@ -5,8 +5,8 @@
 #include <string_view>
 
 #include "datafile/record_parse.h"
-#include "link/decode.h"
-#include "link/ice_model.h"
+#include "instruments/decode.h"
+#include "instruments/ice_model.h"
 
 namespace kalmira {
 

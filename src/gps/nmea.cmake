@@ -3,4 +3,4 @@ kalmira_library(kalmira_nmea
   LINKS kalmira_platform)
 kalmira_library(kalmira_find_receiver
   SOURCES find_receiver.cpp
-  LINKS kalmira_ports kalmira_nmea kalmira_settings kalmira_platform)
+  LINKS kalmira_link kalmira_nmea kalmira_settings kalmira_platform)

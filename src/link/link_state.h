@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string_view>
 
-#include "shell/catalogue.h"
+#include "instruments/catalogue.h"
 
 namespace kalmira {
 

@@ -9,7 +9,7 @@
 #include <string>
 
 #include "settings/settings.h"
-#include "shell/catalogue.h"
+#include "instruments/catalogue.h"
 
 // Serial ports as the readers see them, and how each of a session's three lines is set up.
 namespace kalmira {

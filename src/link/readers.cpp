@@ -5,7 +5,7 @@
 #include <cstring>
 #include <optional>
 
-#include "link/framing.h"
+#include "instruments/framing.h"
 
 namespace kalmira {
 namespace {

@@ -7,7 +7,7 @@
 #include "link/link_state.h"
 #include "link/port.h"
 #include "platform/clock.h"
-#include "shell/catalogue.h"
+#include "instruments/catalogue.h"
 
 // The loops that run on the ports' threads: bytes from a port through a framer to the session.
 namespace kalmira {

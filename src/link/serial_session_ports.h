@@ -10,7 +10,7 @@
 #include "platform/clock.h"
 #include "platform/hand_over.h"
 #include "settings/settings.h"
-#include "shell/catalogue.h"
+#include "instruments/catalogue.h"
 
 namespace kalmira {
 

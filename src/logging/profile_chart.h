@@ -3,10 +3,10 @@
 #include <array>
 #include <cstdint>
 
-#include "link/decode.h"
+#include "instruments/decode.h"
 #include "logging/session_view.h"
 #include "settings/settings.h"
-#include "shell/catalogue.h"
+#include "instruments/catalogue.h"
 
 // The scrolling profile, drawn on whatever a ChartCanvas draws on. Pixels count from the chart's upper left
 // corner, down and to the right. The grid is shared with the viewer's plot.

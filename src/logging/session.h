@@ -11,14 +11,14 @@
 #include "datafile/data_file.h"
 #include "datafile/record_writers.h"
 #include "gps/held_sentences.h"
-#include "link/decode.h"
-#include "link/ice_model.h"
+#include "instruments/decode.h"
+#include "instruments/ice_model.h"
 #include "link/link_state.h"
 #include "link/session_ports.h"
 #include "logging/session_view.h"
 #include "platform/clock.h"
 #include "settings/settings.h"
-#include "shell/catalogue.h"
+#include "instruments/catalogue.h"
 
 namespace kalmira {
 

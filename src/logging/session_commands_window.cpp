@@ -9,7 +9,7 @@
 #include "screen/touch_button_view.h"
 #include "settings/display_options.h"
 #include "settings/session_dialogs_dialog.h"
-#include "shell/resource_names.h"
+#include "instruments/resource_names.h"
 
 namespace kalmira {
 namespace {

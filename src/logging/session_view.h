@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "link/decode.h"
+#include "instruments/decode.h"
 
 // How a session speaks to whoever shows it: the logging window, kalmira-log, the tests' recorder. Every
 // member is called on the session's thread, in the middle of what the session is doing; a question may let

@@ -4,7 +4,7 @@
 #include <utility>
 #include <vector>
 
-#include "link/decode.h"
+#include "instruments/decode.h"
 #include "logging/session.h"
 
 namespace kalmira {

@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "settings/settings.h"
-#include "shell/catalogue.h"
+#include "instruments/catalogue.h"
 
 // How the profile's traces look, as the display options change it.
 namespace kalmira {

@@ -22,7 +22,7 @@
 #include "screen/template_dialog.h"
 #include "settings/display_options.h"
 #include "settings/line_sample_view.h"
-#include "shell/resource_names.h"
+#include "instruments/resource_names.h"
 
 namespace kalmira {
 namespace {

@@ -10,7 +10,7 @@
 
 #include "gps/nmea.h"
 #include "screen/template_dialog.h"
-#include "shell/resource_names.h"
+#include "instruments/resource_names.h"
 
 namespace kalmira {
 namespace {

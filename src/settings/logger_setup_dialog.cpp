@@ -5,7 +5,7 @@
 
 #include "link/port.h"
 #include "screen/template_dialog.h"
-#include "shell/resource_names.h"
+#include "instruments/resource_names.h"
 
 namespace kalmira {
 namespace {

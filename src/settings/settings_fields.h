@@ -8,7 +8,7 @@
 #include <variant>
 
 #include "settings/settings.h"
-#include "shell/catalogue.h"
+#include "instruments/catalogue.h"
 
 namespace kalmira {
 

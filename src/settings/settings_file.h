@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "settings/settings.h"
-#include "shell/catalogue.h"
+#include "instruments/catalogue.h"
 
 namespace kalmira {
 

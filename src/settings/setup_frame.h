@@ -1,7 +1,7 @@
 #pragma once
 
 #include "screen/theme.h"
-#include "shell/catalogue.h"
+#include "instruments/catalogue.h"
 
 namespace kalmira {
 

@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "settings/settings.h"
-#include "shell/catalogue.h"
+#include "instruments/catalogue.h"
 
 // What the operator chooses before a survey: how readings are triggered, what is measured, and where the
 // first line begins. Which choices there are depends on the kind, and on the survey mode.

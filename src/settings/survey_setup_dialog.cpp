@@ -14,7 +14,7 @@
 #include "platform/text.h"
 #include "screen/template_dialog.h"
 #include "settings/survey_setup.h"
-#include "shell/resource_names.h"
+#include "instruments/resource_names.h"
 
 namespace kalmira {
 namespace {

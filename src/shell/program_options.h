@@ -8,7 +8,7 @@
 
 #include "link/com_devices.h"
 #include "platform/clock.h"
-#include "shell/catalogue.h"
+#include "instruments/catalogue.h"
 
 namespace kalmira {
 

@@ -3,7 +3,7 @@
 #include <optional>
 
 #include "link/com_devices.h"
-#include "shell/catalogue.h"
+#include "instruments/catalogue.h"
 
 class QSettings;
 

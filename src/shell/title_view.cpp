@@ -9,7 +9,7 @@
 #include <algorithm>
 #include <array>
 
-#include "shell/resource_names.h"
+#include "instruments/resource_names.h"
 
 namespace kalmira {
 namespace {

@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "screen/theme.h"
-#include "shell/catalogue.h"
+#include "instruments/catalogue.h"
 
 namespace kalmira {
 

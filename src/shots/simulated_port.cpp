@@ -6,7 +6,7 @@
 
 #include <cmath>
 
-#include "link/ice_model.h"
+#include "instruments/ice_model.h"
 #include "sim/encode.h"
 
 namespace kalmira::shots {

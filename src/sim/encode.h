@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "shell/catalogue.h"
+#include "instruments/catalogue.h"
 
 // Engineering values to the records that the instruments send: the other way round of link/decode.h.
 // Conductivity is in mS/m, inphase in parts per thousand. Each record is given without its terminator, and

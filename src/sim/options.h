@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "shell/catalogue.h"
+#include "instruments/catalogue.h"
 #include "sim/faults.h"
 #include "sim/survey.h"
 

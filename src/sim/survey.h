@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <string>
 
-#include "shell/catalogue.h"
+#include "instruments/catalogue.h"
 #include "sim/player.h"
 
 // A survey that never took place: an operator walks a line with an instrument and a GPS receiver. Every

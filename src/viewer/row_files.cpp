@@ -12,7 +12,7 @@
 #include <string_view>
 #include <system_error>
 
-#include "link/ice_model.h"
+#include "instruments/ice_model.h"
 #include "platform/paths.h"
 #include "platform/text.h"
 #include "viewer/line_extract.h"

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "shell/catalogue.h"
+#include "instruments/catalogue.h"
 #include "viewer/navigation.h"
 
 // The viewer's commands: their buttons and keys, and the texts that go with them.

@@ -6,7 +6,7 @@
 #include "datafile/record_reader.h"
 #include "exporter/csv_export.h"
 #include "exporter/output_file.h"
-#include "shell/catalogue.h"
+#include "instruments/catalogue.h"
 
 namespace kalmira {
 namespace {

@@ -5,7 +5,7 @@
 #include <QFile>
 #include <set>
 
-#include "shell/resource_names.h"
+#include "instruments/resource_names.h"
 
 namespace kalmira {
 namespace {

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "link/decode.h"
+#include "instruments/decode.h"
 
 namespace kalmira::sim {
 namespace {

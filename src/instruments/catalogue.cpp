@@ -1,4 +1,4 @@
-#include "shell/catalogue.h"
+#include "instruments/catalogue.h"
 
 #include <fmt/format.h>
 

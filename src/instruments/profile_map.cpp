@@ -1,7 +1,7 @@
 #include <cmath>
 #include <limits>
 
-#include "link/decode.h"
+#include "instruments/decode.h"
 
 namespace kalmira {
 namespace {

@@ -1,8 +1,8 @@
-#include "link/ice_model.h"
+#include "instruments/ice_model.h"
 
 #include <algorithm>
 
-#include "link/ice_tables.h"
+#include "instruments/ice_tables.h"
 
 namespace kalmira {
 namespace {

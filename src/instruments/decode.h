@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string_view>
 
-#include "shell/catalogue.h"
+#include "instruments/catalogue.h"
 
 // From a framed record to engineering values. Conductivity is in mS/m, inphase in parts per thousand,
 // ice thickness in metres. Values are computed in double precision and rounded to float once, unless a

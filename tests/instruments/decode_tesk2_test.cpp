@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "link/decode.h"
+#include "instruments/decode.h"
 
 namespace kalmira {
 namespace {

@@ -3,7 +3,7 @@
 #include <span>
 #include <string_view>
 
-#include "shell/catalogue.h"
+#include "instruments/catalogue.h"
 
 // The names of dialog templates and title pictures, by kind and screen. A dialog is loaded by the name given
 // here.

@@ -1,4 +1,4 @@
-#include "shell/resource_names.h"
+#include "instruments/resource_names.h"
 
 #include <array>
 

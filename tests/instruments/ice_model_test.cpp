@@ -1,4 +1,4 @@
-#include "link/ice_model.h"
+#include "instruments/ice_model.h"
 
 #include <gtest/gtest.h>
 

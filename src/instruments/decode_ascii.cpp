@@ -1,4 +1,4 @@
-#include "link/decode.h"
+#include "instruments/decode.h"
 #include "platform/text.h"
 
 namespace kalmira {

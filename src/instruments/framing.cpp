@@ -1,4 +1,4 @@
-#include "link/framing.h"
+#include "instruments/framing.h"
 
 namespace kalmira {
 namespace {

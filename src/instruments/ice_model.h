@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "link/decode.h"
+#include "instruments/decode.h"
 
 // Ice thickness from the apparent conductivity of ice over sea water: inverse interpolation in tables of
 // conductivities that were computed from a layered-earth model for thicknesses of 0 to 7 m.

@@ -1,4 +1,4 @@
-#include "link/decode.h"
+#include "instruments/decode.h"
 
 #include <gtest/gtest.h>
 

@@ -1,2 +1,0 @@
-kalmira_test(com_devices_test SOURCES com_devices_test.cpp LINKS kalmira_ports)
-kalmira_test(device_texts_test SOURCES device_texts_test.cpp LINKS kalmira_ports)

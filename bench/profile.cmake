@@ -1,3 +1,3 @@
 kalmira_bench(profile_bench
   SOURCES profile_bench.cpp
-  LINKS kalmira_profile_ui kalmira_session_start kalmira_sim_core)
+  LINKS kalmira_profile_ui kalmira_logging kalmira_sim_core)

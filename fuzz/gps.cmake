@@ -1,3 +1,3 @@
 kalmira_fuzz(fuzz_nmea
   SOURCES fuzz_nmea.cpp
-  LINKS kalmira_nmea)
+  LINKS kalmira_gps)

@@ -15,7 +15,7 @@
 #include "console/output_thread.h"
 #include "console/run_settings.h"
 #include "link/keep_awake.h"
-#include "link/serial_session_ports.h"
+#include "logging/serial_session_ports.h"
 #include "logging/commands.h"
 #include "logging/gps_handler.h"
 #include "logging/handlers.h"
@@ -23,7 +23,7 @@
 #include "platform/idle.h"
 #include "platform/standard_streams.h"
 #include "platform/text.h"
-#include "shell/session_start.h"
+#include "logging/session_start.h"
 
 namespace kalmira {
 namespace {

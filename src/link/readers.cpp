@@ -5,7 +5,6 @@
 #include <cstring>
 #include <optional>
 
-#include "instruments/framing.h"
 
 namespace kalmira {
 namespace {
@@ -64,10 +63,10 @@ bool feedBlock(Framer& framer, Bytes block, LinkState& link, const OnGood& onGoo
   return true;
 }
 
-// Calls `onBlock` with what arrives until it returns false. Nothing arriving within a slice is an empty
-// block.
-template <typename OnBlock>
-ReaderEnd readBlocks(Port& port, const std::atomic<bool>& stop, int sliceMs, const OnBlock& onBlock) {
+}  // namespace
+
+ReaderEnd readBlocks(Port& port, const std::atomic<bool>& stop, int sliceMs,
+                     const std::function<bool(Bytes)>& onBlock) {
   Block buffer;
   while (!stop) {
     const ReadResult read = port.read(buffer, sliceMs);
@@ -76,8 +75,6 @@ ReaderEnd readBlocks(Port& port, const std::atomic<bool>& stop, int sliceMs, con
   }
   return ReaderEnd::stopped;
 }
-
-}  // namespace
 
 ReaderEnd InstrumentReaderAscii(const ReaderContext& context, Kind kind, const RecordHandOver& handOver) {
   beginReading(context, kind == Kind::tesk ? context.link.recordLength : instrumentOf(kind).instrumentLength);
@@ -134,20 +131,6 @@ ReaderEnd InstrumentReaderTesk2(const ReaderContext& context, bool markerOnInstr
     // Taken after the wait, so that the record which has just come gets the marker of this moment.
     if (markerOnInstrumentPort) context.link.markerLineState = static_cast<int>(context.port.modemStatus());
     return feedBlock(framer, block, context.link, onGood);
-  });
-}
-
-ReaderEnd GpsReaderThread(Port& port, const Clock& clock, const std::atomic<bool>& stop,
-                          const LineHandOver& handOver) {
-  // What came before is of unknown age, and would get the tick of this moment.
-  port.purge();
-  NmeaFramer framer(NmeaFramer::kLoggingLimit);
-  return readBlocks(port, stop, kReadSliceMs, [&](Bytes block) {
-    const std::uint32_t tick = clock.tick();
-    for (const std::uint8_t byte : block) {
-      if (framer.feed(byte, tick) && !handOver(framer.line())) return false;
-    }
-    return true;
   });
 }
 

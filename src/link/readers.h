@@ -3,8 +3,8 @@
 #include <atomic>
 #include <functional>
 
-#include "gps/nmea.h"
 #include "link/link_state.h"
+#include "instruments/framing.h"
 #include "link/port.h"
 #include "platform/clock.h"
 #include "instruments/catalogue.h"
@@ -23,6 +23,11 @@ enum class ReaderEnd {
   stopped,  // was told to
   gone,     // the device has vanished
 };
+
+// Calls `onBlock` with what arrives until it returns false, `stop` is set or the device vanishes. Nothing arriving
+// within `sliceMs` is an empty block. On the thread of `port`.
+ReaderEnd readBlocks(Port& port, const std::atomic<bool>& stop, int sliceMs,
+                     const std::function<bool(Bytes)>& onBlock);
 
 // What a reader works with; all of it must outlive the reader's loop, and the loop runs on the thread of
 // `port`.
@@ -45,11 +50,6 @@ ReaderEnd InstrumentReaderIce(const ReaderContext& context, const RecordHandOver
 // With `markerOnInstrumentPort` the marker line is a modem line of the instrument's own cable.
 ReaderEnd InstrumentReaderTesk2(const ReaderContext& context, bool markerOnInstrumentPort,
                                 const RecordHandOver& handOver);
-
-// As RecordHandOver, for a completed line from the receiver; the line is valid during the call only.
-using LineHandOver = std::function<bool(const GpsLine&)>;
-ReaderEnd GpsReaderThread(Port& port, const Clock& clock, const std::atomic<bool>& stop,
-                          const LineHandOver& handOver);
 
 // Stores the whole status word in markerLineState at every change of CTS; 0 when the device vanishes.
 ReaderEnd MarkerLineThread(const ReaderContext& context);

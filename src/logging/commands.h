@@ -4,7 +4,7 @@
 #include <string_view>
 
 #include "datafile/creation.h"
-#include "link/session_ports.h"
+#include "logging/session_ports.h"
 #include "logging/session.h"
 #include "settings/line_entry.h"
 

@@ -6,4 +6,4 @@ kalmira_library(kalmira_logging_ui
   SOURCES button_row_view.cpp logging_window.cpp session_commands_window.cpp
   LINKS
     kalmira_session_keys kalmira_panel_ui kalmira_profile_ui kalmira_logging_dialogs_ui kalmira_settings_ui
-    kalmira_session_start kalmira_link kalmira_platform)
+    kalmira_logging kalmira_link kalmira_platform)

@@ -7,11 +7,11 @@
 #include <string>
 
 #include "datafile/disk.h"
-#include "link/serial_session_ports.h"
+#include "logging/serial_session_ports.h"
 #include "logging/commands.h"
 #include "logging/session.h"
 #include "screen/theme.h"
-#include "shell/session_start.h"
+#include "logging/session_start.h"
 
 namespace kalmira {
 

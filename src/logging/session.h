@@ -14,7 +14,7 @@
 #include "instruments/decode.h"
 #include "instruments/ice_model.h"
 #include "link/link_state.h"
-#include "link/session_ports.h"
+#include "logging/session_ports.h"
 #include "logging/session_view.h"
 #include "platform/clock.h"
 #include "settings/settings.h"

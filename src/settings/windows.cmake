@@ -6,4 +6,4 @@ kalmira_library(kalmira_settings_ui
 target_sources(kalmira_settings PRIVATE setup_lists.cpp)
 kalmira_library(kalmira_setup_ui
   SOURCES gps_port_setup_dialog.cpp logger_setup_dialog.cpp setup_lists_dialog.cpp
-  LINKS kalmira_screen_ui kalmira_settings kalmira_theme kalmira_find_receiver)
+  LINKS kalmira_screen_ui kalmira_settings kalmira_theme kalmira_gps)

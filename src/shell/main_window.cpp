@@ -14,7 +14,7 @@
 #include "screen/touch_button_view.h"
 #include "shell/chooser_dialog.h"
 #include "shell/menu_layout.h"
-#include "shell/session_start.h"
+#include "logging/session_start.h"
 #include "shell/title_view.h"
 
 namespace kalmira {

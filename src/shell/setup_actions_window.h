@@ -5,7 +5,7 @@
 #include <functional>
 #include <optional>
 
-#include "gps/monitor_window.h"
+#include "ui/gps/monitor_window.h"
 #include "link/device_texts.h"
 #include "settings/gps_port_setup_dialog.h"
 #include "shell/main_window.h"

@@ -15,7 +15,7 @@
 #include <utility>
 #include <vector>
 
-#include "gps/monitor_window.h"
+#include "ui/gps/monitor_window.h"
 #include "logging/commands.h"
 #include "logging/keys.h"
 #include "logging/logging_window.h"

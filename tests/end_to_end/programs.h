@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "link/pty.h"
+#include "support/pty.h"
 #include "support/temp_folder.h"
 
 // The programs themselves, run and spoken to by tests. Every wait ends as soon as what is waited for has

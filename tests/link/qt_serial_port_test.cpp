@@ -14,7 +14,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "link/pty.h"
+#include "support/pty.h"
 
 namespace kalmira {
 namespace {

@@ -8,7 +8,7 @@
 #include <QTest>
 #include <QTimer>
 
-#include "shell/session_start.h"
+#include "logging/session_start.h"
 #include "support/fake_clock.h"
 #include "support/fake_disk.h"
 #include "support/temp_folder.h"

@@ -11,7 +11,7 @@
 #include "logging/commands.h"
 #include "logging/handlers.h"
 #include "logging/session.h"
-#include "shell/session_start.h"
+#include "logging/session_start.h"
 #include "support/fake_clock.h"
 #include "support/fake_disk.h"
 #include "support/temp_folder.h"

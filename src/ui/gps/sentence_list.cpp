@@ -1,4 +1,4 @@
-#include "gps/sentence_list_view.h"
+#include "ui/gps/sentence_list.h"
 
 #include <QFontDatabase>
 #include <QFontMetrics>

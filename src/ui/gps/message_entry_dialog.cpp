@@ -1,4 +1,4 @@
-#include "gps/message_entry_dialog.h"
+#include "ui/gps/message_entry_dialog.h"
 
 #include <QLineEdit>
 

@@ -1,4 +1,4 @@
-#include "shell/session_start.h"
+#include "logging/session_start.h"
 
 #include "logging/commands.h"
 #include "logging/panel.h"

@@ -7,7 +7,7 @@
 #include "gps/monitor.h"
 #include "gps/monitor_reader.h"
 #include "link/port_thread.h"
-#include "link/serial_session_ports.h"
+#include "logging/serial_session_ports.h"
 #include "platform/clock.h"
 #include "platform/hand_over.h"
 #include "screen/theme.h"

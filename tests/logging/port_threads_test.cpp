@@ -11,7 +11,7 @@
 #include <thread>
 
 #include "link/keep_awake.h"
-#include "link/serial_session_ports.h"
+#include "logging/serial_session_ports.h"
 
 namespace kalmira {
 namespace {

@@ -3,10 +3,11 @@
 #include <functional>
 #include <string>
 
+#include "gps/gps_reader.h"
 #include "gps/nmea.h"
 #include "link/link_state.h"
 #include "link/port_thread.h"
-#include "link/session_ports.h"
+#include "logging/session_ports.h"
 #include "platform/clock.h"
 #include "platform/hand_over.h"
 #include "settings/settings.h"

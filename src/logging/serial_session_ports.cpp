@@ -1,4 +1,4 @@
-#include "link/serial_session_ports.h"
+#include "logging/serial_session_ports.h"
 
 #include <fmt/format.h>
 

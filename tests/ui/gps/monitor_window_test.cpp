@@ -1,4 +1,4 @@
-#include "gps/monitor_window.h"
+#include "ui/gps/monitor_window.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -13,8 +13,8 @@
 #include <condition_variable>
 #include <mutex>
 
-#include "gps/sentence_list_view.h"
-#include "link/pty.h"
+#include "ui/gps/sentence_list.h"
+#include "support/pty.h"
 #include "link/qt_serial_port.h"
 #include "screen/touch_button_view.h"
 #include "support/dialog_actor.h"

@@ -1,4 +1,4 @@
-#include "gps/monitor_window.h"
+#include "ui/gps/monitor_window.h"
 
 #include <fmt/format.h>
 
@@ -10,8 +10,8 @@
 #include <algorithm>
 #include <utility>
 
-#include "gps/message_entry_dialog.h"
-#include "gps/sentence_list_view.h"
+#include "ui/gps/message_entry_dialog.h"
+#include "ui/gps/sentence_list.h"
 #include "logging/message_dialog.h"
 #include "screen/screen_scale.h"
 #include "screen/touch_button_view.h"

@@ -1,1 +1,0 @@
-kalmira_test(gps_find_receiver_test SOURCES find_receiver_test.cpp LINKS kalmira_find_receiver)

@@ -1,3 +1,0 @@
-kalmira_test(gps_monitor_test SOURCES monitor_test.cpp LINKS kalmira_gps_monitor)
-kalmira_test(gps_monitor_reader_test SOURCES monitor_reader_test.cpp LINKS kalmira_gps_monitor THREADED)
-kalmira_widget_test(gps_monitor_window_test SOURCES monitor_window_test.cpp LINKS kalmira_gps_ui kalmira_link THREADED)

@@ -9,8 +9,8 @@
 #include <string>
 
 #include "datafile/record_format.h"
-#include "exporter/csv_export.h"
-#include "exporter/output_file.h"
+#include "export/csv_export.h"
+#include "export/output_file.h"
 #include "platform/text.h"
 
 namespace {

@@ -9,12 +9,12 @@
 #include <QImage>
 #include <filesystem>
 
+#include "chart/profile_redraw.h"
 #include "datafile/record_format.h"
 #include "logging/commands.h"
-#include "logging/curve_view.h"
 #include "logging/handlers.h"
-#include "logging/profile_redraw.h"
 #include "sim/encode.h"
+#include "ui/session/curve_view.h"
 
 namespace {
 

@@ -19,9 +19,9 @@
 #include "platform/text.h"
 #include "resources.h"
 #include "settings/settings_file.h"
-#include "shell/main_window.h"
-#include "shell/program.h"
-#include "shell/program_options.h"
+#include "ui/shell/main_window.h"
+#include "ui/shell/program.h"
+#include "ui/shell/program_options.h"
 #include "window_child.h"
 #include "window_painted.h"
 

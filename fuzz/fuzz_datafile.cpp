@@ -7,7 +7,7 @@
 #include <string_view>
 
 #include "datafile/record_parse.h"
-#include "exporter/csv_export.h"
+#include "export/csv_export.h"
 
 namespace {
 

@@ -10,8 +10,8 @@
 
 #include "platform/standard_streams.h"
 #include "resources.h"
-#include "shell/program.h"
-#include "shell/program_options.h"
+#include "ui/shell/program.h"
+#include "ui/shell/program_options.h"
 
 int main(int argc, char** argv) {
   kalmira::openMissingStreams();

@@ -4,7 +4,7 @@
 #include <string_view>
 #include <vector>
 
-#include "exporter/export_command.h"
+#include "export/export_command.h"
 #include "platform/standard_streams.h"
 
 int main(int argc, char** argv) {

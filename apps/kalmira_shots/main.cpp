@@ -7,7 +7,7 @@
 
 #include "platform/standard_streams.h"
 #include "resources.h"
-#include "shots/shots_window.h"
+#include "ui/shots/shots.h"
 
 int main(int argc, char** argv) {
   kalmira::openMissingStreams();

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "screen/theme.h"
 #include "instruments/catalogue.h"
 
 namespace kalmira {
@@ -11,7 +10,6 @@ struct SetupFrame {
   bool iceOption = false;  // ORLA started for ice work
   bool portrait = true;
   int storageClass = kDefaultStorageClass;
-  const Theme* theme = nullptr;  // never null while a dialog runs
 };
 
 }  // namespace kalmira

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "logging/profile_chart.h"
+#include "chart/profile_chart.h"
 #include "settings/settings.h"
 #include "viewer/line_extract.h"
 

@@ -6,10 +6,10 @@
 #include <QTest>
 #include <QTimer>
 
-#include "logging/panel_view.h"
-#include "screen/touch_button_view.h"
 #include "settings/settings_file.h"
-#include "shell/program.h"
+#include "ui/screen/touch_button.h"
+#include "ui/session/panel_view.h"
+#include "ui/shell/program.h"
 
 namespace kalmira {
 namespace {

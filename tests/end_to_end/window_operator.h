@@ -9,9 +9,9 @@
 #include "end_to_end/programs.h"
 #include "logging/session_view.h"
 #include "settings/settings.h"
-#include "shell/main_window.h"
-#include "shell/program_options.h"
 #include "support/temp_folder.h"
+#include "ui/shell/main_window.h"
+#include "ui/shell/program_options.h"
 
 // Somebody who works with the program's windows: sees what the panel shows, presses keys and taps.
 namespace kalmira {

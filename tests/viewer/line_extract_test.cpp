@@ -2,8 +2,8 @@
 
 #include <chrono>
 
+#include "support/viewed_file.h"
 #include "viewer/readout.h"
-#include "viewer/viewed_file.h"
 
 namespace kalmira {
 namespace {

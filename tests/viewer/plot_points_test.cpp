@@ -2,7 +2,7 @@
 
 #include <fmt/format.h>
 
-#include "viewer/viewed_file.h"
+#include "support/viewed_file.h"
 
 namespace kalmira {
 namespace {

@@ -1,6 +1,6 @@
 #include "viewer/readout.h"
 
-#include "viewer/viewed_file.h"
+#include "support/viewed_file.h"
 
 namespace kalmira {
 namespace {

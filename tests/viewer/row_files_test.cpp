@@ -6,7 +6,7 @@
 #include <limits>
 #include <random>
 
-#include "viewer/viewed_file.h"
+#include "support/viewed_file.h"
 
 namespace kalmira {
 namespace {

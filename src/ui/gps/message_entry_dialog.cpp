@@ -3,7 +3,7 @@
 #include <QLineEdit>
 
 #include "gps/monitor.h"
-#include "screen/template_dialog.h"
+#include "ui/screen/template_dialog.h"
 
 namespace kalmira {
 

@@ -12,9 +12,9 @@
 
 #include "ui/gps/message_entry_dialog.h"
 #include "ui/gps/sentence_list.h"
-#include "logging/message_dialog.h"
-#include "screen/screen_scale.h"
-#include "screen/touch_button_view.h"
+#include "ui/screen/message_dialog.h"
+#include "ui/screen/screen_scale.h"
+#include "ui/screen/touch_button.h"
 
 namespace kalmira {
 namespace {

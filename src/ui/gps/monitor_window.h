@@ -10,8 +10,8 @@
 #include "logging/serial_session_ports.h"
 #include "platform/clock.h"
 #include "platform/hand_over.h"
-#include "screen/theme.h"
 #include "settings/settings.h"
+#include "ui/screen/theme.h"
 
 class QLineEdit;
 

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "screen/theme.h"
+#include "ui/screen/theme.h"
 
 namespace kalmira {
 

@@ -13,12 +13,12 @@
 #include <condition_variable>
 #include <mutex>
 
-#include "ui/gps/sentence_list.h"
-#include "support/pty.h"
 #include "link/qt_serial_port.h"
-#include "screen/touch_button_view.h"
 #include "support/dialog_actor.h"
 #include "support/fake_clock.h"
+#include "support/pty.h"
+#include "ui/gps/sentence_list.h"
+#include "ui/screen/touch_button.h"
 
 namespace kalmira {
 namespace {

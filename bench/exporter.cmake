@@ -1,3 +1,0 @@
-kalmira_bench(export_bench
-  SOURCES export_bench.cpp
-  LINKS kalmira_exporter)

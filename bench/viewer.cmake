@@ -1,3 +1,0 @@
-kalmira_bench(viewer_bench
-  SOURCES viewer_bench.cpp
-  LINKS kalmira_viewer kalmira_records)

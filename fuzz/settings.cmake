@@ -1,3 +1,0 @@
-kalmira_fuzz(fuzz_settings
-  SOURCES fuzz_settings.cpp
-  LINKS kalmira_settings)

@@ -1,0 +1,146 @@
+#include "export/csv_export.h"
+
+#include <optional>
+
+#include "datafile/line_block.h"
+#include "datafile/record_parse.h"
+#include "datafile/record_times.h"
+#include "export/csv_text.h"
+#include "export/reading_decoder.h"
+
+namespace kalmira {
+namespace {
+
+constexpr std::string_view kCommonColumns = "line,station,repeat,date,time,tick,dipole,marker,range";
+// Start stations have two decimals in the file, increments three.
+constexpr int kStationDecimals = 3;
+// The finest step of any channel is 0.00028, of the second inphase of a TESK2.
+constexpr int kChannelDecimals = 5;
+
+constexpr std::size_t kFlushBytes = 65536;
+
+// What the records up to here have said.
+struct FileState {
+  explicit FileState(const Header1& header) : columns(channelColumns(header)), decoder(header) {}
+
+  std::span<const ChannelColumn> columns;
+  SurveyPosition position;
+  RecordTimes times;
+  ReadingDecoder decoder;
+  // The text of the last date written: a day has many readings.
+  std::optional<std::int64_t> day;
+  std::string date;
+};
+
+template <typename Value, typename Taker>
+bool takeIf(const std::optional<Value>& value, Taker take) {
+  if (value) take(*value);
+  return value.has_value();
+}
+
+// False when the record says nothing.
+bool takeRecord(FileState& state, std::string_view record) {
+  switch (recordTypeOf(record)) {
+    case RecordType::date:
+      return takeIf(parseDate(record), [&](const LocalTime& date) { state.times.takeDate(date); });
+    case RecordType::timeMark:
+      return takeIf(parseTimeMark(record), [&](const TimeMark& mark) { state.times.takeMark(mark); });
+    case RecordType::calibration:
+      return takeIf(parseCalibration(record),
+                    [&](const CalibrationPair& calibration) { state.decoder.takeCalibration(calibration); });
+    default:
+      return state.position.take(record);
+  }
+}
+
+// The cells date, time and tick. False when there is no time.
+bool appendMoment(std::string& row, FileState& state, std::optional<std::uint32_t> tick) {
+  const auto moment = tick ? state.times.at(*tick) : std::nullopt;
+  if (moment && moment->day) {
+    if (state.day != moment->day) {
+      state.day = moment->day;
+      state.date.clear();
+      appendDate(state.date, *moment->day);
+    }
+    row += state.date;
+  }
+  row += ',';
+  if (moment) appendTimeOfDay(row, moment->timeOfDayMs);
+  row += ',';
+  if (tick) appendInteger(row, *tick);
+  return moment.has_value();
+}
+
+void appendRange(std::string& row, const DecodedReading& reading) {
+  if (reading.range) appendInteger(row, *reading.range);
+  if (reading.secondRange) {
+    row += '/';
+    appendInteger(row, *reading.secondRange);
+  }
+}
+
+// Returns whether the row has a time.
+bool appendReading(std::string& row, FileState& state, std::string_view record) {
+  appendText(row, state.position.lineName());
+  row += ',';
+  if (const auto station = state.position.station()) appendReal(row, *station, kStationDecimals);
+  row += ',';
+  appendInteger(row, readingRepeat(record));
+  row += ',';
+  const bool timed = appendMoment(row, state, parseTick(record));
+  const auto reading = state.decoder.decode(readingText(record));
+  row += ',';
+  row += reading.dipole;
+  row += reading.marked ? ",1," : ",0,";
+  appendRange(row, reading);
+  for (const auto& column : state.columns) {
+    row += ',';
+    if (reading.channels.present.at(column.slot) == 0) continue;
+    appendReal(row, static_cast<double>(reading.channels.value.at(column.slot)), kChannelDecimals);
+  }
+  row += '\n';
+  return timed;
+}
+
+}  // namespace
+
+std::string csvColumns(const Header1& header) {
+  std::string columns(kCommonColumns);
+  for (const auto& column : channelColumns(header)) {
+    columns += ',';
+    columns += column.name;
+  }
+  return columns;
+}
+
+ExportResult exportReadings(RecordReader& reader, CsvTable& table) {
+  ExportResult result;
+  const std::string columns = csvColumns(reader.header());
+  if (!table.columns.empty() && table.columns != columns) {
+    result.outcome = ExportOutcome::otherColumns;
+    return result;
+  }
+  std::string text;
+  text.reserve(kFlushBytes + 1024);
+  if (table.columns.empty()) text = columns + '\n';
+  table.columns = columns;
+
+  FileState state(reader.header());
+  Record record;
+  while (reader.next(record)) {
+    if (!takeRecord(state, record.bytes)) ++result.unreadableRecords;
+    if (recordTypeOf(record.bytes) != RecordType::reading) continue;
+    ++result.readings;
+    if (!appendReading(text, state, record.bytes)) ++result.timelessReadings;
+    if (text.size() < kFlushBytes) continue;
+    if (!table.write(text)) {
+      result.outcome = ExportOutcome::outputFailed;
+      return result;
+    }
+    text.clear();
+  }
+  if (!text.empty() && !table.write(text)) result.outcome = ExportOutcome::outputFailed;
+  return result;
+}
+
+}  // namespace kalmira

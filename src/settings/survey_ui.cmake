@@ -1,4 +1,0 @@
-target_sources(kalmira_settings PRIVATE display_options.cpp survey_setup.cpp)
-kalmira_library(kalmira_survey_setup_ui
-  SOURCES display_options_dialog.cpp line_sample_view.cpp survey_setup_dialog.cpp
-  LINKS kalmira_screen_ui kalmira_instruments kalmira_settings kalmira_platform)

@@ -1,0 +1,41 @@
+#include "ui/screen/theme.h"
+
+namespace kalmira {
+const Theme& dayTheme() {
+  static constexpr Theme kDay;
+  return kDay;
+}
+
+const Theme& nightTheme() {
+  static constexpr Theme kNight{.night = true,
+                                .background = 0x000000,
+                                .text = 0xE0D0C0,
+                                .faintText = 0xA89888,
+                                .button = 0x2A2420,
+                                .buttonText = 0xE8D8C8,
+                                .buttonEdge = 0x7A6A5C,
+                                .pressedButton = 0x4A3E36,
+                                .focus = 0xFF9040,
+                                .monitor = 0x404040,
+                                .monitorText = 0xE8E8E8,
+                                .standBy = 0xA87C00,
+                                .standByText = 0x000000,
+                                .logging = 0x00501E,
+                                .loggingText = 0xE8F8E8,
+                                .warning = 0x8A1020,
+                                .warningText = 0xFFE8E0,
+                                .chart = 0x101010,
+                                .chartGrid = 0x4A4A4A,
+                                .chartText = 0xC8B8A8};
+  return kNight;
+}
+
+ChartColours chartColoursOf(const Theme& theme) {
+  return {.dark = theme.night, .background = theme.chart, .grid = theme.chartGrid};
+}
+
+std::uint32_t traceColourOn(const Theme& theme, int settingsColour) {
+  return traceColourOn(chartColoursOf(theme), settingsColour);
+}
+
+}  // namespace kalmira

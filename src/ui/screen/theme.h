@@ -1,0 +1,41 @@
+#pragma once
+
+#include <cstdint>
+
+#include "chart/chart_colours.h"
+
+// The colours of everything on the screen, for the day (sunlight on a dim screen: black on white) and for the
+// night (eyes that must stay used to the dark). Colours are 0xRRGGBB.
+namespace kalmira {
+
+struct Theme {
+  bool night = false;
+  std::uint32_t background = 0xFFFFFF;
+  std::uint32_t text = 0x000000;
+  std::uint32_t faintText = 0x444444;
+  std::uint32_t button = 0xE4E4E4;
+  std::uint32_t buttonText = 0x000000;
+  std::uint32_t buttonEdge = 0x555555;
+  std::uint32_t pressedButton = 0xB8B8B8;
+  std::uint32_t focus = 0x0044CC;  // frame of the button that Enter presses
+  // The band behind the state word, and the word on it: see stateColours.
+  std::uint32_t monitor = 0x5A5A5A;
+  std::uint32_t monitorText = 0xFFFFFF;
+  std::uint32_t standBy = 0xFFC400;
+  std::uint32_t standByText = 0x000000;
+  std::uint32_t logging = 0x00702A;
+  std::uint32_t loggingText = 0xFFFFFF;
+  std::uint32_t warning = 0xB00020;  // the message line
+  std::uint32_t warningText = 0xFFFFFF;
+  std::uint32_t chart = 0xFFFFFF;
+  std::uint32_t chartGrid = 0xC0C0C0;
+  std::uint32_t chartText = 0x000000;
+};
+
+const Theme& dayTheme();
+const Theme& nightTheme();
+
+ChartColours chartColoursOf(const Theme& theme);
+std::uint32_t traceColourOn(const Theme& theme, int settingsColour);
+
+}  // namespace kalmira

@@ -1,0 +1,166 @@
+#include "ui/screen/touch_button.h"
+
+#include <QFontInfo>
+#include <QFontMetrics>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QPainterPath>
+#include <QScreen>
+#include <algorithm>
+#include <cmath>
+
+namespace kalmira {
+namespace {
+
+constexpr double kTouchMillimetres = 9.0;
+constexpr double kMillimetresPerInch = 25.4;
+constexpr double kUsualDotsPerInch = 96.0;
+constexpr double kFewestDotsPerInch = 50.0;
+constexpr double kMostDotsPerInch = 800.0;
+constexpr double kRounding = 1e-6;  // of the division, which must not make a whole pixel
+constexpr int kSmallestFont = 5;    // pixels
+constexpr int kTextFlags = Qt::AlignCenter | Qt::TextWordWrap | Qt::TextShowMnemonic;
+
+bool fits(const QString& text, const QFont& font, QSize room) {
+  const QRect needed = QFontMetrics(font).boundingRect(QRect(QPoint(0, 0), room), kTextFlags, text);
+  return needed.width() <= room.width() && needed.height() <= room.height();
+}
+
+// The part of the room in which the lines of the text are about equally long.
+QRect balanced(const QString& text, const QFont& font, const QRect& room) {
+  const int lines = QFontMetrics(font).boundingRect(room, kTextFlags, text).height();
+  const int step = std::max(1, room.width() / 40);
+  QRect narrow = room;
+  while (narrow.width() > 2 * step && fits(text, font, {narrow.width() - 2 * step, lines})) {
+    narrow.adjust(step, 0, -step, 0);
+  }
+  return narrow;
+}
+
+}  // namespace
+
+int touchHeightAt(double dotsPerInch) {
+  const bool sensible = dotsPerInch >= kFewestDotsPerInch && dotsPerInch <= kMostDotsPerInch;
+  const double dots = sensible ? dotsPerInch : kUsualDotsPerInch;
+  return static_cast<int>(std::ceil(kTouchMillimetres * dots / kMillimetresPerInch - kRounding));
+}
+
+int touchHeight(const QScreen* screen) {
+  // Qt counts these dots in the coordinates of widgets, whatever the screen's own pixels are.
+  return touchHeightAt(screen == nullptr ? 0.0 : screen->physicalDotsPerInchY());
+}
+
+QFont fittedFont(const QString& text, const QFont& wanted, QSize room) {
+  QFont font = wanted;
+  int size = QFontInfo(wanted).pixelSize();
+  font.setPixelSize(std::max(size, kSmallestFont));
+  while (size > kSmallestFont && !fits(text, font, room)) font.setPixelSize(--size);
+  return font;
+}
+
+TouchButton::TouchButton(const QString& text, const Theme& theme, QWidget* parent)
+    : QPushButton(text, parent), theme_(&theme) {
+  setFocusPolicy(Qt::NoFocus);
+  setAutoDefault(false);
+  setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+}
+
+void TouchButton::setTheme(const Theme& theme) {
+  theme_ = &theme;
+  update();
+}
+
+QSize TouchButton::sizeHint() const {
+  const QSize line = QFontMetrics(font()).size(Qt::TextShowMnemonic, text());
+  const int frame = 2 * (frameWidth() + frameWidth() / 2 + 1);
+  return {line.width() + frame, std::max(line.height() + frame, touchHeight(screen()))};
+}
+
+QSize TouchButton::minimumSizeHint() const {
+  const int side = touchHeight(screen());
+  return {side, side};
+}
+
+// In step with the font, which is in step with the window.
+int TouchButton::frameWidth() const {
+  return std::max(2, QFontInfo(font()).pixelSize() / 5);
+}
+
+QRect TouchButton::textRoom() const {
+  const int frame = frameWidth() + frameWidth() / 2 + 1;
+  const int pointer = isDefault() ? frameWidth() : 0;
+  return rect().adjusted(frame, frame + pointer, -frame, -frame);
+}
+
+void TouchButton::paintFrame(QPainter& painter) const {
+  const int width = isDefault() ? frameWidth() : std::max(1, frameWidth() / 2);
+  QPen edge(QColor(isDefault() ? theme_->focus : theme_->buttonEdge), width);
+  if (!isEnabled()) edge.setStyle(Qt::DotLine);
+  edge.setJoinStyle(Qt::MiterJoin);
+  painter.setPen(edge);
+  const bool flat = !isEnabled();
+  painter.setBrush(QColor(flat ? theme_->background : isDown() ? theme_->pressedButton : theme_->button));
+  const double inset = width / 2.0;
+  const double radius = 1.5 * frameWidth();
+  painter.drawRoundedRect(QRectF(rect()).adjusted(inset, inset, -inset, -inset), radius, radius);
+}
+
+// A wedge from the upper edge down to the text: the button that Enter presses is known without its colour.
+void TouchButton::paintPointer(QPainter& painter) const {
+  const double middle = width() / 2.0;
+  const double top = frameWidth() - 1.0;
+  const double depth = 1.6 * frameWidth();
+  QPainterPath wedge;
+  wedge.moveTo(middle - depth, top);
+  wedge.lineTo(middle + depth, top);
+  wedge.lineTo(middle, top + depth);
+  painter.fillPath(wedge, QColor(theme_->focus));
+}
+
+void TouchButton::mouseDoubleClickEvent(QMouseEvent* event) {
+  event->accept();
+}
+
+void TouchButton::paintEvent(QPaintEvent* /*event*/) {
+  QPainter painter(this);
+  painter.setRenderHint(QPainter::Antialiasing);
+  paintFrame(painter);
+  if (isDefault()) paintPointer(painter);
+  const QFont font = fittedFont(text(), this->font(), textRoom().size());
+  QRect room = balanced(text(), font, textRoom());
+  painter.setFont(font);
+  painter.setPen(QColor(isEnabled() ? theme_->buttonText : theme_->faintText));
+  if (isDown()) room.translate(1, 1);
+  painter.drawText(room, kTextFlags, text());
+}
+
+void fitTogether(std::span<TouchButton* const> buttons, int pixels) {
+  if (buttons.empty()) return;
+  QFont font = buttons.front()->font();
+  font.setPixelSize(std::max(kSmallestFont, pixels));
+  for (const auto* button : buttons) font = fittedFont(button->text(), font, button->textRoom().size());
+  for (auto* button : buttons) button->setFont(font);
+}
+
+QPalette paletteOf(const Theme& theme) {
+  const QColor text(theme.text);
+  const QColor background(theme.background);
+  // From button and window colour Qt works out its edges and shadows.
+  QPalette palette(QColor(theme.button), background);
+  for (const auto role : {QPalette::Window, QPalette::Base}) palette.setColor(role, background);
+  for (const auto role : {QPalette::WindowText, QPalette::Text}) palette.setColor(role, text);
+  palette.setColor(QPalette::ButtonText, QColor(theme.buttonText));
+  palette.setColor(QPalette::AlternateBase, QColor(theme.button));
+  palette.setColor(QPalette::ToolTipBase, background);
+  palette.setColor(QPalette::ToolTipText, text);
+  palette.setColor(QPalette::PlaceholderText, QColor(theme.faintText));
+  palette.setColor(QPalette::Highlight, QColor(theme.focus));
+  palette.setColor(QPalette::HighlightedText, background);
+  palette.setColor(QPalette::Link, QColor(theme.focus));
+  for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
+    palette.setColor(QPalette::Disabled, role, QColor(theme.faintText));
+  }
+  return palette;
+}
+
+}  // namespace kalmira

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <QImage>
+#include <QWidget>
+#include <memory>
+
+#include "chart/chart_picture.h"
+#include "chart/profile_chart.h"
+#include "logging/session.h"
+#include "ui/screen/theme.h"
+
+namespace kalmira {
+
+// CurveWnd: the profile on the screen. It is drawn on a picture that scrolls, so that a reading costs one
+// column and not the chart; the limits of the scale are laid over it. The picture has one pixel for each of
+// the widget's own coordinates: on a screen with smaller dots the lines keep the widths that were chosen. The
+// session must outlive it or be taken away.
+class CurveWnd final : public QWidget {
+ public:
+  CurveWnd(const Theme& theme, QWidget* parent);
+  ~CurveWnd() override;
+
+  // From now on this session's profile is shown; nullptr: none, an empty chart.
+  void setSession(Session* session);
+  // Screen pixels a unit, and which layout: these with the widget's size and the settings make the chart.
+  void setLayoutOf(bool wideLayout, double scale);
+  void setTheme(const Theme& theme);
+
+  void addPoint(const ProfilePoint& point);
+  void redraw();      // from the data file, with the settings and the size as they are now
+  void clearChart();  // axes alone
+
+  // The picture as it stands, without labels.
+  QImage picture() const;
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
+
+ private:
+  void rebuild();
+  void drawLabels(QPainter& painter) const;
+  QImage image() const;  // a view of picture_'s pixels, no copy
+
+  const Theme* theme_;
+  Session* session_ = nullptr;
+  bool wide_layout_ = true;
+  double scale_ = 1.0;
+  ProfileSetup setup_;
+  std::unique_ptr<ChartPicture> picture_;
+  std::unique_ptr<TraceState> traces_;
+};
+
+}  // namespace kalmira

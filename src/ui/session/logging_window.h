@@ -1,0 +1,88 @@
+#pragma once
+
+#include <QWidget>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "datafile/disk.h"
+#include "logging/commands.h"
+#include "logging/serial_session_ports.h"
+#include "logging/session.h"
+#include "logging/session_start.h"
+#include "ui/screen/theme.h"
+
+namespace kalmira {
+
+// What the logging window needs of the program. Everything referred to outlives the window.
+struct LoggingHost {
+  SessionSetup setup;  // the layout fields are the window's own to set
+  Settings& settings;
+  const Clock& clock;
+  Disk& disk;
+  DeviceResolver deviceOf;
+  PortFactory portFactory;
+  // Has the settings file written; an empty text, or why not.
+  std::function<std::string(const Settings&)> saveSettings;
+  // What went wrong with an earlier saving, once; empty when there is nothing to tell.
+  std::function<std::string()> takeSettingsProblem;
+  std::function<void()> onLeft;      // the session is over; the main menu is to be shown
+  std::function<void()> endProgram;  // the operator was told why
+  // "Display Options" of the menu: the settings as changed, nothing when cancelled. Greyed while there is
+  // none.
+  std::function<std::optional<Settings>(QWidget* parent, const Settings& settings)> displayOptions;
+};
+
+// LoggingWnd: the screen on which a survey is recorded. It owns the session from startLogging until it is
+// left, and is the session's view. Hidden while no session is active. Its size decides its layout: upright or
+// lying, and how many pixels a unit of the layout has (240 x 320 or 320 x 240 units).
+class LoggingWnd final : public QWidget {
+ public:
+  LoggingWnd(LoggingHost host, const Theme& theme, QWidget* parent);
+  ~LoggingWnd() override;
+
+  // "Monitor/Log": opens the ports and shows the window. The operator has been told what went wrong.
+  StartOutcome startLogging();
+  bool sessionActive() const;
+  // The program is to be closed: asks "Exit Logging?" when there is a data file. False when it is to stay
+  // open.
+  bool mayClose();
+  // The machine asks the program to end: closes what is open, pauses and leaves, without a question.
+  void leaveAtOnce();
+  void setTheme(const Theme& theme);
+
+  // The session as it stands, for tests and pictures; nullptr before the first.
+  Session* session();
+  // Carries out a code of the buttons, keys or menus (keys.h). Ignored while a dialog or question is open.
+  void runCode(int code);
+
+ protected:
+  void keyPressEvent(QKeyEvent* event) override;
+  void keyReleaseEvent(QKeyEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
+  bool event(QEvent* event) override;
+  bool focusNextPrevChild(bool) override { return false; }  // Tab is a key like any other
+
+ private:
+  class View;
+  struct Parts;
+
+  void runCommand(Command command);
+  void createFile();
+  void enterLine();
+  void enterStation();
+  void enterComment();
+  void enterScale();
+  void changeDisplay();
+  void runMenu();
+  void redrawAfterDialog();
+  void layOut();
+  void showButtons();
+  void service();
+
+  LoggingHost host_;
+  std::unique_ptr<Parts> parts_;
+};
+
+}  // namespace kalmira

@@ -1,0 +1,251 @@
+#include "ui/setup/display_options_dialog.h"
+
+#include <QCheckBox>
+#include <QColorDialog>
+#include <QComboBox>
+#include <QIcon>
+#include <QLabel>
+#include <QLayout>
+#include <QPainter>
+#include <QPixmap>
+#include <QPushButton>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QScroller>
+#include <QSignalBlocker>
+#include <algorithm>
+#include <array>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "instruments/resource_names.h"
+#include "settings/display_options.h"
+#include "ui/screen/template_dialog.h"
+#include "ui/setup/line_sample.h"
+
+namespace kalmira {
+namespace {
+
+QString textOf(std::string_view text) {
+  return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+// A piece of a colour as it will be drawn. The frame tells a pale one from its ground.
+QIcon swatch(const Theme& theme, int colour, int side) {
+  QPixmap pixmap(side, side);
+  pixmap.fill(QColor::fromRgb(traceColourOn(theme, colour)));
+  QPainter painter(&pixmap);
+  painter.setPen(QColor::fromRgb(theme.text));
+  painter.drawRect(0, 0, side - 1, side - 1);
+  return pixmap;
+}
+
+// Colours are told by name and number, too.
+void showColour(QPushButton& button, const Theme& theme, int colour, const QString& purpose) {
+  const auto words = textOf(colourName(colour)) + ' ' + QString::fromStdString(colourNumber(colour));
+  button.setIcon(swatch(theme, colour, button.fontMetrics().height()));
+  button.setText(words);
+  button.setAccessibleName(purpose + ' ' + words);
+}
+
+int settingsColourOf(const QColor& colour) {
+  return settingsColour(colour.red(), colour.green(), colour.blue());
+}
+
+QColor colourOf(int settingsColourValue) {
+  return {QString::fromStdString(colourNumber(settingsColourValue))};
+}
+
+// Qt's colour dialog as a part of one of ours. It is wider than a small window, and then is moved to and fro
+// in a frame of its own.
+QColorDialog& addPicker(QDialog& dialog, int colour) {
+  auto* frame = new QScrollArea(&dialog);
+  auto* picker = new QColorDialog(colourOf(colour), frame);
+  picker->setWindowFlags(Qt::Widget);
+  picker->setOptions(QColorDialog::DontUseNativeDialog | QColorDialog::NoButtons);
+  fitForFingers(*picker);
+  frame->setFrameShape(QFrame::NoFrame);
+  frame->setFocusPolicy(Qt::NoFocus);
+  frame->setWidget(picker);
+  frame->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  frame->setMinimumHeight(picker->sizeHint().height() + frame->horizontalScrollBar()->sizeHint().height());
+  QScroller::grabGesture(frame->viewport(), QScroller::TouchGesture);
+  picker->show();
+  auto& place = part<QWidget>(dialog, "picker");
+  place.layout()->addWidget(frame);
+  place.setMinimumHeight(frame->minimumHeight());
+  // Escape in one of its fields closes the whole.
+  QObject::connect(picker, &QDialog::rejected, &dialog, &QDialog::reject);
+  return *picker;
+}
+
+// Offers the colours that a new logger has, too: they stay apart in sunlight and for every eye, and are
+// buttons for fingers that take the colour at one touch.
+std::optional<int> runTraceColourDialog(QWidget* parent, const Theme& theme, int colour) {
+  const auto dialog = makeDialog("GetTraceColour", parent);
+  if (dialog == nullptr) return std::nullopt;
+  auto& picker = addPicker(*dialog, colour);
+  const Settings fresh;
+  for (std::size_t i = 0; i < kTraces; ++i) {
+    const int offered = fresh.traceColour[i];
+    auto& button = part<QPushButton>(*dialog, ("colour" + std::to_string(i)).c_str());
+    showColour(button, theme, offered, "Take");
+    button.setText(textOf(colourName(offered)));
+    QObject::connect(&button, &QPushButton::clicked, &picker, [&picker, &dialog, offered] {
+      picker.setCurrentColor(colourOf(offered));
+      dialog->accept();
+    });
+  }
+  if (!runDialog(*dialog)) return std::nullopt;
+  return settingsColourOf(picker.currentColor());
+}
+
+// The dialog while it is open.
+class DisplayOptions {
+ public:
+  DisplayOptions(QDialog& dialog, const SetupFrame& frame, const Theme& theme, const Settings& settings);
+
+  const Settings& changed() const { return settings_; }
+  void takeGrid();
+
+ private:
+  // The parts of one trace.
+  struct Row {
+    TraceRow trace;
+    QCheckBox* shown;
+    QPushButton* colour;
+    QComboBox* width;
+    LineSample* sample;
+  };
+
+  template <class Widget>
+  Widget& piece(const char* name, std::size_t slot) const {
+    return part<Widget>(dialog_, (name + std::to_string(slot)).c_str());
+  }
+  void hideOthers() const;
+  Row makeRow(const TraceRow& trace);
+  void connectRow(const Row& row);
+  void showRow(const Row& row) const;
+  void chooseColour(const Row& row);
+  void fillGrid();
+  void showAxis();
+
+  QDialog& dialog_;
+  const Theme& theme_;
+  Settings settings_;
+  std::span<const TraceRow> traces_;
+  std::span<const AxisChoice> axes_;
+  int axis_;  // position in axes_, while there are grid lines
+  std::vector<Row> rows_;
+};
+
+DisplayOptions::DisplayOptions(QDialog& dialog, const SetupFrame& frame, const Theme& theme,
+                               const Settings& settings)
+    : dialog_(dialog),
+      theme_(theme),
+      settings_(settings),
+      traces_(traceRows(frame.kind, frame.iceOption)),
+      axes_(axisChoices(frame.kind, frame.iceOption && settings.iceDisplay == 1)),
+      axis_(static_cast<int>(axisPosition(axes_, settings))) {
+  hideOthers();
+  for (const auto& trace : traces_) rows_.push_back(makeRow(trace));
+  for (const auto& row : rows_) connectRow(row);
+  fillGrid();
+}
+
+// A template serves several kinds, some of which have fewer traces.
+void DisplayOptions::hideOthers() const {
+  for (std::size_t slot = 0; slot < kTraces; ++slot) {
+    const auto has = [slot](const TraceRow& trace) { return trace.slot == slot; };
+    if (std::any_of(traces_.begin(), traces_.end(), has)) continue;
+    for (const char* name : {"traceShown", "traceSample", "traceColour", "traceWidth"}) {
+      auto* widget = dialog_.findChild<QWidget*>(QString(name) + QChar('0' + static_cast<int>(slot)));
+      if (widget != nullptr) widget->hide();
+    }
+  }
+}
+
+DisplayOptions::Row DisplayOptions::makeRow(const TraceRow& trace) {
+  const std::size_t slot = trace.slot;
+  const Row row{trace, &piece<QCheckBox>("traceShown", slot), &piece<QPushButton>("traceColour", slot),
+                &piece<QComboBox>("traceWidth", slot), new LineSample(theme_, &dialog_)};
+  piece<QWidget>("traceSample", slot).layout()->addWidget(row.sample);
+  row.shown->setText(textOf(trace.name));
+  row.shown->setChecked(traceChosen(settings_, slot));
+  for (int width = 1; width <= kTraceWidths; ++width) {
+    row.width->addItem(QString::fromStdString(traceWidthName(width)));
+  }
+  row.width->setAccessibleName(textOf(trace.name));
+  row.width->setCurrentIndex(traceWidthOf(settings_, slot) - 1);
+  showRow(row);
+  return row;
+}
+
+void DisplayOptions::connectRow(const Row& row) {
+  const std::size_t slot = row.trace.slot;
+  QObject::connect(row.shown, &QCheckBox::toggled, &dialog_, [this, &row, slot](bool shown) {
+    settings_.traceShown.at(slot) = shown ? 1 : 0;
+    showRow(row);
+  });
+  QObject::connect(row.width, &QComboBox::currentIndexChanged, &dialog_, [this, &row, slot](int position) {
+    settings_.traceWidth.at(slot) = position + 1;
+    showRow(row);
+  });
+  QObject::connect(row.colour, &QPushButton::clicked, &dialog_, [this, &row] { chooseColour(row); });
+}
+
+void DisplayOptions::showRow(const Row& row) const {
+  const std::size_t slot = row.trace.slot;
+  const int colour = settings_.traceColour.at(slot);
+  showColour(*row.colour, theme_, colour, textOf(row.trace.name));
+  row.sample->setLine(traceChosen(settings_, slot), colour, traceWidthOf(settings_, slot));
+}
+
+void DisplayOptions::chooseColour(const Row& row) {
+  auto& colour = settings_.traceColour.at(row.trace.slot);
+  // In the whole room of the window, not just of this dialog.
+  auto* window = dialog_.parentWidget() == nullptr ? &dialog_ : dialog_.parentWidget();
+  if (const auto chosen = runTraceColourDialog(window, theme_, colour)) colour = *chosen;
+  showRow(row);
+}
+
+void DisplayOptions::fillGrid() {
+  auto& grid = part<QCheckBox>(dialog_, "grid");
+  auto& axis = part<QComboBox>(dialog_, "axis");
+  for (const auto& choice : axes_) axis.addItem(textOf(choice.name));
+  grid.setChecked(gridChosen(settings_));
+  showAxis();
+  QObject::connect(&grid, &QCheckBox::toggled, &dialog_, [this] { showAxis(); });
+  QObject::connect(&axis, &QComboBox::currentIndexChanged, &dialog_,
+                   [this](int position) { axis_ = position; });
+}
+
+// Without grid lines the axis shows the first scale, and there is nothing to choose.
+void DisplayOptions::showAxis() {
+  const bool grid = part<QCheckBox>(dialog_, "grid").isChecked();
+  auto& axis = part<QComboBox>(dialog_, "axis");
+  const QSignalBlocker quiet(&axis);
+  axis.setCurrentIndex(grid ? axis_ : 0);
+  axis.setEnabled(grid && axes_.size() > 1);
+  part<QLabel>(dialog_, "axisLabel").setEnabled(axis.isEnabled());
+}
+
+void DisplayOptions::takeGrid() {
+  const bool grid = part<QCheckBox>(dialog_, "grid").isChecked();
+  settings_.profileGrid = profileGridOf(grid, axes_[static_cast<std::size_t>(axis_)].group);
+}
+
+}  // namespace
+
+std::optional<Settings> runDisplayOptionsDialog(QWidget* parent, const SetupFrame& frame, const Theme& theme,
+                                                const Settings& settings) {
+  const auto dialog = makeDialog(displayOptionsTemplate(frame.kind, frame.iceOption), parent);
+  if (dialog == nullptr) return std::nullopt;
+  DisplayOptions options(*dialog, frame, theme, settings);
+  if (!runDialog(*dialog)) return std::nullopt;
+  options.takeGrid();
+  return options.changed();
+}
+
+}  // namespace kalmira

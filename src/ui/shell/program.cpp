@@ -1,0 +1,314 @@
+#include "ui/shell/program.h"
+
+#include <QCoreApplication>
+#include <QGuiApplication>
+#include <QScreen>
+#include <QSettings>
+#include <csignal>
+#include <memory>
+#include <optional>
+#include <utility>
+
+#include "datafile/disk.h"
+#include "datafile/record_reader.h"
+#include "link/device_claim.h"
+#include "link/keep_awake.h"
+#include "link/qt_serial_port.h"
+#include "platform/idle.h"
+#include "platform/standard_streams.h"
+#include "settings/settings_file.h"
+#include "settings/settings_writer.h"
+#include "ui/shell/chooser_dialog.h"
+#include "ui/shell/main_window.h"
+#include "ui/shell/menu_layout.h"
+#include "ui/shell/setup_actions.h"
+#include "ui/shell/single_instance.h"
+#include "ui/shell/terminate_signals.h"
+#include "ui/shell/view_actions.h"
+
+namespace kalmira {
+namespace {
+
+// An instrument's settings, as long as it is the one in use.
+class InstrumentSettings {
+ public:
+  explicit InstrumentSettings(const SettingsPlace& place)
+      : kind_(place.kind), ice_option_(place.iceOption), writer_(settingsFileOf(place)) {
+    problem_ = loadSettings(place, settings_).problem;
+  }
+
+  RememberedKind instrument() const { return {.kind = kind_, .ice = ice_option_}; }
+  Settings& settings() { return settings_; }
+  void save(const Settings& current) { writer_.write(formatSettings(current, kind_, ice_option_)); }
+  // Why the file could not be read or written, once.
+  std::string takeProblem() {
+    auto problem = std::exchange(problem_, {});
+    if (problem.empty()) problem = writer_.takeProblem();
+    // The same again at every dialog would only be in the way.
+    if (problem == told_) return {};
+    if (!problem.empty()) told_ = problem;
+    return problem;
+  }
+  void finish() { writer_.finish(); }
+  // What went wrong with the settings of the instrument used before is told with these.
+  void takeOver(std::string problem) {
+    if (problem_.empty()) problem_ = std::move(problem);
+  }
+
+ private:
+  Kind kind_;
+  bool ice_option_;
+  Settings settings_;
+  std::string problem_;
+  std::string told_;
+  SettingsWriter writer_;
+};
+
+// One run of the program: everything the windows are given, in the order in which it comes to life.
+class Program {
+ public:
+  explicit Program(const ProgramOptions& options)
+      : options_(options),
+        store_("kalmira", "kalmira"),
+        clock_(options.tickBase),
+        assigned_(rememberedComDevices(store_)),
+        setup_actions_(setupHost()),
+        view_actions_(viewHost()) {
+    for (std::size_t i = 0; i < assigned_.size(); ++i) {
+      if (!options_.com[i].empty()) assigned_[i] = options_.com[i];
+    }
+  }
+  int run();
+
+ private:
+  std::optional<RememberedKind> instrumentToUse();
+  std::optional<RememberedKind> instrumentOfFile() const;
+  bool nightToUse();
+  MainWindowHost windowHost(RememberedKind instrument, bool night);
+  LoggingHost openInstrument(RememberedKind instrument);
+  SetupHost setupHost();
+  ViewActionsHost viewHost();
+  MenuActions menuActions();
+  void rememberDevices(const ComAssignments& changed);
+  SessionSetup setupOf(RememberedKind instrument) const;
+  void showWindow();
+  std::string finishSettings();
+  void end();
+
+  const ProgramOptions& options_;
+  QSettings store_;
+  SystemClock clock_;
+  LocalDisk disk_;
+  ComAssignments assigned_;  // what the operator gave the COM numbers
+  ComAssignments devices_;   // as they were when the session began: what comes and goes renumbers nothing
+  std::unique_ptr<InstrumentSettings> instrument_settings_;
+  SetupActions setup_actions_;
+  ViewActions view_actions_;
+  std::unique_ptr<MainWindow> window_;
+  bool night_ = false;
+  bool ended_ = false;
+};
+
+std::optional<RememberedKind> Program::instrumentToUse() {
+  std::optional<RememberedKind> instrument;
+  if (options_.kind) {
+    instrument = RememberedKind{.kind = *options_.kind, .ice = options_.ice};
+  } else if (const auto ofFile = instrumentOfFile()) {
+    return ofFile;  // looked at, not remembered
+  } else {
+    instrument = rememberedKind(store_);
+    if (!instrument) {
+      instrument = runChooserDialog(nullptr, nightToUse() ? nightTheme() : dayTheme(), std::nullopt);
+    }
+  }
+  if (instrument) rememberKind(store_, *instrument);
+  return instrument;
+}
+
+// Of the data file to be viewed; nothing without one, or when it is none.
+std::optional<RememberedKind> Program::instrumentOfFile() const {
+  RecordReader reader;
+  if (options_.file.empty() || reader.open(options_.file).kind != FileErrorKind::none) return std::nullopt;
+  return RememberedKind{.kind = reader.header().kind, .ice = reader.header().iceOption};
+}
+
+bool Program::nightToUse() {
+  if (options_.night) rememberNight(store_, *options_.night);
+  return options_.night.value_or(rememberedNight(store_));
+}
+
+// What the command line gave for this run only is not kept unless the operator changed it.
+void Program::rememberDevices(const ComAssignments& changed) {
+  auto kept = rememberedComDevices(store_);
+  for (std::size_t i = 0; i < kept.size(); ++i) {
+    if (changed[i] != assigned_[i]) kept[i] = changed[i];
+  }
+  rememberComDevices(store_, kept);
+}
+
+SetupHost Program::setupHost() {
+  return {.clock = clock_,
+          .storageClass = options_.storageClass,
+          .instrument = [this] { return instrument_settings_->instrument(); },
+          .settings = [this]() -> Settings& { return instrument_settings_->settings(); },
+          .saveSettings = [this](const Settings& changed) { instrument_settings_->save(changed); },
+          .theme = [this]() -> const Theme& { return night_ ? nightTheme() : dayTheme(); },
+          .assigned = assigned_,
+          .presentDevices = serialDevices,
+          .lookAtDevice = lookAtDevice,
+          .rememberDevices = [this](const ComAssignments& changed) { rememberDevices(changed); },
+          .portFactory = makeQtSerialPort,
+          .cover = [this](QWidget* covering) { window_->cover(covering); }};
+}
+
+SessionSetup Program::setupOf(RememberedKind instrument) const {
+  SessionSetup setup;
+  setup.kind = instrument.kind;
+  setup.iceChosen = instrument.ice;
+  setup.teskRangeTimes10 = options_.teskTimes10 && instrument.kind == Kind::tesk;
+  setup.storageClass = options_.storageClass;
+  setup.root = options_.root;
+  return setup;
+}
+
+LoggingHost Program::openInstrument(RememberedKind instrument) {
+  auto problem = finishSettings();
+  instrument_settings_ =
+      std::make_unique<InstrumentSettings>(SettingsPlace{.kind = instrument.kind,
+                                                         .iceOption = instrument.ice,
+                                                         .storageClass = options_.storageClass,
+                                                         .root = options_.root});
+  auto& own = *instrument_settings_;
+  own.takeOver(std::move(problem));
+  return {.setup = setupOf(instrument),
+          .settings = own.settings(),
+          .clock = clock_,
+          .disk = disk_,
+          .deviceOf =
+              [this](int comNumber) {
+                const bool known = comNumber >= 1 && comNumber <= kComPorts;
+                return known ? devices_[static_cast<std::size_t>(comNumber - 1)] : std::string();
+              },
+          .portFactory = makeQtSerialPort,
+          .saveSettings =
+              [&own](const Settings& current) {
+                own.save(current);
+                return std::string();  // what goes wrong is told when it is known
+              },
+          .takeSettingsProblem = [&own] { return own.takeProblem(); },
+          .onLeft = {},
+          .endProgram = {},
+          .displayOptions =
+              [this](QWidget* parent, const Settings& settings) {
+                return setup_actions_.runSessionDisplayOptions(parent, settings);
+              }};
+}
+
+MainWindowHost Program::windowHost(RememberedKind instrument, bool night) {
+  return {.clock = clock_,
+          .instrument = instrument,
+          .night = night,
+          .open = [this](RememberedKind chosen) { return openInstrument(chosen); },
+          .sessionBegins = [this] { devices_ = resolveComDevices(assigned_, serialDevices()); },
+          .rememberInstrument = [this](RememberedKind chosen) { rememberKind(store_, chosen); },
+          .rememberNight =
+              [this](bool chosen) {
+                night_ = chosen;
+                rememberNight(store_, chosen);
+              },
+          .endProgram = [this] { end(); },
+          .actions = menuActions(),
+          .showFonts = [this](QWidget* parent) { view_actions_.showFonts(parent); }};
+}
+
+MenuActions Program::menuActions() {
+  auto actions = setup_actions_.menuActions();
+  actions[static_cast<std::size_t>(MenuCommand::viewFiles)] = [this](QWidget* parent) {
+    view_actions_.viewFiles(parent);
+  };
+  return actions;
+}
+
+ViewActionsHost Program::viewHost() {
+  return {.root = options_.root,
+          .storageClass = options_.storageClass,
+          .teskRangeTimes10 = options_.teskTimes10,
+          .instrument = [this] { return instrument_settings_->instrument(); },
+          .settings = [this]() -> Settings& { return instrument_settings_->settings(); },
+          .saveSettings = [this](const Settings& changed) { instrument_settings_->save(changed); },
+          .theme = [this]() -> const Theme& { return night_ ? nightTheme() : dayTheme(); },
+          .cover = [this](QWidget* covering) { window_->cover(covering); }};
+}
+
+void Program::end() {
+  ended_ = true;
+  QCoreApplication::exit(0);
+}
+
+void Program::showWindow() {
+  const auto room = QGuiApplication::primaryScreen()->availableSize();
+  const auto place = openingPlace({room.width(), room.height()}, options_.portrait, options_.scale);
+  window_->resize(place.width, place.height);
+  if (place.fullScreen) {
+    window_->showFullScreen();
+  } else {
+    window_->show();
+  }
+}
+
+// The settings file of an instrument is not left before it is written. Gives what went wrong.
+std::string Program::finishSettings() {
+  if (!instrument_settings_) return {};
+  // What was tried out and kept in memory only is kept for good at the end.
+  instrument_settings_->save(instrument_settings_->settings());
+  instrument_settings_->finish();
+  return instrument_settings_->takeProblem();
+}
+
+int Program::run() {
+  const SingleInstance instance(options_.root, [this] {
+    if (window_) window_->bringToFront();
+  });
+  if (!instance.isFirst()) {
+    printError("kalmira: already running on this root");
+    return 0;
+  }
+  const TerminateSignals terminateSignals([this] {
+    if (window_) {
+      window_->endAtOnce();
+    } else {
+      end();
+    }
+  });
+  const auto instrument = instrumentToUse();
+  if (!instrument || ended_) return 0;
+  night_ = nightToUse();
+  window_ = std::make_unique<MainWindow>(windowHost(*instrument, night_));
+  showWindow();
+  if (!options_.file.empty()) {
+    // Once the window is to be seen: what cannot be opened is told in front of it.
+    QMetaObject::invokeMethod(
+        window_.get(), [this] { view_actions_.viewFiles(window_.get(), options_.file); },
+        Qt::QueuedConnection);
+  }
+  IdleInhibitor inhibitor("Kalmira");
+  const KeepAwakeThread keepAwake{[&inhibitor] { inhibitor.renew(); }};
+  const int status = QCoreApplication::exec();
+  window_.reset();
+  if (const auto problem = finishSettings(); !problem.empty()) printError(problem);
+  return status;
+}
+
+}  // namespace
+
+int runProgram(const ProgramOptions& options) {
+  // A closed pipe or a file size limit is an error of one write, not the end of a survey.
+  std::signal(SIGPIPE, SIG_IGN);
+#ifdef SIGXFSZ
+  std::signal(SIGXFSZ, SIG_IGN);
+#endif
+  Program program(options);
+  return program.run();
+}
+
+}  // namespace kalmira

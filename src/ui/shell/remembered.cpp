@@ -1,0 +1,62 @@
+#include "ui/shell/remembered.h"
+
+#include <fmt/format.h>
+
+#include <QSettings>
+
+namespace kalmira {
+namespace {
+
+const QString kKindKey = QStringLiteral("instrument/kind");
+const QString kIceKey = QStringLiteral("instrument/ice");
+const QString kThemeKey = QStringLiteral("screen/theme");
+
+QString comKey(std::size_t index) {
+  return QString::fromStdString(fmt::format("com/{}", index + 1));
+}
+
+}  // namespace
+
+std::optional<RememberedKind> rememberedKind(const QSettings& store) {
+  const auto name = store.value(kKindKey).toString().toStdString();
+  const auto* instrument = findInstrumentByName(name);
+  if (instrument == nullptr) return std::nullopt;
+  const bool ice = instrument->kind == Kind::orla && store.value(kIceKey).toString() == "yes";
+  return RememberedKind{.kind = instrument->kind, .ice = ice};
+}
+
+void rememberKind(QSettings& store, RememberedKind kind) {
+  const auto name = instrumentOf(kind.kind).name;
+  store.setValue(kKindKey, QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size())));
+  store.setValue(kIceKey, kind.ice ? "yes" : "no");
+}
+
+ComAssignments rememberedComDevices(const QSettings& store) {
+  ComAssignments devices;
+  for (std::size_t i = 0; i < devices.size(); ++i) {
+    const auto path = store.value(comKey(i)).toString().trimmed().toStdString();
+    // Anything else is no device: a list, half a line, something typed into the file.
+    if (path.starts_with('/')) devices[i] = path;
+  }
+  return devices;
+}
+
+void rememberComDevices(QSettings& store, const ComAssignments& devices) {
+  for (std::size_t i = 0; i < devices.size(); ++i) {
+    if (devices[i].empty()) {
+      store.remove(comKey(i));
+    } else {
+      store.setValue(comKey(i), QString::fromStdString(devices[i]));
+    }
+  }
+}
+
+bool rememberedNight(const QSettings& store) {
+  return store.value(kThemeKey).toString() == "night";
+}
+
+void rememberNight(QSettings& store, bool night) {
+  store.setValue(kThemeKey, night ? "night" : "day");
+}
+
+}  // namespace kalmira

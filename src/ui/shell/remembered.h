@@ -1,0 +1,27 @@
+#pragma once
+
+#include <optional>
+
+#include "instruments/catalogue.h"
+#include "link/com_devices.h"
+
+class QSettings;
+
+// What the program remembers between runs besides the survey settings: the instrument last used, devices
+// behind COM numbers, the theme.
+namespace kalmira {
+
+struct RememberedKind {
+  Kind kind = Kind::orla;
+  bool ice = false;
+};
+std::optional<RememberedKind> rememberedKind(const QSettings& store);
+void rememberKind(QSettings& store, RememberedKind kind);
+
+ComAssignments rememberedComDevices(const QSettings& store);
+void rememberComDevices(QSettings& store, const ComAssignments& devices);
+
+bool rememberedNight(const QSettings& store);
+void rememberNight(QSettings& store, bool night);
+
+}  // namespace kalmira

@@ -1,0 +1,390 @@
+#include "ui/shots/shots.h"
+
+#include <fmt/format.h>
+
+#include <QApplication>
+#include <QDialog>
+#include <QElapsedTimer>
+#include <QMenu>
+#include <QPainter>
+#include <QTemporaryDir>
+#include <QTimer>
+#include <algorithm>
+#include <cctype>
+#include <memory>
+#include <utility>
+#include <vector>
+
+#include "logging/commands.h"
+#include "logging/keys.h"
+#include "ui/gps/monitor_window.h"
+#include "ui/screen/touch_button.h"
+#include "ui/session/logging_window.h"
+#include "ui/shell/chooser_dialog.h"
+#include "ui/shell/devices_dialog.h"
+#include "ui/shell/main_window.h"
+#include "ui/shell/setup_actions.h"
+#include "ui/shots/simulated_port.h"
+#include "ui/viewer/font_window.h"
+#include "ui/viewer/view_files_window.h"
+
+namespace kalmira::shots {
+namespace {
+
+constexpr std::uint64_t kRecords = 260;  // more than a chart is wide
+constexpr std::uint64_t kFirstRecords = 40;
+constexpr int kSettling_ms = 150;
+constexpr int kPatience_ms = 10000;
+
+// Two devices, as an adapter and a receiver are named.
+const std::vector<SerialDevice> kDevices{
+    {.path = "/dev/ttyACM0", .stablePath = {}, .description = "GPS receiver"},
+    {.path = "/dev/ttyUSB0", .stablePath = {}, .description = "USB serial adapter"}};
+
+struct Shot {
+  RememberedKind instrument;
+  QSize size;
+  bool night = false;
+};
+
+// A session's time is that of its records.
+class SurveyClock final : public Clock {
+ public:
+  std::uint32_t tick() const override { return tick_; }
+  LocalTime localTime() const override {
+    return {.year = 2026, .month = 7, .day = 14, .hour = 9, .minute = 30, .second = 0, .millisecond = 0};
+  }
+  void pause(std::uint32_t) const override {}
+
+ private:
+  std::uint32_t tick_ = 60000;
+};
+
+std::string nameOf(const Shot& shot, std::string_view what) {
+  std::string kind(instrumentOf(shot.instrument.kind).name);
+  std::transform(kind.begin(), kind.end(), kind.begin(),
+                 [](char c) { return static_cast<char>(std::tolower(static_cast<unsigned char>(c))); });
+  return fmt::format("{}{}-{}-{}{}.png", kind, shot.instrument.ice ? "-ice" : "",
+                     shot.size.height() >= shot.size.width() ? "portrait" : "landscape", what,
+                     shot.night ? "-night" : "");
+}
+
+// Settings that show much of a kind: GPS on, readings as fast as the instrument sends them, and scales that
+// hold the simulated ground.
+Settings surveySettings(RememberedKind instrument) {
+  Settings settings;
+  settings.audio = 0;
+  settings.gpsInput = 1;
+  settings.readingsInterval = static_cast<float>(instrumentOf(instrument.kind).recordPeriodMs / 1000.0);
+  settings.traceWidth.fill(2);
+  settings.lineName = "14 N";
+  settings.iceDisplay = 1;
+  settings.iceQuantity = 1;
+  settings.iceMinimum = 0.0F;
+  settings.surveyListA = instrument.kind == Kind::tesk || instrument.kind == Kind::teskdd ? 2 : 0;
+  const bool ice = instrument.kind == Kind::glaco;
+  settings.conductivityMaximum = ice ? 8.0F : 60.0F;
+  settings.inphaseMinimum = ice ? 0.0F : -5.0F;
+  settings.inphaseMaximum = ice ? 500.0F : 5.0F;
+  return settings;
+}
+
+// One instrument's program on one size of screen, without devices.
+class Stage {
+ public:
+  Stage(const Shot& shot, const std::filesystem::path& folder)
+      : shot_(shot),
+        folder_(folder),
+        settings_(surveySettings(shot.instrument)),
+        plan_(sim::naturalPlan(shot.instrument.kind, 12)),
+        setup_actions_(setupHost()),
+        window_(host()) {
+    plan_.sentencePeriod_s = 0.2;
+    window_.resize(shot.size);
+    window_.show();
+  }
+
+  void takeAll();
+  const std::string& problem() const { return problem_; }
+
+ private:
+  MainWindowHost host();
+  LoggingHost loggingHost();
+  SetupHost setupHost();
+  void save(std::string_view what);
+  void saveWith(std::string_view what, const QWidget& above);
+  // Takes a picture of the dialog or menu that `open` opens, and closes it.
+  void runAndSave(const std::function<void()>& open, std::string_view what);
+  void runCodeAndSave(int code, std::string_view what) {
+    runAndSave([this, code] { window_.logging().runCode(code); }, what);
+  }
+  void takeSetup();
+  void takeMonitor();
+  void takeViewer(const std::filesystem::path& file);
+  void settle();
+  bool waitFor(const std::function<bool()>& happened);
+  void takeQuestion();
+
+  Shot shot_;
+  std::filesystem::path folder_;
+  QTemporaryDir root_;
+  SurveyClock clock_;
+  LocalDisk disk_;
+  Settings settings_;
+  sim::SurveyPlan plan_;
+  Allowance allowance_;
+  std::string problem_;
+  ComAssignments assigned_;
+  SetupActions setup_actions_;
+  MainWindow window_;
+};
+
+LoggingHost Stage::loggingHost() {
+  return {.setup = {.kind = shot_.instrument.kind,
+                    .iceChosen = shot_.instrument.ice,
+                    .root = root_.path().toStdString()},
+          .settings = settings_,
+          .clock = clock_,
+          .disk = disk_,
+          .deviceOf = [](int com) { return std::string(com == 1 ? "instrument" : "gps"); },
+          .portFactory =
+              [this] {
+                return std::make_unique<SimulatedPort>(plan_, allowance_,
+                                                       shot_.instrument.ice ? iceRecordAt : nullptr);
+              },
+          .saveSettings = [](const Settings&) { return std::string{}; },
+          .takeSettingsProblem = {},
+          .onLeft = {},
+          .endProgram = {},
+          .displayOptions = [](QWidget*, const Settings&) { return std::optional<Settings>(); }};
+}
+
+MainWindowHost Stage::host() {
+  auto actions = setup_actions_.menuActions();
+  actions[static_cast<std::size_t>(MenuCommand::viewFiles)] = [](QWidget*) {};
+  return {.clock = clock_,
+          .instrument = shot_.instrument,
+          .night = shot_.night,
+          .open = [this](RememberedKind) { return loggingHost(); },
+          .sessionBegins = [] {},
+          .rememberInstrument = [](RememberedKind) {},
+          .rememberNight = [](bool) {},
+          .endProgram = [] {},
+          .actions = std::move(actions),
+          .showFonts = [](QWidget*) {}};
+}
+
+SetupHost Stage::setupHost() {
+  return {.clock = clock_,
+          .storageClass = kDefaultStorageClass,
+          .instrument = [this] { return shot_.instrument; },
+          .settings = [this]() -> Settings& { return settings_; },
+          .saveSettings = [](const Settings&) {},
+          .theme = [this]() -> const Theme& { return shot_.night ? nightTheme() : dayTheme(); },
+          .assigned = assigned_,
+          .presentDevices = [] { return kDevices; },
+          .lookAtDevice = [](const std::string&) { return std::nullopt; },
+          .rememberDevices = [](const ComAssignments&) {},
+          .portFactory = [this] { return std::make_unique<SimulatedPort>(plan_, allowance_); },
+          .cover = [this](QWidget* window) { window_.cover(window); }};
+}
+
+bool Stage::waitFor(const std::function<bool()>& happened) {
+  QElapsedTimer timer;
+  timer.start();
+  while (!happened() && timer.elapsed() < kPatience_ms) {
+    QApplication::processEvents(QEventLoop::AllEvents, 20);
+  }
+  return happened();
+}
+
+void Stage::save(std::string_view what) {
+  const auto path = folder_ / nameOf(shot_, what);
+  if (!window_.grab().save(QString::fromStdString(path.string()))) problem_ = "cannot write " + path.string();
+}
+
+// The window with what stands above it.
+void Stage::saveWith(std::string_view what, const QWidget& above) {
+  auto picture = window_.grab();
+  QPainter painter(&picture);
+  const auto place = above.mapToGlobal(QPoint(0, 0)) - window_.mapToGlobal(QPoint(0, 0));
+  painter.drawPixmap(place, const_cast<QWidget&>(above).grab());
+  painter.setPen(QPen(Qt::gray, 1));
+  painter.drawRect(QRect(place, above.size()));
+  painter.end();
+  const auto path = folder_ / nameOf(shot_, what);
+  if (!picture.save(QString::fromStdString(path.string()))) problem_ = "cannot write " + path.string();
+}
+
+void Stage::runAndSave(const std::function<void()>& open, std::string_view what) {
+  QTimer watch;
+  QObject::connect(&watch, &QTimer::timeout, [&] {
+    if (auto* popup = QApplication::activePopupWidget()) {
+      saveWith(what, *popup);
+      popup->close();
+    } else if (auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget())) {
+      saveWith(what, *dialog);
+      dialog->reject();
+    }
+  });
+  watch.start(60);
+  open();
+}
+
+void Stage::takeSetup() {
+  const auto press = [this](MenuCommand command, std::string_view what) {
+    runAndSave([&] { setup_actions_.menuActions()[static_cast<std::size_t>(command)](&window_); }, what);
+  };
+  press(MenuCommand::surveySetup, "survey-setup");
+  press(MenuCommand::loggerSetup, "logger-setup");
+  press(MenuCommand::setGpsPort, "gps-port-setup");
+  press(MenuCommand::displayOptions, "display-options");
+  const DeviceSight sight{.present = [] { return kDevices; },
+                          .look = [](const std::string&) { return std::nullopt; }};
+  runAndSave([&] { runDevicesDialog(&window_, assigned_, sight); }, "devices");
+}
+
+void Stage::takeMonitor() {
+  MonitorGPSWnd monitor({.settings = settings_,
+                         .clock = clock_,
+                         .deviceOf = [](int) { return std::string("gps"); },
+                         .portFactory = [this] { return std::make_unique<SimulatedPort>(plan_, allowance_); },
+                         .onLeft = {}},
+                        shot_.night ? nightTheme() : dayTheme(), &window_);
+  allowance_.sentences = 9;
+  monitor.open();
+  settle();
+  save("gps-monitor");
+  monitor.leave();
+}
+
+void Stage::settle() {
+  QElapsedTimer settling;
+  settling.start();
+  waitFor([&] { return settling.elapsed() > kSettling_ms; });
+}
+
+void Stage::takeQuestion() {
+  QTimer watch;
+  QObject::connect(&watch, &QTimer::timeout, [&] {
+    if (auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget())) {
+      saveWith("link-lost", *dialog);
+      dialog->reject();
+    }
+  });
+  watch.start(60);
+  auto& session = *window_.logging().session();
+  session.view.ask(Question::linkLost,
+                   {.title = "No Connection/Instrument OFF",
+                    .text = "Fix the problem and\r\npress YES to try.\r\nPress NO to exit Logging Mode.\r\n",
+                    .icon = Icon::exclamation});
+}
+
+void Stage::takeAll() {
+  QApplication::processEvents();
+  save("1-menu");
+  takeSetup();
+  takeMonitor();
+  allowance_.records = kFirstRecords;  // a TESK is listened to before the session begins
+  if (window_.logging().startLogging() != StartOutcome::started) {
+    problem_ = "no session for " + nameOf(shot_, "");
+    return;
+  }
+  auto& session = *window_.logging().session();
+  allowance_.sentences = 6;
+  settle();
+  save("2-monitor");
+  runCodeAndSave(0, "create-file");
+  const auto name = session.setup.root / ("SHOT" + std::string(session.instrument.extension));
+  createDataFile(session, [&](const std::string&) { return std::optional(name); });
+  save("3-stand-by");
+  window_.logging().runCode(0);
+  allowance_.sentences = 60;
+  allowance_.records = kFirstRecords + kRecords;
+  if (!waitFor([&] { return session.counts.readings >= kRecords - 20; })) {
+    problem_ = fmt::format("{}: only {} readings", nameOf(shot_, "logging"), session.counts.readings);
+  }
+  save("4-logging");
+  window_.logging().runCode(0);
+  runCodeAndSave(1, "new-line");
+  runCodeAndSave(2, "new-station");
+  runCodeAndSave(3, "comment");
+  runCodeAndSave(101, "scale");
+  runCodeAndSave(4, "popup-menu");
+  runCodeAndSave(5, "exit");
+  takeQuestion();
+  window_.logging().leaveAtOnce();
+  takeViewer(name);
+}
+
+// The survey that was just logged, and the fonts.
+void Stage::takeViewer(const std::filesystem::path& file) {
+  const auto& theme = shot_.night ? nightTheme() : dayTheme();
+  const DataPlace place{.kind = shot_.instrument.kind, .root = root_.path().toStdString()};
+  ViewFilesWnd viewer({.place = place,
+                       .extract = {},
+                       .settingsFor = [this](Kind, bool) { return settings_; },
+                       .takeSettings = [](Kind, bool, const Settings&) {},
+                       .onLeft = {}},
+                      theme, &window_);
+  viewer.open();
+  save("5-viewer-empty");
+  if (!viewer.openFile(file)) problem_ = "cannot view " + file.string();
+  viewer.run(ViewCommand::barRight);
+  save("6-viewer");
+  runAndSave([&] { viewer.run(ViewCommand::openFile); }, "view-open");
+  runAndSave([&] { viewer.run(ViewCommand::scale); }, "view-scale");
+  runAndSave([&] { viewer.run(ViewCommand::help); }, "view-help");
+  runAndSave([&] { viewer.run(kSavePicture); }, "view-picture");
+  viewer.leave();
+  FontWnd fonts([] {}, theme, &window_);
+  fonts.open();
+  save("7-fonts");
+}
+
+std::string takeChooser(const std::filesystem::path& folder, QSize size, bool night) {
+  QWidget parent;
+  parent.resize(size);
+  parent.show();
+  QTimer watch;
+  std::string problem;
+  QObject::connect(&watch, &QTimer::timeout, [&] {
+    auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+    if (dialog == nullptr) return;
+    const auto path =
+        folder / fmt::format("chooser-{}{}.png", size.height() >= size.width() ? "portrait" : "landscape",
+                             night ? "-night" : "");
+    if (!dialog->grab().save(QString::fromStdString(path.string())))
+      problem = "cannot write " + path.string();
+    dialog->reject();
+  });
+  watch.start(60);
+  const Theme& theme = night ? nightTheme() : dayTheme();
+  QApplication::setPalette(paletteOf(theme));
+  runChooserDialog(&parent, theme, std::nullopt);
+  return problem;
+}
+
+}  // namespace
+
+std::string takeShots(const std::filesystem::path& folder, const std::vector<QSize>& sizes) {
+  std::vector<RememberedKind> instruments;
+  instruments.reserve(kKindCount + 1);
+  for (int kind = 0; kind < kKindCount; ++kind) instruments.push_back({.kind = static_cast<Kind>(kind)});
+  instruments.insert(instruments.begin() + 1, {.kind = Kind::orla, .ice = true});
+  for (const auto& size : sizes) {
+    for (const bool night : {false, true}) {
+      if (auto problem = takeChooser(folder, size, night); !problem.empty()) return problem;
+      for (const auto& instrument : instruments) {
+        // By night two will do: they differ in colours alone.
+        if (night && instrument.kind != Kind::orla && instrument.kind != Kind::tesk2) continue;
+        Stage stage({.instrument = instrument, .size = size, .night = night}, folder);
+        stage.takeAll();
+        if (!stage.problem().empty()) return stage.problem();
+      }
+    }
+  }
+  return {};
+}
+
+}  // namespace kalmira::shots

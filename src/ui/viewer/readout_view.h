@@ -1,0 +1,49 @@
+#pragma once
+
+#include <QWidget>
+#include <array>
+
+#include "chart/profile_chart.h"
+#include "ui/screen/theme.h"
+#include "viewer/opened_file.h"
+
+namespace kalmira {
+
+// A trace's colour as the settings hold it; the auxiliary values have those of other traces.
+constexpr int traceColourOf(const ProfileSetup& setup, std::size_t trace) {
+  constexpr std::array<std::size_t, kProfilePoints - kTraces> kExtraPens{1, 5};
+  return setup.traceColour[trace < kTraces ? trace : kExtraPens[trace - kTraces]];
+}
+
+// The values of the station at the bar and what was noted there, in as many columns and as large as fits.
+class ReadoutView final : public QWidget {
+ public:
+  ReadoutView(const Theme& theme, QWidget* parent);
+
+  // `setup` has the colours by which the traces are told apart, beside their names. `largest` is the size of
+  // the text in pixels where there is room.
+  void showReadout(RowReadout readout, const ProfileSetup& setup);
+  void setLargestText(int pixels);
+  // All that is shown, one a line.
+  std::string text() const;
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+
+ private:
+  struct Grid {
+    QFont font;
+    int columns = 1;
+    int columnWidth = 0;
+    int lineHeight = 0;
+  };
+  Grid gridFor(int noteLines) const;
+  void drawField(QPainter& painter, const ReadoutField& field, const QRect& cell) const;
+
+  const Theme* theme_;
+  RowReadout readout_;
+  std::array<std::uint32_t, kProfilePoints> colours_{};
+  int largest_text_ = 14;
+};
+
+}  // namespace kalmira

@@ -1,0 +1,356 @@
+#include "ui/viewer/view_files_window.h"
+
+#include <fmt/format.h>
+
+#include <QEvent>
+#include <QKeyEvent>
+#include <QPainter>
+#include <algorithm>
+#include <utility>
+
+#include "ui/screen/key_table.h"
+#include "ui/screen/message_dialog.h"
+#include "ui/screen/screen_scale.h"
+#include "ui/screen/template_dialog.h"
+#include "ui/screen/touch_button.h"
+#include "ui/session/dialogs.h"
+#include "ui/viewer/line_list.h"
+#include "ui/viewer/open_file_dialog.h"
+#include "ui/viewer/overview.h"
+#include "ui/viewer/readout_view.h"
+#include "ui/viewer/view_curve.h"
+#include "ui/viewer/viewer_layout.h"
+#include "ui/viewer/waiting.h"
+
+namespace kalmira {
+namespace {
+
+constexpr double kReadoutUnits = 13;  // high, of the largest text
+constexpr double kLabelUnits = 9;     // of texts at the plot
+constexpr int kSmallestLabel = 9;     // pixels
+
+QRect rectOf(const ViewBox& box) {
+  return {box.left, box.top, box.width, box.height};
+}
+
+QString qtText(std::string_view utf8) {
+  return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
+}
+
+bool movesView(ViewCommand command) {
+  return command <= ViewCommand::lineEnd;
+}
+
+}  // namespace
+
+ViewFilesWnd::ViewFilesWnd(ViewerHost host, const Theme& theme, QWidget* parent)
+    : QWidget(parent),
+      host_(std::move(host)),
+      theme_(&theme),
+      row_files_(rowFilesOf(host_.place.root, host_.place.storageClass)),
+      lines_(new LineListView([this](int index) { chooseLine(index); },
+                              [this] {
+                                lines_->setCurrentIndex(static_cast<int>(navigation_.selectedLine));
+                                showPlot();
+                                window()->activateWindow();  // the list was a window of its own
+                                setFocus();
+                              },
+                              this)),
+      readout_(new ReadoutView(theme, this)),
+      plot_(new ViewCurveWnd(
+          theme, [this](int bar) { moveBarTo(bar); }, this)),
+      overview_(new OverviewView(
+          theme, [this](int row) { moveToRow(row); }, this)) {
+  setObjectName("ViewFilesWnd");
+  setFocusPolicy(Qt::StrongFocus);
+  setAutoFillBackground(true);
+  makeButtons();
+  if (parent != nullptr) parent->installEventFilter(this);
+  hide();
+}
+
+ViewFilesWnd::~ViewFilesWnd() = default;
+
+void ViewFilesWnd::makeButtons() {
+  for (std::size_t i = 0; i < buttons_.size(); ++i) {
+    const auto& entry = viewEntries()[i];
+    auto* button = new TouchButton(qtText(entry.text), *theme_, this);
+    button->setObjectName(
+        QString::fromStdString(fmt::format("{}", kFirstCommandId + static_cast<int>(entry.command))));
+    button->setToolTip(qtText(entry.toolTip));
+    button->setAccessibleName(qtText(entry.toolTip));
+    connect(button, &QPushButton::clicked, this, [this, command = entry.command] { run(command); });
+    buttons_[i] = button;
+    if (entry.command == ViewCommand::openFile) highlight_ = static_cast<int>(i);
+  }
+  showButtons();
+}
+
+void ViewFilesWnd::open() {
+  outer_title_ = window()->windowTitle();
+  if (parentWidget() != nullptr) setGeometry(parentWidget()->rect());
+  show();
+  raise();
+  layOut();
+  setFocus();
+}
+
+void ViewFilesWnd::leave() {
+  fileClosed(navigation_);
+  lines_->setLines(nullptr);
+  plot_->clearPlot();
+  overview_->clearLine();
+  file_.reset();
+  status_.clear();
+  showReadout();
+  showCaption();
+  showButtons();
+  hide();
+  if (host_.onLeft) host_.onLeft();
+}
+
+void ViewFilesWnd::run(ViewCommand command) {
+  if (acting_ || isHidden()) return;
+  acting_ = true;
+  act(command);
+  acting_ = false;
+  if (!isHidden() && command != ViewCommand::lineList) setFocus();
+}
+
+void ViewFilesWnd::act(ViewCommand command) {
+  setPlotWidth(navigation_, plot_->plotSize().width());
+  if (movesView(command)) return apply(moveView(navigation_, command));
+  if (command == kSavePicture) return savePicture();
+  if (command == kExportCsv) return exportCsv();
+  switch (command) {
+    case ViewCommand::openFile:
+      return chooseFile();
+    case ViewCommand::scale:
+      return enterScale();
+    case ViewCommand::exit:
+      return leave();
+    case ViewCommand::help:
+      return showHelp();
+    case ViewCommand::lineList:
+      lines_->setFocus();
+      return lines_->showPopup();
+    default:
+      return;
+  }
+}
+
+void ViewFilesWnd::chooseFile() {
+  if (const auto path = runOpenFileDialog(this, host_.place)) openFile(*path);
+}
+
+bool ViewFilesWnd::openFile(const std::filesystem::path& path) {
+  std::string problem;
+  std::unique_ptr<OpenedFile> opened;
+  {
+    const Waiting waiting;
+    opened = openDataFile(path, problem);
+  }
+  if (!opened) {
+    tell(problem);
+    return false;
+  }
+  lines_->setLines(nullptr);
+  file_ = std::move(opened);
+  const auto& header = file_->scanned.header;
+  settings_ = host_.settingsFor(header.kind, header.iceOption);
+  status_.clear();
+  lines_->setLines(&file_->scanned.lines);
+  const auto extractProblem = extractShown();
+  setPlotWidth(navigation_, plot_->plotSize().width());
+  apply(fileOpened(navigation_, file_->line.rowCount()));
+  showOverview();
+  showCaption();
+  showButtons();
+  for (const auto& text : {problem, extractProblem}) {
+    if (!text.empty()) tell(text);
+  }
+  return true;
+}
+
+std::string ViewFilesWnd::extractShown() {
+  const Waiting waiting;
+  return extractLine(*file_, static_cast<std::size_t>(std::max(0, lines_->currentIndex())), row_files_,
+                     host_.extract);
+}
+
+// The list shows another entry already.
+void ViewFilesWnd::chooseLine(int index) {
+  if (index < 0 || file_ == nullptr || !selectLine(navigation_, static_cast<std::size_t>(index))) return;
+  const auto problem = extractShown();
+  setPlotWidth(navigation_, plot_->plotSize().width());
+  apply(lineExtracted(navigation_, file_->line.rowCount()));
+  showOverview();
+  if (!problem.empty()) tell(problem);
+}
+
+void ViewFilesWnd::enterScale() {
+  const auto kind = file_ ? file_->scanned.header.kind : host_.place.kind;
+  const bool ice = file_ && file_->scanned.header.iceOption;
+  if (file_ == nullptr) settings_ = host_.settingsFor(kind, ice);
+  const auto changed = runProfileScaleDialog(this, viewScaleTemplate(kind), kind, ice, settings_);
+  if (changed) {
+    settings_ = *changed;
+    host_.takeSettings(kind, ice, settings_);
+  }
+  if (file_ == nullptr) return;
+  status_ = scaleStatusText(file_->scanned, settings_);
+  showCaption();
+  showPlot();
+  showOverview();
+}
+
+void ViewFilesWnd::showHelp() {
+  tellMessage(this, {.title = "View Files Help", .text = viewHelpText(host_.place.storageClass)});
+}
+
+void ViewFilesWnd::apply(const ViewStep& step) {
+  if (file_ == nullptr) return;
+  std::vector<std::string> messages;
+  if (step.load) messages = loadView(*file_, row_files_, navigation_);
+  if (step.redraw) showPlot();
+  if (step.moveBar) plot_->setBar(navigation_.bar);
+  if (step.readout || step.redraw) showReadout();
+  overview_->setWindow(navigation_.firstRow, navigation_.lastRow, rowAtBar(navigation_));
+  for (const auto& message : messages) tell(message);
+}
+
+// To where a finger is: as far as the bar goes by its keys.
+void ViewFilesWnd::moveBarTo(int bar) {
+  if (acting_ || file_ == nullptr) return;
+  const int last = std::max(1, std::min(navigation_.pointsInView, navigation_.totalRows));
+  navigation_.previousBar = std::exchange(navigation_.bar, std::clamp(bar, 1, last));
+  apply({.readout = true, .moveBar = true});
+}
+
+void ViewFilesWnd::moveToRow(int row) {
+  if (!acting_) apply(goToRow(navigation_, row));
+}
+
+ProfileSetup ViewFilesWnd::setupFor(QSize size) const {
+  return plotSetup(file_->scanned, settings_, size.width(), size.height());
+}
+
+void ViewFilesWnd::showPlot() {
+  if (file_ == nullptr) return plot_->clearPlot();
+  plot_->showStations(setupFor(plot_->plotSize()), file_->points);
+  plot_->setBar(navigation_.bar);
+}
+
+void ViewFilesWnd::showReadout() {
+  if (file_ == nullptr) return readout_->showReadout({}, {});
+  readout_->showReadout(readoutOf(*file_, navigation_), setupFor(plot_->plotSize()));
+}
+
+void ViewFilesWnd::showOverview() {
+  if (file_ == nullptr || file_->line.rowCount() == 0) return overview_->clearLine();
+  auto overview = lineOverview(row_files_, file_->scanned, file_->line, std::max(1, overview_->width()));
+  const auto setup = setupFor({overview.columns, overview_->height()});
+  overview_->showLine(setup, std::move(overview));
+}
+
+void ViewFilesWnd::showCaption() {
+  caption_ = file_ ? fileCaption(*file_) : "No file open";
+  if (file_ && file_->scanned.lines.empty()) caption_ += ", no lines";
+  setWindowTitle(QString::fromStdString(caption_));
+  const bool outer = parentWidget() != nullptr;
+  if (outer) window()->setWindowTitle(file_ ? QString::fromStdString(fileCaption(*file_)) : outer_title_);
+  update(caption_place_);
+}
+
+void ViewFilesWnd::showButtons() {
+  const bool usable = file_ != nullptr;
+  if (!usable && viewEntries().at(static_cast<std::size_t>(highlight_)).needsFile) {
+    highlight_ = nextViewButton(highlight_, 1, false);
+  }
+  for (std::size_t i = 0; i < buttons_.size(); ++i) {
+    buttons_[i]->setEnabled(usable || !viewEntries()[i].needsFile);
+    buttons_[i]->setDefault(static_cast<int>(i) == highlight_);
+  }
+  lines_->setEnabled(usable && lines_->count() > 0);
+}
+
+// One message at a time: what comes while one is being read is of the same cause.
+void ViewFilesWnd::tell(const std::string& text) {
+  if (std::exchange(telling_, true)) return;
+  tellMessage(this, {.title = "View Files", .text = text, .icon = Icon::exclamation});
+  telling_ = false;
+}
+
+void ViewFilesWnd::keyPressEvent(QKeyEvent* event) {
+  // Function keys are the program's; what else is no command ends here, for the menu below has keys of its
+  // own.
+  if (event->key() >= Qt::Key_F1 && event->key() <= Qt::Key_F35) return QWidget::keyPressEvent(event);
+  if (event->key() == Qt::Key_Tab || event->key() == Qt::Key_Backtab) {
+    highlight_ = nextViewButton(highlight_, event->key() == Qt::Key_Tab ? 1 : -1, file_ != nullptr);
+    return showButtons();
+  }
+  const bool enter = event->key() == Qt::Key_Enter || event->key() == Qt::Key_Return;
+  const auto command = enter ? std::optional(viewEntries().at(static_cast<std::size_t>(highlight_)).command)
+                             : viewCommandOfKey(keyCodeOf(event->key(), 0));
+  if (!command || (event->isAutoRepeat() && !movesView(*command))) return;
+  if (event->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) return;
+  run(*command);
+}
+
+void ViewFilesWnd::resizeEvent(QResizeEvent*) {
+  layOut();
+}
+
+bool ViewFilesWnd::eventFilter(QObject* watched, QEvent* event) {
+  if (watched == parentWidget() && event->type() == QEvent::Resize) setGeometry(parentWidget()->rect());
+  return false;
+}
+
+void ViewFilesWnd::layOut() {
+  const auto layout = layOutViewer(width(), height(), touchHeight(screen()));
+  QFont texts = font();
+  texts.setPixelSize(dialogTextPixels(layout.scale));
+  setFont(texts);
+  lines_->setFont(texts);
+  lines_->setGeometry(rectOf(layout.lines));
+  for (std::size_t i = 0; i < buttons_.size(); ++i) buttons_[i]->setGeometry(rectOf(layout.buttons[i]));
+  fitTogether(buttons_, layout.buttons[0].height / 2);
+  caption_place_ = rectOf(layout.caption);
+  readout_->setLargestText(std::max(kSmallestLabel, static_cast<int>(kReadoutUnits * layout.scale)));
+  readout_->setGeometry(rectOf(layout.readout));
+  texts.setPixelSize(std::max(kSmallestLabel, static_cast<int>(kLabelUnits * layout.scale)));
+  plot_->setFont(texts);
+  plot_->setGeometry(rectOf(layout.plot));
+  overview_->setGeometry(rectOf(layout.overview));
+  setPlotWidth(navigation_, plot_->plotSize().width());
+  if (isVisible() && file_ != nullptr) {
+    // A message in the middle of a change of size would be asked for again by its own.
+    if (!loadView(*file_, row_files_, navigation_).empty()) status_ = kInvalidHandle1;
+    showPlot();
+    showReadout();
+    showOverview();
+  } else if (file_ == nullptr) {
+    plot_->clearPlot();
+  }
+  apply({});
+  showCaption();
+}
+
+void ViewFilesWnd::paintEvent(QPaintEvent*) {
+  QPainter painter(this);
+  QFont texts = font();
+  texts.setPixelSize(std::min(texts.pixelSize(), caption_place_.height() - 2));
+  texts.setBold(true);
+  painter.setFont(texts);
+  painter.setPen(QColor::fromRgb(theme_->text));
+  const QFontMetrics metrics(texts);
+  const auto file = QString::fromStdString(caption_);
+  const auto status =
+      metrics.elidedText(QString::fromStdString(status_), Qt::ElideRight, caption_place_.width() / 2);
+  painter.drawText(caption_place_, Qt::AlignRight | Qt::AlignVCenter | Qt::TextSingleLine, status);
+  const int room = caption_place_.width() - metrics.horizontalAdvance(status + "  ");
+  painter.drawText(caption_place_, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
+                   metrics.elidedText(file, Qt::ElideMiddle, room));
+}
+
+}  // namespace kalmira

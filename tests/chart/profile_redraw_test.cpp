@@ -1,0 +1,301 @@
+#include <gmock/gmock.h>
+
+#include <optional>
+#include <random>
+
+#include "chart/chart_picture.h"
+#include "chart/profile_redraw.h"
+#include "datafile/record_format.h"
+#include "logging/calibration.h"
+#include "logging/watchdog.h"
+#include "sim/encode.h"
+#include "support/session_fixture.h"
+
+// The profile drawn anew from the file is the one that was drawn reading by reading, to the pixel.
+namespace kalmira {
+namespace {
+
+constexpr int kHeight = 120;
+
+struct Case {
+  std::string name;
+  Kind kind = Kind::orla;
+  bool ice = false;
+  int surveyMode = kModeAuto;
+  int listA = 0;
+  int listB = 0;
+  int readingsCount = 1;
+  int width = 240;  // of the chart
+  bool fineScale = false;
+};
+
+void PrintTo(const Case& item, std::ostream* out) {
+  *out << item.name;
+}
+
+// A survey whose profile is drawn as a window would, and redrawn at will.
+class Survey {
+ public:
+  explicit Survey(const Case& item) : test_(item.kind, item.ice), case_(item) {
+    auto& settings = test_.settings;
+    settings.conductivityMinimum = item.kind == Kind::glaco ? 0.0F : -20.0F;
+    settings.conductivityMaximum = item.kind == Kind::glaco ? 8.0F : item.fineScale ? -19.9F : 95.0F;
+    settings.traceWidth = {1, 2, 3, 4, 3, 2, 1, 4};
+    settings.surveyMode = item.surveyMode;
+    settings.surveyListA = item.listA;
+    settings.surveyListB = item.listB;
+    settings.readingsCount = item.readingsCount;
+    settings.iceDisplay = 1;
+    settings.iceQuantity = 1;
+    settings.iceMinimum = 0;
+    settings.calibrationFactors = {0.1F, 0.2F, -0.3F, 0.4F, 3.3333F, -4.4444F};
+    test_.begin();
+    // As wide a layout as the chart, so that the newest point stands near its right edge.
+    setup_ = profileSetup(item.kind, test_.session.iceOption, settings, true, item.width / 240.0, item.width,
+                          kHeight);
+    live_.emplace(ChartColours{}, item.width, kHeight);
+    traces_.emplace(TraceState{.traceStarted = test_.session.traceStarted});
+    DrawProfileAxes(*live_, setup_);
+  }
+
+  void readings(int count) {
+    for (int i = 0; i < count; ++i) {
+      test_.clock.advance(91);
+      const bool pressed = case_.surveyMode == kModeManual;
+      test_.record(encoded(pressed));
+      drawNewPoints();
+      if (pressed) test_.record(encoded(false));  // the trigger is let go; or the next sample
+      drawNewPoints();
+      if (i % 7 == 3) {
+        WriteGpsSentence(test_.session.writer(), "$GPGGA,101307,4400.0,N,07900.0,W,1,05,1.5,100,M,,,,*42", 5,
+                         '@', '#');
+      }
+    }
+  }
+  void start() { startRecording(test_.session); }
+  void pause() { pauseRecording(test_.session); }
+  void breakLink() {
+    test_.clock.advance(5000);
+    onTimer(test_.session);
+  }
+  void station(double station) { newStation(test_.session, station); }
+  void comment() { addComment(test_.session, "a stone"); }
+  void line() {
+    newLine(test_.session, proposeLine(test_.settings, 0));
+    live_->clear();
+    DrawProfileAxes(*live_, setup_);
+  }
+  void deleteFactors() { ASSERT_TRUE(deleteCalibration(test_.session)); }
+  void onlyDipole(bool vertical) { dipole_ = vertical; }
+  void anyDipole() { dipole_.reset(); }
+
+  // The pixels that differ between what was drawn and what a redraw draws. The redraw's picture is drawn on
+  // from here when `goOnWithIt`.
+  int difference(bool goOnWithIt = false) {
+    ChartPicture redrawn({}, setup_.width, kHeight);
+    std::array<int, kProfilePoints> startedThen{};
+    const auto startedNow = test_.session.traceStarted;
+    const auto tracesNow = traces_->previousY;
+    cost = redraw(redrawn);
+    startedThen = std::exchange(test_.session.traceStarted, startedNow);
+    EXPECT_EQ(startedThen, startedNow);
+    int differing = 0;
+    for (int y = 0; y < kHeight; ++y) {
+      for (int x = 0; x < setup_.width; ++x) differing += redrawn.at(x, y) != live_->at(x, y) ? 1 : 0;
+    }
+    if (goOnWithIt) {
+      redraw(*live_);
+    } else {
+      traces_->previousY = tracesNow;
+    }
+    return differing;
+  }
+
+  RedrawCost redraw(ChartPicture& picture) {
+    writeFile(test_.session.file.path(), test_.disk.content());
+    return RedrawProfileFromFile(test_.session, setup_, picture, *traces_);
+  }
+
+  TestSession& test() { return test_; }
+  const ProfileSetup& setup() const { return setup_; }
+  const ChartPicture& live() const { return *live_; }
+  RedrawCost cost;
+
+ private:
+  void drawNewPoints() {
+    auto& points = test_.view.points;
+    for (const auto& point : points) DrawProfilePoint(*live_, setup_, *traces_, point);
+    points.clear();
+  }
+
+  double value(double from, double to) { return std::uniform_real_distribution<double>(from, to)(random_); }
+  int choice(int count) { return std::uniform_int_distribution<int>(0, count - 1)(random_); }
+
+  std::string encoded(bool pressed) {
+    const sim::Stance stance{.vertical = dipole_.value_or(choice(2) == 0), .pressed = pressed};
+    const double conductivity = choice(50) == 0   ? 5000.0
+                                : case_.fineScale ? value(-23.4, -23.2)
+                                                  : value(-30, 110);
+    const double inphase = value(-9, 9);
+    const auto component = choice(2) == 0 ? sim::Component::inphase : sim::Component::conductivity;
+    switch (case_.kind) {
+      case Kind::orla:
+        return sim::encodeOrla(stance, case_.ice ? value(20, 900) : conductivity, inphase);
+      case Kind::teskb:
+        return sim::encodeTeskb(stance, conductivity, inphase);
+      case Kind::teskdd:
+        return sim::encodeTeskdd(stance, component, value(-9, 90), value(-9, 90));
+      case Kind::tesk:
+        return sim::encodeTesk(stance, component, conductivity, choice(2) == 0 ? 7 : 12);
+      case Kind::vardo:
+        return sim::encodeVardo(stance, 10 << choice(3), conductivity);
+      case Kind::mirka:
+        return sim::encodeMirka(stance, conductivity, inphase);
+      case Kind::glaco:
+        return sim::encodeGlaco(value(0, 9), value(0, 20));
+      case Kind::tesk2:
+        return sim::encodeTesk2(stance, {.conductivity1 = conductivity,
+                                         .inphase1 = inphase,
+                                         .conductivity2 = value(-30, 110),
+                                         .inphase2 = value(-8, 8),
+                                         .auxiliary1 = value(-10, 30),
+                                         .auxiliary2 = value(-10, 30)});
+    }
+    return {};
+  }
+
+  TestSession test_;
+  Case case_;
+  ProfileSetup setup_;
+  std::optional<ChartPicture> live_;
+  std::optional<TraceState> traces_;
+  std::optional<bool> dipole_;
+  std::mt19937 random_{7};
+};
+
+class RedrawEveryKind : public testing::TestWithParam<Case> {};
+
+TEST_P(RedrawEveryKind, EqualsWhatWasDrawnLive) {
+  Survey survey(GetParam());
+  EXPECT_EQ(survey.difference(), 0) << "an empty line";
+  survey.start();
+  survey.readings(9);
+  EXPECT_EQ(survey.difference(), 0) << "few readings";
+  survey.pause();
+  survey.comment();
+  survey.start();
+  survey.readings(4);
+  survey.breakLink();
+  survey.readings(5);
+  EXPECT_EQ(survey.difference(true), 0) << "pause and break";
+  survey.readings(4);
+  survey.pause();
+  survey.station(100);
+  EXPECT_EQ(survey.difference(), 0) << "new station";
+  survey.start();
+  survey.readings(10);
+  EXPECT_EQ(survey.difference(true), 0) << "drawn on after a redraw";
+  if (GetParam().kind == Kind::tesk2) {
+    survey.pause();
+    survey.deleteFactors();
+    survey.start();
+    survey.readings(6);
+    EXPECT_EQ(survey.difference(), 0) << "calibration deleted";
+  }
+  // More than fit, several times what the picture can scroll before it is moved.
+  survey.readings(700);
+  EXPECT_EQ(survey.difference(true), 0) << "a full chart";
+  survey.readings(30);
+  EXPECT_EQ(survey.difference(), 0);
+  survey.pause();
+  survey.line();
+  EXPECT_EQ(survey.difference(), 0) << "a new line";
+  survey.start();
+  survey.readings(7);
+  EXPECT_EQ(survey.difference(), 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Kinds, RedrawEveryKind,
+    testing::Values(
+        Case{.name = "orla"}, Case{.name = "orlaInphaseOnly", .listA = 1, .width = 311},
+        Case{.name = "orlaIce", .ice = true},
+        Case{.name = "orlaAverages", .surveyMode = kModeManual, .readingsCount = 2},
+        Case{.name = "orlaIceAverages", .ice = true, .surveyMode = kModeManual, .readingsCount = 2},
+        Case{.name = "teskb", .kind = Kind::teskb},
+        Case{.name = "teskbTwoAStation", .kind = Kind::teskb, .surveyMode = kModeManual, .listB = 2},
+        Case{.name = "teskdd", .kind = Kind::teskdd}, Case{.name = "tesk", .kind = Kind::tesk},
+        Case{.name = "teskFourAStation", .kind = Kind::tesk, .surveyMode = kModeManual, .listB = 2},
+        Case{.name = "vardo", .kind = Kind::vardo},
+        Case{.name = "vardoSixAStation", .kind = Kind::vardo, .surveyMode = kModeManual, .listB = 5},
+        Case{.name = "mirka", .kind = Kind::mirka}, Case{.name = "glaco", .kind = Kind::glaco},
+        Case{.name = "tesk2", .kind = Kind::tesk2},
+        // 1200 pixels a unit: the third decimal of a factor shows.
+        Case{.name = "tesk2FineScale", .kind = Kind::tesk2, .fineScale = true},
+        Case{.name = "tesk2Unscaled", .kind = Kind::tesk2, .listA = 1},
+        Case{.name = "tesk2Averages", .kind = Kind::tesk2, .surveyMode = kModeManual, .readingsCount = 2},
+        Case{.name = "narrow", .width = 3}),
+    [](const auto& item) { return item.param.name; });
+
+TEST(Redraw, JoinsATraceToItsLastPointFromBeforeTheChart) {
+  Survey survey({.name = "orla"});
+  survey.start();
+  survey.onlyDipole(false);
+  survey.readings(20);
+  survey.onlyDipole(true);
+  survey.readings(400);  // the chart holds 100 stations
+  EXPECT_EQ(survey.difference(true), 0);
+  survey.onlyDipole(false);
+  survey.readings(1);
+  EXPECT_EQ(survey.difference(), 0) << "the horizontal traces go on where they rested";
+  survey.readings(5);
+  EXPECT_EQ(survey.difference(), 0);
+  survey.breakLink();
+  survey.onlyDipole(true);
+  survey.readings(2);
+  EXPECT_EQ(survey.difference(), 0);
+}
+
+TEST(Redraw, CostsWhatIsShownNotWhatTheFileHolds) {
+  Survey survey({.name = "teskb", .kind = Kind::teskb});
+  survey.start();
+  survey.readings(400);
+  survey.difference();
+  const auto shortFile = survey.cost;
+  EXPECT_GT(shortFile.readingsDrawn, 100);
+  EXPECT_LT(shortFile.readingsDrawn, 110);
+  survey.readings(4000);
+  survey.difference();
+  EXPECT_NEAR(survey.cost.recordsRead, shortFile.recordsRead, 5);
+}
+
+TEST(Redraw, LeavesTheChartEmptyWithoutAReadableFile) {
+  Survey survey({.name = "orla"});
+  survey.start();
+  survey.readings(10);
+  ChartPicture empty({}, survey.setup().width, kHeight);
+  DrawProfileAxes(empty, survey.setup());
+  ChartPicture picture({}, survey.setup().width, kHeight);
+  std::array<int, kProfilePoints> started{1, 1};
+  TraceState traces{.traceStarted = started};
+  auto& session = survey.test().session;
+  EXPECT_EQ(RedrawProfileFromFile(session, survey.setup(), picture, traces).recordsRead, 0) << "no such file";
+  writeFile(session.file.path(), "TESKB   W222GRD");
+  EXPECT_EQ(RedrawProfileFromFile(session, survey.setup(), picture, traces).recordsRead, 0)
+      << "another kind's";
+  for (int y = 0; y < kHeight; ++y) ASSERT_EQ(picture.at(100, y), empty.at(100, y));
+  EXPECT_EQ(started[0], 0);
+}
+
+TEST(Redraw, EndsOnAFileOfOneEndlessStation) {
+  Survey survey({.name = "orla"});
+  std::string records;
+  const auto record = formatReading(24, "2 -0100-0400", 1);
+  for (int i = 0; i < 300000; ++i) records += record;
+  survey.test().session.file.append(records);
+  ChartPicture picture({}, survey.setup().width, kHeight);
+  EXPECT_NEAR(survey.redraw(picture).recordsRead, 200000, 4096);
+}
+
+}  // namespace
+}  // namespace kalmira

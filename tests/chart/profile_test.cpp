@@ -1,0 +1,245 @@
+#include <gmock/gmock.h>
+
+#include <limits>
+
+#include "chart/chart_colours.h"
+#include "chart/chart_picture.h"
+#include "chart/profile_chart.h"
+
+namespace kalmira {
+namespace {
+
+using testing::ElementsAre;
+
+constexpr float kInfinity = std::numeric_limits<float>::infinity();
+constexpr float kNoNumber = std::numeric_limits<float>::quiet_NaN();
+
+std::vector<int> linesOf(const ProfileGrid& grid) {
+  return {grid.gridY.begin() + 1, grid.gridY.begin() + 1 + grid.gridCount};
+}
+
+TEST(ProfileGrid, LinesByScale) {
+  struct Case {
+    int height;
+    float minimum, maximum;
+    std::vector<int> lines;
+    bool spansZero;
+  };
+  const std::vector<Case> cases{
+      // Fifths of 201 pixels: 200 - 40.2 ...
+      {200, 0, 100, {159, 119, 79, 39}, false},
+      {200, -100, 0, {159, 119, 79, 39}, false},
+      // 4 pixels a unit; the sides are 4 to 1, so a line every 40 / 4.
+      {200, -10, 40, {160, 120, 80, 40}, true},
+      {200, -40, 10, {40, 80, 120, 160}, true},
+      // Equal sides: a quarter of the other one.
+      {200, -10, 10, {100, 75, 50, 25, 125, 150, 175}, true},
+      // 1.4 to 1 counts as equal: a line every 2.5, and all nine are used.
+      {240, -10, 14, {140, 115, 90, 65, 40, 15, 165, 190, 215}, true},
+      // 15 to 1: fifths of the longer side.
+      {160, -10, 150, {150, 120, 90, 60, 30}, true},
+      // Nothing below zero to speak of: zero stands on the last pixel and the ratio has no end.
+      {100, -1e-30F, 100, {100, 80, 60, 40, 20}, true},
+      {1, 0, 100, {0, 0, 0, 0}, false},
+      {100, kNoNumber, 1, {79, 59, 39, 19}, false},
+      {100, -kInfinity, kInfinity, {79, 59, 39, 19}, false},
+  };
+  for (const auto& item : cases) {
+    const auto pixelsPerUnit = static_cast<float>(item.height) / (item.maximum - item.minimum);
+    const auto grid = profileGrid(item.height, item.minimum, item.maximum, pixelsPerUnit);
+    EXPECT_EQ(linesOf(grid), item.lines) << item.minimum << " to " << item.maximum;
+    EXPECT_EQ(grid.spansZero, item.spansZero) << item.minimum << " to " << item.maximum;
+  }
+  for (const float pixelsPerUnit : {0.0F, -1.0F, kInfinity, kNoNumber}) {
+    EXPECT_EQ(linesOf(profileGrid(100, -1, 1, pixelsPerUnit)), (std::vector{79, 59, 39, 19}));
+  }
+}
+
+TEST(ProfileSetup, AxesFollowTheSettings) {
+  Settings settings;
+  settings.conductivityMinimum = -10;
+  settings.conductivityMaximum = 40;
+  settings.inphaseMinimum = 5;
+  settings.inphaseMaximum = 5;  // a bad file's
+  settings.iceMinimum = kNoNumber;
+  settings.traceWidth[1] = 9;
+  settings.profileGrid = 2;
+  auto setup = profileSetup(Kind::orla, false, settings, true, 1.5, 360, 200);
+  EXPECT_EQ(setup.pointColumn, 300);
+  EXPECT_EQ(setup.axes.conductivity.top, 40.0F);
+  EXPECT_EQ(setup.axes.conductivity.scale, 4.0F);
+  EXPECT_EQ(setup.axes.inphase.top, 6.0F);
+  EXPECT_EQ(setup.axes.inphase.scale, 200.0F);
+  EXPECT_EQ(setup.axes.ice.top, 1.0F);
+  EXPECT_EQ(setup.axisMinimum, 5.0F) << "the grid is the inphase's";
+  EXPECT_EQ(setup.traceWidth[1], 1);
+  setup = profileSetup(Kind::vardo, false, settings, false, 1.5, 480, 200);
+  EXPECT_EQ(setup.pointColumn, 405);
+  EXPECT_EQ(setup.axisMinimum, -10.0F) << "a VARDO has one scale";
+  EXPECT_EQ(profileSetup(Kind::orla, true, settings, false, 1.5, 480, 200).axisMinimum, 0.0F) << "ice";
+  EXPECT_EQ(profileSetup(Kind::orla, false, settings, true, 4.0, 100, 50).pointColumn, 97);
+  EXPECT_EQ(profileSetup(Kind::orla, false, settings, true, 4.0, 0, 0).height, 1);
+  settings.profileGrid = 0;
+  EXPECT_FALSE(profileSetup(Kind::orla, false, settings, true, 1.0, 240, 100).showGrid);
+}
+
+TEST(ProfileSetup, EachKindDrawsItsOwnTraces) {
+  struct Case {
+    Kind kind;
+    bool ice, secondCoil;
+    std::string drawn;  // traces
+  };
+  Settings settings;
+  ProfilePoint all;
+  all.channels.present.fill(1);
+  for (const auto& [kind, ice, secondCoil, drawn] :
+       {Case{Kind::orla, false, true, "0123"}, Case{Kind::orla, true, false, "4"},
+        Case{Kind::tesk, true, false, "0123"}, Case{Kind::vardo, false, false, "012345"},
+        Case{Kind::mirka, false, false, "012345"}, Case{Kind::glaco, false, false, "02"},
+        Case{Kind::tesk2, false, false, "01234567"}, Case{Kind::tesk2, false, true, "0123456789"}}) {
+    settings.surveyListA = secondCoil ? 1 : 0;
+    const auto points = tracePointsOf(profileSetup(kind, ice, settings, true, 1, 240, 100), all);
+    std::string text;
+    for (std::size_t i = 0; i < kProfilePoints; ++i) {
+      if (points.drawn[i]) text += static_cast<char>('0' + i);
+    }
+    EXPECT_EQ(text, drawn) << instrumentOf(kind).name;
+  }
+}
+
+// Writes down what is drawn.
+class ListingCanvas final : public ChartCanvas {
+ public:
+  void clear() override { add("clear"); }
+  void scrollLeft(int x) override { add("scroll", x); }
+  void eraseColumns(int left, int right) override { add("erase", left, right); }
+  void gridPiece(int left, int right, int y, int pixels) override { add("grid", left, right, y, pixels); }
+  void line(int x1, int y1, int x2, int y2, int, int width) override { add("line", x1, y1, x2, y2, width); }
+  void point(int x, int y, int, int width) override { add("point", x, y, width); }
+  std::vector<std::string> take() { return std::exchange(calls_, {}); }
+
+ private:
+  template <class... Numbers>
+  void add(std::string text, Numbers... numbers) {
+    ((text += " " + std::to_string(numbers)), ...);
+    calls_.push_back(text);
+  }
+  std::vector<std::string> calls_;
+};
+
+ProfilePoint reading(float conductivity, bool newStation) {
+  ProfilePoint point;
+  point.newStation = newStation;
+  point.channels.value[0] = conductivity;
+  point.channels.present[0] = 1;
+  return point;
+}
+
+TEST(DrawProfilePoint, AStationScrollsOnceAndItsReadingsShareAColumn) {
+  Settings settings;
+  settings.conductivityMinimum = -10;
+  settings.conductivityMaximum = 40;
+  settings.traceWidth[0] = 3;
+  const auto setup = profileSetup(Kind::orla, false, settings, true, 1, 240, 200);
+  std::array<int, kProfilePoints> started{};
+  TraceState traces{.traceStarted = started};
+  ListingCanvas canvas;
+  DrawProfileAxes(canvas, setup);
+  EXPECT_THAT(canvas.take(),
+              ElementsAre("grid 0 239 160 2", "grid 0 239 120 1", "grid 0 239 80 1", "grid 0 239 40 1"));
+  DrawProfilePoint(canvas, setup, traces, reading(30, false));
+  EXPECT_THAT(canvas.take(), ElementsAre("point 200 40 3"));
+  DrawProfilePoint(canvas, setup, traces, reading(20, true));
+  EXPECT_THAT(canvas.take(),
+              ElementsAre("scroll 200", "erase 199 201", "grid 199 201 160 2", "grid 199 201 120 1",
+                          "grid 199 201 80 1", "grid 199 201 40 1", "line 198 40 200 80 3"));
+  DrawProfilePoint(canvas, setup, traces, reading(10, false));
+  DrawProfilePoint(canvas, setup, traces, reading(0, false));
+  EXPECT_THAT(canvas.take(), ElementsAre("line 198 80 200 120 3", "line 198 120 200 160 3"));
+  started.fill(0);  // a break of the link
+  DrawProfilePoint(canvas, setup, traces, reading(-10, false));
+  EXPECT_THAT(canvas.take(), ElementsAre("point 200 200 3"));
+}
+
+TEST(DrawProfilePoint, HiddenTracesAndGridAreNotDrawn) {
+  Settings settings;
+  settings.traceShown[0] = 0;
+  settings.profileGrid = 0;
+  const auto setup = profileSetup(Kind::orla, false, settings, true, 1, 240, 200);
+  std::array<int, kProfilePoints> started{};
+  TraceState traces{.traceStarted = started};
+  ListingCanvas canvas;
+  DrawProfileAxes(canvas, setup);
+  DrawProfilePoint(canvas, setup, traces, reading(5, true));
+  EXPECT_THAT(canvas.take(), ElementsAre("scroll 200", "erase 199 201"));
+  EXPECT_EQ(started[0], 0);
+}
+
+// The columns of the picture's right part as text: "#" where something is drawn.
+std::vector<std::string> rowsOf(const ChartPicture& picture) {
+  std::vector<std::string> rows;
+  for (int y = 0; y < picture.height(); ++y) {
+    rows.emplace_back();
+    for (int x = 0; x < picture.width(); ++x) {
+      const auto colour = picture.at(x, y) & 0xFFFFFFU;
+      rows.back() += colour == 0xFFFFFF ? '.' : colour == 0xC0C0C0 ? '-' : '#';
+    }
+  }
+  return rows;
+}
+
+TEST(ChartPicture, DrawsLinesAndPens) {
+  ChartPicture picture({}, 8, 6);
+  picture.gridPiece(0, 7, 4, 1);
+  picture.line(1, 0, 3, 5, 0, 1);
+  picture.point(5, 2, 0, 3);
+  EXPECT_THAT(rowsOf(picture),
+              ElementsAre(".#......", ".#..###.", "..#.###.", "..#.###.", "---#----", "...#...."));
+  picture.scrollLeft(5);
+  EXPECT_THAT(rowsOf(picture),
+              ElementsAre("........", "..###...", "#.###...", "#.###...", "-#------", ".#......"))
+      << "and grid comes in on the right";
+}
+
+TEST(ChartPicture, FarAwayEndsLeaveTheVisiblePartInItsPlace) {
+  constexpr int kFar = std::numeric_limits<int>::max();
+  ChartPicture picture({}, 8, 6);
+  picture.line(2, -kFar - 1, 4, kFar, 0, 1);  // passes the chart in its middle column
+  picture.line(6, kFar, 6, kFar, 0, 4);
+  EXPECT_THAT(rowsOf(picture), testing::Each("...#...."));
+  ChartPicture shifted({}, 8, 40);
+  shifted.line(2, -100, 4, 60, 0, 2);
+  ChartPicture whole({}, 8, 240);
+  whole.line(2, 0, 4, 160, 0, 2);
+  for (int y = 0; y < 40; ++y) {
+    for (int x = 0; x < 8; ++x) EXPECT_EQ(shifted.at(x, y), whole.at(x, y + 100));
+  }
+}
+
+TEST(ChartPicture, ScrollsOnForLongerThanItsSpareColumns) {
+  ChartPicture picture({}, 10, 2);
+  picture.gridPiece(0, 9, 1, 1);
+  for (int i = 0; i < 1000; ++i) {
+    picture.scrollLeft(6);
+    picture.eraseColumns(5, 7);
+    picture.gridPiece(5, 7, 1, 1);
+    if (i % 2 == 0) picture.point(6, 0, 0, 1);
+  }
+  EXPECT_THAT(rowsOf(picture), ElementsAre("#...#.....", "----------"));
+}
+
+TEST(TraceColour, IsLightenedOnDarkGroundOnly) {
+  constexpr ChartColours kDark{.dark = true, .background = 0x101010};
+  EXPECT_EQ(traceColourOn(ChartColours{}, 0x00B27200), 0x0072B2U);
+  EXPECT_EQ(traceColourOn(ChartColours{}, 0), 0U);
+  EXPECT_EQ(traceColourOn(kDark, 0x0000FFFF), 0xFFFF00U) << "bright enough as it is";
+  // Contrast 3:1 with 0x101010 (luminance 0.0052) wants a luminance of 0.1155: a grey of 0x60 (0.117) has it.
+  const auto grey = traceColourOn(kDark, 0);
+  EXPECT_EQ(grey & 0xFFU, grey >> 16U);
+  EXPECT_GE(grey & 0xFFU, 0x60U);
+  EXPECT_LE(grey & 0xFFU, 0x68U);
+  EXPECT_GT(traceColourOn(kDark, 0x00FF0000) & 0xFF00U, 0U) << "pure blue is too dark";
+}
+
+}  // namespace
+}  // namespace kalmira

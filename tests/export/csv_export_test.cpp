@@ -1,0 +1,192 @@
+#include "export/csv_export.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+#include "datafile/record_text.h"
+
+namespace kalmira {
+namespace {
+
+using namespace std::string_literals;
+
+constexpr std::string_view kCommon = "line,station,repeat,date,time,tick,dipole,marker,range,";
+
+// A line from station 10 on by 1.5, at 10:00:00.000 on 8 March 2024, which is tick 1000.
+std::string lineBlock(std::size_t recordLength) {
+  return records(recordLength, {"L7", "B      10.00", "AN            1.500", "Z08032024 10:00:00"}) +
+         formatTimeMark(static_cast<int>(recordLength), {.hour = 10}, 1000);
+}
+
+struct Exported {
+  std::string table;
+  ExportResult result;
+};
+
+Exported exported(const std::string& bytes) {
+  RecordReader reader;
+  EXPECT_EQ(reader.open(std::make_unique<std::istringstream>(bytes)).kind, FileErrorKind::none);
+  Exported out;
+  CsvTable table{.write =
+                     [&](std::string_view text) {
+                       out.table += text;
+                       return true;
+                     },
+                 .columns = {}};
+  out.result = exportReadings(reader, table);
+  return out;
+}
+
+// What the row of a reading says from "dipole" on.
+struct ReadingCase {
+  std::string header1, columns, reading, cells;
+};
+
+const std::string kFour = "cond_v,cond_h,inph_v,inph_h";
+const std::string kSix = "cond_v10,cond_v20,cond_v40,cond_h10,cond_h20,cond_h40";
+const std::string kEight = "cond1_v,cond1_h,inph1_v,inph1_h,cond2_v,cond2_h,inph2_v,inph2_h";
+// Mode bytes: 64 trigger; 32 vertical (VARDO: horizontal); the range code in the lowest three bits.
+const std::vector<ReadingCase> kReadings{
+    {"ORLA2   W230GRD0000    \n", kFour, "T$-0400+0800", "V,0,100,10.00000,,-2.00000,"},
+    {"ORLA2   W230GRD0000    \n", kFour, "TD-0400+0800", "H,1,100,,10.00000,,-2.00000"},
+    {"ORLA2   W230GRD0000    \n", kFour, "T%+0640+0640", "V,0,1000,,,,"},  // odd: battery voltages
+    {"ORLAS   W230GRD0000    \n", kFour, "T$-0400-1340", "V,0,100,10.00000,,1.00000,"},
+    {"ORLA2   W230GRD0001    \n", kFour, "T$-0400+0800", "V,0,100,,,2.50000,"},
+    // 62.5 mS/m lies between 64.58 at 3.4 m and 61.11 at 3.5 m; the last is beyond the table.
+    {"ORLAS  iW230GRD000010  \n", kFour + ",thickness", "T\x04-2500+0000",
+     "H,0,100,,62.50000,,0.00000,3.45994"},
+    {"ORLAS  iW230GRD000010  \n", kFour + ",thickness", "T$-2500+0000", "V,0,100,62.50000,,0.00000,,"},
+    {"ORLAS  iW230GRD000010  \n", kFour + ",thickness", "T\0-9999+0000"s, "H,0,1000,,2499.75000,,0.00000,"},
+    {"ORLAS  iW230GRD000000  \n", kFour, "T\x04-2500+0000", "H,0,100,,62.50000,,0.00000"},
+    {"TESKB   W222GRD0000    \n", kFour, "T!-1000-0025", "V,0,1000/100,25.00000,,2.88000,"},
+    {"TESKB   W222GRD0000    \n", kFour, "T1-1000-0025", "V,0,1000/100,3.12500,,0.36000,"},
+    {"TESKD   W222GRD0001    \n", kFour, "T#-0100+0100", "V,0,1000,,,2.88000,-2.88000"},
+    {"TESKD   W222GRD0001    \n", kFour, "T'-0012-0013", "V,0,1000,12.00000,13.00000,,"},
+    {"TESKS   W222GRD0001    \n", kFour, "T$-0123     ", "V,0,100,12.30000,,,"},
+    {"TESKS   W222GRD0001    \n", kFour, "TB+1000     ", "H,1,100,,,,-2.88000"},
+    {"VARDO   W230GRD0520    \n", kSix, "TT-0400+0000", "V,1,100,10.00000,,,,,"},
+    {"VARDO   W230GRD0520    \n", kSix, "T\"-4000+0000", "H,0,10,,,,,10.00000,"},
+    {"VARDO   W230GRD0520    \n", kSix, "T8-4000+0000", "H,0,3,,,,,,3.00000"},
+    {"MIRKA   W210GRD0000    \n", "cond,inph", "T$-0004-0040", "V,0,100,10.00000,10.00000"},
+    {"GLACO   W210GRD0000    \n", "thickness,inph", "T123I456    ", "V,0,100,1.23000,456.00000"},
+    // 5 x 33792 / 1024 - 160 = 5, times 8 = 40; word 32778 is 0.390625.
+    {"TESK2   W230GRD00001     \n", kEight, "T\x04\x80\x0A\x84\0\x84\0\x84\0\n\n\n\n"s,
+     "V,1,,40.00000,,1.15276,,0.39063,,0.28819,"},
+    {"TESK2   W230GRD00001     \n", kEight, "t\x02\x80\x0A\x84\0\x84\0\x84\0\n\n\n\n"s,
+     "H,0,,,40.00000,,1.15276,,0.39063,,0.28819"},
+    {"TESK2   W230GRD00011     \n", kEight, "T\x04\x80\x0A\x84\0\x84\0\x84\0\n\n\n\n"s,
+     "V,1,,40.00000,,40.00000,,0.39063,,40.00000,"}};
+
+TEST(Export, HasTheChannelsOfEachKind) {
+  for (const auto& [header1, columns, reading, cells] : kReadings) {
+    const std::size_t length = header1.size();
+    // The first of its line, at station 10.
+    const auto table =
+        exported(header1 + lineBlock(length) + formatReading(static_cast<int>(length), reading, 2234)).table;
+    EXPECT_EQ(table,
+              std::string(kCommon) + columns + "\n7,10.000,1,2024-03-08,10:00:01.234,2234," + cells + "\n");
+  }
+}
+
+TEST(Export, AppliesTheLastCalibrationBeforeAReading) {
+  const std::string reading =
+      formatReading(26, std::string("T\x04\x80\0\x84\0\x84\0\x84\0\0\0\0\0", 14), 2000);
+  const std::string bytes = "TESK2   W230GRD00001     \n" + lineBlock(26) +
+                            records(26, {"O1     0.500      9.000", "O2     0.250      9.000",
+                                         "O5     2.000      9.000", "O6    -1.000      9.000"}) +
+                            reading + records(26, {"O1     0.000      0.500", "O3     7.000      0.000"}) +
+                            reading;
+  EXPECT_EQ(exported(bytes).table,
+            std::string(kCommon) +
+                "cond1_v,cond1_h,inph1_v,inph1_h,cond2_v,cond2_h,inph2_v,inph2_h\n"
+                "7,10.000,1,2024-03-08,10:00:01.000,2000,V,1,,42.00000,,0.65276,,-1.00000,,0.03819,\n"
+                "7,11.500,1,2024-03-08,10:00:01.000,2000,V,1,,42.00000,,1.15276,,-1.00000,,0.03819,\n");
+}
+
+const std::string kSurvey = records24({
+    "GLACO   W210GRD0020",
+    "H 030809A            1",
+    "LN,1",
+    "B     100.00",
+    "AW           -0.125",
+    "Z31122023 23:59:58",
+    "*23:59:58.5004294966796",
+    "X$STARTED    4294966796",
+    "T100I001     4294966695",  // received before the mark was written
+    "T200I002     4294967295",
+    "2300I003           1000",  // behind the counter's wrap and midnight
+    "CFence             1100",
+    "@$GPGGA,,,,,,0,,,,,,,*6",
+    "#6",
+    "!                  1150",
+    "S       7.00 00000270",
+    "*00:00:02.700      1700",
+    "T400I004           1800",
+    "T5..I.x5           xxxx",
+    "T600I006           2800",
+});
+const std::string kSurveyTable =
+    "line,station,repeat,date,time,tick,dipole,marker,range,thickness,inph\n"
+    "\"N,1\",100.000,1,2023-12-31,23:59:58.399,4294966695,V,0,100,1.00000,1.00000\n"
+    "\"N,1\",99.875,1,2023-12-31,23:59:58.999,4294967295,V,0,100,2.00000,2.00000\n"
+    "\"N,1\",99.875,2,2024-01-01,00:00:00.000,1000,V,0,100,3.00000,3.00000\n"
+    "\"N,1\",7.000,1,2024-01-01,00:00:02.800,1800,V,0,100,4.00000,4.00000\n"
+    "\"N,1\",6.875,1,,,,V,0,100,0.05000,0.00000\n"
+    "\"N,1\",6.750,1,2024-01-01,00:00:03.800,2800,V,0,100,6.00000,6.00000\n";
+
+TEST(Export, FollowsStationsAndTime) {
+  const auto all = exported(kSurvey);
+  EXPECT_EQ(all.table, kSurveyTable);
+  EXPECT_EQ(all.result.readings, 6U);
+  EXPECT_EQ(all.result.timelessReadings, 1U);
+  EXPECT_EQ(all.result.unreadableRecords, 0U);
+}
+
+TEST(Export, OfAFileCutAnywhereIsTheBeginningOfTheWholeExport) {
+  for (std::size_t length = 15; length < kSurvey.size(); ++length) {
+    const auto part = exported(kSurvey.substr(0, length));
+    ASSERT_TRUE(kSurveyTable.starts_with(part.table)) << length;
+    ASSERT_EQ(part.table.back(), '\n');
+    // Every reading whose record is whole is there: the six stand at records 9 to 11, 18, 19 and 20.
+    std::uint64_t whole = 0;
+    for (const std::size_t record : {9U, 10U, 11U, 18U, 19U, 20U}) whole += length >= record * 24 ? 1 : 0;
+    ASSERT_EQ(part.result.readings, whole) << length;
+  }
+}
+
+TEST(Export, WithoutLineBlockLeavesCellsEmpty) {
+  const auto table = exported("GLACO   W210GRD0000    \n" + formatReading(24, "T100I001", 5)).table;
+  EXPECT_EQ(table.substr(table.find('\n') + 1), ",,1,,,5,V,0,100,1.00000,1.00000\n");
+}
+
+TEST(Export, CountsRecordsThatSayNothing) {
+  const auto result =
+      exported("GLACO   W210GRD0000    \n" + records24({"L1", "B      1O.00", "AN", "Z99", "*"})).result;
+  EXPECT_EQ(result.unreadableRecords, 4U);
+}
+
+TEST(Export, OfAnotherKindDoesNotJoinATable) {
+  std::string text;
+  CsvTable table{.write = [&](std::string_view piece) { return text += piece, true; }, .columns = {}};
+  const auto add = [&](const std::string& bytes) {
+    RecordReader reader;
+    EXPECT_EQ(reader.open(std::make_unique<std::istringstream>(bytes)).kind, FileErrorKind::none);
+    return exportReadings(reader, table).outcome;
+  };
+  EXPECT_EQ(add(kSurvey), ExportOutcome::done);
+  EXPECT_EQ(add("MIRKA   W210GRD0000    \n" + lineBlock(24)), ExportOutcome::otherColumns);
+  EXPECT_EQ(text, kSurveyTable);
+  EXPECT_EQ(add(kSurvey), ExportOutcome::done);
+  EXPECT_EQ(text, kSurveyTable + kSurveyTable.substr(kSurveyTable.find('\n') + 1));
+}
+
+TEST(Export, StopsWhenTheOutputFails) {
+  RecordReader reader;
+  ASSERT_EQ(reader.open(std::make_unique<std::istringstream>(kSurvey)).kind, FileErrorKind::none);
+  CsvTable table{.write = [](std::string_view) { return false; }, .columns = {}};
+  EXPECT_EQ(exportReadings(reader, table).outcome, ExportOutcome::outputFailed);
+}
+
+}  // namespace
+}  // namespace kalmira

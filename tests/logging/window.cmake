@@ -1,2 +1,0 @@
-kalmira_test(session_keys_test SOURCES button_texts_test.cpp LINKS kalmira_session_keys kalmira_logging)
-kalmira_widget_test(logging_window_test SOURCES logging_window_test.cpp LINKS kalmira_logging_ui kalmira_sim_core THREADED)

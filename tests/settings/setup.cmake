@@ -1,2 +1,0 @@
-kalmira_test(setup_lists_test SOURCES setup_lists_test.cpp LINKS kalmira_settings)
-kalmira_widget_test(setup_dialogs_test SOURCES setup_dialogs_test.cpp LINKS kalmira_setup_ui THREADED)

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "instruments/decode.h"
+#include "instruments/catalogue.h"
 #include "instruments/framing.h"
 
 namespace kalmira {
@@ -91,12 +91,9 @@ void decodeAscii(benchmark::State& state) {
   const auto records = asciiRecords();
   const auto kind = static_cast<Kind>(state.range(0));
   std::size_t next = 0;
-  AsciiReading reading;
-  Channels channels;
   for ([[maybe_unused]] auto _ : state) {
-    DecodeAsciiRecord(records[next++ % records.size()], kind, {}, reading, channels);
+    auto reading = instrumentOf(kind).decode(records[next++ % records.size()], {});
     benchmark::DoNotOptimize(reading);
-    benchmark::DoNotOptimize(channels);
   }
   state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations()));
   state.SetLabel(std::string(instrumentOf(kind).name));
@@ -105,12 +102,9 @@ BENCHMARK(decodeAscii)->DenseRange(0, 6);
 
 void decodeTesk2(benchmark::State& state) {
   const std::string record = tesk2Record();
-  Channels channels;
-  char orientation = 0;
-  char secondMode = 0;
   for ([[maybe_unused]] auto _ : state) {
-    DecodeTesk2Record(record, {}, false, channels, orientation, secondMode);
-    benchmark::DoNotOptimize(channels);
+    auto reading = instrumentOf(Kind::tesk2).decode(record, {});
+    benchmark::DoNotOptimize(reading);
   }
   state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations()));
 }

@@ -18,9 +18,7 @@ using namespace kalmira;
 // A session looks after its file twice a second; at the rate aimed for, far more records pass in between.
 constexpr unsigned kServiceEvery = 5000;
 
-using WriteReading = void (*)(const WriterContext&, std::string_view, std::uint32_t);
-
-void writeReadings(benchmark::State& state, Kind kind, std::string_view text, WriteReading write) {
+void writeReadings(benchmark::State& state, Kind kind, std::string_view text) {
   const auto path = std::filesystem::temp_directory_path() / fmt::format("kalmira_write_{}.bin", ::getpid());
   std::filesystem::remove(path);
   const SystemClock clock(TickBase::program);
@@ -36,7 +34,7 @@ void writeReadings(benchmark::State& state, Kind kind, std::string_view text, Wr
   }
   std::uint32_t count = 0;
   while (state.KeepRunning()) {
-    write(context, text, count * 91);
+    WriteReadingRecord(context, text, count * 91);
     if (++count % kServiceEvery == 0) file.service();
   }
   state.SetItemsProcessed(state.iterations());
@@ -46,10 +44,9 @@ void writeReadings(benchmark::State& state, Kind kind, std::string_view text, Wr
   std::filesystem::remove(path, unknown);
 }
 
-BENCHMARK_CAPTURE(writeReadings, orla, Kind::orla, "T\x04+0123-0045", WriteReadingRecord)->UseRealTime();
+BENCHMARK_CAPTURE(writeReadings, orla, Kind::orla, "T\x04+0123-0045")->UseRealTime();
 BENCHMARK_CAPTURE(writeReadings, tesk2, Kind::tesk2,
-                  std::string_view("T\x06\x80\x10\x84\x00\x90\xFF\x7F\xF0\x0C\x24\x00\xFF", 14),
-                  WriteTesk2ReadingRecord)
+                  std::string_view("T\x06\x80\x10\x84\x00\x90\xFF\x7F\xF0\x0C\x24\x00\xFF", 14))
     ->UseRealTime();
 
 }  // namespace

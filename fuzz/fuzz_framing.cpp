@@ -4,9 +4,9 @@
 #include <string>
 #include <vector>
 
-#include "instruments/decode.h"
 #include "instruments/framing.h"
 #include "instruments/ice_model.h"
+#include "instruments/profile_map.h"
 
 using namespace kalmira;
 
@@ -31,11 +31,11 @@ std::vector<std::string> frame(Framer framer, Bytes stream, std::size_t blockSiz
   return seen;
 }
 
-void mapAndConvert(Kind kind, Channels& channels, const IceModel& model) {
+void mapAndConvert(const Instrument& instrument, Channels& channels, const IceModel& model) {
   const ProfileAxes axes{.conductivity = {1e30F, 1e9F}, .inphase = {-5, 0.5F}, .ice = {10, 30}};
   std::array<int, kProfilePoints> points{};
   for (const bool option : {false, true}) {
-    MapProfilePoints(kind, option, option, axes, channels.value, channels.value[0], channels.value[1],
+    MapProfilePoints(instrument, option, option, axes, channels.value, channels.value[0], channels.value[1],
                      points);
   }
   const float thickness = IceThickness(channels.value[1], model, &channels);
@@ -45,20 +45,17 @@ void mapAndConvert(Kind kind, Channels& channels, const IceModel& model) {
 void decodeAll(const std::string& record, const IceModel& model) {
   for (int kind = 0; kind < kKindCount; ++kind) {
     for (const bool option : {false, true}) {
-      const AsciiOptions options{option, option, option, option ? 2 : 0};
-      AsciiReading reading;
-      Channels channels;
-      DecodeAsciiRecord(record, static_cast<Kind>(kind), options, reading, channels);
+      const DecodeOptions options{option, option, option ? 1 : 0, option ? 2 : 0, {}};
+      const auto& instrument = instrumentOf(static_cast<Kind>(kind));
+      auto reading = instrument.decode(record, options);
       require(reading.orientation == 'V' || reading.orientation == 'H');
-      mapAndConvert(static_cast<Kind>(kind), channels, model);
+      require(!instrument.panelTexts(reading, {}).empty());
+      mapAndConvert(instrument, reading.channels, model);
     }
   }
-  Channels channels;
-  char orientation = 0;
-  char secondMode = 0;
-  DecodeTesk2Record(record, {}, false, channels, orientation, secondMode);
-  for (const float value : channels.value) require(value >= -1280.0F && value < 1280.0F);
-  mapAndConvert(Kind::tesk2, channels, model);
+  for (const float value : instrumentOf(Kind::tesk2).decode(record, {}).channels.value) {
+    require(value >= -1280.0F && value < 1280.0F);
+  }
 }
 
 template <class Framer>

@@ -14,7 +14,6 @@ constexpr double kLandscapeWidth = 320.0;
 
 constexpr int kIndexEnd = 10;  // grid lines have the indices 1 to 9
 
-constexpr std::size_t kIceTrace = 4;
 // TESK2: the traces of the auxiliary values are drawn with the pens of these.
 constexpr std::size_t kFirstExtra = kTraces;
 constexpr std::array<std::size_t, kProfilePoints - kTraces> kExtraPens{1, 5};
@@ -83,22 +82,6 @@ void takeScales(const Settings& settings, ProfileSetup& setup) {
   setup.grid = profileGrid(setup.height, shown.minimum, shown.maximum, axisOf(shown, setup.height).scale);
 }
 
-// Which traces MapProfilePoints places for the kind.
-bool isMapped(const ProfileSetup& setup, std::size_t trace) {
-  if (setup.kind == Kind::orla && setup.iceOption) return trace == kIceTrace;
-  switch (setup.kind) {
-    case Kind::vardo:
-    case Kind::mirka:
-      return trace < 6;
-    case Kind::glaco:
-      return trace == 0 || trace == 2;
-    case Kind::tesk2:
-      return trace < kFirstExtra || setup.secondCoil;
-    default:
-      return trace < 4;
-  }
-}
-
 std::size_t penOf(std::size_t trace) {
   return trace < kFirstExtra ? trace : kExtraPens.at(trace - kFirstExtra);
 }
@@ -146,16 +129,17 @@ bool gridShown(const Settings& settings) {
 }
 
 int displayGroup(Kind kind, bool iceOption, const Settings& settings) {
-  if (kind == Kind::orla && iceOption) return 2;
-  if (kind == Kind::vardo || kind == Kind::mirka) return 0;
-  return settings.profileGrid == 2 ? 1 : 0;
+  const auto& instrument = instrumentOf(kind);
+  if (instrument.hasIce() && iceOption) return kIceAxis;
+  return instrument.axes.size() > 1 && settings.profileGrid == 1 + kInphaseAxis ? kInphaseAxis
+                                                                                : kConductivityAxis;
 }
 
 ProfileSetup profileSetup(Kind kind, bool iceOption, const Settings& settings, bool wideLayout, double scale,
                           int width, int height) {
   ProfileSetup setup{.kind = kind,
                      .iceOption = iceOption,
-                     .secondCoil = kind == Kind::tesk2 && settings.surveyListA == 1,
+                     .secondCoil = instrumentOf(kind).unscaledInphase && settings.surveyListA == 1,
                      .width = std::max(width, 1),
                      .height = std::max(height, 1)};
   // On a screen wider than the layout the chart's left part grows: more of the line is seen.
@@ -175,12 +159,15 @@ ProfileSetup profileSetup(Kind kind, bool iceOption, const Settings& settings, b
 
 TracePoints tracePointsOf(const ProfileSetup& setup, const ProfilePoint& point) {
   TracePoints points;
-  MapProfilePoints(setup.kind, setup.iceOption, setup.secondCoil, setup.axes, point.channels.value,
-                   point.extra1, point.extra2, points.y);
+  const auto& instrument = instrumentOf(setup.kind);
+  const bool ice = setup.iceOption && instrument.hasIce();
+  const auto mapped = drawnTraces(instrument, ice, setup.secondCoil);
+  MapProfilePoints(instrument, ice, setup.secondCoil, setup.axes, point.channels.value, point.extra1,
+                   point.extra2, points.y);
   for (std::size_t i = 0; i < kProfilePoints; ++i) {
     // The auxiliary values are in every reading, and have no setting to hide them.
     const bool wanted = i >= kFirstExtra || (point.channels.present[i] != 0 && setup.traceShown[i] == 1);
-    points.drawn[i] = wanted && isMapped(setup, i);
+    points.drawn[i] = wanted && mapped[i];
   }
   return points;
 }

@@ -4,7 +4,7 @@
 #include <cstdint>
 
 #include "instruments/catalogue.h"
-#include "instruments/decode.h"
+#include "instruments/profile_map.h"
 #include "logging/session_view.h"
 #include "settings/settings.h"
 

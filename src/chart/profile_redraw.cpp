@@ -8,7 +8,6 @@
 
 #include "datafile/record_parse.h"
 #include "datafile/record_reader.h"
-#include "logging/profile_point.h"
 
 namespace kalmira {
 namespace {
@@ -52,6 +51,7 @@ class LineBackwards {
     if (!session_.file.isOpen() || reader_.open(session_.file.path()).kind != FileErrorKind::none)
       return false;
     if (reader_.recordLength() != session_.instrument.fileRecordLength) return false;
+    decoder_ = ReadingDecoder(reader_.header(), session_.setup.teskRangeTimes10);
     reader_.seekToEnd();
     return true;
   }
@@ -88,8 +88,9 @@ class LineBackwards {
 
  private:
   // newStation stands for "the first reading at its station" until the steps are drawn.
-  ProfilePoint pointOf(std::string_view record) const {
-    auto point = profilePointOf(session_, readingText(record), factors_);
+  ProfilePoint pointOf(std::string_view record) {
+    decoder_.setCalibration(factors_);
+    auto point = profilePointOf(decoder_.decode(readingText(record)));
     point.newStation = readingRepeat(record) == 1;
     return point;
   }
@@ -114,6 +115,7 @@ class LineBackwards {
   const Session& session_;
   std::array<float, 6> factors_;
   RecordReader reader_;
+  ReadingDecoder decoder_{Header1{}};
 };
 
 void takePoint(const ProfileSetup& setup, const ProfilePoint& point, int column, Found& found) {

@@ -15,15 +15,15 @@
 #include "console/output_thread.h"
 #include "console/run_settings.h"
 #include "link/keep_awake.h"
-#include "logging/serial_session_ports.h"
 #include "logging/commands.h"
 #include "logging/gps_handler.h"
-#include "logging/handlers.h"
+#include "logging/reading_handler.h"
+#include "logging/serial_session_ports.h"
+#include "logging/session_start.h"
 #include "platform/hand_over.h"
 #include "platform/idle.h"
 #include "platform/standard_streams.h"
 #include "platform/text.h"
-#include "logging/session_start.h"
 
 namespace kalmira {
 namespace {
@@ -56,7 +56,7 @@ FieldValues runValues(const LogOptions& options) {
   put("instrumentPortIndex", kInstrumentCom - 1);
   put("gpsInput", gps ? 1 : 0);
   put("gpsPortIndex", gps ? comOf(options, options.gps, kGpsCom) - 1 : kGpsCom - 1);
-  if (options.kind == Kind::tesk2) {
+  if (instrumentOf(options.kind).hasMarker) {
     put("markerPortChoice", options.marker.empty() ? 0 : comOf(options, options.marker, kMarkerCom));
   }
   return values;

@@ -103,7 +103,7 @@ CommandAnswer removeCalibration(Session& session, std::string_view) {
 }
 
 CommandAnswer mark(Session& session, std::string_view) {
-  if (session.instrument.kind != Kind::tesk2) return failed("only the TESK2 has a marker key");
+  if (!session.instrument.hasMarker) return failed("only the TESK2 has a marker key");
   session.link.markerKeyPending = 1;
   return {};
 }
@@ -139,7 +139,7 @@ constexpr std::array kCommands{
 
 std::string whyForbidden(const Session& session, Command command) {
   const bool calibration = command == Command::calibrate || command == Command::deleteCalibration;
-  if (calibration && session.instrument.kind != Kind::tesk2) return "only the TESK2 is calibrated";
+  if (calibration && !session.instrument.calibrated) return "only the TESK2 is calibrated";
   if (calibration && session.calibration.calibrationPhase != 0) return "a calibration is running";
   return session.loggingState == kLogging ? "not while logging: pause first" : "not logging";
 }

@@ -49,30 +49,31 @@ std::string printableBytes(std::string_view text) {
   return out;
 }
 
-// Columns 20 and 21 of all kinds but TESK2.
-std::string iceColumns(const Header1& header) {
-  if (header.kind != Kind::orla || !header.iceOption) return "  ";
-  const char choice = header.seaWaterChoice == 10 ? 'A' : digit(header.seaWaterChoice);
-  return {digit(header.iceQuantity), choice};
+// What stands between the lists and the screen mark: columns 20 and 21 are the ice option's or the variant's.
+std::string optionColumns(const Header1& header, const Instrument& instrument) {
+  const auto width = widthOf(instrument.screenMarkColumn - 20);
+  std::string text;
+  if (instrument.writesVariant) text += digit(header.tesk2Variant);
+  if (instrument.hasIce() && header.iceOption) {
+    text += digit(header.iceQuantity);
+    text += header.seaWaterChoice == 10 ? 'A' : digit(header.seaWaterChoice);
+  }
+  text.resize(width, ' ');
+  return text;
 }
 
 }  // namespace
 
 std::string formatHeader1(const Header1& header) {
+  const auto& instrument = instrumentOf(header.kind);
   std::string text = headerTag(header.kind, header.shortInstrument, header.gps);
-  if (header.kind == Kind::orla && header.iceOption) text[7] = 'i';
+  if (instrument.hasIce() && header.iceOption) text[7] = 'i';
   for (const int position : {header.lengthUnits, header.listB, header.surveyMode, header.listA}) {
     text += digit(position);
   }
-  if (header.kind == Kind::tesk2) {
-    text += digit(header.tesk2Variant);
-    text += "    ";
-  } else {
-    text += iceColumns(header);
-    text += ' ';
-  }
+  text += optionColumns(header, instrument);
   text += isPrintable(header.screenMark) ? header.screenMark : ' ';
-  return wholeRecord(instrumentOf(header.kind).fileRecordLength, text);
+  return wholeRecord(instrument.fileRecordLength, text);
 }
 
 std::string formatHeader2(int recordLength, std::string_view baseName, std::string_view surveyModeValue) {
@@ -100,10 +101,9 @@ std::string formatDate(int recordLength, const LocalTime& time) {
                                  twoDigits(time.minute), twoDigits(time.second)));
 }
 
-std::string formatCalibration(int channel, double factor, double replaced) {
-  return wholeRecord(instrumentOf(Kind::tesk2).fileRecordLength,
-                     fmt::format("{}{}{} {}", tag::kCalibration, digit(channel), fixedField(factor, 10, 3),
-                                 fixedField(replaced, 10, 3)));
+std::string formatCalibration(int recordLength, int channel, double factor, double replaced) {
+  return wholeRecord(recordLength, fmt::format("{}{}{} {}", tag::kCalibration, digit(channel),
+                                               fixedField(factor, 10, 3), fixedField(replaced, 10, 3)));
 }
 
 std::string formatTimeMark(int recordLength, const LocalTime& time, std::uint32_t tick) {
@@ -142,28 +142,6 @@ std::string formatGpsSentence(int recordLength, std::string_view sentence, std::
   // than one chunk stands in it a second time.
   records += wholeRecord(recordLength, more + text.substr(fullChunks * chunk));
   return records + recordWithTick(recordLength, std::string(1, tag::kGpsTick), tick);
-}
-
-int readingsPerStationOf(Kind kind, int surveyMode, int listA, int listB) {
-  if (surveyMode != kManualSurvey) return 1;
-  const bool bothDipoles = listB == 2;
-  switch (kind) {
-    case Kind::orla:
-    case Kind::teskb:
-    case Kind::tesk2:
-      return bothDipoles ? 2 : 1;
-    case Kind::teskdd:
-      return listA == 0 ? 2 : 1;
-    case Kind::tesk:
-      if (!bothDipoles) return 1;
-      return listA == 0 ? 4 : 2;
-    case Kind::vardo:
-      return listB >= 0 && listB <= 5 ? listB + 1 : 1;
-    case Kind::mirka:
-    case Kind::glaco:
-      break;
-  }
-  return 1;
 }
 
 }  // namespace kalmira

@@ -5,8 +5,8 @@
 #include <string>
 #include <string_view>
 
-#include "platform/clock.h"
 #include "instruments/catalogue.h"
+#include "platform/clock.h"
 
 // The records of a data file, as text. A file is a sequence of records of one length, 24 bytes (26 for
 // TESK2), each ended by a single line feed; the first byte is the tag. docs/data-file-format.md has every
@@ -58,7 +58,7 @@ std::string formatStartStation(int recordLength, double station);
 std::string formatDirection(int recordLength, int direction, double increment);
 std::string formatDate(int recordLength, const LocalTime& time);
 // `channel` 1 to 6. TESK2 only.
-std::string formatCalibration(int channel, double factor, double replaced);
+std::string formatCalibration(int recordLength, int channel, double factor, double replaced);
 std::string formatTimeMark(int recordLength, const LocalTime& time, std::uint32_t tick);
 std::string formatStation(int recordLength, double station, const LocalTime& time);
 // `text` gives 12 bytes (TESK2: 14), taken as they are.
@@ -75,9 +75,5 @@ inline constexpr std::array<char, 4> kDirectionLetters{'W', 'S', 'N', 'E'};
 constexpr int readingTextLength(int recordLength) {
   return recordLength - 12;
 }
-
-// Readings of a whole station: how many "T", "2", "3" ... records stand at one station. For logging and for
-// reading back alike; `listA` and `listB` are columns 19 and 17 of header 1.
-int readingsPerStationOf(Kind kind, int surveyMode, int listA, int listB);
 
 }  // namespace kalmira

@@ -123,15 +123,14 @@ std::optional<Header1> parseHeader1(std::string_view record) {
       .listB = headerDigit(record, 17),
       .surveyMode = headerDigit(record, 18),
       .listA = headerDigit(record, 19)};
-  header.shortInstrument = header.shortInstrument && header.kind == Kind::orla;
-  header.iceOption = header.iceOption && header.kind == Kind::orla;
+  header.shortInstrument = header.shortInstrument && instrument->hasLengths();
+  header.iceOption = header.iceOption && instrument->hasIce();
   if (header.iceOption) {
     header.iceQuantity = headerDigit(record, 20);
     header.seaWaterChoice = columns(record, 21, 1) == "A" ? 10 : headerDigit(record, 21);
   }
-  const bool tesk2 = header.kind == Kind::tesk2;
-  if (tesk2) header.tesk2Variant = headerDigit(record, 20);
-  const auto mark = columns(record, tesk2 ? 25 : 23, 1);
+  if (instrument->writesVariant) header.tesk2Variant = headerDigit(record, 20);
+  const auto mark = columns(record, static_cast<std::size_t>(instrument->screenMarkColumn), 1);
   header.screenMark = mark.empty() ? ' ' : mark[0];
   return header;
 }

@@ -30,24 +30,26 @@ std::string surveyModeValue(const Settings& settings) {
 
 }  // namespace
 
-void WriteFileHeader(const WriterContext& context, std::string_view baseName) {
+Header1 header1Of(const WriterContext& context) {
   const auto& settings = context.settings;
-  const Kind kind = context.instrument.kind;
-  const Header1 header{
-      .kind = context.instrument.kind,
-      .shortInstrument = indexOr(settings.instrumentLength, 2, 0) == 1,
-      .gps = settings.gpsInput == 1,
-      .iceOption = context.iceOption,
-      .lengthUnits = indexOr(settings.lengthUnits, 2, 0),
-      .listB = indexOr(settings.surveyListB, kind == Kind::vardo ? 6 : 3, 0),
-      .surveyMode = surveyModeOf(settings),
-      .listA = indexOr(settings.surveyListA, kind == Kind::teskdd || kind == Kind::tesk ? 3 : 2, 0),
-      .iceQuantity = indexOr(settings.iceQuantity, 2, 0),
-      .seaWaterChoice = indexOr(settings.seaWaterChoice, 11, 0),
-      .tesk2Variant = settings.tesk2Variant == 2 ? 2 : 1,
-      .screenMark = screenMark(context)};
-  context.file.append(formatHeader1(header));
-  context.file.append(formatHeader2(lengthOf(context), baseName, surveyModeValue(settings)));
+  const auto& instrument = context.instrument;
+  return {.kind = instrument.kind,
+          .shortInstrument = indexOr(settings.instrumentLength, 2, 0) == 1,
+          .gps = settings.gpsInput == 1,
+          .iceOption = context.iceOption,
+          .lengthUnits = indexOr(settings.lengthUnits, 2, 0),
+          .listB = indexOr(settings.surveyListB, instrument.listBValues, 0),
+          .surveyMode = surveyModeOf(settings),
+          .listA = indexOr(settings.surveyListA, instrument.listAValues, 0),
+          .iceQuantity = indexOr(settings.iceQuantity, 2, 0),
+          .seaWaterChoice = indexOr(settings.seaWaterChoice, 11, 0),
+          .tesk2Variant = settings.tesk2Variant == 2 ? 2 : 1,
+          .screenMark = screenMark(context)};
+}
+
+void WriteFileHeader(const WriterContext& context, std::string_view baseName) {
+  context.file.append(formatHeader1(header1Of(context)));
+  context.file.append(formatHeader2(lengthOf(context), baseName, surveyModeValue(context.settings)));
 }
 
 void WriteLineBlock(const WriterContext& context) {
@@ -58,12 +60,12 @@ void WriteLineBlock(const WriterContext& context) {
   context.file.append(formatDirection(length, indexOr(settings.direction, 4, Settings{}.direction),
                                       static_cast<double>(settings.stationIncrement)));
   context.file.append(formatDate(length, context.clock.localTime()));
-  if (context.instrument.kind == Kind::tesk2) WriteCalibrationRecords(context);
+  if (context.instrument.calibrated) WriteCalibrationRecords(context);
 }
 
 void WriteCalibrationRecords(const WriterContext& context) {
   for (std::size_t i = 0; i < context.calibrationFactors.size(); ++i) {
-    context.file.append(formatCalibration(static_cast<int>(i) + 1,
+    context.file.append(formatCalibration(lengthOf(context), static_cast<int>(i) + 1,
                                           static_cast<double>(context.calibrationFactors[i]),
                                           static_cast<double>(context.deletedCalibration[i])));
   }
@@ -81,10 +83,6 @@ void WriteReadingRecord(const WriterContext& context, std::string_view text, std
   const int length = lengthOf(context);
   const auto width = static_cast<std::size_t>(readingTextLength(length));
   context.file.append(formatReading(length, textField(text, width), tick));
-}
-
-void WriteTesk2ReadingRecord(const WriterContext& context, std::string_view text, std::uint32_t tick) {
-  context.file.append(formatReading(lengthOf(context), text, tick));
 }
 
 void WriteNoteRecord(const WriterContext& context, std::string_view text, char tag) {

@@ -3,10 +3,10 @@
 #include <optional>
 
 #include "datafile/line_block.h"
+#include "datafile/reading_decoder.h"
 #include "datafile/record_parse.h"
 #include "datafile/record_times.h"
 #include "export/csv_text.h"
-#include "export/reading_decoder.h"
 
 namespace kalmira {
 namespace {
@@ -19,11 +19,17 @@ constexpr int kChannelDecimals = 5;
 
 constexpr std::size_t kFlushBytes = 65536;
 
+// The ice thickness stands in tables of files that ask for it.
+std::span<const Channel> channelsOf(const Header1& header) {
+  return kalmira::channelsOf(instrumentOf(header.kind), header.iceOption && header.iceQuantity == 1);
+}
+
 // What the records up to here have said.
 struct FileState {
-  explicit FileState(const Header1& header) : columns(channelColumns(header)), decoder(header) {}
+  FileState(const Header1& header, bool teskRangeTimes10)
+      : columns(channelsOf(header)), decoder(header, teskRangeTimes10) {}
 
-  std::span<const ChannelColumn> columns;
+  std::span<const Channel> columns;
   SurveyPosition position;
   RecordTimes times;
   ReadingDecoder decoder;
@@ -71,11 +77,11 @@ bool appendMoment(std::string& row, FileState& state, std::optional<std::uint32_
   return moment.has_value();
 }
 
-void appendRange(std::string& row, const DecodedReading& reading) {
-  if (reading.range) appendInteger(row, *reading.range);
-  if (reading.secondRange) {
+void appendRange(std::string& row, const Reading& reading) {
+  if (reading.range != 0) appendInteger(row, reading.range);
+  if (reading.secondRange != 0) {
     row += '/';
-    appendInteger(row, *reading.secondRange);
+    appendInteger(row, reading.secondRange);
   }
 }
 
@@ -90,12 +96,13 @@ bool appendReading(std::string& row, FileState& state, std::string_view record) 
   const bool timed = appendMoment(row, state, parseTick(record));
   const auto reading = state.decoder.decode(readingText(record));
   row += ',';
-  row += reading.dipole;
-  row += reading.marked ? ",1," : ",0,";
+  row += reading.orientation;
+  row += reading.secondMode == 'M' ? ",1," : ",0,";
   appendRange(row, reading);
   for (const auto& column : state.columns) {
     row += ',';
-    if (reading.channels.present.at(column.slot) == 0) continue;
+    // Voltages of the battery are no measurement.
+    if (reading.batteryLevels || reading.channels.present.at(column.slot) == 0) continue;
     appendReal(row, static_cast<double>(reading.channels.value.at(column.slot)), kChannelDecimals);
   }
   row += '\n';
@@ -106,14 +113,14 @@ bool appendReading(std::string& row, FileState& state, std::string_view record) 
 
 std::string csvColumns(const Header1& header) {
   std::string columns(kCommonColumns);
-  for (const auto& column : channelColumns(header)) {
+  for (const auto& channel : channelsOf(header)) {
     columns += ',';
-    columns += column.name;
+    columns += channel.column;
   }
   return columns;
 }
 
-ExportResult exportReadings(RecordReader& reader, CsvTable& table) {
+ExportResult exportReadings(RecordReader& reader, CsvTable& table, bool teskRangeTimes10) {
   ExportResult result;
   const std::string columns = csvColumns(reader.header());
   if (!table.columns.empty() && table.columns != columns) {
@@ -125,7 +132,7 @@ ExportResult exportReadings(RecordReader& reader, CsvTable& table) {
   if (table.columns.empty()) text = columns + '\n';
   table.columns = columns;
 
-  FileState state(reader.header());
+  FileState state(reader.header(), teskRangeTimes10);
   Record record;
   while (reader.next(record)) {
     if (!takeRecord(state, record.bytes)) ++result.unreadableRecords;

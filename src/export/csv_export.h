@@ -38,6 +38,7 @@ struct ExportResult {
 std::string csvColumns(const Header1& header);
 
 // Adds the readings of the file that `reader` has opened. What damage it met, the reader tells.
-ExportResult exportReadings(RecordReader& reader, CsvTable& table);
+// `teskRangeTimes10`: the start-up choice for a TESK, which its files do not tell.
+ExportResult exportReadings(RecordReader& reader, CsvTable& table, bool teskRangeTimes10 = false);
 
 }  // namespace kalmira

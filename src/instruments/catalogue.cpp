@@ -5,128 +5,13 @@
 #include <algorithm>
 #include <cctype>
 
+#include "instruments/rows.h"
+
 namespace kalmira {
 namespace {
 
-constexpr std::array<Instrument, kKindCount> kCatalogue{{
-    {.kind = Kind::orla,
-     .name = "ORLA",
-     .title = "ORLA",
-     .portLabel = "ORLA Port",
-     .portFailureText = "Cannot open ORLA port",
-     .settingsFile = "ORLA.INI",
-     .versionTag = "CEVer2.30",
-     .dataFolder = "DATAORLA",
-     .documentsFolder = "DataOrla",
-     .extension = ".ROR",
-     .filterText = "ORLA Files (*.ROR)",
-     .modelTag = "ORLA2",
-     .programVersion = "W230"},
-    {.kind = Kind::teskb,
-     .name = "TESKB",
-     .title = "TESKB",
-     .portLabel = "TESKB Port",
-     .portFailureText = "Cannot open TESKB port",
-     .settingsFile = "TESKB.INI",
-     .versionTag = "CEVer2.22",
-     .dataFolder = "DATATESKB",
-     .documentsFolder = "DataTeskB",
-     .extension = ".PTS",
-     .filterText = "TESKB Files (*.PTS)",
-     .modelTag = "TESKB",
-     .programVersion = "W222"},
-    {.kind = Kind::teskdd,
-     .name = "TESKDD",
-     .title = "TESKDD",
-     .portLabel = "TESK-DD Port",
-     .portFailureText = "Cannot open TESKD port",
-     .settingsFile = "TESKD.INI",
-     .versionTag = "CEVer2.22",
-     .dataFolder = "DATATESKD",
-     .documentsFolder = "DataTeskD",
-     .extension = ".QTS",
-     .filterText = "TESKD Files (*.QTS)",
-     .modelTag = "TESKD",
-     .programVersion = "W222"},
-    {.kind = Kind::tesk,
-     .name = "TESK",
-     .title = "TESK",
-     .portLabel = "TESK Port",
-     .portFailureText = "Cannot open TESK port",
-     .settingsFile = "TESK.INI",
-     .versionTag = "CEVer2.22",
-     .dataFolder = "DATATESK",
-     .documentsFolder = "DataTesk",
-     .extension = ".RTS",
-     .filterText = "TESK Files (*.RTS)",
-     .modelTag = "TESKS",
-     .programVersion = "W222"},
-    {.kind = Kind::vardo,
-     .name = "VARDO",
-     .title = "VARDO",
-     .portLabel = "VARDO Port",
-     .portFailureText = "Cannot open VARDO port",
-     .settingsFile = "VARDO.INI",
-     .versionTag = "CEVer2.30",
-     .dataFolder = "DATAVARDO",
-     .documentsFolder = "DataVardo",
-     .extension = ".RVD",
-     .filterText = "VARDO Files (*.RVD)",
-     .modelTag = "VARDO",
-     .programVersion = "W230"},
-    // A reduced member of the family: no title of its own, and one folder whatever the storage class.
-    {.kind = Kind::mirka,
-     .name = "MIRKA",
-     .title = "KALMIRA",
-     .portLabel = "",
-     .portFailureText = "Cannot open MIRKA port",
-     .settingsFile = "MIRKA.INI",
-     .versionTag = "CEVer2.10",
-     .dataFolder = "DATAMIRKA",
-     .documentsFolder = "",
-     .extension = ".RMI",
-     .filterText = "MIRKA Files (*.RMI)",
-     .modelTag = "MIRKA",
-     .programVersion = "W210",
-     .fixedStorageFolder = true},
-    {.kind = Kind::glaco,
-     .name = "GLACO",
-     .title = "GLACO",
-     .portLabel = "GLACO Port",
-     .portFailureText = "Cannot open GLACO port",
-     .settingsFile = "GLACO.INI",
-     .versionTag = "CEVer2.30",
-     .dataFolder = "DATAICE",
-     .documentsFolder = "",
-     .extension = ".IOR",
-     .filterText = "GLACO Files (*.IOR)",
-     .modelTag = "GLACO",
-     .programVersion = "W210",
-     .framing = Framing::ice,
-     .instrumentLength = 8,
-     .recordPeriodMs = 100.0},
-    {.kind = Kind::tesk2,
-     .name = "TESK2",
-     .title = "TESK2",
-     .portLabel = "TESK-2 Port",
-     .portFailureText = "Cannot open TESK2 port",
-     .settingsFile = "TESK2.INI",
-     .versionTag = "CEVer2.30",
-     .dataFolder = "DATATESK2",
-     .documentsFolder = "DataTesk2",
-     .extension = ".NTS",
-     .filterText = "TESK2 Files (*.NTS)",
-     .modelTag = "TESK2",
-     .programVersion = "W230",
-     .framing = Framing::tesk2,
-     .instrumentBaud = 19200,
-     .instrumentLength = 14,
-     .recordPeriodMs = 50.0,
-     .fileRecordLength = 26},
-}};
-
-constexpr std::string_view kShortOrlaTag = "ORLAS";
-constexpr std::string_view kIceSettingsFile = "ORLICE.INI";
+constexpr std::array<const Instrument*, kKindCount> kCatalogue{&kOrla,  &kTeskb, &kTeskdd, &kTesk,
+                                                               &kVardo, &kMirka, &kGlaco,  &kTesk2};
 
 // The store a folder lies in: "C_DRIVE", "Storage" or "" for the root.
 std::string_view storeName(const Instrument& instrument, int storageClass) {
@@ -144,21 +29,26 @@ bool equalIgnoringCase(std::string_view a, std::string_view b) {
 
 const Instrument* findInstrument(int kindIndex) {
   if (kindIndex < 0 || kindIndex >= kKindCount) return nullptr;
-  return &kCatalogue[static_cast<std::size_t>(kindIndex)];
+  return kCatalogue[static_cast<std::size_t>(kindIndex)];
 }
 
 const Instrument& instrumentOf(Kind kind) {
-  return kCatalogue[static_cast<std::size_t>(kind)];
+  return *kCatalogue[static_cast<std::size_t>(kind)];
 }
 
 const Instrument* findInstrumentByName(std::string_view nameOrIndex) {
   if (nameOrIndex.size() == 1 && nameOrIndex[0] >= '0' && nameOrIndex[0] <= '7') {
     return findInstrument(nameOrIndex[0] - '0');
   }
-  for (const auto& row : kCatalogue) {
-    if (equalIgnoringCase(row.name, nameOrIndex)) return &row;
+  for (const auto* row : kCatalogue) {
+    if (equalIgnoringCase(row->name, nameOrIndex)) return row;
   }
   return nullptr;
+}
+
+std::span<const Channel> channelsOf(const Instrument& instrument, bool ice) {
+  const auto all = instrument.channels;
+  return ice || !instrument.hasIce() ? all : all.first(all.size() - 1);
 }
 
 std::string settingsFolder(Kind kind, int storageClass) {
@@ -167,9 +57,9 @@ std::string settingsFolder(Kind kind, int storageClass) {
 
 std::string settingsPath(Kind kind, bool iceOption, int storageClass) {
   const auto& instrument = instrumentOf(kind);
-  const bool iceFile = kind == Kind::orla && iceOption;
+  const bool iceFile = instrument.hasIce() && iceOption;
   return fmt::format("{}\\{}", settingsFolder(kind, storageClass),
-                     iceFile ? kIceSettingsFile : instrument.settingsFile);
+                     iceFile ? instrument.iceSettingsFile : instrument.settingsFile);
 }
 
 std::string dataFolder(Kind kind, int storageClass) {
@@ -195,7 +85,8 @@ std::string filterPattern(Kind kind) {
 
 std::string headerTag(Kind kind, bool shortInstrument, bool gps) {
   const auto& instrument = instrumentOf(kind);
-  const auto model = kind == Kind::orla && shortInstrument ? kShortOrlaTag : instrument.modelTag;
+  const auto model =
+      instrument.hasLengths() && shortInstrument ? instrument.shortModelTag : instrument.modelTag;
   return fmt::format("{:<8}{}{}", model, instrument.programVersion, gps ? "GPS" : "GRD");
 }
 
@@ -205,11 +96,17 @@ const Instrument* findInstrumentByHeader(std::string_view header1) {
   const auto program = header1.substr(8, 4);
   const auto survey = header1.substr(12, 3);
   if (survey != "GRD" && survey != "GPS") return nullptr;
-  for (const auto& row : kCatalogue) {
-    const bool modelFits = model == row.modelTag || (row.kind == Kind::orla && model == kShortOrlaTag);
-    if (modelFits && program == row.programVersion) return &row;
+  for (const auto* row : kCatalogue) {
+    const bool modelFits = model == row->modelTag || (row->hasLengths() && model == row->shortModelTag);
+    if (modelFits && program == row->programVersion) return row;
   }
   return nullptr;
+}
+
+int readingsPerStationOf(Kind kind, int surveyMode, int listA, int listB) {
+  const auto& instrument = instrumentOf(kind);
+  if (surveyMode != kModeManual || instrument.readingsAtStation == nullptr) return 1;
+  return instrument.readingsAtStation(listA, listB);
 }
 
 }  // namespace kalmira

@@ -2,15 +2,13 @@
 
 #include <array>
 
-#include "instruments/decode.h"
+#include "instruments/reading.h"
 
 // Ice thickness from the apparent conductivity of ice over sea water: inverse interpolation in tables of
 // conductivities that were computed from a layered-earth model for thicknesses of 0 to 7 m.
 namespace kalmira {
 
 inline constexpr int kSeaWaterCases = 11;  // 2000 to 3000 mS/m in steps of 100
-inline constexpr float kIceAboveTable = -999.0F;
-inline constexpr float kIceBelowTable = -99.0F;
 
 struct IceModel {
   int seaWaterCase = -1;              // 0 to kSeaWaterCases - 1; -1: no table is loaded

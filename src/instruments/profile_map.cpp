@@ -1,7 +1,7 @@
+#include "instruments/profile_map.h"
+
 #include <cmath>
 #include <limits>
-
-#include "instruments/decode.h"
 
 namespace kalmira {
 namespace {
@@ -16,41 +16,34 @@ int pixel(const ProfileAxis& axis, float value) {
   return static_cast<int>(position);
 }
 
+const ProfileAxis& axisOf(const ProfileAxes& axes, int axis) {
+  if (axis == kIceAxis) return axes.ice;
+  return axis == kInphaseAxis ? axes.inphase : axes.conductivity;
+}
+
+bool drawn(const Channel& channel, bool iceOption) {
+  return (channel.axis == kIceAxis) == iceOption;
+}
+
 }  // namespace
 
-void MapProfilePoints(Kind kind, bool iceOption, bool inphaseUnscaled, const ProfileAxes& axes,
+std::array<bool, kProfilePoints> drawnTraces(const Instrument& instrument, bool iceOption, bool secondCoil) {
+  std::array<bool, kProfilePoints> traces{};
+  for (const auto& channel : instrument.channels) traces[channel.slot] = drawn(channel, iceOption);
+  traces[kSlots] = traces[kSlots + 1] = secondCoil && instrument.unscaledInphase;
+  return traces;
+}
+
+void MapProfilePoints(const Instrument& instrument, bool iceOption, bool secondCoil, const ProfileAxes& axes,
                       const std::array<float, kSlots>& values, float extra1, float extra2,
                       std::array<int, kProfilePoints>& points) {
-  const auto conductivity = [&](std::size_t slot) { points[slot] = pixel(axes.conductivity, values[slot]); };
-  const auto inphase = [&](std::size_t slot) { points[slot] = pixel(axes.inphase, values[slot]); };
-  if (kind == Kind::orla && iceOption) {
-    points[4] = pixel(axes.ice, values[4]);
-    return;
+  for (const auto& channel : instrument.channels) {
+    if (!drawn(channel, iceOption)) continue;
+    points[channel.slot] = pixel(axisOf(axes, channel.axis), values[channel.slot]);
   }
-  switch (kind) {
-    case Kind::orla:
-    case Kind::teskb:
-    case Kind::teskdd:
-    case Kind::tesk:
-      for (const std::size_t slot : {0U, 1U}) conductivity(slot);
-      for (const std::size_t slot : {2U, 3U}) inphase(slot);
-      break;
-    case Kind::vardo:
-    case Kind::mirka:
-      for (std::size_t slot = 0; slot < 6; ++slot) conductivity(slot);
-      break;
-    case Kind::glaco:
-      conductivity(0);
-      inphase(2);
-      break;
-    case Kind::tesk2:
-      for (const std::size_t slot : {0U, 1U, 4U, 5U}) conductivity(slot);
-      for (const std::size_t slot : {2U, 3U, 6U, 7U}) inphase(slot);
-      if (!inphaseUnscaled) break;
-      points[8] = pixel(axes.conductivity, extra1);
-      points[9] = pixel(axes.conductivity, extra2);
-      break;
-  }
+  if (!secondCoil || !instrument.unscaledInphase) return;
+  points[kSlots] = pixel(axes.conductivity, extra1);
+  points[kSlots + 1] = pixel(axes.conductivity, extra2);
 }
 
 }  // namespace kalmira

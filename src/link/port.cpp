@@ -67,7 +67,7 @@ std::string comName(int comNumber) {
 
 MarkerPlace markerPlace(Kind kind, const Settings& settings) {
   const int position = indexOr(settings.markerPortChoice, kComPorts, 0);
-  if (kind != Kind::tesk2 || position < 1) return MarkerPlace::none;
+  if (!instrumentOf(kind).hasMarker || position < 1) return MarkerPlace::none;
   // The list position is compared as it stands, not the COM number behind it.
   return position - 1 == instrumentComNumber(settings) - 1 ? MarkerPlace::instrumentPort
                                                            : MarkerPlace::ownPort;

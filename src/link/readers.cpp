@@ -5,7 +5,6 @@
 #include <cstring>
 #include <optional>
 
-
 namespace kalmira {
 namespace {
 
@@ -77,7 +76,9 @@ ReaderEnd readBlocks(Port& port, const std::atomic<bool>& stop, int sliceMs,
 }
 
 ReaderEnd InstrumentReaderAscii(const ReaderContext& context, Kind kind, const RecordHandOver& handOver) {
-  beginReading(context, kind == Kind::tesk ? context.link.recordLength : instrumentOf(kind).instrumentLength);
+  const auto& instrument = instrumentOf(kind);
+  beginReading(context,
+               instrument.asksRecordLength ? context.link.recordLength : instrument.instrumentLength);
   AsciiFramer framer(context.link.recordLength);
   return readBlocks(context.port, context.stop, kReadSliceMs, [&](Bytes block) {
     return feedBlock(framer, block, context.link,

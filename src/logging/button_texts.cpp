@@ -59,14 +59,14 @@ const Prompts& promptsOf(Keypad keypad) {
 }  // namespace
 
 KeyContext keyContextOf(const Session& session) {
-  const bool tesk2 = session.instrument.kind == Kind::tesk2;
-  return {.keypadEntry = tesk2 && session.settings.softMarker == 1,
-          .digitsPlatform = tesk2 && session.setup.portrait && session.setup.storageClass == 1};
+  const bool marks = session.instrument.hasMarker;
+  return {.keypadEntry = marks && session.settings.softMarker == 1,
+          .digitsPlatform = marks && session.setup.portrait && session.setup.storageClass == 1};
 }
 
 Keypad keypadOf(const Session& session, const KeyContext& context) {
   if (context.digitsPlatform) return Keypad::numeric;
-  if (session.instrument.kind == Kind::tesk2) return Keypad::tesk2;
+  if (session.instrument.hasMarker) return Keypad::tesk2;
   return session.setup.smallScreen && session.setup.portrait ? Keypad::narrow : Keypad::full;
 }
 
@@ -81,7 +81,7 @@ std::vector<std::string_view> buttonTexts(const Session& session, const KeyConte
                         session.surveyMode() == kModeManual)};
   }
   if (session.loggingState == kStandBy) return {"&Go", "&Line", "&NStn", "&Cmnt", "&Menu", "E&xit"};
-  if (session.instrument.kind != Kind::tesk2) return {"&Create File", "E&xit"};
+  if (!session.instrument.calibrated) return {"&Create File", "E&xit"};
   if (session.setup.smallScreen) return {"&Cr. File", "C&alib.", "D&el Cal.", "E&xit"};
   return {"&Create File", "C&alibrate", "D&el Calibr.", "E&xit"};
 }

@@ -34,11 +34,11 @@ void enterStep(Session& session, int step) {
   session.calibration.calibrationTick = session.clock.tick();
 }
 
-void addReading(Calibration& calibration, std::array<float, 4>& sums, const Tesk2Reading& reading) {
+void addReading(Calibration& calibration, std::array<float, 4>& sums, const Reading& reading) {
   ++calibration.calibrationCount;
-  sums[0] += reading.inphase1;
+  sums[0] += reading.inphase;
   sums[1] += reading.inphase2;
-  sums[2] += reading.conductivity1;
+  sums[2] += reading.conductivity;
   sums[3] += reading.conductivity2;
 }
 
@@ -46,16 +46,12 @@ void toAverages(std::array<float, 4>& sums, int count) {
   for (auto& sum : sums) sum /= static_cast<float>(count);
 }
 
-void showMeasuring(Session& session, std::string_view title, const Tesk2Reading& reading) {
+void showMeasuring(Session& session, std::string_view title, const Reading& reading) {
   showText(session, title);
-  const bool wide = session.setup.wideLayout;
-  session.view.show(PanelField::value1, valueText("C", reading.conductivity1, "mS/m", wide));
-  session.view.show(PanelField::value2, valueText("I", reading.inphase1, "mS/m", wide));
-  session.view.show(PanelField::value3, valueText("c", reading.conductivity2, "mS/m", wide));
-  session.view.show(PanelField::value4, valueText("i", reading.inphase2, "ppt", wide));
+  showValues(session, reading, true);
 }
 
-void verticalStage(Session& session, const Tesk2Reading& reading) {
+void verticalStage(Session& session, const Reading& reading) {
   auto& calibration = session.calibration;
   if (sinceTick(session) <= kCalibrationStageMs) {
     if (reading.orientation == 'V') addReading(calibration, calibration.vertical, reading);
@@ -87,7 +83,7 @@ void completeWith(Session& session) {
   if (session.file.isOpen()) WriteCalibrationRecords(session.writer());
 }
 
-void measureHorizontal(Session& session, const Tesk2Reading& reading) {
+void measureHorizontal(Session& session, const Reading& reading) {
   auto& calibration = session.calibration;
   if (sinceTick(session) <= kCalibrationStageMs) {
     if (reading.orientation == 'H') addReading(calibration, calibration.horizontal, reading);
@@ -135,7 +131,7 @@ void closeWithFailure(Session& session) {
   endCalibration(session);
 }
 
-void horizontalStage(Session& session, const Tesk2Reading& reading) {
+void horizontalStage(Session& session, const Reading& reading) {
   auto& calibration = session.calibration;
   switch (calibration.calibrationStep) {
     case kWaitForHorizontal:
@@ -198,8 +194,8 @@ bool deleteCalibration(Session& session) {
   return true;
 }
 
-void calibrateWith(Session& session, const Tesk2Reading& reading) {
-  session.view.show(PanelField::mode, dipoleModeText(session.settings));
+void calibrateWith(Session& session, const Reading& reading) {
+  showMode(session);
   if (session.calibration.calibrationActive == 1) {
     verticalStage(session, reading);
   } else {

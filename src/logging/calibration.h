@@ -20,7 +20,7 @@ bool startCalibration(Session& session);
 bool deleteCalibration(Session& session);
 
 // One reading while a calibration runs (calibrationPhase -1).
-void calibrateWith(Session& session, const Tesk2Reading& reading);
+void calibrateWith(Session& session, const Reading& reading);
 
 // Puts the factors from before back and ends a calibration that has not come to its end.
 void abandonCalibration(Session& session);

@@ -11,7 +11,7 @@ namespace kalmira {
 
 bool commandAllowed(const Session& session, Command command) {
   const int state = session.loggingState;
-  const bool tesk2 = session.instrument.kind == Kind::tesk2;
+  const bool calibrated = session.instrument.calibrated;
   switch (command) {
     case Command::createFile:
       return state == kNoFile;
@@ -21,7 +21,7 @@ bool commandAllowed(const Session& session, Command command) {
       return state != kLogging;
     case Command::calibrate:
     case Command::deleteCalibration:
-      return tesk2 && state != kLogging && session.calibration.calibrationPhase == 0;
+      return calibrated && state != kLogging && session.calibration.calibrationPhase == 0;
     case Command::newStation:
     case Command::comment:
       return state != kLogging;

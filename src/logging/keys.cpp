@@ -19,7 +19,7 @@ bool isArrow(int keyCode) {
   return keyCode >= key::kLeft && keyCode <= key::kDown;
 }
 bool isTesk2(const Session& session) {
-  return session.instrument.kind == Kind::tesk2;
+  return session.instrument.hasMarker;
 }
 int pauseKeyOf(const Session& session) {
   return indexOr(session.settings.pauseKey, 4, kPauseAnyKey);

@@ -19,15 +19,15 @@ std::string_view triggerModeWord(const Session& session) {
     case kModeAuto:
       return "Auto";
     case kModeWheel:
-      return session.instrument.kind == Kind::glaco ? "Manual" : "Wheel";
+      return session.instrument.hasTrigger ? "Wheel" : "Manual";
     default:
       return "Manual";
   }
 }
 
-// A reading is asked for at the station, but a GLACO never waits for a trigger.
+// A reading is asked for at the station, by those that wait for a trigger.
 bool manualStations(const Session& session) {
-  return session.triggerMode == kModeManual && session.instrument.kind != Kind::glaco;
+  return session.triggerMode == kModeManual && session.instrument.hasTrigger;
 }
 
 }  // namespace
@@ -61,13 +61,23 @@ void paintPanel(Session& session) {
   session.view.show(PanelField::gpsNote, session.gpsEnabled() ? "" : "GPS  Input  disabled");
 }
 
-std::string valueText(std::string_view label, float value, std::string_view unit, bool wide) {
-  return fmt::format("{}:{:<8.2f}{}", label, static_cast<double>(value), wide ? unit : std::string_view{});
+void showMode(Session& session) {
+  const auto& settings = session.settings;
+  const auto modeText = session.instrument.modeText;
+  if (modeText == nullptr) return;
+  session.view.show(PanelField::mode,
+                    modeText(session.surveyMode(), settings.surveyListA, settings.surveyListB));
 }
 
-std::string dipoleModeText(const Settings& settings) {
-  static constexpr std::string_view kModes = "VHB";
-  return fmt::format("Mode:{}", kModes[static_cast<std::size_t>(indexOr(settings.surveyListB, 3, 0))]);
+void showValues(Session& session, const Reading& reading, bool measuring) {
+  const PanelStyle style{.wide = session.setup.wideLayout,
+                         .iceOption = session.iceOption,
+                         .feet = session.settings.lengthUnits == 1,
+                         .listA = session.settings.surveyListA,
+                         .measuring = measuring};
+  for (const auto& [field, text] : session.instrument.panelTexts(reading, style)) {
+    session.view.show(field, text);
+  }
 }
 
 }  // namespace kalmira

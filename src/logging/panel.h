@@ -13,10 +13,9 @@ void showTriggerMode(Session& session);
 // Everything but the values of the last reading: when the panel appears, and when it must be drawn anew.
 void paintPanel(Session& session);
 
-// "%-8.2f" and its kind, as the value fields are written: "C:12.34   mS/m" when `wide`, "C:12.34   " else.
-std::string valueText(std::string_view label, float value, std::string_view unit, bool wide);
-
-// "Mode:V", "Mode:H", "Mode:B" by the dipole-mode setting.
-std::string dipoleModeText(const Settings& settings);
+// The mode field, where the kind has one.
+void showMode(Session& session);
+// Values and range. `measuring`: a calibration takes this reading.
+void showValues(Session& session, const Reading& reading, bool measuring);
 
 }  // namespace kalmira

@@ -23,11 +23,7 @@ constexpr double kStateRowHeight = 1.1;
 constexpr double kShapeWidth = 0.85;
 constexpr int kSmallestFont = 5;  // pixels: where a font stops being one
 
-enum class RowShape {
-  flow,     // one beside the other, the last takes what is left
-  columns,  // equal shares of the width
-  band,     // the state's: shape, cells, and the battery's fixed place at the right
-};
+using RowShape = PanelRow::Shape;
 
 struct Row {
   RowShape shape = RowShape::flow;
@@ -42,6 +38,7 @@ struct Sizes {
 struct Job {
   const PanelSpace& space;
   const MeasureText& measure;
+  const std::vector<std::vector<std::string>>& texts;  // the widest, by field
   int margin, gap, batteryWidth;
 };
 
@@ -94,68 +91,39 @@ int sizeOf(const Sizes& sizes, PanelFont font) {
 // Which fields stand in which row, from above. Those that the kind does not use are taken out afterwards.
 using F = PanelField;
 
-// An upright panel has the width for large figures one below the other, but not for those of four values.
-std::vector<Row> portraitValues(const PanelSpace& space) {
-  if (space.kind == Kind::teskdd || space.kind == Kind::tesk2) {
-    return {{RowShape::columns, {F::value1, F::value2}},
-            {RowShape::columns, {F::value3, F::value4}},
-            {RowShape::columns, {F::value5, F::value6}},
-            {RowShape::flow, {F::range}}};
-  }
-  if (space.iceOption) {
-    return {{RowShape::flow, {F::value1, F::range}},
-            {RowShape::flow, {F::value2}},
-            {RowShape::flow, {F::value3}}};
-  }
-  return {{RowShape::flow, {F::value1}}, {RowShape::flow, {F::value2}}, {RowShape::flow, {F::range}}};
+Row rowOf(const PanelRow& row) {
+  return {row.shape, {row.fields.begin(), row.fields.end()}};
 }
 
 std::vector<Row> portraitRows(const PanelSpace& space) {
   std::vector<Row> rows{{RowShape::band, {F::state, F::triggerMode, F::battery}},
                         {RowShape::flow, {F::file, F::mode, F::marker}},
                         {RowShape::flow, {F::stationLabel, F::station, F::repeat, F::line}}};
-  for (auto& row : portraitValues(space)) rows.push_back(std::move(row));
+  const auto& instrument = instrumentOf(space.kind);
+  const bool ice = space.iceOption && !instrument.uprightIceValues.empty();
+  for (const auto& row : ice ? instrument.uprightIceValues : instrument.uprightValues)
+    rows.push_back(rowOf(row));
   rows.push_back({RowShape::flow, {F::calibration}});
   rows.push_back({RowShape::flow, {F::gpsActivity, F::fix, F::pdop, F::satellites, F::gpsCount, F::gpsNote}});
   rows.push_back({RowShape::flow, {F::message}});
   return rows;
 }
 
-// A low panel has no row to spare: what is short moves up beside the figures of those with many of them.
-std::vector<Row> landscapeFigures(const PanelSpace& space) {
-  const Row band{RowShape::band, {F::state, F::message, F::battery}};
-  switch (space.kind) {
-    case Kind::tesk2:  // its two channels one below the other
-      return {{RowShape::band, {F::state, F::triggerMode, F::message, F::battery}},
-              {RowShape::flow, {F::stationLabel, F::station, F::repeat, F::file, F::line}},
-              {RowShape::columns, {F::value1, F::value2, F::value5}},
-              {RowShape::columns, {F::value3, F::value4, F::value6}},
-              {RowShape::flow, {F::calibration}}};
-    case Kind::teskdd:  // conductivity above inphase
-      return {band,
-              {RowShape::flow, {F::stationLabel, F::station, F::repeat, F::line, F::triggerMode}},
-              {RowShape::flow, {F::value1, F::value2, F::range}},
-              {RowShape::flow, {F::value3, F::value4, F::file}}};
-    default:
-      return {band,
-              {RowShape::flow, {F::stationLabel, F::station, F::repeat, F::line, F::triggerMode}},
-              {RowShape::columns, {F::value1, F::value2, F::value3}},
-              {RowShape::flow, {F::file, F::range}}};
-  }
-}
-
+// What is short moves up beside the figures.
 std::vector<Row> landscapeRows(const PanelSpace& space) {
-  auto rows = landscapeFigures(space);
+  std::vector<Row> rows;
+  for (const auto& row : instrumentOf(space.kind).lyingFigures) rows.push_back(rowOf(row));
   rows.push_back(
       {RowShape::flow,
        {F::gpsActivity, F::fix, F::pdop, F::satellites, F::gpsCount, F::gpsNote, F::mode, F::marker}});
   return rows;
 }
 
-std::vector<Row> usedRows(const PanelSpace& space) {
-  auto rows = space.wideLayout ? portraitRows(space) : landscapeRows(space);
+std::vector<Row> usedRows(const Job& job) {
+  auto rows = job.space.wideLayout ? portraitRows(job.space) : landscapeRows(job.space);
   for (auto& row : rows) {
-    std::erase_if(row.fields, [&](PanelField field) { return widestTexts(space, field).empty(); });
+    std::erase_if(row.fields,
+                  [&](PanelField field) { return job.texts[static_cast<std::size_t>(field)].empty(); });
   }
   std::erase_if(rows, [](const Row& row) { return row.fields.empty(); });
   return rows;
@@ -176,7 +144,7 @@ int paddingOf(const Job& job, PanelField field) {
 int cellWidth(const Job& job, PanelField field, const Sizes& sizes) {
   if (field == PanelField::battery) return job.batteryWidth - job.margin;
   int widest = 0;
-  for (const auto& text : widestTexts(job.space, field)) {
+  for (const auto& text : job.texts[static_cast<std::size_t>(field)]) {
     widest = std::max(widest, widthOf(job, fontOf(field), sizes, text));
   }
   return labelWidthOf(job, field, sizes) + widest + 2 * paddingOf(job, field);
@@ -311,12 +279,17 @@ double PanelLayout::size(PanelFont font) const {
 }
 
 PanelLayout layOutPanel(const PanelSpace& space, const MeasureText& measure) {
+  std::vector<std::vector<std::string>> texts;
+  for (int field = 0; field < kPanelFields; ++field) {
+    texts.push_back(widestTexts(space, static_cast<PanelField>(field)));
+  }
   const Job job{.space = space,
                 .measure = measure,
+                .texts = texts,
                 .margin = pixels(space, kMargin),
                 .gap = pixels(space, kGap),
                 .batteryWidth = pixels(space, kBatteryWidth)};
-  const auto rows = usedRows(space);
+  const auto rows = usedRows(job);
   const auto sizes = fittingSizes(job, rows);
   PanelLayout layout;
   layout.textSize = sizes.text;

@@ -1,127 +1,55 @@
 #include <fmt/format.h>
 
-#include <array>
+#include <algorithm>
 
 #include "logging/panel.h"
 #include "logging/panel_layout.h"
 
-// The widest texts of every panel field. Numbers are as wide as the instrument's records can make them, in
-// the figure that is widest where a font has figures of several widths.
+// The widest texts of every panel field.
 namespace kalmira {
 namespace {
 
 using Texts = std::vector<std::string>;
 
-// Four digits of the record, with its largest factor.
-constexpr float kFourDigits = -8888.88F;
-constexpr float kThreeDigits = -888.88F;
-constexpr float kTwoDigits = -88.88F;
-constexpr float kTeskTimesTen = -88888.88F;
-constexpr float kMirkaWidest = -248888.88F;
-constexpr float kAuxiliaryWidest = 20888.88F;
-
-bool hasTrigger(Kind kind) {
-  return kind != Kind::glaco;
+bool isValue(PanelField field) {
+  return field >= PanelField::value1 && field <= PanelField::value4;
 }
 
-// The dipole's name in the range line, and the ranges behind it.
-Texts dipoleRanges(std::string_view range, bool wide) {
-  return {wide ? fmt::format("Horizontal Dipoles   Range:{}", range) : fmt::format("Horizontal  G{}", range)};
+// Numbers of lists that a setting may hold, and one more.
+constexpr int kListValues = 7;
+
+void addOnce(Texts& texts, const std::string& text) {
+  if (!text.empty() && std::find(texts.begin(), texts.end(), text) == texts.end()) texts.push_back(text);
 }
 
-Texts rangeTexts(const PanelSpace& space) {
-  const bool wide = space.wideLayout;
-  switch (space.kind) {
-    case Kind::orla:
-      if (!space.iceOption) return dipoleRanges("1000", wide);
-      return {"Battery Levels", wide ? "Mode:H  R:1000" : "H G1000"};
-    case Kind::teskb:
-      return {wide ? "Horizontal    GnC:1000  GnI:1000" : "Horizontal G1000,1000"};
-    case Kind::teskdd:
-      if (wide) return {"Conductivity [mS/m]  Range:1000", "      Inphase [ppt]  Range:1000"};
-      return {"Conductivity  G1000", "Inphase  G1000"};
-    case Kind::tesk:
-      return dipoleRanges("10000", wide);
-    case Kind::vardo:
-      return dipoleRanges("1000", wide);
-    default:
-      return {};
-  }
-}
-
-Texts modeTexts(Kind kind) {
-  switch (kind) {
-    case Kind::vardo:
-      return {"M:H40", "Rdgs:6"};
-    case Kind::mirka:
-    case Kind::glaco:
-      return {};
-    default:
-      return {"Mode:V", "Mode:H", "Mode:B", "Mode:C"};
-  }
-}
-
-Texts orlaValues(const PanelSpace& space, int value) {
-  const bool wide = space.wideLayout;
-  const auto volts = valueText("B", kTwoDigits, "Volt", wide);
-  if (value == 1) return {valueText("C", kFourDigits, "mS/m", wide), volts};
-  if (value == 2) return {valueText("I", kFourDigits, "ppt", wide), volts};
-  if (value != 3 || !space.iceOption) return {};
-  if (wide) return {"Th: N/A in mode V", "Th: Out of Range", "Th: 888.88  ft", "Th: 888.88  m"};
-  return {"T:N/A in V", "T:Off Range", "T[ft]:888.88", "T[m]:888.88"};
-}
-
-Texts tesk2Values(int value, bool wide) {
-  switch (value) {
-    case 1:
-      return {valueText("C", kFourDigits, "mS/m", wide)};
-    case 2:  // a calibration shows it with the other unit
-      return {valueText("I", kFourDigits, "ppt", wide), valueText("I", kFourDigits, "mS/m", wide)};
-    case 3:
-      return {valueText("c", kFourDigits, "mS/m", wide)};
-    case 4:
-      return {valueText("i", kFourDigits, "ppt", wide)};
-    case 5:
-      return {valueText("T", kAuxiliaryWidest, "", wide)};
-    default:
-      return {valueText("t", kAuxiliaryWidest, "", wide)};
-  }
-}
-
-// The first and the second value of the kinds that show two.
-Texts twoValues(int value, std::string first, std::string second) {
-  if (value == 1) return {std::move(first)};
-  return value == 2 ? Texts{std::move(second)} : Texts{};
-}
-
-Texts valueTextsOf(const PanelSpace& space, int value) {
-  const bool wide = space.wideLayout;
-  const auto conductivity = valueText("C", kFourDigits, "mS/m", wide);
-  switch (space.kind) {
-    case Kind::orla:
-      return orlaValues(space, value);
-    case Kind::teskb:
-      return twoValues(value, conductivity, valueText("I", kThreeDigits, "ppt", wide));
-    case Kind::teskdd: {
-      static constexpr std::array<std::string_view, 4> kLabels{"CV", "CH", "IV", "IH"};
-      Texts texts;  // alike for all four, so that they stand in columns
-      if (value > 4) return texts;
-      for (const auto label : kLabels) texts.push_back(valueText(label, kFourDigits, "", wide));
-      return texts;
+// The texts that the instrument gives its widest readings, in whichever state the panel may show them.
+Texts readingTexts(const PanelSpace& space, PanelField field) {
+  const auto& instrument = instrumentOf(space.kind);
+  Texts texts;
+  for (const bool measuring : {false, true}) {
+    if (measuring && !instrument.calibrated) continue;
+    for (const bool feet : {false, true}) {
+      const PanelStyle style{
+          .wide = space.wideLayout, .iceOption = space.iceOption, .feet = feet, .measuring = measuring};
+      for (const auto& reading : instrument.widestReadings) {
+        for (const auto& [shown, text] : instrument.panelTexts(reading, style)) {
+          if (shown == field || (instrument.valuesAlike && isValue(shown) && isValue(field)))
+            addOnce(texts, text);
+        }
+      }
     }
-    case Kind::tesk:
-      return twoValues(value, valueText("C", kTeskTimesTen, "mS/m", wide),
-                       valueText("I", kFourDigits, "ppt", wide));
-    case Kind::vardo:
-      return twoValues(value, conductivity, "Sep:40 m");
-    case Kind::mirka:
-      return twoValues(value, valueText("C", kMirkaWidest, "", wide), "Sep:-888.88  m");
-    case Kind::glaco:
-      return twoValues(value, "Th:-8.88", "IP:888.00");
-    case Kind::tesk2:
-      return tesk2Values(value, wide);
   }
-  return {};
+  return texts;
+}
+
+Texts modeTexts(const Instrument& instrument) {
+  Texts texts;
+  if (instrument.modeText == nullptr) return texts;
+  for (const int mode : {kModeAuto, kModeWheel, kModeManual}) {
+    for (int choice = 0; choice < kListValues; ++choice)
+      addOnce(texts, instrument.modeText(mode, choice, choice));
+  }
+  return texts;
 }
 
 Texts calibrationTexts(bool wide) {
@@ -150,7 +78,7 @@ Texts gpsTexts(PanelField field) {
 }
 
 Texts textsOf(const PanelSpace& space, PanelField field) {
-  const Kind kind = space.kind;
+  const auto& instrument = instrumentOf(space.kind);
   switch (field) {
     case PanelField::file:  // names of wide letters alone are drawn narrower
       return {"File:AREA8888"};
@@ -167,17 +95,18 @@ Texts textsOf(const PanelSpace& space, PanelField field) {
     case PanelField::line:  // as lines are numbered; a long name is drawn narrower
       return {"-88888.88"};
     case PanelField::repeat:
-      return kind == Kind::mirka || kind == Kind::glaco ? Texts{} : Texts{"8"};
+      return instrument.readingsAtStation == nullptr ? Texts{} : Texts{"8"};
     case PanelField::mode:
-      return modeTexts(kind);
+      return modeTexts(instrument);
     case PanelField::range:
-      return rangeTexts(space);
+      return readingTexts(space, field);
     case PanelField::marker:
-      return hasTrigger(kind) ? Texts{"M"} : Texts{};
+      return instrument.hasTrigger ? Texts{"M"} : Texts{};
     case PanelField::message:  // of a system's error words the usual ones
-      return {"Please Wait...", hasTrigger(kind) ? "Sample 888 of 888" : "Disk full", "Input/output error"};
+      return {"Please Wait...", instrument.hasTrigger ? "Sample 888 of 888" : "Disk full",
+              "Input/output error"};
     case PanelField::calibration:
-      return kind == Kind::tesk2 ? calibrationTexts(space.wideLayout) : Texts{};
+      return instrument.calibrated ? calibrationTexts(space.wideLayout) : Texts{};
     case PanelField::gpsNote:
       return space.gps ? Texts{} : Texts{"GPS  Input  disabled"};
     case PanelField::value1:
@@ -186,7 +115,7 @@ Texts textsOf(const PanelSpace& space, PanelField field) {
     case PanelField::value4:
     case PanelField::value5:
     case PanelField::value6:
-      return valueTextsOf(space, static_cast<int>(field) - static_cast<int>(PanelField::value1) + 1);
+      return readingTexts(space, field);
     default:
       return space.gps ? gpsTexts(field) : Texts{};
   }

@@ -4,8 +4,6 @@
 
 #include "logging/panel.h"
 
-#include "logging/profile_point.h"
-
 namespace kalmira {
 namespace {
 
@@ -74,7 +72,8 @@ void writeHeldSentences(Session& session) {
 
 void beepWithReading(Session& session) {
   if (indexOr(session.settings.audio, 2, 1) != 1) return;
-  if (++session.beepCounter < session.beepInterval) return;
+  // Without a trigger every reading beeps: it is taken while standing, not at a walking pace.
+  if (++session.beepCounter < session.beepInterval && session.instrument.hasTrigger) return;
   session.view.beep(Beep::hand);
   session.beepCounter = 0;
 }
@@ -95,7 +94,8 @@ void showStation(Session& session) {
 }
 
 void addPoint(Session& session, bool firstAtStation, std::string_view text) {
-  auto point = profilePointOf(session, text, session.settings.calibrationFactors);
+  session.recorded.setCalibration(session.settings.calibrationFactors);
+  auto point = profilePointOf(session.recorded.decode(text));
   point.newStation = session.chartPointCount == 1 && firstAtStation;
   session.chartPointCount = 1;
   session.view.addProfilePoint(point);

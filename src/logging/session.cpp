@@ -14,13 +14,14 @@ namespace {
 constexpr std::uint32_t kBatteryPeriodMs = 180000;
 // How often the data file is looked after: its trouble must be known within a second.
 constexpr std::uint32_t kServicePeriodMs = 400;
-constexpr std::uint32_t kGlacoTimeoutMs = 2000;
+constexpr std::uint32_t kNoTriggerTimeoutMs = 2000;
 // The watch is called at most this late, and that long after it was put off.
 constexpr std::uint32_t kHeldUpMs = 300;
 constexpr std::uint32_t kMomentMs = 200;
 
 std::uint32_t watchPeriod(const Session& session) {
-  if (session.instrument.kind == Kind::glaco && session.surveyMode() != kModeWheel) return kGlacoTimeoutMs;
+  // Without a trigger nothing but the wheel says how often a record comes.
+  if (!session.instrument.hasTrigger && session.surveyMode() != kModeWheel) return kNoTriggerTimeoutMs;
   return std::max(1000U, static_cast<std::uint32_t>(readingsIntervalOf(session.settings) * 1000.0F));
 }
 
@@ -53,15 +54,6 @@ void watchLink(Session& session) {
 
 }  // namespace
 
-std::string_view panelFieldName(PanelField field) {
-  static constexpr std::array<std::string_view, kPanelFields> kNames{
-      "file",       "state", "battery", "triggerMode", "stationLabel", "station",     "line",
-      "repeat",     "mode",  "value1",  "value2",      "value3",       "value4",      "value5",
-      "value6",     "range", "marker",  "message",     "calibration",  "gpsActivity", "gpsCount",
-      "satellites", "fix",   "pdop",    "gpsNote"};
-  return kNames[static_cast<std::size_t>(field)];
-}
-
 Session::Session(SessionSetup setupOfRun, Settings& settingsRecord, LinkState& linkState,
                  const Clock& clockOfRun, Disk& diskOfRun, SessionView& viewOfRun,
                  std::function<std::string(const Settings&)> save)
@@ -85,12 +77,12 @@ void takeSettings(Session& session) {
   session.savedTriggerMode = mode;
   session.samplesPerAverage = readingsCountOf(settings);
   session.averageOnTrigger =
-      mode == kModeManual && session.samplesPerAverage >= 2 && session.instrument.kind != Kind::glaco;
+      mode == kModeManual && session.samplesPerAverage >= 2 && session.instrument.hasTrigger;
   session.readingsPerStation =
       readingsPerStationOf(session.instrument.kind, mode, settings.surveyListA, settings.surveyListB);
   session.connectionTimeoutMs = watchPeriod(session);
-  session.iceOption =
-      session.instrument.kind == Kind::orla && session.setup.iceChosen && settings.iceDisplay == 1;
+  session.iceOption = session.instrument.hasIce() && session.setup.iceChosen && settings.iceDisplay == 1;
+  session.recorded = ReadingDecoder(header1Of(session.writer()), session.setup.teskRangeTimes10);
 }
 
 void takeRecordRates(Session& session) {
@@ -100,15 +92,12 @@ void takeRecordRates(Session& session) {
   session.beepInterval = session.surveyMode() == kModeAuto ? rates.ratePerSecond : 1;
 }
 
-bool orlaAltInphase(const Session& session) {
-  return session.instrument.kind == Kind::orla && session.settings.surveyListA == 1;
-}
-
-AsciiOptions asciiOptions(const Session& session) {
+DecodeOptions decodeOptions(const Session& session) {
   return {.teskRangeTimes10 = session.setup.teskRangeTimes10,
           .orlaModelOption = session.settings.instrumentLength == 1,
-          .orlaAltInphase = orlaAltInphase(session),
-          .gpsLoggingMode = session.triggerMode};
+          .listA = session.settings.surveyListA,
+          .gpsLoggingMode = session.triggerMode,
+          .calibration = session.settings.calibrationFactors};
 }
 
 std::string stationText(double station) {

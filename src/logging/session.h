@@ -9,16 +9,17 @@
 
 #include "datafile/creation.h"
 #include "datafile/data_file.h"
+#include "datafile/reading_decoder.h"
 #include "datafile/record_writers.h"
 #include "gps/held_sentences.h"
-#include "instruments/decode.h"
+#include "instruments/catalogue.h"
 #include "instruments/ice_model.h"
+#include "instruments/profile_map.h"
 #include "link/link_state.h"
 #include "logging/session_ports.h"
 #include "logging/session_view.h"
 #include "platform/clock.h"
 #include "settings/settings.h"
-#include "instruments/catalogue.h"
 
 namespace kalmira {
 
@@ -41,12 +42,8 @@ inline constexpr int kLogging = 1;
 // Samples being averaged in Manual mode. The sums live on across a pause.
 struct Averaging {
   int sampleCount = 0;
-  float firstFieldSum = 0, secondFieldSum = 0;
-  float conductivitySum = 0, secondValueSum = 0;
-  float firstField = 0, secondField = 0;  // the last averages, as they go into the record
-  // TESK2: the four channel values, and the six raw words.
-  std::array<float, 4> channelSums{};
-  std::array<std::uint32_t, 6> wordSums{};
+  std::array<float, 4> valueSums{};  // conductivity and inphase, of a TESK2 of both coils
+  std::array<float, 6> fieldSums{};  // of the record's own numbers
 };
 
 // The TESK2's calibration, see calibration.h.
@@ -99,6 +96,7 @@ struct Session {
   std::uint32_t connectionTimeoutMs = 1000;
   bool iceOption = false;
   IceModel iceModel;
+  ReadingDecoder recorded{Header1{}};  // of the readings that go into the file
 
   int loggingState = kNoFile;
   bool sessionActive = false;
@@ -167,10 +165,8 @@ void takeSettings(Session& session);
 // The kind's record period gives the rates; a TESK's period is known only after its probe.
 void takeRecordRates(Session& session);
 
-// The display setting of an ORLA is "inphase only".
-bool orlaAltInphase(const Session& session);
-
-AsciiOptions asciiOptions(const Session& session);
+// For a live record.
+DecodeOptions decodeOptions(const Session& session);
 
 // A number of the panel: "%-11.2f".
 std::string stationText(double station);

@@ -13,7 +13,7 @@ constexpr int kComPorts = 12;
 // Positions are compared as they stand, although the marker list skips COM6.
 bool markerOnGpsPort(const Session& session) {
   const auto& settings = session.settings;
-  return session.instrument.kind == Kind::tesk2 && settings.markerPortChoice >= 1 && session.gpsEnabled() &&
+  return session.instrument.hasMarker && settings.markerPortChoice >= 1 && session.gpsEnabled() &&
          settings.markerPortChoice - 1 == settings.gpsPortIndex;
 }
 
@@ -26,7 +26,7 @@ bool instrumentOnGpsPort(const Session& session) {
 
 bool ownMarkerPort(const Session& session) {
   const auto& settings = session.settings;
-  return session.instrument.kind == Kind::tesk2 && settings.markerPortChoice >= 1 &&
+  return session.instrument.hasMarker && settings.markerPortChoice >= 1 &&
          settings.markerPortChoice - 1 != settings.instrumentPortIndex;
 }
 
@@ -76,7 +76,7 @@ bool connectInstrument(Session& session) {
     session.sessionActive = false;
     return false;
   }
-  if (session.instrument.kind == Kind::tesk && !session.ports->ProbeTeskRecord()) {
+  if (session.instrument.asksRecordLength && !session.ports->ProbeTeskRecord()) {
     session.ports->closeInstrumentPort();
     return refuse(session, {.title = "Connection", .text = "Instrument OFF or Disconnected"});
   }

@@ -4,45 +4,13 @@
 #include <string>
 #include <string_view>
 
-#include "instruments/decode.h"
+#include "instruments/panel_fields.h"
+#include "instruments/reading.h"
 
 // How a session speaks to whoever shows it: the logging window, kalmira-log, the tests' recorder. Every
 // member is called on the session's thread, in the middle of what the session is doing; a question may let
 // other messages of the session be handled before it is answered.
 namespace kalmira {
-
-// The text fields of the status panel. Showing a text in a field replaces what stood there.
-enum class PanelField {
-  file,
-  state,
-  battery,
-  triggerMode,
-  stationLabel,
-  station,
-  line,
-  repeat,  // which reading of a station, where a station has several
-  mode,
-  value1,
-  value2,
-  value3,
-  value4,
-  value5,
-  value6,
-  range,
-  marker,
-  message,
-  calibration,
-  gpsActivity,
-  gpsCount,
-  satellites,
-  fix,
-  pdop,
-  gpsNote,  // stands in for the GPS fields when GPS is off
-};
-inline constexpr int kPanelFields = static_cast<int>(PanelField::gpsNote) + 1;
-
-// "state", "value1" ...
-std::string_view panelFieldName(PanelField field);
 
 enum class Beep { hand, exclamation };
 enum class Icon { none, information, question, exclamation, stop };
@@ -63,6 +31,9 @@ struct ProfilePoint {
   float extra1 = 0;  // TESK2: the auxiliary values
   float extra2 = 0;
 };
+inline ProfilePoint profilePointOf(const Reading& reading) {
+  return {.channels = reading.channels, .extra1 = reading.auxiliary[0], .extra2 = reading.auxiliary[1]};
+}
 
 class SessionView {
  public:

@@ -9,8 +9,8 @@ namespace {
 
 constexpr std::uint32_t kReopenPauseMs = 10;
 
-Message linkLostQuestion(Kind kind) {
-  if (kind == Kind::vardo) {
+Message linkLostQuestion(const Instrument& instrument) {
+  if (instrument.savesBattery) {
     return {
         .title = "VARDO Battery Save Mode",
         .text = "After the instrument is ON\r\npress YES to connect.\r\nPress NO to exit Logging Mode.\r\n",
@@ -90,7 +90,7 @@ void onTimer(Session& session) {
   stopTimer(session);
   session.ports->closeInstrumentPort();
   session.linkLost = true;
-  const bool again = session.view.ask(Question::linkLost, linkLostQuestion(session.instrument.kind));
+  const bool again = session.view.ask(Question::linkLost, linkLostQuestion(session.instrument));
   if (!session.sessionActive) return;  // the program was told to end meanwhile
   if (again) {
     connectAgain(session);

@@ -8,32 +8,6 @@
 namespace kalmira {
 namespace {
 
-using Rows = std::span<const TraceRow>;
-using Choices = std::span<const AxisChoice>;
-
-constexpr std::array<TraceRow, 5> kDipoleRows{
-    {{0, "Conductivity V"}, {1, "Conductivity H"}, {2, "Inphase V"}, {3, "Inphase H"}, {4, "Ice Thickness"}}};
-constexpr std::array<TraceRow, 6> kVardoRows{{{0, "Cond. V10"},
-                                              {1, "Cond. V20"},
-                                              {2, "Cond. V40"},
-                                              {3, "Cond. H10"},
-                                              {4, "Cond. H20"},
-                                              {5, "Cond. H40"}}};
-constexpr std::array<TraceRow, 2> kMirkaRows{{{0, "Conductivity"}, {2, "Inphase"}}};
-constexpr std::array<TraceRow, 2> kGlacoRows{{{0, "Thickness"}, {2, "Inphase"}}};
-constexpr std::array<TraceRow, 8> kTesk2Rows{{{0, "Conductivity 1 V"},
-                                              {1, "Conductivity 1 H"},
-                                              {2, "Inphase 1 V"},
-                                              {3, "Inphase 1 H"},
-                                              {4, "Conductivity 2 V"},
-                                              {5, "Conductivity 2 H"},
-                                              {6, "Inphase 2 V"},
-                                              {7, "Inphase 2 H"}}};
-
-constexpr std::array<AxisChoice, 2> kBothAxes{{{0, "Conductivity"}, {1, "Inphase"}}};
-constexpr std::array<AxisChoice, 2> kGlacoAxes{{{0, "Thickness"}, {1, "Inphase"}}};
-constexpr std::array<AxisChoice, 1> kIceAxis{{{2, "Ice Thickness"}}};
-
 struct NamedColour {
   std::string_view name;
   std::array<int, 3> rgb;
@@ -72,37 +46,14 @@ int squaredDistance(const std::array<int, 3>& a, const std::array<int, 3>& b) {
 
 }  // namespace
 
-Rows traceRows(Kind kind, bool iceOption) {
-  switch (kind) {
-    case Kind::vardo:
-      return kVardoRows;
-    case Kind::mirka:
-      return kMirkaRows;
-    case Kind::glaco:
-      return kGlacoRows;
-    case Kind::tesk2:
-      return kTesk2Rows;
-    default:
-      return Rows(kDipoleRows).first(kind == Kind::orla && iceOption ? 5 : 4);
-  }
+std::span<const AxisChoice> axisChoices(Kind kind, bool iceDisplayed) {
+  static constexpr std::array kIceAlone{AxisChoice{kIceAxis, "Ice Thickness"}};
+  const auto& instrument = instrumentOf(kind);
+  if (instrument.hasIce() && iceDisplayed) return kIceAlone;
+  return instrument.axes;
 }
 
-Choices axisChoices(Kind kind, bool iceDisplayed) {
-  switch (kind) {
-    case Kind::orla:
-      return iceDisplayed ? Choices(kIceAxis) : Choices(kBothAxes);
-    // All that these draw has one scale.
-    case Kind::vardo:
-    case Kind::mirka:
-      return Choices(kBothAxes).first(1);
-    case Kind::glaco:
-      return kGlacoAxes;
-    default:
-      return kBothAxes;
-  }
-}
-
-std::size_t axisPosition(Choices choices, const Settings& settings) {
+std::size_t axisPosition(std::span<const AxisChoice> choices, const Settings& settings) {
   for (std::size_t i = 0; i < choices.size(); ++i) {
     if (profileGridOf(true, choices[i].group) == settings.profileGrid) return i;
   }

@@ -5,26 +5,13 @@
 #include <string>
 #include <string_view>
 
-#include "settings/settings.h"
 #include "instruments/catalogue.h"
+#include "settings/settings.h"
 
 // How the profile's traces look, as the display options change it.
 namespace kalmira {
 
-// One trace of the profile, by the slot of the value it shows.
-struct TraceRow {
-  std::size_t slot = 0;
-  std::string_view name;
-};
-// The traces of a kind. `iceOption`: an ORLA started for ice work, which has the ice thickness, too.
-std::span<const TraceRow> traceRows(Kind kind, bool iceOption);
-
-// The scales that the profile's axis can show. `group` is 0 conductivity (GLACO: thickness), 1 inphase,
-// 2 ice thickness.
-struct AxisChoice {
-  int group = 0;
-  std::string_view name;
-};
+// The scales that the profile's axis can show.
 // `iceDisplayed`: an ORLA started for ice work whose ice display is on, which draws nothing else.
 std::span<const AxisChoice> axisChoices(Kind kind, bool iceDisplayed);
 // The position in `choices` of the scale that the axis shows; without grid lines it is always the first.

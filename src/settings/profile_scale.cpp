@@ -26,9 +26,10 @@ ScaleEnds apart(ScaleEnds ends, float span) {
 }  // namespace
 
 ScaleFields scaleFieldsOf(Kind kind, bool iceOption) {
-  return {.inphase = kind != Kind::vardo,
-          .ice = kind == Kind::orla && iceOption,
-          .firstIsThickness = kind == Kind::glaco};
+  const auto& instrument = instrumentOf(kind);
+  return {.inphase = instrument.inphaseScale,
+          .ice = instrument.hasIce() && iceOption,
+          .firstIsThickness = instrument.firstAxisIsThickness};
 }
 
 ScaleEnds limitedScale(ScaleEnds typed) {

@@ -3,12 +3,9 @@
 #include <array>
 #include <string>
 
-namespace kalmira {
+#include "instruments/catalogue.h"
 
-// Survey mode, trigger mode and GPS logging mode are one value.
-inline constexpr int kModeAuto = 0;
-inline constexpr int kModeWheel = 1;
-inline constexpr int kModeManual = 2;
+namespace kalmira {
 
 inline constexpr std::size_t kTraces = 8;
 inline constexpr std::size_t kLineNameCharacters = 24;

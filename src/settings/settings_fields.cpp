@@ -15,12 +15,12 @@ using S = Settings;
 using enum FieldScope;
 
 const std::array kFields{
-    SettingsField{"instrumentLength", orla, &S::instrumentLength},
-    SettingsField{"iceDisplay", orlaIce, &S::iceDisplay},
-    SettingsField{"iceQuantity", orlaIce, &S::iceQuantity},
-    SettingsField{"seaWaterChoice", orlaIce, &S::seaWaterChoice},
-    SettingsField{"iceMinimum", orlaIce, &S::iceMinimum},
-    SettingsField{"iceMaximum", orlaIce, &S::iceMaximum},
+    SettingsField{"instrumentLength", lengths, &S::instrumentLength},
+    SettingsField{"iceDisplay", ice, &S::iceDisplay},
+    SettingsField{"iceQuantity", ice, &S::iceQuantity},
+    SettingsField{"seaWaterChoice", ice, &S::seaWaterChoice},
+    SettingsField{"iceMinimum", ice, &S::iceMinimum},
+    SettingsField{"iceMaximum", ice, &S::iceMaximum},
     SettingsField{"lengthUnits", all, &S::lengthUnits},
     SettingsField{"instrumentPortIndex", all, &S::instrumentPortIndex},
     SettingsField{"audio", all, &S::audio},
@@ -43,8 +43,8 @@ const std::array kFields{
     SettingsField{"surveyListA", all, &S::surveyListA},
     SettingsField{"surveyListB", all, &S::surveyListB},
     SettingsField{"readingsCount", all, &S::readingsCount},
-    SettingsField{"tesk2Variant", tesk2, &S::tesk2Variant},
-    SettingsField{"calibrationFactors", tesk2, &S::calibrationFactors},
+    SettingsField{"tesk2Variant", variant, &S::tesk2Variant},
+    SettingsField{"calibrationFactors", calibration, &S::calibrationFactors},
     SettingsField{"modeIncrement", all, &S::modeIncrement},
     SettingsField{"readingsInterval", all, &S::readingsInterval},
     SettingsField{"lineName", all, &S::lineName},
@@ -53,8 +53,8 @@ const std::array kFields{
     SettingsField{"direction", all, &S::direction},
     SettingsField{"startStation", all, &S::startStation},
     SettingsField{"stationIncrement", all, &S::stationIncrement},
-    SettingsField{"softMarker", tesk2, &S::softMarker},
-    SettingsField{"markerPortChoice", tesk2, &S::markerPortChoice},
+    SettingsField{"softMarker", marker, &S::softMarker},
+    SettingsField{"markerPortChoice", marker, &S::markerPortChoice},
 };
 
 template <typename T>
@@ -84,13 +84,18 @@ std::span<const SettingsField> settingsFields() {
 }
 
 bool fieldApplies(const SettingsField& field, Kind kind, bool iceOption) {
+  const auto& instrument = instrumentOf(kind);
   switch (field.scope) {
-    case FieldScope::orla:
-      return kind == Kind::orla;
-    case FieldScope::orlaIce:
-      return kind == Kind::orla && iceOption;
-    case FieldScope::tesk2:
-      return kind == Kind::tesk2;
+    case FieldScope::lengths:
+      return instrument.hasLengths();
+    case FieldScope::ice:
+      return instrument.hasIce() && iceOption;
+    case FieldScope::variant:
+      return instrument.writesVariant;
+    case FieldScope::calibration:
+      return instrument.calibrated;
+    case FieldScope::marker:
+      return instrument.hasMarker;
     case FieldScope::all:
       break;
   }

@@ -7,13 +7,13 @@
 #include <string_view>
 #include <variant>
 
-#include "settings/settings.h"
 #include "instruments/catalogue.h"
+#include "settings/settings.h"
 
 namespace kalmira {
 
 // Which settings files hold a field.
-enum class FieldScope { all, orla, orlaIce, tesk2 };
+enum class FieldScope { all, lengths, ice, variant, calibration, marker };
 
 // One line of the settings file: where the value lives in the record and how it is written.
 struct SettingsField {

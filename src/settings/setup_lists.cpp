@@ -32,9 +32,10 @@ Entries seaWaterEntries() {
   return entries;
 }
 
-// An upright handheld of the ORLA's time had no key but "any"; a TESK2 goes with keypads of digits.
+// An upright handheld of the ORLA's time had no key but "any"; instruments with a marker go with keypads of
+// digits.
 Entries pauseKeyEntries(const SetupFrame& frame) {
-  if (frame.kind == Kind::tesk2) return {"Non numeric key", "<-> <0> <.>", "ENTER key", "Key <0>"};
+  if (instrumentOf(frame.kind).hasMarker) return {"Non numeric key", "<-> <0> <.>", "ENTER key", "Key <0>"};
   if (frame.portrait) return {"Any key"};
   return {"Any key", "SPACE bar", "ENTER key", "Key S"};
 }
@@ -47,16 +48,19 @@ Entries softMarkerEntries(const SetupFrame& frame) {
 }  // namespace
 
 std::vector<SetupList> loggerSetupLists(const SetupFrame& frame) {
-  const bool orla = frame.kind == Kind::orla;
+  const auto& instrument = instrumentOf(frame.kind);
   std::vector<SetupList> lists;
-  if (orla && frame.iceOption) {
+  if (instrument.hasIce() && frame.iceOption) {
     lists.push_back({"iceDisplay", {"Disabled", "Enabled"}, &Settings::iceDisplay});
     lists.push_back({"seaWater", seaWaterEntries(), &Settings::seaWaterChoice, 0, true});
     lists.push_back({"iceQuantity", {"Cond./Inphase", "Ice Thickness"}, &Settings::iceQuantity, 0, true});
   }
-  if (orla) lists.push_back({"instrumentLength", {"Standard", "Short"}, &Settings::instrumentLength});
-  if (frame.kind == Kind::tesk2) {
+  if (instrument.hasLengths())
+    lists.push_back({"instrumentLength", {"Standard", "Short"}, &Settings::instrumentLength});
+  if (instrument.writesVariant) {
     lists.push_back({"tesk2Variant", {"TESK-2-1", "TESK-2"}, &Settings::tesk2Variant, 1});
+  }
+  if (instrument.hasMarker) {
     lists.push_back({"markerPort", markerEntries(), &Settings::markerPortChoice});
     lists.push_back({"softMarker", softMarkerEntries(frame), &Settings::softMarker});
   }

@@ -21,26 +21,6 @@ constexpr std::size_t kQuotedCharacters = 12;  // of what was typed
 
 constexpr std::array<std::string_view, 3> kModes{"Auto", "Wheel", "Manual"};
 
-constexpr std::array<std::string_view, 2> kOrlaDisplay{"Cond./Inphase", "Inphase"};
-constexpr std::array<std::string_view, 3> kComponents{"Both", "Inphase", "Conductivity"};
-constexpr std::array<std::string_view, 2> kInphaseScaling{"ppt", "Unscaled"};
-constexpr std::array<std::string_view, 3> kDipoles{"Vertical", "Horizontal", "Both"};
-constexpr std::array<std::string_view, 6> kCoils{"V10", "V20", "V40", "H10", "H20", "H40"};
-constexpr std::array<std::string_view, 6> kReadings{"1", "2", "3", "4", "5", "6"};
-
-constexpr int kConductivityComponent = 2;
-
-// Both components can only be had one after the other, at a station where the operator waits for them.
-SurveyList componentList(int mode) {
-  SurveyList list{.label = "Component", .entries = kComponents};
-  if (mode != kModeManual) {
-    list.entries = list.entries.subspan(1);
-    list.firstValue = 1;
-    list.usual = kConductivityComponent;
-  }
-  return list;
-}
-
 bool isSpace(char c) {
   return std::isspace(static_cast<unsigned char>(c)) != 0;
 }
@@ -87,37 +67,7 @@ Names surveyModeNames() {
   return kModes;
 }
 
-SurveyList surveyListA(Kind kind, int mode) {
-  switch (kind) {
-    case Kind::orla:
-      return {.label = "Display", .entries = kOrlaDisplay};
-    case Kind::teskdd:
-    case Kind::tesk:
-      return componentList(mode);
-    case Kind::tesk2:
-      return {.label = "Inphase", .entries = kInphaseScaling};
-    default:
-      return {};
-  }
-}
-
-SurveyList surveyListB(Kind kind, int mode) {
-  switch (kind) {
-    case Kind::orla:
-    case Kind::teskb:
-    case Kind::tesk:
-    case Kind::tesk2:
-      return {.label = "Dipole Mode", .entries = kDipoles};
-    case Kind::vardo:
-      if (mode == kModeManual) return {.label = "Rdgs/Station", .entries = kReadings};
-      return {.label = "Coil Setting", .entries = kCoils};
-    default:
-      return {};
-  }
-}
-
-ModeChoices::ModeChoices(ListOf listOf, Kind kind, int stored, int storedMode)
-    : listOf_(listOf), kind_(kind) {
+ModeChoices::ModeChoices(ListOf listOf, int stored, int storedMode) : list_of_(listOf) {
   for (int mode = 0; mode < 3; ++mode) values_[static_cast<std::size_t>(mode)] = list(mode).usual;
   choose(storedMode, stored);
 }
@@ -151,7 +101,7 @@ bool isUsed(SurveyNumber number, Kind kind, int mode) {
     case SurveyNumber::readingsInterval:
       return mode == kModeAuto;
     case SurveyNumber::readingsCount:
-      return mode == kModeManual && kind != Kind::glaco;
+      return mode == kModeManual && instrumentOf(kind).hasTrigger;
     default:
       return true;
   }

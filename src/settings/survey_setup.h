@@ -5,8 +5,8 @@
 #include <string>
 #include <string_view>
 
-#include "settings/settings.h"
 #include "instruments/catalogue.h"
+#include "settings/settings.h"
 
 // What the operator chooses before a survey: how readings are triggered, what is measured, and where the
 // first line begins. Which choices there are depends on the kind, and on the survey mode.
@@ -15,35 +15,20 @@ namespace kalmira {
 // The names of the survey modes, by mode. The panel calls a GLACO's second mode "Manual", too.
 std::span<const std::string_view> surveyModeNames();
 
-// One of the two lists of a kind in a mode.
-struct SurveyList {
-  std::string_view label;
-  std::span<const std::string_view> entries;  // empty: there is no such list
-  int firstValue = 0;                         // what the settings hold for the first entry
-  int usual = 0;                              // what is taken when the settings hold nothing of the list
-
-  bool offers(int value) const {
-    return value >= firstValue && value < firstValue + static_cast<int>(entries.size());
-  }
-};
-SurveyList surveyListA(Kind kind, int mode);
-SurveyList surveyListB(Kind kind, int mode);
-
 // What is chosen in one list, mode by mode, while the operator looks through the modes. Modes in which the
 // list means the same share the choice.
 class ModeChoices {
  public:
-  using ListOf = SurveyList (*)(Kind kind, int mode);
-  // `stored` is what the settings hold, for `storedMode`.
-  ModeChoices(ListOf listOf, Kind kind, int stored, int storedMode);
+  using ListOf = SurveyList (*)(int mode);
+  // `listOf`: list A or B of the instrument. `stored` is what the settings hold, for `storedMode`.
+  ModeChoices(ListOf listOf, int stored, int storedMode);
 
-  SurveyList list(int mode) const { return listOf_(kind_, mode); }
+  SurveyList list(int mode) const { return list_of_(mode); }
   int value(int mode) const { return values_[static_cast<std::size_t>(mode)]; }
   void choose(int mode, int value);
 
  private:
-  ListOf listOf_;
-  Kind kind_;
+  ListOf list_of_;
   std::array<int, 3> values_{};
 };
 

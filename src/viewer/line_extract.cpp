@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "datafile/reading_decoder.h"
 #include "datafile/record_parse.h"
 #include "datafile/record_times.h"
 #include "platform/text.h"
@@ -29,12 +30,11 @@ struct PendingRow {
 class Extraction {
  public:
   Extraction(const ScannedFile& file, const ExtractOptions& options, RowWriter& writer, ExtractedLine& out)
-      : file_(file), writer_(writer), out_(out), tesk2_(file.header.kind == Kind::tesk2) {
-    ascii_.teskRangeTimes10 = options.teskRangeTimes10;
-    ascii_.orlaModelOption = file.header.shortInstrument;
-    ascii_.orlaAltInphase = file.header.kind == Kind::orla && file.header.listA == 1;
-    ascii_.gpsLoggingMode = file.header.surveyMode;
-  }
+      : file_(file),
+        writer_(writer),
+        out_(out),
+        decoder_(file.header, options.teskRangeTimes10),
+        extras_(decoder_.instrument().drawsAuxiliary) {}
 
   // Any record of the line behind its name.
   void take(const Record& record) {
@@ -75,8 +75,8 @@ class Extraction {
   }
 
   void takeCalibration(std::string_view record) {
-    if (!tesk2_ || record[1] < '1' || record[1] > '6') return;
-    factors_[static_cast<std::size_t>(record[1] - '1')] = static_cast<float>(numberFrom(record, 3));
+    if (!decoder_.instrument().calibrated || record[1] < '1' || record[1] > '6') return;
+    decoder_.takeCalibration({.channel = record[1] - '0', .factor = numberFrom(record, 3), .replaced = 0});
   }
 
   void takeStation(const Record& record) {
@@ -85,7 +85,7 @@ class Extraction {
     for (int i = 0; i < kBreakRows; ++i) {
       writer_.appendBreakRow();
       out_.rows.push_back(place);
-      if (tesk2_) out_.extras.push_back({});
+      if (extras_) out_.extras.push_back({});
     }
     station_ = numberFrom(record.bytes, 2) - increment_;
   }
@@ -109,21 +109,13 @@ class Extraction {
       pending_.place.offset = record.offset;
       pending_.place.timeOfDayMs = timeOf(record.bytes);
     }
-    const auto text = readingText(record.bytes);
-    Channels decoded;
-    if (tesk2_) {
-      char orientation = 'H';
-      char mode = 'N';
-      DecodeTesk2Record(text, tesk2Offsets(factors_), file_.header.listA == 1, decoded, orientation, mode);
-      pending_.extras = tesk2AuxiliaryValues(text);
-    } else {
-      AsciiReading reading;
-      DecodeAsciiRecord(text, file_.header.kind, ascii_, reading, decoded);
-    }
-    for (std::size_t slot = 0; slot < kSlots; ++slot) {
-      if (decoded.present[slot] == 0) continue;
-      pending_.channels.present[slot] = 1;
-      pending_.channels.value[slot] = decoded.value[slot];
+    const auto reading = decoder_.decode(readingText(record.bytes));
+    pending_.extras = reading.auxiliary;
+    // Ice thickness is derived again from what the row files hold.
+    for (const auto& channel : channelsOf(decoder_.instrument(), false)) {
+      if (reading.channels.present[channel.slot] == 0) continue;
+      pending_.channels.present[channel.slot] = 1;
+      pending_.channels.value[channel.slot] = reading.channels.value[channel.slot];
     }
   }
 
@@ -136,21 +128,20 @@ class Extraction {
   void writeRow() {
     writer_.appendRow(station_, pending_.channels);
     out_.rows.push_back(pending_.place);
-    if (tesk2_) out_.extras.push_back(pending_.extras);
+    if (extras_) out_.extras.push_back(pending_.extras);
     pending_ = {};
   }
 
   const ScannedFile& file_;
   RowWriter& writer_;
   ExtractedLine& out_;
-  bool tesk2_;
-  AsciiOptions ascii_;
+  ReadingDecoder decoder_;
+  bool extras_;
   RecordTimes times_;
   bool opening_ = true;  // the increment has not come yet
   double start_ = 0;
   double increment_ = 0;
   double station_ = 0;
-  std::array<float, 6> factors_{};
   PendingRow pending_;
 };
 

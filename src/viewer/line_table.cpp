@@ -19,7 +19,7 @@ SurveyLine surveyLineOf(const Record& record) {
 void takeHeader(const Header1& header, ScannedFile& file) {
   file = {};
   file.header = header;
-  file.iceThickness = header.kind == Kind::orla && header.iceOption && header.iceQuantity == 1;
+  file.iceThickness = instrumentOf(header.kind).hasIce() && header.iceOption && header.iceQuantity == 1;
   if (file.iceThickness) file.seaWaterCase = header.seaWaterChoice;
   file.readingsPerStation = readingsPerStationOf(header.kind, header.surveyMode, header.listA, header.listB);
 }

@@ -7,6 +7,7 @@
 #include <cmath>
 #include <string_view>
 
+#include "datafile/reading_decoder.h"
 #include "datafile/record_parse.h"
 #include "datafile/record_times.h"
 #include "platform/text.h"
@@ -40,7 +41,8 @@ Moment timeOfStation(std::string_view record) {
 
 class NoteCollector {
  public:
-  NoteCollector(const ScannedFile& file, StationNotes& notes) : header_(file.header), notes_(notes) {}
+  NoteCollector(const ScannedFile& file, StationNotes& notes)
+      : header_(file.header), decoder_(file.header), notes_(notes) {}
 
   // The station's first reading ties the ticks to the clock until a time mark does.
   void takePlace(const RowPlace& place) { place_ = place; }
@@ -79,21 +81,11 @@ class NoteCollector {
     const auto tick = parseTick(record.bytes);
     if (tick && record.offset == place_.offset && place_.timeOfDayMs != RowPlace::kNoTime)
       times_.takeMark({.timeOfDayMs = place_.timeOfDayMs, .tick = *tick});
-    const auto text = readingText(record.bytes);
-    char mode = 'N';
-    if (header_.kind == Kind::tesk2) {
-      Channels channels;
-      char orientation = 'H';
-      DecodeTesk2Record(text, {}, false, channels, orientation, mode);
-    } else {
-      Channels channels;
-      AsciiReading reading;
-      DecodeAsciiRecord(text, header_.kind, {}, reading, channels);
-      mode = reading.secondMode;
-      if (header_.kind == Kind::orla && reading.odd != 0) notes_.batteryLevels = true;
-    }
+    const auto reading = decoder_.decode(readingText(record.bytes));
+    if (reading.batteryLevels) notes_.batteryLevels = true;
     // In the other modes the trigger is what takes every reading.
-    if (mode == 'M' && header_.surveyMode == kModeAuto) add(NoteKind::mark, "Mark", timeOf(record.bytes));
+    if (reading.secondMode == 'M' && header_.surveyMode == kModeAuto)
+      add(NoteKind::mark, "Mark", timeOf(record.bytes));
   }
 
   Moment timeOf(std::string_view record) const {
@@ -111,6 +103,7 @@ class NoteCollector {
   }
 
   const Header1& header_;
+  ReadingDecoder decoder_;
   StationNotes& notes_;
   RowPlace place_;
   RecordTimes times_;
@@ -130,50 +123,6 @@ std::uint64_t endOfRow(const ExtractedLine& line, int row) {
 }
 
 // --- the values ---
-
-struct ChannelText {
-  std::string_view label;
-  std::string_view unit;
-};
-using ChannelTexts = std::array<ChannelText, kSlots>;
-
-constexpr std::string_view kConductivityUnit = "mS/m";
-constexpr std::string_view kInphaseUnit = "ppt";
-
-// A slot without a label is not used by the kind.
-constexpr ChannelTexts kDipoleTexts{
-    {{"C V", kConductivityUnit}, {"C H", kConductivityUnit}, {"I V", kInphaseUnit}, {"I H", kInphaseUnit}}};
-constexpr ChannelTexts kVardoTexts{{{"C V10", kConductivityUnit},
-                                    {"C V20", kConductivityUnit},
-                                    {"C V40", kConductivityUnit},
-                                    {"C H10", kConductivityUnit},
-                                    {"C H20", kConductivityUnit},
-                                    {"C H40", kConductivityUnit}}};
-constexpr ChannelTexts kMirkaTexts{{{"C", kConductivityUnit}, {}, {"I", kInphaseUnit}}};
-constexpr ChannelTexts kGlacoTexts{{{"Th", "m"}, {}, {"I", kInphaseUnit}}};
-constexpr ChannelTexts kTesk2Texts{{{"C1 V", kConductivityUnit},
-                                    {"C1 H", kConductivityUnit},
-                                    {"I1 V", kInphaseUnit},
-                                    {"I1 H", kInphaseUnit},
-                                    {"C2 V", kConductivityUnit},
-                                    {"C2 H", kConductivityUnit},
-                                    {"I2 V", kInphaseUnit},
-                                    {"I2 H", kInphaseUnit}}};
-
-const ChannelTexts& channelTexts(Kind kind) {
-  switch (kind) {
-    case Kind::vardo:
-      return kVardoTexts;
-    case Kind::mirka:
-      return kMirkaTexts;
-    case Kind::glaco:
-      return kGlacoTexts;
-    case Kind::tesk2:
-      return kTesk2Texts;
-    default:
-      return kDipoleTexts;
-  }
-}
 
 // No "-0.00": the sign of what was rounded away says nothing to anybody.
 std::string twoDecimals(double value) {
@@ -196,16 +145,16 @@ ReadoutField thicknessField(const ScannedFile& file, float thickness) {
 }
 
 void addChannels(const ScannedFile& file, const StationPoint& point, std::vector<ReadoutField>& fields) {
-  const auto& texts = channelTexts(file.header.kind);
+  const auto& instrument = instrumentOf(file.header.kind);
   // The operator asked for the instrument's own counts in place of parts per thousand.
-  const bool unscaled = file.header.kind == Kind::tesk2 && file.header.listA == 1;
-  for (std::size_t slot = 0; slot < kSlots; ++slot) {
-    if (point.channels.present[slot] == 0 || texts[slot].label.empty()) continue;
-    const bool noUnit = unscaled && texts[slot].unit == kInphaseUnit;
-    fields.push_back({.label = std::string(texts[slot].label),
-                      .value = twoDecimals(static_cast<double>(point.channels.value[slot])),
-                      .unit = noUnit ? std::string() : std::string(texts[slot].unit),
-                      .trace = static_cast<int>(slot)});
+  const bool unscaled = instrument.unscaledInphase && file.header.listA == 1;
+  for (const auto& channel : channelsOf(instrument, false)) {
+    if (point.channels.present[channel.slot] == 0) continue;
+    const bool noUnit = unscaled && channel.axis == kInphaseAxis;
+    fields.push_back({.label = std::string(channel.label),
+                      .value = twoDecimals(static_cast<double>(point.channels.value[channel.slot])),
+                      .unit = noUnit ? std::string() : std::string(channel.unit),
+                      .trace = static_cast<int>(channel.slot)});
   }
 }
 
@@ -221,26 +170,6 @@ std::string wholeScale(char letter, float minimum, float maximum) {
 
 std::string thicknessScale(float minimum, float maximum) {
   return fmt::format("T:{:.1f}/{:.1f}", static_cast<double>(minimum), static_cast<double>(maximum));
-}
-
-// Which of the two scales the file's curves stand on. TESK and TESKDD may have logged one component alone.
-struct CurveScales {
-  bool conductivity = true;
-  bool inphase = true;
-};
-CurveScales curveScales(const Header1& header) {
-  switch (header.kind) {
-    case Kind::orla:
-      return {.conductivity = header.listA != 1, .inphase = true};
-    case Kind::teskdd:
-    case Kind::tesk:
-      return {.conductivity = header.listA != 1, .inphase = header.listA != 2};
-    case Kind::vardo:
-    case Kind::mirka:
-      return {.conductivity = true, .inphase = false};
-    default:
-      return {};
-  }
 }
 
 std::string_view kindWord(NoteKind kind) {
@@ -313,9 +242,10 @@ std::string noteText(const StationNote& note) {
 std::string scaleStatusText(const ScannedFile& file, const Settings& settings) {
   const auto inphase = wholeScale('I', settings.inphaseMinimum, settings.inphaseMaximum);
   if (file.iceThickness) return thicknessScale(settings.iceMinimum, settings.iceMaximum) + "  " + inphase;
-  if (file.header.kind == Kind::glaco)
+  const auto& instrument = instrumentOf(file.header.kind);
+  if (instrument.firstAxisIsThickness)
     return thicknessScale(settings.conductivityMinimum, settings.conductivityMaximum) + "  " + inphase;
-  const auto scales = curveScales(file.header);
+  const auto scales = instrument.curveScales(file.header.listA);
   auto conductivity = wholeScale('C', settings.conductivityMinimum, settings.conductivityMaximum);
   if (!scales.inphase) return conductivity;
   return scales.conductivity ? conductivity + "  " + inphase : inphase;

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "instruments/decode.h"
+#include "instruments/reading.h"
 
 // The two row files of an extracted line, one row a station: LINE1 has the station and eight channel flags
 // (29 bytes), LINE2 the station and eight values (109 bytes). Four break rows stand where the operator

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "instruments/resource_names.h"
 #include "logging/keys.h"
 
 namespace kalmira {
@@ -79,7 +80,7 @@ std::string viewHelpText(int storageClass) {
 }
 
 std::string_view viewScaleTemplate(Kind kind) {
-  return kind == Kind::vardo ? "GetNewProfileScaleVardo" : "GetNewProfileScaleOrla";
+  return profileScaleTemplate(kind, false, false);
 }
 
 }  // namespace kalmira

@@ -78,7 +78,7 @@ TEST(ReadingRecord, KeepsTheInstrumentsBytes) {
 }
 
 TEST(CalibrationRecord, HoldsTheNewAndTheReplacedFactor) {
-  EXPECT_EQ(formatCalibration(6, -12.3456, 0.5), "O6   -12.346      0.500  \n");
+  EXPECT_EQ(formatCalibration(26, 6, -12.3456, 0.5), "O6   -12.346      0.500  \n");
 }
 
 TEST(GpsSentence, IsCutIntoRecords) {

@@ -1,4 +1,4 @@
-#include "instruments/decode.h"
+#include "instruments/catalogue.h"
 
 #include <gtest/gtest.h>
 
@@ -26,12 +26,12 @@ std::string record(int mode, const std::string& fields = "+1234-0567") {
   return std::string("T") + static_cast<char>(mode) + fields;
 }
 
-constexpr AsciiOptions kNormal{};
-constexpr AsciiOptions kShort{.orlaModelOption = true};
-constexpr AsciiOptions kInphaseOnly{.orlaAltInphase = true};
-constexpr AsciiOptions kShortInphaseOnly{.orlaModelOption = true, .orlaAltInphase = true};
-constexpr AsciiOptions kTimes10{.teskRangeTimes10 = true};
-constexpr AsciiOptions kManual{.gpsLoggingMode = 2};
+constexpr DecodeOptions kNormal{};
+constexpr DecodeOptions kShort{.orlaModelOption = true};
+constexpr DecodeOptions kInphaseOnly{.listA = 1};
+constexpr DecodeOptions kShortInphaseOnly{.orlaModelOption = true, .listA = 1};
+constexpr DecodeOptions kTimes10{.teskRangeTimes10 = true};
+constexpr DecodeOptions kManual{.gpsLoggingMode = 2};
 
 struct Row {
   Kind kind;
@@ -42,7 +42,7 @@ struct Row {
   char secondMode;
   int range;
   Slots slots;
-  AsciiOptions options = kNormal;
+  DecodeOptions options = kNormal;
   int recordType = 0;
   int secondRange = 0;
 };
@@ -113,10 +113,7 @@ const std::vector<Row> kRows{
 TEST(AsciiDecode, FollowsTheTableOfEachKind) {
   for (const Row& row : kRows) {
     SCOPED_TRACE(std::string(instrumentOf(row.kind).name) + ", mode byte " + std::to_string(row.mode));
-    AsciiReading reading;
-    Channels channels;
-    channels.present.fill(1);  // of the reading before: to be cleared
-    DecodeAsciiRecord(record(row.mode), row.kind, row.options, reading, channels);
+    const auto reading = instrumentOf(row.kind).decode(record(row.mode), row.options);
     EXPECT_FLOAT_EQ(reading.conductivity, row.conductivity);
     EXPECT_FLOAT_EQ(reading.inphase, row.inphase);
     EXPECT_EQ(reading.orientation, row.orientation);
@@ -124,8 +121,8 @@ TEST(AsciiDecode, FollowsTheTableOfEachKind) {
     EXPECT_EQ(reading.range, row.range);
     EXPECT_EQ(reading.recordType, row.recordType);
     EXPECT_EQ(reading.secondRange, row.secondRange);
-    EXPECT_EQ(reading.odd, row.mode % 2);
-    const Slots slots = flagged(channels);
+    EXPECT_EQ(reading.batteryLevels, row.kind == Kind::orla && row.mode % 2 == 1);
+    const Slots slots = flagged(reading.channels);
     ASSERT_EQ(slots.size(), row.slots.size());
     for (const auto& [slot, value] : row.slots) {
       ASSERT_TRUE(slots.contains(slot)) << slot;
@@ -135,16 +132,13 @@ TEST(AsciiDecode, FollowsTheTableOfEachKind) {
 }
 
 TEST(AsciiDecode, ReadsTheIceRecordWithoutAModeByte) {
-  AsciiReading reading;
-  Channels channels;
-  DecodeAsciiRecord("T123I045", Kind::glaco, kNormal, reading, channels);
+  const auto reading = instrumentOf(Kind::glaco).decode("T123I045", kNormal);
   EXPECT_FLOAT_EQ(reading.conductivity, 1.23F);
   EXPECT_EQ(reading.inphase, 45.0F);
   EXPECT_EQ(reading.orientation, 'V');
   EXPECT_EQ(reading.secondMode, 'N');
   EXPECT_EQ(reading.range, 100);
-  EXPECT_EQ(reading.odd, 0);
-  EXPECT_EQ(flagged(channels), (Slots{{0, 1.23F}, {2, 45.0F}}));
+  EXPECT_EQ(flagged(reading.channels), (Slots{{0, 1.23F}, {2, 45.0F}}));
 }
 
 TEST(AsciiDecode, ReadsEachFieldFromItsFiveBytesAlone) {
@@ -163,66 +157,89 @@ TEST(AsciiDecode, ReadsEachFieldFromItsFiveBytesAlone) {
                                      {"", 0.0F, 0.0F}};
   for (const auto& [fields, first, second] : cases) {
     SCOPED_TRACE(fields);
-    AsciiReading reading;
-    Channels channels;
     // Type 2, range 1000: the factor is -1.
-    DecodeAsciiRecord(record(7, fields), Kind::teskdd, kNormal, reading, channels);
+    const auto reading = instrumentOf(Kind::teskdd).decode(record(7, fields), kNormal);
     EXPECT_FLOAT_EQ(reading.conductivity, -first);
     EXPECT_FLOAT_EQ(reading.inphase, -second);
   }
 }
 
 TEST(AsciiDecode, TakesABlankForAMissingModeByte) {
-  AsciiReading reading;
-  Channels channels;
-  DecodeAsciiRecord("T", Kind::orla, kNormal, reading, channels);
+  const auto reading = instrumentOf(Kind::orla).decode("T", kNormal);
   EXPECT_EQ(reading.orientation, 'V');
   EXPECT_EQ(reading.range, 1000);
 }
 
-constexpr int kKept = -7;
+constexpr float kFactor1 = 1.15276F;  // inphase of the word 33792: 40 x 0.028819
+constexpr float kFactor2 = 0.28819F;  // and 40 x 0.00720475
+const Instrument& kTesk2Row = instrumentOf(Kind::tesk2);
 
-std::array<int, kProfilePoints> mapped(Kind kind, bool ice, bool unscaled,
-                                       const std::array<float, kSlots>& values) {
-  // Conductivity: (10 - v) x 2; inphase: (5 - v) x 4; ice: (3 - v) x 100
-  const ProfileAxes axes{.conductivity = {10, 2}, .inphase = {5, 4}, .ice = {3, 100}};
-  std::array<int, kProfilePoints> points{};
-  points.fill(kKept);
-  MapProfilePoints(kind, ice, unscaled, axes, values, 9.0F, 8.0F, points);
-  return points;
-}
-
-TEST(ProfileMapping, PutsEachKindsValuesOnTheirAxes) {
-  const std::array<float, kSlots> values{0, 1, 2, 3, 0.5F, 5, 6, 7};
-  using Points = std::array<int, kProfilePoints>;
-  const Points four{20, 18, 12, 8, kKept, kKept, kKept, kKept, kKept, kKept};
-  for (const Kind kind : {Kind::orla, Kind::teskb, Kind::teskdd, Kind::tesk}) {
-    EXPECT_EQ(mapped(kind, kind != Kind::orla, true, values), four);
+std::string tesk2Record(int mode, const std::array<std::uint16_t, 6>& words) {
+  std::string text = "T";
+  text.push_back(static_cast<char>(mode));
+  for (const auto word : words) {
+    text.push_back(static_cast<char>(word >> 8U));
+    text.push_back(static_cast<char>(word & 0xFFU));
   }
-  const Points ice{kKept, kKept, kKept, kKept, 250, kKept, kKept, kKept, kKept, kKept};
-  EXPECT_EQ(mapped(Kind::orla, true, false, values), ice);
-  const Points six{20, 18, 16, 14, 19, 10, kKept, kKept, kKept, kKept};
-  EXPECT_EQ(mapped(Kind::vardo, false, false, values), six);
-  EXPECT_EQ(mapped(Kind::mirka, false, false, values), six);
-  const Points glaco{20, kKept, 12, kKept, kKept, kKept, kKept, kKept, kKept, kKept};
-  EXPECT_EQ(mapped(Kind::glaco, false, false, values), glaco);
-  const Points eight{20, 18, 12, 8, 19, 10, -4, -8, kKept, kKept};
-  EXPECT_EQ(mapped(Kind::tesk2, false, false, values), eight);
-  const Points ten{20, 18, 12, 8, 19, 10, -4, -8, 2, 4};
-  EXPECT_EQ(mapped(Kind::tesk2, false, true, values), ten);
+  return text;
 }
 
-TEST(ProfileMapping, TruncatesAndKeepsWithinInt) {
-  const float nan = std::numeric_limits<float>::quiet_NaN();
-  const float infinity = std::numeric_limits<float>::infinity();
-  const auto points =
-      mapped(Kind::vardo, false, false, {9.3F, 10.7F, nan, -1e30F, infinity, -infinity, 0, 0});
-  EXPECT_EQ(points[0], 1);   // 1.4
-  EXPECT_EQ(points[1], -1);  // -1.4
-  EXPECT_EQ(points[2], 0);
-  EXPECT_EQ(points[3], std::numeric_limits<int>::max());
-  EXPECT_EQ(points[4], std::numeric_limits<int>::min());
-  EXPECT_EQ(points[5], std::numeric_limits<int>::max());
+// Conductivity 2, inphase 2, conductivity 1, inphase 1, auxiliary 1 and 2.
+constexpr std::array<std::uint16_t, 6> kWords{0, 33792, 65535, 33792, 3108, 0};
+
+TEST(Tesk2Decode, GivesEveryFieldOfTheRecord) {
+  const auto reading = kTesk2Row.decode(tesk2Record(6, kWords), {});
+  const auto& channels = reading.channels;
+  EXPECT_EQ(reading.conductivity, 1279.9609375F);
+  EXPECT_EQ(reading.conductivity2, -1280.0F);
+  EXPECT_FLOAT_EQ(reading.inphase, kFactor1);
+  EXPECT_FLOAT_EQ(reading.inphase2, kFactor2);
+  EXPECT_FLOAT_EQ(reading.auxiliary[0], 950.0F);
+  EXPECT_EQ(reading.auxiliary[1], -50.0F);
+  EXPECT_EQ(reading.orientation, 'V');
+  EXPECT_EQ(reading.secondMode, 'N');
+  EXPECT_EQ(channels.present, (std::array<int, kSlots>{1, 0, 1, 0, 1, 0, 1, 0}));
+  EXPECT_EQ(channels.value, (std::array<float, kSlots>{reading.conductivity, 0, reading.inphase, 0,
+                                                       reading.conductivity2, 0, reading.inphase2, 0}));
+}
+
+TEST(Tesk2Decode, TestsTheModeByteWithItsMarkerBits) {
+  struct ModeCase {
+    int mode;
+    char orientation, secondMode;
+  };
+  const std::vector<ModeCase> cases{{0, 'H', 'M'},     {1, 'H', 'M'},          {2, 'H', 'N'},
+                                    {3, 'H', 'M'},     {4, 'V', 'M'},          {5, 'V', 'M'},
+                                    {6, 'V', 'N'},     {7, 'V', 'M'},          {2 + 16, 'V', 'M'},
+                                    {2 + 8, 'V', 'M'}, {6 + 16 + 8, 'V', 'M'}, {255, 'V', 'M'}};
+  for (const auto& [mode, orientation, secondMode] : cases) {
+    SCOPED_TRACE(mode);
+    const auto reading = kTesk2Row.decode(tesk2Record(mode, kWords), {});
+    EXPECT_EQ(reading.orientation, orientation);
+    EXPECT_EQ(reading.secondMode, secondMode);
+    EXPECT_EQ(kTesk2Row.triggerPressed(tesk2Record(mode, kWords)), secondMode == 'M');
+    EXPECT_EQ(reading.channels.present[orientation == 'V' ? 0 : 1], 1);
+  }
+}
+
+TEST(Tesk2Decode, AddsConductivityAndSubtractsInphaseOffsetsOfTheOrientation) {
+  DecodeOptions options{.listA = 1,
+                        .calibration = {1, 2, 3, 4, 10, 20}};  // V1, V2, H1, H2, conductivity 1, 2
+  const std::array<std::uint16_t, 6> words{33792, 33792, 33792, 33792, 0, 0};
+  EXPECT_EQ(kTesk2Row.decode(tesk2Record(6, words), options).channels.value,
+            (std::array<float, kSlots>{50, 0, 39, 0, 60, 0, 38, 0}));
+  EXPECT_EQ(kTesk2Row.decode(tesk2Record(2, words), options).channels.value,
+            (std::array<float, kSlots>{0, 50, 0, 37, 0, 60, 0, 36}));
+  options.listA = 0;
+  const auto channels = kTesk2Row.decode(tesk2Record(2, words), options).channels;
+  EXPECT_FLOAT_EQ(channels.value[3], kFactor1 - 3);
+  EXPECT_FLOAT_EQ(channels.value[7], kFactor2 - 4);
+}
+
+TEST(Tesk2Decode, ReadsMissingBytesAsZero) {
+  const auto channels = kTesk2Row.decode(tesk2Record(2, kWords).substr(0, 7), {.listA = 1}).channels;
+  EXPECT_FLOAT_EQ(channels.value[1], 1270.0F);  // the word 255 x 256: 5 x 65280 / 1024 = 318.75
+  EXPECT_EQ(channels.value[3], -1280.0F);
 }
 
 }  // namespace

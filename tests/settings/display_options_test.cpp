@@ -7,7 +7,7 @@ namespace {
 
 std::string namesOf(Kind kind, bool iceOption) {
   std::string text;
-  for (const auto& row : traceRows(kind, iceOption)) {
+  for (const auto& row : channelsOf(instrumentOf(kind), iceOption)) {
     text += std::to_string(row.slot) + " " + std::string(row.name) + "\n";
   }
   return text;
@@ -23,8 +23,8 @@ TEST(DisplayOptions, TracesAreThoseOfTheKind) {
             "0 Cond. V10\n1 Cond. V20\n2 Cond. V40\n3 Cond. H10\n4 Cond. H20\n5 Cond. H40\n");
   EXPECT_EQ(namesOf(Kind::mirka, false), "0 Conductivity\n2 Inphase\n");
   EXPECT_EQ(namesOf(Kind::glaco, false), "0 Thickness\n2 Inphase\n");
-  EXPECT_EQ(traceRows(Kind::tesk2, false).size(), kTraces);
-  EXPECT_EQ(traceRows(Kind::tesk2, false)[5].name, "Conductivity 2 H");
+  EXPECT_EQ(channelsOf(instrumentOf(Kind::tesk2), false).size(), kTraces);
+  EXPECT_EQ(channelsOf(instrumentOf(Kind::tesk2), false)[5].name, "Conductivity 2 H");
 }
 
 TEST(DisplayOptions, GridAndAxisAreOneNumber) {

@@ -34,29 +34,29 @@ TEST(SurveyLists, AreThoseOfKindAndMode) {
         Case{Kind::vardo, kModeManual, "", "Rdgs/Station|1|2|3|4|5|6", 0},
         Case{Kind::mirka, kModeManual, "", "", 0}, Case{Kind::glaco, kModeWheel, "", "", 0},
         Case{Kind::tesk2, kModeAuto, "Inphase|ppt|Unscaled", dipoles, 0}}) {
-    EXPECT_EQ(joined(surveyListA(c.kind, c.mode)), c.listA) << static_cast<int>(c.kind) << c.mode;
-    EXPECT_EQ(joined(surveyListB(c.kind, c.mode)), c.listB) << static_cast<int>(c.kind) << c.mode;
-    EXPECT_EQ(surveyListA(c.kind, c.mode).firstValue, c.firstA) << static_cast<int>(c.kind) << c.mode;
+    EXPECT_EQ(joined(instrumentOf(c.kind).listA(c.mode)), c.listA) << static_cast<int>(c.kind) << c.mode;
+    EXPECT_EQ(joined(instrumentOf(c.kind).listB(c.mode)), c.listB) << static_cast<int>(c.kind) << c.mode;
+    EXPECT_EQ(instrumentOf(c.kind).listA(c.mode).firstValue, c.firstA) << static_cast<int>(c.kind) << c.mode;
   }
 }
 
 TEST(ModeChoices, AreSharedByModesThatMeanTheSame) {
-  ModeChoices component(surveyListA, Kind::tesk, 0, kModeManual);
+  ModeChoices component(instrumentOf(Kind::tesk).listA, 0, kModeManual);
   EXPECT_EQ(component.value(kModeManual), 0);
   EXPECT_EQ(component.value(kModeAuto), 2) << "both are not to be had in Auto mode";
   component.choose(kModeWheel, 1);
   EXPECT_EQ(component.value(kModeAuto), 1);
   EXPECT_EQ(component.value(kModeManual), 1);
 
-  ModeChoices coils(surveyListB, Kind::vardo, 5, kModeWheel);
+  ModeChoices coils(instrumentOf(Kind::vardo).listB, 5, kModeWheel);
   EXPECT_EQ(coils.value(kModeAuto), 5);
   EXPECT_EQ(coils.value(kModeManual), 0) << "a coil setting is no number of readings";
   coils.choose(kModeManual, 3);
   EXPECT_EQ(coils.value(kModeAuto), 5);
 
   for (const int stored : {-1, 3, 2147483647}) {
-    EXPECT_EQ(ModeChoices(surveyListB, Kind::orla, stored, kModeAuto).value(kModeAuto), 0) << stored;
-    EXPECT_EQ(ModeChoices(surveyListA, Kind::teskdd, stored, kModeAuto).value(kModeAuto), 2) << stored;
+    EXPECT_EQ(ModeChoices(instrumentOf(Kind::orla).listB, stored, kModeAuto).value(kModeAuto), 0) << stored;
+    EXPECT_EQ(ModeChoices(instrumentOf(Kind::teskdd).listA, stored, kModeAuto).value(kModeAuto), 2) << stored;
   }
 }
 

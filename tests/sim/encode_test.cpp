@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "instruments/decode.h"
+#include "instruments/catalogue.h"
 
 namespace kalmira::sim {
 namespace {
@@ -59,14 +59,11 @@ TEST(Encode, DecodesBackToTheValues) {
         for (const double inphase : kInphases) {
           const auto record = row.encode(stance, conductivity, inphase);
           SCOPED_TRACE(record);
-          AsciiReading reading;
-          Channels channels;
-          DecodeAsciiRecord(record, row.kind, {}, reading, channels);
+          const auto reading = instrumentOf(row.kind).decode(record, {});
           EXPECT_NEAR(reading.conductivity, conductivity, row.conductivity.of(conductivity));
           EXPECT_NEAR(reading.inphase, row.kind == Kind::vardo ? 20 : inphase, row.inphase.of(inphase));
           EXPECT_EQ(reading.orientation, stance.vertical ? 'V' : 'H');
           EXPECT_EQ(reading.secondMode, stance.pressed ? 'M' : 'N');
-          EXPECT_EQ(reading.odd, record[1] & 1);
         }
       }
     }
@@ -81,16 +78,14 @@ TEST(Encode, Tesk2DecodesBackAndNeverLooksEnded) {
     const auto stance = step % 2 == 0 ? kV : kH;
     const auto record = encodeTesk2(stance, values);
     EXPECT_EQ(terminated(Framing::tesk2, record).find("\xFF\xFF"), 14U);
-    Channels channels;
-    char orientation = ' ';
-    char mode = ' ';
-    DecodeTesk2Record(record, {}, false, channels, orientation, mode);
+    const auto reading = instrumentOf(Kind::tesk2).decode(record, {});
+    const auto& channels = reading.channels;
     const std::size_t slot = stance.vertical ? 0 : 1;
     EXPECT_NEAR(channels.value[slot], values.conductivity1, 0.0197);
     EXPECT_NEAR(channels.value[slot + 2], values.inphase1, 0.00058);
     EXPECT_NEAR(channels.value[slot + 4], values.conductivity2, 0.0197);
     EXPECT_NEAR(channels.value[slot + 6], values.inphase2, 0.00016);
-    EXPECT_EQ(mode, 'N');
+    EXPECT_EQ(reading.secondMode, 'N');
   }
 }
 

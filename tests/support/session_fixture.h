@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "logging/commands.h"
-#include "logging/handlers.h"
+#include "logging/reading_handler.h"
 #include "logging/session.h"
 #include "logging/session_start.h"
 #include "support/fake_clock.h"

@@ -17,7 +17,8 @@ constexpr double kLabelUnits = 10.0;  // high, where there is room
 constexpr int kWidestPen = 4;         // pixels
 
 QString limitText(Kind kind, float limit) {
-  const auto text = kind == Kind::glaco ? fmt::format("{:.1f}", limit) : fmt::format("{:.0f}", limit);
+  const auto text =
+      instrumentOf(kind).firstAxisIsThickness ? fmt::format("{:.1f}", limit) : fmt::format("{:.0f}", limit);
   return QString::fromStdString(text == "-0" ? "0" : text);
 }
 

@@ -9,8 +9,8 @@
 
 #include "logging/button_texts.h"
 #include "logging/commands.h"
-#include "logging/handlers.h"
 #include "logging/panel.h"
+#include "logging/reading_handler.h"
 #include "ui/screen/key_table.h"
 #include "ui/screen/message_dialog.h"
 #include "ui/screen/screen_scale.h"

@@ -32,8 +32,8 @@ constexpr MenuRow kTesk2Menu[] = {{1101, "&Scale"},
                                   {0, nullptr},
                                   {1106, "&Hide Menu"}};
 
-std::span<const MenuRow> menuOf(Kind kind) {
-  if (kind == Kind::tesk2) return kTesk2Menu;
+std::span<const MenuRow> menuOf(const Instrument& instrument) {
+  if (instrument.calibrated) return kTesk2Menu;
   return kMenu;
 }
 
@@ -172,7 +172,7 @@ void LoggingWnd::runMenu() {
   menu.setFont(font());
   menu.setStyleSheet(
       QString("QMenu::item { min-height: %1px; padding: 0 24px; }").arg(touchHeight(screen())));
-  for (const auto& row : menuOf(session.instrument.kind)) {
+  for (const auto& row : menuOf(session.instrument)) {
     if (row.identifier == 0) {
       menu.addSeparator();
       continue;

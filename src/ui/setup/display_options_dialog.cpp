@@ -112,7 +112,7 @@ class DisplayOptions {
  private:
   // The parts of one trace.
   struct Row {
-    TraceRow trace;
+    Channel trace;
     QCheckBox* shown;
     QPushButton* colour;
     QComboBox* width;
@@ -124,7 +124,7 @@ class DisplayOptions {
     return part<Widget>(dialog_, (name + std::to_string(slot)).c_str());
   }
   void hideOthers() const;
-  Row makeRow(const TraceRow& trace);
+  Row makeRow(const Channel& trace);
   void connectRow(const Row& row);
   void showRow(const Row& row) const;
   void chooseColour(const Row& row);
@@ -134,7 +134,7 @@ class DisplayOptions {
   QDialog& dialog_;
   const Theme& theme_;
   Settings settings_;
-  std::span<const TraceRow> traces_;
+  std::span<const Channel> traces_;
   std::span<const AxisChoice> axes_;
   int axis_;  // position in axes_, while there are grid lines
   std::vector<Row> rows_;
@@ -145,7 +145,7 @@ DisplayOptions::DisplayOptions(QDialog& dialog, const SetupFrame& frame, const T
     : dialog_(dialog),
       theme_(theme),
       settings_(settings),
-      traces_(traceRows(frame.kind, frame.iceOption)),
+      traces_(channelsOf(instrumentOf(frame.kind), frame.iceOption)),
       axes_(axisChoices(frame.kind, frame.iceOption && settings.iceDisplay == 1)),
       axis_(static_cast<int>(axisPosition(axes_, settings))) {
   hideOthers();
@@ -157,7 +157,7 @@ DisplayOptions::DisplayOptions(QDialog& dialog, const SetupFrame& frame, const T
 // A template serves several kinds, some of which have fewer traces.
 void DisplayOptions::hideOthers() const {
   for (std::size_t slot = 0; slot < kTraces; ++slot) {
-    const auto has = [slot](const TraceRow& trace) { return trace.slot == slot; };
+    const auto has = [slot](const Channel& trace) { return trace.slot == slot; };
     if (std::any_of(traces_.begin(), traces_.end(), has)) continue;
     for (const char* name : {"traceShown", "traceSample", "traceColour", "traceWidth"}) {
       auto* widget = dialog_.findChild<QWidget*>(QString(name) + QChar('0' + static_cast<int>(slot)));
@@ -166,7 +166,7 @@ void DisplayOptions::hideOthers() const {
   }
 }
 
-DisplayOptions::Row DisplayOptions::makeRow(const TraceRow& trace) {
+DisplayOptions::Row DisplayOptions::makeRow(const Channel& trace) {
   const std::size_t slot = trace.slot;
   const Row row{trace, &piece<QCheckBox>("traceShown", slot), &piece<QPushButton>("traceColour", slot),
                 &piece<QComboBox>("traceWidth", slot), new LineSample(theme_, &dialog_)};

@@ -45,7 +45,8 @@ std::optional<Settings> runLoggerSetupDialog(QWidget* parent, const SetupFrame& 
   connectDevicesButton(*dialog, ports);
   showDeviceOf(*dialog, "instrumentPort", "instrumentDevice", ports,
                [](int position) { return position + 1; });
-  if (frame.kind == Kind::tesk2) showDeviceOf(*dialog, "markerPort", "markerDevice", ports, markerComNumber);
+  if (instrumentOf(frame.kind).hasMarker)
+    showDeviceOf(*dialog, "markerPort", "markerDevice", ports, markerComNumber);
   if (!runDialog(*dialog)) return std::nullopt;
   return withLists(*dialog, lists, settings);
 }

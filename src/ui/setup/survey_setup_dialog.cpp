@@ -99,8 +99,8 @@ SurveySetup::SurveySetup(QDialog& dialog, const SetupFrame& frame, const Setting
       kind_(frame.kind),
       settings_(settings),
       mode_(surveyModeOf(settings)),
-      list_a_(surveyListA, kind_, settings.surveyListA, mode_),
-      list_b_(surveyListB, kind_, settings.surveyListB, mode_) {
+      list_a_(instrumentOf(kind_).listA, settings.surveyListA, mode_),
+      list_b_(instrumentOf(kind_).listB, settings.surveyListB, mode_) {
   fill(piece<QComboBox>("surveyMode"), surveyModeNames(), mode_);
   piece<QLabel>("stationIncrementLabel")
       .setText(settings.lengthUnits == 1 ? "Stn Increm., ft" : "Stn Increm., m");

@@ -30,7 +30,7 @@ RememberedKind choiceAt(int index) {
 }
 
 int indexOf(RememberedKind choice) {
-  return choice.kind == Kind::orla && choice.ice ? kKindCount : static_cast<int>(choice.kind);
+  return choice.ice ? kKindCount : static_cast<int>(choice.kind);
 }
 
 QString digitOf(int index) {

@@ -165,7 +165,7 @@ SessionSetup Program::setupOf(RememberedKind instrument) const {
   SessionSetup setup;
   setup.kind = instrument.kind;
   setup.iceChosen = instrument.ice;
-  setup.teskRangeTimes10 = options_.teskTimes10 && instrument.kind == Kind::tesk;
+  setup.teskRangeTimes10 = options_.teskTimes10 && instrumentOf(instrument.kind).rangeTimes10;
   setup.storageClass = options_.storageClass;
   setup.root = options_.root;
   return setup;

@@ -21,7 +21,7 @@ std::optional<RememberedKind> rememberedKind(const QSettings& store) {
   const auto name = store.value(kKindKey).toString().toStdString();
   const auto* instrument = findInstrumentByName(name);
   if (instrument == nullptr) return std::nullopt;
-  const bool ice = instrument->kind == Kind::orla && store.value(kIceKey).toString() == "yes";
+  const bool ice = instrument->hasIce() && store.value(kIceKey).toString() == "yes";
   return RememberedKind{.kind = instrument->kind, .ice = ice};
 }
 

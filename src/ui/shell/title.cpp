@@ -30,25 +30,8 @@ QString resourceOf(std::string_view file) {
 }
 
 std::string_view drawingFile(Kind kind, bool iceOption) {
-  switch (kind) {
-    case Kind::orla:
-      return iceOption ? "orla_ice" : "orla";
-    case Kind::teskb:
-      return "teskb";
-    case Kind::teskdd:
-      return "teskdd";
-    case Kind::tesk:
-      return "tesk";
-    case Kind::vardo:
-      return "vardo";
-    case Kind::mirka:
-      return "mirka";
-    case Kind::glaco:
-      return "glaco";
-    case Kind::tesk2:
-      return "tesk2";
-  }
-  return kEmblem;
+  const auto& row = instrumentOf(kind);
+  return iceOption && row.hasIce() ? row.drawingIce : row.drawing;
 }
 
 bool contains(std::span<const std::string_view> names, std::string_view name) {
@@ -105,7 +88,7 @@ QString drawingOf(Kind kind, bool iceOption, QSize screen) {
 }
 
 std::string shownName(Kind kind, bool iceOption) {
-  return fmt::format("{}{}", instrumentOf(kind).name, kind == Kind::orla && iceOption ? " ice" : "");
+  return fmt::format("{}{}", instrumentOf(kind).name, instrumentOf(kind).hasIce() && iceOption ? " ice" : "");
 }
 
 QPixmap renderDrawing(const QString& drawing, const Theme& theme, QSize size, qreal pixelRatio) {

@@ -31,6 +31,9 @@
 namespace kalmira::shots {
 namespace {
 
+// By night two will do: they differ in colours alone.
+constexpr std::array kNightKinds{Kind::orla, Kind::tesk2};
+
 constexpr std::uint64_t kRecords = 260;  // more than a chart is wide
 constexpr std::uint64_t kFirstRecords = 40;
 constexpr int kSettling_ms = 150;
@@ -81,8 +84,9 @@ Settings surveySettings(RememberedKind instrument) {
   settings.iceDisplay = 1;
   settings.iceQuantity = 1;
   settings.iceMinimum = 0.0F;
-  settings.surveyListA = instrument.kind == Kind::tesk || instrument.kind == Kind::teskdd ? 2 : 0;
-  const bool ice = instrument.kind == Kind::glaco;
+  const auto& row = instrumentOf(instrument.kind);
+  settings.surveyListA = row.listA(kModeAuto).usual;
+  const bool ice = row.firstAxisIsThickness;
   settings.conductivityMaximum = ice ? 8.0F : 60.0F;
   settings.inphaseMinimum = ice ? 0.0F : -5.0F;
   settings.inphaseMaximum = ice ? 500.0F : 5.0F;
@@ -377,7 +381,7 @@ std::string takeShots(const std::filesystem::path& folder, const std::vector<QSi
       if (auto problem = takeChooser(folder, size, night); !problem.empty()) return problem;
       for (const auto& instrument : instruments) {
         // By night two will do: they differ in colours alone.
-        if (night && instrument.kind != Kind::orla && instrument.kind != Kind::tesk2) continue;
+        if (night && std::ranges::find(kNightKinds, instrument.kind) == kNightKinds.end()) continue;
         Stage stage({.instrument = instrument, .size = size, .night = night}, folder);
         stage.takeAll();
         if (!stage.problem().empty()) return stage.problem();

@@ -24,7 +24,8 @@ QImage imageOf(const ChartPicture& picture) {
 }
 
 std::string limitText(Kind kind, float limit) {
-  auto text = kind == Kind::glaco ? fmt::format("{:.1f}", limit) : fmt::format("{:.0f}", limit);
+  auto text =
+      instrumentOf(kind).firstAxisIsThickness ? fmt::format("{:.1f}", limit) : fmt::format("{:.0f}", limit);
   return text == "-0" ? "0" : text;
 }
 

@@ -81,7 +81,7 @@ void ViewFilesWnd::exportCsv() {
   std::string problem;
   {
     const Waiting waiting;
-    problem = exportTable(file_->path, path, readings);
+    problem = exportTable(file_->path, path, host_.extract.teskRangeTimes10, readings);
   }
   status_ = problem.empty() ? fmt::format("{} readings in {}", readings, path.filename().string()) : "";
   showCaption();

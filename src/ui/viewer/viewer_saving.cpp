@@ -48,12 +48,12 @@ std::filesystem::path proposedName(const std::filesystem::path& dataFile, std::s
 }
 
 std::string exportTable(const std::filesystem::path& dataFile, const std::filesystem::path& target,
-                        std::uint64_t& readings) {
+                        bool teskRangeTimes10, std::uint64_t& readings) {
   RecordReader reader;
   if (const auto error = reader.open(dataFile); error.kind != FileErrorKind::none) return error.text;
   OutputFile output(target);
   CsvTable table{.write = [&output](std::string_view text) { return output.write(text); }, .columns = {}};
-  const auto result = exportReadings(reader, table);
+  const auto result = exportReadings(reader, table, teskRangeTimes10);
   if (result.outcome != ExportOutcome::done || !output.finish()) return output.problem();
   readings = result.readings;
   return reader.error().kind == FileErrorKind::none ? "" : reader.error().text;

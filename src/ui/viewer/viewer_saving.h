@@ -17,8 +17,9 @@ std::string saveProblem(const std::filesystem::path& target, const std::filesyst
 std::filesystem::path proposedName(const std::filesystem::path& dataFile, std::string_view lineName,
                                    std::string_view extension);
 
-// The whole data file as a table. An empty text and how many readings it has, or what went wrong.
+// The whole data file as a table, as the plot decodes it. An empty text and how many readings it has, or what
+// went wrong.
 std::string exportTable(const std::filesystem::path& dataFile, const std::filesystem::path& target,
-                        std::uint64_t& readings);
+                        bool teskRangeTimes10, std::uint64_t& readings);
 
 }  // namespace kalmira

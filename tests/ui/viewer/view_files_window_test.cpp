@@ -338,7 +338,7 @@ TEST_F(ViewFilesTest, EveryKindsSurveyIsShownAsItWasLogged) {
     EXPECT_EQ(lines().itemText(0), "12N");
     for (int i = 0; i < 60; ++i) key(Qt::Key_Left);
     std::uint64_t readings = 0;
-    ASSERT_EQ(exportTable(path, folder.path() / "t.csv", readings), "");
+    ASSERT_EQ(exportTable(path, folder.path() / "t.csv", false, readings), "");
     std::istringstream table(readFile(folder.path() / "t.csv"));
     std::string cells;
     std::string row;

@@ -5,10 +5,12 @@
 #include <QComboBox>
 #include <QEvent>
 #include <QFile>
+#include <QLabel>
 #include <QLayout>
 #include <QLineEdit>
 #include <QListView>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QScrollArea>
 #include <QScroller>
 #include <QStyledItemDelegate>
@@ -17,6 +19,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <optional>
 
 #include "platform/text.h"
 #include "ui/screen/touch_button.h"
@@ -26,6 +29,15 @@ namespace {
 
 // Wider than this, in widths of an "x", a dialog only tears labels and fields apart.
 constexpr int kWidestLetters = 60;
+
+// The measures of all dialogs, in pixels.
+constexpr int kMargin = 6;
+constexpr int kBeside = 6;
+constexpr int kBelow = 3;
+constexpr int kAboveButtons = 4;
+constexpr int kNarrowestButton = 64;
+// What is always seen of a list's entry.
+constexpr int kShownLetters = 4;
 
 // A field's edge must be seen in the dark, too, and which one is being filled in, from further away than the
 // usual hair line.
@@ -76,29 +88,87 @@ class Follower final : public QObject {
   QDialog& dialog_;
 };
 
-QString templatePath(std::string_view name, const QWidget* parent) {
-  const auto stem = ":/dialogs/" + QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size()));
-  const bool lying = parent != nullptr && parent->window()->width() > parent->window()->height();
-  if (lying && QFile::exists(stem + "_H.ui")) return stem + "_H.ui";
-  return stem + ".ui";
+// What a name stands for, see the resources' dialogs/names.txt.
+struct FormOf {
+  QString file;
+  QStringList leftOut;
+};
+
+std::optional<FormOf> formOf(const QString& name) {
+  QFile names(":/dialogs/names.txt");
+  if (!names.open(QIODevice::ReadOnly)) return std::nullopt;
+  while (!names.atEnd()) {
+    auto words = QString::fromUtf8(names.readLine()).simplified().split(' ');
+    if (words.takeFirst() != name) continue;
+    const auto file = ":/dialogs/" + words.takeFirst() + ".ui";
+    return FormOf{file, words};
+  }
+  return std::nullopt;
 }
 
-std::unique_ptr<QDialog> load(const QString& path, QWidget* parent) {
-  QFile file(path);
-  if (!file.open(QIODevice::ReadOnly)) return nullptr;
-  QUiLoader loader;
-  std::unique_ptr<QWidget> widget(loader.load(&file, parent));
-  std::unique_ptr<QDialog> dialog(qobject_cast<QDialog*>(widget.get()));
-  if (dialog != nullptr) static_cast<void>(widget.release());
-  return dialog;
+// A word that leaves nothing out is a fault of the table.
+void leaveOut(const QWidget& form, const QStringList& words) {
+  for (const auto& word : words) {
+    const auto widgets = form.findChildren<QWidget*>(QRegularExpression('^' + word));
+    if (widgets.isEmpty()) {
+      qFatal("Form \"%s\" has no \"%s\" to leave out", qUtf8Printable(form.objectName()),
+             qUtf8Printable(word));
+    }
+    qDeleteAll(widgets);
+  }
 }
 
-void makeScrollable(QDialog& dialog) {
-  auto& form = part<QWidget>(dialog, "form");
+// What all forms have alike, so that it need not stand in their files.
+void settle(QWidget& form) {
+  form.layout()->setContentsMargins(0, 0, 0, 0);
+  if (auto* grid = qobject_cast<QGridLayout*>(form.layout())) {
+    grid->setHorizontalSpacing(kBeside);
+    grid->setVerticalSpacing(kBelow);
+  }
+  // Texts come from devices and files, too, and are shown as they are.
+  for (auto* label : form.findChildren<QLabel*>()) label->setTextFormat(Qt::PlainText);
+  // Long entries must not make a form wider than its window.
+  for (auto* box : form.findChildren<QComboBox*>()) {
+    box->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    if (box->minimumContentsLength() == 0) box->setMinimumContentsLength(kShownLetters);
+  }
+}
+
+QPushButton* newButton(const char* name, const char* text) {
+  auto* button = new QPushButton(text);
+  button->setObjectName(name);
+  return button;
+}
+
+// "OK" and "Cancel", and before them what the form wants beside them.
+QLayout* makeButtons(QDialog& dialog, const QWidget& form) {
+  QList<QPushButton*> buttons;
+  for (auto* button : form.findChildren<QPushButton*>()) {
+    if (button->property("besideOk").toBool()) buttons.append(button);
+  }
+  auto* ok = newButton("ok", "OK");
+  auto* cancel = newButton("cancel", "Cancel");
+  ok->setDefault(true);
+  QObject::connect(ok, &QPushButton::clicked, &dialog, &QDialog::accept);
+  QObject::connect(cancel, &QPushButton::clicked, &dialog, &QDialog::reject);
+  auto* row = new QHBoxLayout;
+  row->setSpacing(kBeside);
+  for (auto* button : buttons << ok << cancel) {
+    button->setMinimumWidth(kNarrowestButton);
+    row->addWidget(button);
+  }
+  return row;
+}
+
+// The form in a frame that scrolls, and the buttons below it.
+void arrange(QDialog& dialog, QWidget& form) {
   auto* area = new FormArea(&dialog);
-  delete dialog.layout()->replaceWidget(&form, area);
+  auto* whole = new QVBoxLayout(&dialog);
+  whole->setContentsMargins(kMargin, kMargin, kMargin, kMargin);
+  whole->setSpacing(kAboveButtons);
+  whole->addWidget(area);
+  whole->addLayout(makeButtons(dialog, form));
   area->setWidget(&form);
-  form.show();
 }
 
 // The room that the form wants, now that it is filled: layouts within layouts remember what they wanted when
@@ -117,13 +187,6 @@ int wrappedHeight(const QDialog& dialog, int width) {
   const auto margins = dialog.layout()->contentsMargins();
   const int room = width - margins.left() - margins.right();
   return std::max(0, form->layout()->totalHeightForWidth(room) - form->sizeHint().height());
-}
-
-void connectButtons(QDialog& dialog) {
-  auto& ok = part<QPushButton>(dialog, "ok");
-  ok.setDefault(true);
-  QObject::connect(&ok, &QPushButton::clicked, &dialog, &QDialog::accept);
-  QObject::connect(&part<QPushButton>(dialog, "cancel"), &QPushButton::clicked, &dialog, &QDialog::reject);
 }
 
 // Half the world types a comma where the numbers of files have a full stop, and what stands behind it would
@@ -210,14 +273,32 @@ void placeInParent(QDialog& dialog) {
   dialog.move(window->pos() + QPoint((room.width() - size.width()) / 2, 0));
 }
 
+QWidget* makeForm(const QString& name, QWidget* parent) {
+  const auto of = formOf(name);
+  QFile file(of ? of->file : QString());
+  if (!of || !file.open(QIODevice::ReadOnly)) return nullptr;
+  QUiLoader loader;
+  auto* form = loader.load(&file, parent);
+  if (form == nullptr || form->layout() == nullptr) return nullptr;
+  leaveOut(*form, of->leftOut);
+  settle(*form);
+  return form;
+}
+
 std::unique_ptr<QDialog> makeDialog(std::string_view name, QWidget* parent) {
-  auto dialog = load(templatePath(name, parent), parent);
-  if (dialog == nullptr) return nullptr;
+  const auto called = QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size()));
+  auto dialog = std::make_unique<QDialog>(parent);
+  dialog->setObjectName(called);
+  const bool lying = parent != nullptr && parent->window()->width() > parent->window()->height();
+  auto* form = lying ? makeForm(called + "_H", dialog.get()) : nullptr;
+  if (form == nullptr) form = makeForm(called, dialog.get());
+  if (form == nullptr) return nullptr;
+  dialog->setWindowTitle(form->windowTitle());
+  form->setObjectName("form");
   dressLike(*dialog, parent);
-  makeScrollable(*dialog);
+  arrange(*dialog, *form);
   fitForFingers(*dialog);
   takeCommas(*dialog);
-  connectButtons(*dialog);
   return dialog;
 }
 

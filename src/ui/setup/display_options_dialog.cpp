@@ -9,12 +9,11 @@
 #include <QPainter>
 #include <QPixmap>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QScroller>
 #include <QSignalBlocker>
-#include <algorithm>
-#include <array>
 #include <memory>
 #include <string>
 #include <vector>
@@ -123,9 +122,9 @@ class DisplayOptions {
   Widget& piece(const char* name, std::size_t slot) const {
     return part<Widget>(dialog_, (name + std::to_string(slot)).c_str());
   }
-  void hideOthers() const;
   Row makeRow(const Channel& trace);
   void connectRow(const Row& row);
+  void orderTabs() const;
   void showRow(const Row& row) const;
   void chooseColour(const Row& row);
   void fillGrid();
@@ -148,26 +147,22 @@ DisplayOptions::DisplayOptions(QDialog& dialog, const SetupFrame& frame, const T
       traces_(channelsOf(instrumentOf(frame.kind), frame.iceOption)),
       axes_(axisChoices(frame.kind, frame.iceOption && settings.iceDisplay == 1)),
       axis_(static_cast<int>(axisPosition(axes_, settings))) {
-  hideOthers();
   for (const auto& trace : traces_) rows_.push_back(makeRow(trace));
   for (const auto& row : rows_) connectRow(row);
+  orderTabs();
   fillGrid();
 }
 
-// A template serves several kinds, some of which have fewer traces.
-void DisplayOptions::hideOthers() const {
-  for (std::size_t slot = 0; slot < kTraces; ++slot) {
-    const auto has = [slot](const Channel& trace) { return trace.slot == slot; };
-    if (std::any_of(traces_.begin(), traces_.end(), has)) continue;
-    for (const char* name : {"traceShown", "traceSample", "traceColour", "traceWidth"}) {
-      auto* widget = dialog_.findChild<QWidget*>(QString(name) + QChar('0' + static_cast<int>(slot)));
-      if (widget != nullptr) widget->hide();
-    }
-  }
-}
-
+// The parts are found by name and slot.
 DisplayOptions::Row DisplayOptions::makeRow(const Channel& trace) {
   const std::size_t slot = trace.slot;
+  auto& form = *makeForm("TraceRow", nullptr);
+  form.setFont(dialog_.font());  // as long as it can: a dialog with a style sheet passes no fonts on
+  for (auto* widget : form.findChildren<QWidget*>(QRegularExpression("^trace"))) {
+    widget->setObjectName(widget->objectName() + QString::number(slot));
+  }
+  dialog_.findChild<QLayout*>("traces")->addWidget(&form);
+  fitForFingers(form);
   const Row row{trace, &piece<QCheckBox>("traceShown", slot), &piece<QPushButton>("traceColour", slot),
                 &piece<QComboBox>("traceWidth", slot), new LineSample(theme_, &dialog_)};
   piece<QWidget>("traceSample", slot).layout()->addWidget(row.sample);
@@ -193,6 +188,13 @@ void DisplayOptions::connectRow(const Row& row) {
     showRow(row);
   });
   QObject::connect(row.colour, &QPushButton::clicked, &dialog_, [this, &row] { chooseColour(row); });
+}
+
+// The traces were made last and come first: each of the rest moves to right behind them.
+void DisplayOptions::orderTabs() const {
+  for (const char* name : {"cancel", "ok", "axis", "grid"}) {
+    QWidget::setTabOrder(rows_.back().colour, &part<QWidget>(dialog_, name));
+  }
 }
 
 void DisplayOptions::showRow(const Row& row) const {

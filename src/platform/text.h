@@ -1,7 +1,11 @@
 #pragma once
 
+#include <charconv>
+#include <cmath>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <type_traits>
 
 // Numbers and text of files and wires. Nothing here looks at the system's locale: a decimal mark is always
 // a full stop, whatever language the desktop speaks. Every function may be called from any thread.
@@ -14,6 +18,23 @@ int parseInt(std::string_view text);
 // As parseInt, for a real number with optional fraction and exponent ("nan" and "inf" are numbers too).
 // Magnitudes beyond double give infinity or 0.
 double parseReal(std::string_view text);
+
+// A text that is a number from its first character to its last; nothing when it is none, beyond the range of
+// `Number` or not finite. A real number may have a plus sign.
+template <class Number>
+std::optional<Number> wholeNumber(std::string_view text) {
+  if constexpr (std::is_floating_point_v<Number>) {
+    if (text.starts_with('+') && !text.starts_with("+-")) text.remove_prefix(1);
+  }
+  Number value{};
+  const auto* const end = text.data() + text.size();
+  const auto [last, error] = std::from_chars(text.data(), end, value);
+  if (text.empty() || error != std::errc{} || last != end) return std::nullopt;
+  if constexpr (std::is_floating_point_v<Number>) {
+    if (!std::isfinite(value)) return std::nullopt;
+  }
+  return value;
+}
 
 // `value` right-justified in exactly `width` characters with `decimals` decimals. A value too wide loses
 // decimals, then is brought to the widest number that fits; no number at all (NaN) becomes 0. Records have

@@ -1,3 +1,4 @@
+// kalmira-sim: instruments and receivers, played.
 #include <fmt/format.h>
 
 #include <csignal>
@@ -24,7 +25,7 @@ constexpr double kFarewell_s = 0.5;
 constexpr double kLook_s = 0.02;
 
 int fail(int status, std::string_view message) {
-  (void)std::fputs(fmt::format("kalmira-sim: {}\n", message).c_str(), stderr);
+  printError(fmt::format("kalmira-sim: {}", message));
   return status;
 }
 
@@ -58,12 +59,11 @@ int runReplay(const sim::Options& options) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  kalmira::openMissingStreams();
   // A reader of the names that has gone must not end the survey with the links left behind.
   (void)std::signal(SIGPIPE, SIG_IGN);
-  const auto parsed = sim::parseOptions({argv + 1, static_cast<std::size_t>(argc > 0 ? argc - 1 : 0)});
-  if (!parsed.error.empty()) return fail(kWrongUsage, parsed.error + "\n" + sim::usage());
-  if (parsed.options.help) return std::fputs(sim::usage().c_str(), stdout) < 0 ? kFailed : 0;
-  if (!parsed.options.replay.empty()) return runReplay(parsed.options);
-  return run(parsed.options, sim::surveySource(sim::surveyPlan(parsed.options)));
+  sim::Options options;
+  return runMain(sim::simCommandLine(options), argc, argv, [&] {
+    if (!options.replay.empty()) return runReplay(options);
+    return run(options, sim::surveySource(sim::surveyPlan(options)));
+  });
 }

@@ -111,7 +111,7 @@ class Run {
 
 SessionSetup setupOf(const LogOptions& options, std::filesystem::path root) {
   // Without a screen, files are marked as those of a portrait screen.
-  return {.kind = options.kind,
+  return {.kind = *options.kind,
           .iceChosen = options.ice,
           .teskRangeTimes10 = options.teskTimes10,
           .storageClass = options.storageClass,
@@ -127,7 +127,7 @@ Run::Run(const LogOptions& options, std::filesystem::path root, const PortFactor
       events_(!options.seconds),
       output_(STDOUT_FILENO, STDERR_FILENO),
       view_([this](std::string line) { output_.line(std::move(line)); }, options.show, options.exitOnSilence),
-      settings_({.kind = options.kind,
+      settings_({.kind = *options.kind,
                  .iceOption = options.ice,
                  .storageClass = options.storageClass,
                  .root = root},
@@ -137,7 +137,7 @@ Run::Run(const LogOptions& options, std::filesystem::path root, const PortFactor
                  settings_.save(current);
                  return std::string{};  // what goes wrong is told when it is known
                }),
-      ports_(options.kind, settings_.settings(), [this](int com) { return deviceOf(options_, com); }, link_,
+      ports_(*options.kind, settings_.settings(), [this](int com) { return deviceOf(options_, com); }, link_,
              hand_over_, clock_, portFactory,
              {.onRecord =
                   [this] {
@@ -153,7 +153,7 @@ Run::Run(const LogOptions& options, std::filesystem::path root, const PortFactor
 bool Run::createFile() {
   std::string last;
   const DataPlace place{
-      .kind = options_.kind, .storageClass = options_.storageClass, .root = session_.setup.root};
+      .kind = *options_.kind, .storageClass = options_.storageClass, .root = session_.setup.root};
   const auto choose = [&](const std::string& proposal) -> std::optional<std::filesystem::path> {
     // The name was taken, and there is nobody to ask for another; a proposal may have been snatched away.
     if (!last.empty() && (!options_.name.empty() || last == proposal)) return std::nullopt;

@@ -6,9 +6,9 @@
 #include <cmath>
 #include <vector>
 
-#include "console/options.h"
 #include "logging/calibration.h"
 #include "logging/commands.h"
+#include "platform/text.h"
 #include "settings/line_entry.h"
 
 namespace kalmira {
@@ -20,7 +20,7 @@ constexpr unsigned kMarkerKeyBit = 8;
 constexpr double kLargestStation = 9999999.0;
 
 std::optional<double> stationNumber(std::string_view text) {
-  const auto number = wholeNumber(text);
+  const auto number = wholeNumber<double>(text);
   return number && std::abs(*number) <= kLargestStation ? number : std::nullopt;
 }
 
@@ -79,7 +79,7 @@ CommandAnswer line(Session& session, std::string_view text) {
 
 CommandAnswer station(Session& session, std::string_view text) {
   const auto given = words(text);
-  if (given.size() != 1 || !wholeNumber(given[0])) return failed("station takes one number");
+  if (given.size() != 1 || !wholeNumber<double>(given[0])) return failed("station takes one number");
   const auto number = stationNumber(given[0]);
   if (!number) return failed("no station is that far away: it would not fit into the file");
   newStation(session, *number);

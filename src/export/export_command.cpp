@@ -2,10 +2,7 @@
 
 #include <fmt/format.h>
 
-#include <filesystem>
-#include <optional>
 #include <system_error>
-#include <vector>
 
 #include "export/csv_export.h"
 #include "export/output_file.h"
@@ -15,52 +12,8 @@ namespace {
 
 using Say = std::function<void(std::string_view)>;
 
-constexpr std::string_view kUsage = "usage: kalmira-export FILE... [-o OUT]";
-constexpr std::string_view kHelp =
-    "usage: kalmira-export FILE... [-o OUT]\n"
-    "\n"
-    "Turns data files into comma-separated values, one row a reading, on standard output.\n"
-    "The instrument is recognised from the file; several files of one kind give one table.\n"
-    "\n"
-    "  -o OUT  write the table to the file OUT; a data file is never overwritten\n"
-    "  --help  show this text\n"
-    "\n"
-    "Exit status: 0 done, 1 a file gave nothing or the table could not be written, 2 wrong usage.\n";
-
-struct Request {
-  std::vector<std::filesystem::path> files;
-  std::optional<std::filesystem::path> out;
-  bool help = false;
-  std::string mistake;  // empty when the usage was right
-};
-
-Request parseArguments(std::span<const std::string> arguments) {
-  Request request;
-  bool options = true;
-  for (std::size_t i = 0; i < arguments.size(); ++i) {
-    const auto& argument = arguments[i];
-    if (!options || !argument.starts_with('-')) {
-      request.files.emplace_back(argument);
-    } else if (argument == "--") {
-      options = false;
-    } else if (argument == "--help" || argument == "-h") {
-      request.help = true;
-    } else if (argument != "-o") {
-      request.mistake = fmt::format("unknown option {}", argument);
-    } else if (i + 1 == arguments.size()) {
-      request.mistake = "-o wants a file name";
-    } else if (request.out) {
-      request.mistake = "-o was given twice";
-    } else {
-      request.out = arguments[++i];
-    }
-  }
-  if (request.mistake.empty() && request.files.empty()) request.mistake = "no data file was named";
-  return request;
-}
-
 // A day's work is not to be lost to a slip in the order of the names.
-std::string whyNotOverwrite(const Request& request) {
+std::string whyNotOverwrite(const ExportRequest& request) {
   if (!request.out) return {};
   std::error_code ignored;
   for (const auto& file : request.files) {
@@ -127,7 +80,7 @@ int outputFailure(const OutputFile& output, const Say& say) {
   return kExportFailed;
 }
 
-int exportAll(const Request& request, OutputFile& output, const Say& say) {
+int exportAll(const ExportRequest& request, OutputFile& output, const Say& say) {
   CsvTable table{.write = [&](std::string_view text) { return output.write(text); }, .columns = {}};
   int status = kExportDone;
   for (const auto& file : request.files) {
@@ -140,17 +93,32 @@ int exportAll(const Request& request, OutputFile& output, const Say& say) {
 
 }  // namespace
 
-int runExport(std::span<const std::string> arguments, const Say& say) {
-  const auto request = parseArguments(arguments);
-  if (request.help) {
-    OutputFile output;
-    return output.write(kHelp) && output.finish() ? kExportDone : outputFailure(output, say);
-  }
-  if (!request.mistake.empty()) {
-    say(request.mistake);
-    say(kUsage);
-    return kExportUsage;
-  }
+CommandLine exportCommandLine(ExportRequest& request) {
+  const auto takeFile = [&request](const std::string& value) {
+    request.files.emplace_back(value);
+    return std::string{};
+  };
+  const auto takeOut = [&request](const std::string& value) {
+    request.out = value;
+    return std::string{};
+  };
+  return {
+      .program = "kalmira-export",
+      .summary =
+          "Turns data files into comma-separated values, one row a reading, on standard output.\n"
+          "The instrument is recognised from the file; several files of one kind give one table.",
+      .usages = {"FILE... [-o OUT]"},
+      .groups = {{"Table",
+                  {{"-o", "OUT", "write the table to the file OUT; a data file is never overwritten", takeOut,
+                    "a file name", CommandOption::Again::refused}}}},
+      .operands = {"", "FILE...", "data files", takeFile},
+      .check = [&request] { return std::string(request.files.empty() ? "no data file was named" : ""); },
+      .notes =
+          "Exit status: 0 done, 1 a file gave nothing or the table could not be written, 2 wrong usage.\n",
+      .wording = {.unknown = "unknown option {0}", .then = CommandWording::Then::usage}};
+}
+
+int runExport(const ExportRequest& request, const Say& say) {
   if (const auto reason = whyNotOverwrite(request); !reason.empty()) {
     say(fmt::format("{}: {}", request.out->string(), reason));
     return kExportUsage;

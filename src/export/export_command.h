@@ -1,9 +1,12 @@
 #pragma once
 
+#include <filesystem>
 #include <functional>
-#include <span>
-#include <string>
+#include <optional>
 #include <string_view>
+#include <vector>
+
+#include "platform/command_line.h"
 
 namespace kalmira {
 
@@ -11,8 +14,14 @@ inline constexpr int kExportDone = 0;
 inline constexpr int kExportFailed = 1;  // a file gave nothing, or the table could not be written
 inline constexpr int kExportUsage = 2;
 
-// kalmira-export: `arguments` without the program's name. The table goes to standard output or to the file
-// that -o names; `say` gets one line a message, without its line end.
-int runExport(std::span<const std::string> arguments, const std::function<void(std::string_view)>& say);
+// What the command line of kalmira-export chooses.
+struct ExportRequest {
+  std::vector<std::filesystem::path> files;
+  std::optional<std::filesystem::path> out;  // none: standard output
+};
+CommandLine exportCommandLine(ExportRequest& request);
+
+// Returns the exit status; `say` gets one line a message, without its line end.
+int runExport(const ExportRequest& request, const std::function<void(std::string_view)>& say);
 
 }  // namespace kalmira

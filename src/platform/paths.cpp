@@ -6,31 +6,8 @@
 
 #include <array>
 #include <cerrno>
-#include <cstring>
-#include <string>
-#include <system_error>
 
 namespace kalmira {
-namespace {
-
-std::string errorText(int error) {
-  return std::generic_category().message(error);
-}
-
-// Writes all of `content`; returns 0 or the error number.
-int writeAll(int fd, std::string_view content) {
-  while (!content.empty()) {
-    const auto written = ::write(fd, content.data(), content.size());
-    if (written < 0) {
-      if (errno == EINTR) continue;
-      return errno;
-    }
-    content.remove_prefix(static_cast<std::size_t>(written));
-  }
-  return 0;
-}
-
-}  // namespace
 
 std::filesystem::path localPath(const std::filesystem::path& root, std::string_view cataloguePath) {
   std::filesystem::path path = root;
@@ -45,7 +22,7 @@ std::filesystem::path localPath(const std::filesystem::path& root, std::string_v
 }
 
 void syncFolder(const std::filesystem::path& folder) {
-  const int fd = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  const int fd = ::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
   if (fd < 0) return;
   ::fsync(fd);
   ::close(fd);
@@ -69,23 +46,6 @@ std::optional<std::string> readSmallFile(const std::filesystem::path& path) {
   }
   ::close(fd);
   return good ? std::optional(content) : std::nullopt;
-}
-
-std::string replaceFile(const std::filesystem::path& path, std::string_view content) {
-  std::filesystem::path fresh = path;
-  fresh += ".new";
-  const int fd = ::open(fresh.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
-  if (fd < 0) return errorText(errno);
-  int error = writeAll(fd, content);
-  if (error == 0 && ::fsync(fd) != 0) error = errno;
-  if (::close(fd) != 0 && error == 0) error = errno;
-  if (error == 0 && std::rename(fresh.c_str(), path.c_str()) != 0) error = errno;
-  if (error == 0) {
-    syncFolder(path.parent_path());
-    return {};
-  }
-  ::unlink(fresh.c_str());
-  return errorText(error);
 }
 
 }  // namespace kalmira

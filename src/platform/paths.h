@@ -11,16 +11,11 @@ namespace kalmira {
 // machine below the storage root. A leading backslash stands for the root itself.
 std::filesystem::path localPath(const std::filesystem::path& root, std::string_view cataloguePath);
 
-// Commits the folder's entries to the disk, so that a file just made in it survives a power cut. Where a file
-// system cannot do that, nothing happens.
+// Commits the folder's entries (none: the working folder's) to the disk, so that a file just made in it
+// survives a power cut. Where a file system cannot do that, nothing happens.
 void syncFolder(const std::filesystem::path& folder);
 
 // The content of a regular file of at most a megabyte; nothing when there is none such or it cannot be read.
 std::optional<std::string> readSmallFile(const std::filesystem::path& path);
-
-// Writes `content` to a new file beside `path`, commits it to the disk and renames it over `path`, so that a
-// full disk or a power cut leaves either the old file or the new one. Returns an empty text on success, else
-// what went wrong.
-std::string replaceFile(const std::filesystem::path& path, std::string_view content);
 
 }  // namespace kalmira

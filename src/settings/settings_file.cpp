@@ -2,6 +2,7 @@
 
 #include <system_error>
 
+#include "platform/output_file.h"
 #include "platform/paths.h"
 #include "platform/text.h"
 #include "settings/settings_fields.h"

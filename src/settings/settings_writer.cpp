@@ -3,7 +3,7 @@
 #include <system_error>
 #include <utility>
 
-#include "platform/paths.h"
+#include "platform/output_file.h"
 
 namespace kalmira {
 

@@ -103,7 +103,7 @@ TEST_F(ExportCommand, ReplacesAnEarlierTableButNeverADataFile) {
   file("t.csv", "an earlier table");
   EXPECT_EQ(run({input, "-o", path("t.csv")}), kExportDone);
   EXPECT_EQ(content("t.csv"), kTable);
-  EXPECT_FALSE(std::filesystem::exists(path("t.csv.part")));
+  EXPECT_FALSE(std::filesystem::exists(path("t.csv.new")));
 
   const auto other = file("b.RMI", kWhole + "more");
   EXPECT_EQ(run({input, "-o", other}), kExportUsage);

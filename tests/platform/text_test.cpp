@@ -1,8 +1,6 @@
 #include "platform/text.h"
 
 #include <gtest/gtest.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include <array>
 #include <clocale>
@@ -11,7 +9,6 @@
 #include <locale>
 
 #include "platform/paths.h"
-#include "support/temp_folder.h"
 
 namespace kalmira {
 namespace {
@@ -107,22 +104,6 @@ TEST(LocalPath, FollowsTheCataloguesForms) {
   EXPECT_EQ(localPath("/r", R"(\KALINI)"), "/r/KALINI");
   EXPECT_EQ(localPath("/r", R"(My Documents\DataOrla\)"), "/r/My Documents/DataOrla");
   EXPECT_EQ(localPath("/r", ""), "/r");
-}
-
-TEST(ReplaceFile, LeavesTheOldFileWhereTheNewOneCannotBeWritten) {
-  const TempFolder folder;
-  const auto path = folder.path() / "a";
-  EXPECT_EQ(replaceFile(path, "old"), "");
-  EXPECT_EQ(replaceFile(path, "new\n"), "");
-  EXPECT_EQ(readFile(path), "new\n");
-  // A folder in the place of the file that is written first: nobody, root included, can write there.
-  std::filesystem::create_directory(folder.path() / "a.new");
-  EXPECT_NE(replaceFile(path, "newer"), "");
-  EXPECT_EQ(readFile(path), "new\n");
-  // The last step fails: nothing stays behind.
-  std::filesystem::create_directories(folder.path() / "b" / "full");
-  EXPECT_NE(replaceFile(folder.path() / "b", "x"), "");
-  EXPECT_FALSE(std::filesystem::exists(folder.path() / "b.new"));
 }
 
 }  // namespace

@@ -1,7 +1,7 @@
 // The viewer's commands that write: pictures and tables.
 #include <fmt/format.h>
 
-#include "platform/paths.h"
+#include "platform/output_file.h"
 #include "ui/screen/message_dialog.h"
 #include "ui/viewer/line_picture.h"
 #include "ui/viewer/open_file_dialog.h"

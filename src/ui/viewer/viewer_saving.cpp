@@ -5,8 +5,8 @@
 
 #include "datafile/record_reader.h"
 #include "export/csv_export.h"
-#include "export/output_file.h"
 #include "instruments/catalogue.h"
+#include "platform/output_file.h"
 
 namespace kalmira {
 namespace {

@@ -26,16 +26,12 @@ std::size_t terminalWidth(int fd) {
 
 }  // namespace
 
-OutputThread::OutputThread(int outputFd, int statusFd)
-    : output_fd_(outputFd), status_fd_(statusFd), thread_(&OutputThread::run, this) {}
-
-OutputThread::~OutputThread() {
-  if (!finish()) thread_.detach();
+OutputThread::OutputThread(int outputFd, int statusFd) : output_fd_(outputFd), status_fd_(statusFd) {
+  worker_.start([this] { run(); });
 }
 
 void OutputThread::line(std::string text) {
-  {
-    const std::lock_guard lock(mutex_);
+  worker_.change([&] {
     if (queue_.size() >= kLongestQueue && text.starts_with(kPanelText)) {
       ++dropped_;
       return;
@@ -45,54 +41,41 @@ void OutputThread::line(std::string text) {
       dropped_ = 0;
     }
     queue_.push_back({.status = false, .text = std::move(text)});
-  }
-  changed_.notify_all();
+  });
 }
 
 void OutputThread::status(std::string text) {
-  {
-    const std::lock_guard lock(mutex_);
+  worker_.change([&] {
     if (!queue_.empty() && queue_.back().status) queue_.pop_back();
     queue_.push_back({.status = true, .text = std::move(text)});
-  }
-  changed_.notify_all();
+  });
 }
 
 bool OutputThread::finish() {
-  if (!thread_.joinable()) return true;
+  if (!worker_.started()) return true;
   {
-    std::unique_lock lock(mutex_);
-    changed_.wait_for(lock, kFinishWait, [this] { return queue_.empty() && idle_; });
-    ending_ = true;
+    auto held = worker_.lock();
+    worker_.waitFor(held, kFinishWait, [this] { return queue_.empty() && idle_; });
   }
-  changed_.notify_all();
-  {
-    std::unique_lock lock(mutex_);
-    if (!changed_.wait_for(lock, kFinishWait, [this] { return ended_; })) return false;
-  }
-  thread_.join();
-  return true;
+  return worker_.stopWithin(kFinishWait);
 }
 
 void OutputThread::run() {
-  std::unique_lock lock(mutex_);
+  auto held = worker_.lock();
   while (true) {
     idle_ = true;
-    if (queue_.empty()) changed_.notify_all();
-    changed_.wait(lock, [this] { return ending_ || !queue_.empty(); });
-    if (ending_) break;
+    if (queue_.empty()) worker_.wake();
+    worker_.wait(held, [this] { return !queue_.empty(); });
+    if (worker_.stopping()) break;
     idle_ = false;
     const Item item = std::move(queue_.front());
     queue_.pop_front();
-    lock.unlock();
+    held.unlock();
     print(item);
-    lock.lock();
+    held.lock();
   }
-  lock.unlock();
+  held.unlock();
   if (status_shown_) (void)!::write(status_fd_, "\n", 1);
-  lock.lock();
-  ended_ = true;
-  changed_.notify_all();
 }
 
 // Writes whole items, waiting for room in slices so that finish is never held up by a reader that stands
@@ -108,8 +91,7 @@ bool OutputThread::print(const Item& item) {
   while (!rest.empty()) {
     pollfd ready{.fd = fd, .events = POLLOUT, .revents = 0};
     if (::poll(&ready, 1, 100) == 0) {
-      const std::lock_guard lock(mutex_);
-      if (ending_) return false;
+      if (worker_.stopping()) return false;
       continue;
     }
     // No more than poll promised room for, lest the write itself waits.

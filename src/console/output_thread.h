@@ -1,10 +1,9 @@
 #pragma once
 
-#include <condition_variable>
 #include <deque>
-#include <mutex>
 #include <string>
-#include <thread>
+
+#include "platform/worker.h"
 
 namespace kalmira {
 
@@ -13,9 +12,7 @@ namespace kalmira {
 class OutputThread {
  public:
   OutputThread(int outputFd, int statusFd);
-  OutputThread(const OutputThread&) = delete;
-  OutputThread& operator=(const OutputThread&) = delete;
-  ~OutputThread();
+  ~OutputThread() { finish(); }
 
   // One line on the output; a line end is added. When far too many wait, panel texts are left out.
   void line(std::string text);
@@ -35,15 +32,11 @@ class OutputThread {
 
   int output_fd_;
   int status_fd_;
-  std::mutex mutex_;
-  std::condition_variable changed_;
-  std::deque<Item> queue_;
+  Worker worker_{"output"};
+  std::deque<Item> queue_;  // as the rest, but for status_shown_, under the worker's lock
   std::size_t dropped_ = 0;
-  bool ending_ = false;
-  bool ended_ = false;
   bool idle_ = false;
   bool status_shown_ = false;
-  std::thread thread_;
 };
 
 }  // namespace kalmira

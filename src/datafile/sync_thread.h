@@ -1,12 +1,10 @@
 #pragma once
 
-#include <condition_variable>
 #include <cstdint>
 #include <memory>
-#include <mutex>
-#include <thread>
 
 #include "datafile/disk.h"
+#include "platform/worker.h"
 
 namespace kalmira {
 
@@ -21,10 +19,7 @@ class SyncThread {
     bool failed = false;         // a commit has failed since the last rewrite()
   };
 
-  SyncThread() = default;
-  SyncThread(const SyncThread&) = delete;
-  SyncThread& operator=(const SyncThread&) = delete;
-  ~SyncThread();
+  ~SyncThread() { worker_.stop(); }
 
   // Commits through `handle` from now on.
   void watch(std::unique_ptr<DiskFile> handle);
@@ -40,16 +35,13 @@ class SyncThread {
  private:
   void run();
 
-  mutable std::mutex mutex_;
-  std::condition_variable changed_;
-  std::shared_ptr<DiskFile> handle_;
+  Worker worker_{"commit"};
+  std::shared_ptr<DiskFile> handle_;  // as the rest, under the worker's lock
   std::uint64_t writtenTo_ = 0;
   bool dirty_ = false;
   bool hurry_ = false;
-  bool ending_ = false;
   Progress progress_;
   unsigned rewrites_ = 0;
-  std::thread thread_;
 };
 
 }  // namespace kalmira

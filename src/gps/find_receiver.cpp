@@ -102,22 +102,17 @@ FindOutcome findReceiver(Port& port, const std::string& device, const std::vecto
 ReceiverSearch::ReceiverSearch(PortFactory factory, std::string device, std::vector<ReceiverLine> trials,
                                const Clock& clock)
     : factory_(std::move(factory)), device_(std::move(device)), trials_(std::move(trials)), clock_(clock) {
-  thread_ = std::thread([this] {
+  worker_.start([this] {
     const auto port = factory_();
-    auto outcome =
-        findReceiver(*port, device_, trials_, clock_, stop_, [this](std::size_t trial) { trial_ = trial; });
-    const std::lock_guard lock(mutex_);
+    auto outcome = findReceiver(*port, device_, trials_, clock_, worker_.stopping(),
+                                [this](std::size_t trial) { trial_ = trial; });
+    const auto held = worker_.lock();
     outcome_ = std::move(outcome);
   });
 }
 
-ReceiverSearch::~ReceiverSearch() {
-  stop_ = true;
-  thread_.join();
-}
-
 std::optional<FindOutcome> ReceiverSearch::outcome() {
-  const std::lock_guard lock(mutex_);
+  const auto held = worker_.lock();
   return outcome_;
 }
 

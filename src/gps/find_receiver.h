@@ -2,14 +2,13 @@
 
 #include <atomic>
 #include <functional>
-#include <mutex>
 #include <optional>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "link/port.h"
 #include "platform/clock.h"
+#include "platform/worker.h"
 
 // Finds out how a GPS receiver's line is set up, by listening.
 namespace kalmira {
@@ -65,9 +64,7 @@ class ReceiverSearch {
   // The clock must outlive it.
   ReceiverSearch(PortFactory factory, std::string device, std::vector<ReceiverLine> trials,
                  const Clock& clock);
-  ~ReceiverSearch();
-  ReceiverSearch(const ReceiverSearch&) = delete;
-  ReceiverSearch& operator=(const ReceiverSearch&) = delete;
+  ~ReceiverSearch() { worker_.stop(); }
 
   const std::vector<ReceiverLine>& trials() const { return trials_; }
   std::size_t trial() const { return trial_; }  // which is being listened with
@@ -79,11 +76,9 @@ class ReceiverSearch {
   std::string device_;
   std::vector<ReceiverLine> trials_;
   const Clock& clock_;
-  std::atomic<bool> stop_{false};
   std::atomic<std::size_t> trial_{0};
-  std::mutex mutex_;
-  std::optional<FindOutcome> outcome_;  // guarded
-  std::thread thread_;
+  Worker worker_{"find-receiver"};
+  std::optional<FindOutcome> outcome_;  // under the worker's lock
 };
 
 }  // namespace kalmira

@@ -1,10 +1,10 @@
 #pragma once
 
 #include <chrono>
-#include <condition_variable>
 #include <functional>
-#include <mutex>
-#include <thread>
+#include <utility>
+
+#include "platform/worker.h"
 
 namespace kalmira {
 
@@ -14,20 +14,20 @@ class KeepAwakeThread {
  public:
   static constexpr std::chrono::milliseconds kPeriod{59000};
 
-  explicit KeepAwakeThread(std::function<void()> resetIdleTimer, std::chrono::milliseconds period = kPeriod);
-  ~KeepAwakeThread();
-  KeepAwakeThread(const KeepAwakeThread&) = delete;
-  KeepAwakeThread& operator=(const KeepAwakeThread&) = delete;
+  explicit KeepAwakeThread(std::function<void()> resetIdleTimer, std::chrono::milliseconds period = kPeriod) {
+    worker_.start([this, reset = std::move(resetIdleTimer), period] {
+      auto held = worker_.lock();
+      while (!worker_.stopping()) {
+        held.unlock();
+        reset();
+        held.lock();
+        worker_.waitFor(held, period, [] { return false; });
+      }
+    });
+  }
 
  private:
-  void run();
-
-  std::function<void()> reset_idle_timer_;
-  std::chrono::milliseconds period_;
-  std::mutex mutex_;
-  std::condition_variable changed_;
-  bool keep_awake_running_ = true;
-  std::thread keep_awake_thread_;  // last: it uses all of the above
+  Worker worker_{"keep-awake"};
 };
 
 }  // namespace kalmira

@@ -13,13 +13,11 @@ std::optional<PortError> PortThread::open(const std::string& device, const LineS
   line_ = line;
   job_ = nullptr;
   reopen_wanted_ = false;
-  stop_ = false;
   sender_.emplace(hand_over_);
   Opened opened;
   std::future<std::optional<PortError>> result = opened.get_future();
   try {
-    thread_ = std::thread(
-        [this, promise = std::move(opened), tries]() mutable { body(std::move(promise), tries); });
+    worker_.start([this, promise = std::move(opened), tries]() mutable { body(std::move(promise), tries); });
   } catch (const std::system_error& failure) {
     return PortError{PortErrorKind::other, std::string("No thread for the port: ") + failure.what()};
   }
@@ -29,17 +27,13 @@ std::optional<PortError> PortThread::open(const std::string& device, const LineS
 }
 
 void PortThread::close() {
-  if (!thread_.joinable()) return;
-  {
-    const std::scoped_lock lock(mutex_);
-    stop_ = true;
-  }
-  changed_.notify_all();
+  if (!isOpen()) return;
+  worker_.requestStop();
   sender_->close();
   // From within work done directly on the port's own thread: it ends with that, and is waited for another
   // time.
-  if (thread_.get_id() == std::this_thread::get_id()) return;
-  thread_.join();
+  if (worker_.isThisThread()) return;
+  worker_.stop();
   gone_ = false;
 }
 
@@ -55,19 +49,11 @@ bool PortThread::call(const std::function<bool(const Context&)>& job) {
 }
 
 void PortThread::start(Job job) {
-  {
-    const std::scoped_lock lock(mutex_);
-    job_ = std::move(job);
-  }
-  changed_.notify_all();
+  worker_.change([&] { job_ = std::move(job); });
 }
 
 void PortThread::reopen() {
-  {
-    const std::scoped_lock lock(mutex_);
-    reopen_wanted_ = gone_;
-  }
-  changed_.notify_all();
+  worker_.change([this] { reopen_wanted_ = gone_; });
 }
 
 void PortThread::body(Opened opened, int tries) {
@@ -76,7 +62,7 @@ void PortThread::body(Opened opened, int tries) {
   const bool isOpened = !error;
   opened.set_value(std::move(error));
   if (!isOpened) return;
-  const Context context{.port = *port, .sender = *sender_, .stop = stop_};
+  const Context context{.port = *port, .sender = *sender_, .stop = worker_.stopping()};
   for (Job job; waitForJob(job);) {
     while (job(context) == ReaderEnd::gone && openAgain(*port)) {
     }
@@ -91,29 +77,29 @@ std::optional<PortError> PortThread::openWithTries(Port& port, int tries) {
 }
 
 bool PortThread::waitForJob(Job& job) {
-  std::unique_lock lock(mutex_);
-  changed_.wait(lock, [this] { return stop_ || job_; });
+  auto held = worker_.lock();
+  worker_.wait(held, [this] { return job_ != nullptr; });
   job = std::exchange(job_, nullptr);
-  return !stop_;
+  return !worker_.stopping();
 }
 
 bool PortThread::openAgain(Port& port) {
   // Closed at once: a device whose old node is still held would come back under another name.
   port.close();
-  std::unique_lock lock(mutex_);
+  auto held = worker_.lock();
   gone_ = true;
   for (;;) {
-    const auto isAsked = [this] { return stop_ || reopen_wanted_; };
+    const auto isAsked = [this] { return reopen_wanted_; };
     if (retry_period_) {
-      changed_.wait_for(lock, *retry_period_, isAsked);
+      worker_.waitFor(held, *retry_period_, isAsked);
     } else {
-      changed_.wait(lock, isAsked);
+      worker_.wait(held, isAsked);
     }
-    if (stop_) return false;
+    if (worker_.stopping()) return false;
     reopen_wanted_ = false;
-    lock.unlock();
+    held.unlock();
     const bool opened = !port.open(device_, line_);
-    lock.lock();
+    held.lock();
     if (opened) {
       gone_ = false;
       return true;

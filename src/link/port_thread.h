@@ -2,17 +2,15 @@
 
 #include <atomic>
 #include <chrono>
-#include <condition_variable>
 #include <functional>
 #include <future>
-#include <mutex>
 #include <optional>
 #include <string>
-#include <thread>
 
 #include "link/port.h"
 #include "link/readers.h"
 #include "platform/hand_over.h"
+#include "platform/worker.h"
 
 namespace kalmira {
 
@@ -33,12 +31,10 @@ class PortThread {
              std::optional<std::chrono::milliseconds> retryPeriod = std::nullopt)
       : factory_(std::move(factory)), hand_over_(handOver), retry_period_(retryPeriod) {}
   ~PortThread() { close(); }
-  PortThread(const PortThread&) = delete;
-  PortThread& operator=(const PortThread&) = delete;
 
   // Closes first when open. Waits until the device is open or `tries` tries in a row have failed.
   std::optional<PortError> open(const std::string& device, const LineSettings& line, int tries = 1);
-  bool isOpen() const { return thread_.joinable(); }
+  bool isOpen() const { return worker_.started(); }
 
   // Runs `job` and waits for it. Only between open and start.
   bool call(const std::function<bool(const Context&)>& job);
@@ -69,13 +65,10 @@ class PortThread {
   LineSettings line_;
   std::optional<HandOver::Sender> sender_;
 
-  std::atomic<bool> stop_{false};
   std::atomic<bool> gone_{false};
-  std::mutex mutex_;
-  std::condition_variable changed_;
-  Job job_;                     // waiting to be taken; guarded
-  bool reopen_wanted_ = false;  // guarded
-  std::thread thread_;
+  Worker worker_{"port"};
+  Job job_;                     // waiting to be taken; under the worker's lock
+  bool reopen_wanted_ = false;  // likewise
 };
 
 }  // namespace kalmira

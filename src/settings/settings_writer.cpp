@@ -7,43 +7,29 @@
 
 namespace kalmira {
 
-void SettingsWriter::finish() {
-  {
-    const std::lock_guard lock(mutex_);
-    ending_ = true;
-  }
-  changed_.notify_one();
-  if (thread_.joinable()) thread_.join();
-}
-
 void SettingsWriter::write(std::string text) {
-  {
-    const std::lock_guard lock(mutex_);
+  worker_.change([&] {
     text_ = std::move(text);
     waiting_ = true;
-    ending_ = false;
-  }
-  if (!thread_.joinable()) thread_ = std::thread(&SettingsWriter::run, this);
-  changed_.notify_one();
+  });
+  worker_.start([this] { run(); });
 }
 
 std::string SettingsWriter::takeProblem() {
-  const std::lock_guard lock(mutex_);
+  const auto held = worker_.lock();
   return std::exchange(problem_, {});
 }
 
 void SettingsWriter::run() {
-  std::unique_lock lock(mutex_);
-  while (true) {
-    changed_.wait(lock, [this] { return waiting_ || ending_; });
-    if (!waiting_) return;
+  auto held = worker_.lock();
+  while (worker_.wait(held, [this] { return waiting_; })) {
     waiting_ = false;
     const std::string text = std::move(text_);
-    lock.unlock();
+    held.unlock();
     std::error_code ignored;
     std::filesystem::create_directories(path_.parent_path(), ignored);
     const std::string problem = replaceFile(path_, text);
-    lock.lock();
+    held.lock();
     if (!problem.empty()) problem_ = "Cannot write " + path_.string() + ": " + problem;
   }
 }

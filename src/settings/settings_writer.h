@@ -1,10 +1,9 @@
 #pragma once
 
-#include <condition_variable>
 #include <filesystem>
-#include <mutex>
 #include <string>
-#include <thread>
+
+#include "platform/worker.h"
 
 namespace kalmira {
 
@@ -20,7 +19,7 @@ class SettingsWriter {
 
   void write(std::string text);
   // Waits until the last text is written, and ends the thread.
-  void finish();
+  void finish() { worker_.stop(); }
   // Why a text could not be written, once; empty when there is nothing to tell.
   std::string takeProblem();
 
@@ -28,13 +27,10 @@ class SettingsWriter {
   void run();
 
   std::filesystem::path path_;
-  std::mutex mutex_;
-  std::condition_variable changed_;
-  std::string text_;
+  Worker worker_{"settings"};
+  std::string text_;  // as the rest, under the worker's lock
   bool waiting_ = false;
-  bool ending_ = false;
   std::string problem_;
-  std::thread thread_;
 };
 
 }  // namespace kalmira

@@ -5,6 +5,7 @@
 #include <system_error>
 
 #include "export/csv_export.h"
+#include "instruments/start_options.h"
 #include "platform/output_file.h"
 
 namespace kalmira {
@@ -58,14 +59,14 @@ bool reportDamage(const RecordReader& reader, const ExportResult& result, const 
 
 enum class FileOutcome { exported, nothing, outputFailed };
 
-FileOutcome exportFile(const std::filesystem::path& file, CsvTable& table, const Say& say) {
+FileOutcome exportFile(const std::filesystem::path& file, CsvTable& table, bool teskTimes10, const Say& say) {
   const auto report = [&](std::string_view text) { say(fmt::format("{}: {}", file.string(), text)); };
   RecordReader reader;
   if (const auto error = reader.open(file); error.kind != FileErrorKind::none) {
     report(error.text + "; nothing exported");
     return FileOutcome::nothing;
   }
-  const auto result = exportReadings(reader, table);
+  const auto result = exportReadings(reader, table, teskTimes10);
   if (result.outcome == ExportOutcome::outputFailed) return FileOutcome::outputFailed;
   if (result.outcome == ExportOutcome::otherColumns) {
     report("has other columns than the files before it; export it by itself");
@@ -84,7 +85,7 @@ int exportAll(const ExportRequest& request, OutputFile& output, const Say& say) 
   CsvTable table{.write = [&](std::string_view text) { return output.write(text); }, .columns = {}};
   int status = kExportDone;
   for (const auto& file : request.files) {
-    const auto outcome = exportFile(file, table, say);
+    const auto outcome = exportFile(file, table, request.teskTimes10, say);
     if (outcome == FileOutcome::outputFailed) return outputFailure(output, say);
     if (outcome == FileOutcome::nothing) status = kExportFailed;
   }
@@ -107,10 +108,11 @@ CommandLine exportCommandLine(ExportRequest& request) {
       .summary =
           "Turns data files into comma-separated values, one row a reading, on standard output.\n"
           "The instrument is recognised from the file; several files of one kind give one table.",
-      .usages = {"FILE... [-o OUT]"},
+      .usages = {"FILE... [-o OUT] [--tesk-x10]"},
       .groups = {{"Table",
                   {{"-o", "OUT", "write the table to the file OUT; a data file is never overwritten", takeOut,
-                    "a file name", CommandOption::Again::refused}}}},
+                    "a file name", CommandOption::Again::refused},
+                   teskTimes10Option(request.teskTimes10)}}},
       .operands = {"", "FILE...", "data files", takeFile},
       .check = [&request] { return std::string(request.files.empty() ? "no data file was named" : ""); },
       .notes =

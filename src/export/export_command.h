@@ -18,6 +18,7 @@ inline constexpr int kExportUsage = 2;
 struct ExportRequest {
   std::vector<std::filesystem::path> files;
   std::optional<std::filesystem::path> out;  // none: standard output
+  bool teskTimes10 = false;                  // a start-up choice of the loggers, which files do not tell
 };
 CommandLine exportCommandLine(ExportRequest& request);
 

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 namespace kalmira {
+
 CommandOption kindOption(std::optional<Kind>& kind) {
   const auto take = [&kind](const std::string& value) {
     const auto* instrument = findInstrumentByName(value);
@@ -13,11 +14,15 @@ CommandOption kindOption(std::optional<Kind>& kind) {
   return {"--kind", "NAME|0..7", "ORLA, TESKB, TESKDD, TESK, VARDO, MIRKA, GLACO, TESK2", take};
 }
 
+CommandOption teskTimes10Option(bool& teskTimes10) {
+  return {"--tesk-x10", "", "TESK: its ranges are ten times as large", takeFlag(teskTimes10)};
+}
+
 CommandGroup instrumentOptions(StartOptions& options) {
   return {"Instrument",
           {kindOption(options.kind),
            {"--ice", "", "ORLA: for ice thickness, with the settings kept for that", takeFlag(options.ice)},
-           {"--tesk-x10", "", "TESK: its ranges are ten times as large", takeFlag(options.teskTimes10)}}};
+           teskTimes10Option(options.teskTimes10)}};
 }
 
 CommandGroup fileOptions(StartOptions& options) {
@@ -34,8 +39,7 @@ std::string startContradiction(const StartOptions& options) {
   const auto* instrument = options.kind ? &instrumentOf(*options.kind) : nullptr;
   if (instrument == nullptr) return {};
   if (options.ice && !instrument->hasIce()) return "--ice is for the ORLA";
-  if (options.teskTimes10 && !instrument->rangeTimes10)
-    return "--tesk-x10 is for the TESK";
+  if (options.teskTimes10 && !instrument->rangeTimes10) return "--tesk-x10 is for the TESK";
   return {};
 }
 

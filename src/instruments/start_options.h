@@ -20,8 +20,9 @@ struct StartOptions {
   bool teskTimes10 = false;
 };
 
-// --kind alone, which other programs have, too.
+// --kind and --tesk-x10 alone, which other programs have, too.
 CommandOption kindOption(std::optional<Kind>& kind);
+CommandOption teskTimes10Option(bool& teskTimes10);
 CommandGroup instrumentOptions(StartOptions& options);  // --kind, --ice, --tesk-x10
 CommandGroup fileOptions(StartOptions& options);        // --root, --storage-class, --tick-base
 // What the options say of each other: an empty text, or what is wrong. Without a kind, none is wrong.

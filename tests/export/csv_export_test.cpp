@@ -24,7 +24,7 @@ struct Exported {
   ExportResult result;
 };
 
-Exported exported(const std::string& bytes) {
+Exported exported(const std::string& bytes, bool teskRangeTimes10 = false) {
   RecordReader reader;
   EXPECT_EQ(reader.open(std::make_unique<std::istringstream>(bytes)).kind, FileErrorKind::none);
   Exported out;
@@ -34,7 +34,7 @@ Exported exported(const std::string& bytes) {
                        return true;
                      },
                  .columns = {}};
-  out.result = exportReadings(reader, table);
+  out.result = exportReadings(reader, table, teskRangeTimes10);
   return out;
 }
 
@@ -87,6 +87,16 @@ TEST(Export, HasTheChannelsOfEachKind) {
     EXPECT_EQ(table,
               std::string(kCommon) + columns + "\n7,10.000,1,2024-03-08,10:00:01.234,2234," + cells + "\n");
   }
+}
+
+// The file does not tell that a TESK's ranges are ten times as large: whoever exports it does.
+TEST(Export, TakesTheRangesTimesTenOfATeskAlone) {
+  const auto row = [](const std::string& header1, const std::string& reading) {
+    const auto table = exported(header1 + lineBlock(24) + formatReading(24, reading, 2234), true).table;
+    return table.substr(table.rfind(",2234,"));
+  };
+  EXPECT_EQ(row("TESKS   W222GRD0001    \n", "T$-0123     "), ",2234,V,0,1000,123.00000,,,\n");
+  EXPECT_EQ(row("TESKB   W222GRD0000    \n", "T$-0400+0800"), ",2234,V,0,100/100,-80.00000,,1.15200,\n");
 }
 
 TEST(Export, AppliesTheLastCalibrationBeforeAReading) {

@@ -2,12 +2,12 @@
 
 #include <QApplication>
 #include <QLineEdit>
+#include <QPushButton>
 #include <QSettings>
 #include <QTest>
 #include <QTimer>
 
 #include "settings/settings_file.h"
-#include "ui/screen/touch_button.h"
 #include "ui/session/panel_view.h"
 #include "ui/shell/program.h"
 
@@ -77,7 +77,7 @@ bool comes(const std::function<bool()>& happened) {
 }
 
 std::string Operator::text(PanelField field) {
-  return window_.findChild<PanelView*>(QStringLiteral("panel"))->text(field);
+  return dynamic_cast<PanelView*>(window_.findChild<QWidget*>(QStringLiteral("panel")))->text(field);
 }
 
 bool Operator::sees(PanelField field, std::string_view start) {
@@ -97,7 +97,7 @@ void Operator::release(Qt::Key key) {
 }
 
 void Operator::tap(const QString& button) {
-  for (auto* each : window_.findChildren<TouchButton*>()) {
+  for (auto* each : window_.findChildren<QPushButton*>()) {
     if (!each->isVisible() || each->text() != button) continue;
     // Taps in a row, at one place, are not meant as double taps.
     QTest::qWait(QApplication::doubleClickInterval() + kLookMs);

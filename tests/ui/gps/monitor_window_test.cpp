@@ -18,7 +18,6 @@
 #include "support/fake_clock.h"
 #include "support/pty.h"
 #include "ui/gps/sentence_list.h"
-#include "ui/screen/touch_button.h"
 
 namespace kalmira {
 namespace {
@@ -109,7 +108,9 @@ struct MonitorWindowTest : testing::Test {
     EXPECT_TRUE(QTest::qWaitForWindowActive(&main));
   }
 
-  SentenceListView& list() { return *window.findChild<SentenceListView*>(); }
+  SentenceListView& list() {
+    return dynamic_cast<SentenceListView&>(*window.findChild<QAbstractScrollArea*>());
+  }
   QLineEdit& edit() { return *window.findChild<QLineEdit*>(); }
   std::vector<std::string> lines() { return {list().lines().begin(), list().lines().end()}; }
   bool waitFor(const std::function<bool()>& happened) { return QTest::qWaitFor(happened, 10000); }
@@ -126,15 +127,15 @@ struct MonitorWindowTest : testing::Test {
     return all;
   }
   void press(Qt::Key key) { QTest::keyClick(QApplication::focusWidget(), key); }
-  TouchButton* button(const QString& text) {
-    for (auto* each : window.findChildren<TouchButton*>()) {
+  QPushButton* button(const QString& text) {
+    for (auto* each : window.findChildren<QPushButton*>()) {
       if (each->text() == text) return each;
     }
     return nullptr;
   }
   void tap(const QString& text) { QTest::mouseClick(button(text), Qt::LeftButton); }
   std::string defaultButton() {
-    for (auto* each : window.findChildren<TouchButton*>()) {
+    for (auto* each : window.findChildren<QPushButton*>()) {
       if (each->isDefault() && each->isVisible()) return each->text().toStdString();
     }
     return {};

@@ -206,7 +206,7 @@ TEST(LoggingWindow, TurningInTheMiddleLosesNothing) {
   test.log(orlaRecord(7), 40);
   EXPECT_TRUE(test.text(PanelField::value1).starts_with("C:7.0"));
   EXPECT_EQ(test.text(PanelField::value1).find("mS/m"), std::string::npos);
-  auto* chart = test.window.findChild<CurveWnd*>("chart");
+  auto* chart = dynamic_cast<CurveWnd*>(test.window.findChild<QWidget*>("chart"));
   const auto live = chart->picture();
   chart->redraw();
   EXPECT_EQ(chart->picture(), live);

@@ -19,7 +19,6 @@
 
 #include "support/fake_clock.h"
 #include "support/temp_folder.h"
-#include "ui/screen/touch_button.h"
 #include "ui/session/logging_window.h"
 #include "ui/session/panel_view.h"
 
@@ -147,7 +146,9 @@ struct TestWindow {
   }
 
   Session& session() { return *window.session(); }
-  std::string text(PanelField field) const { return window.findChild<PanelView*>("panel")->text(field); }
+  std::string text(PanelField field) const {
+    return dynamic_cast<PanelView*>(window.findChild<QWidget*>("panel"))->text(field);
+  }
 
   void start() { ASSERT_EQ(window.startLogging(), StartOutcome::started); }
   // Creates the data file with the proposed name.
@@ -159,14 +160,14 @@ struct TestWindow {
   }
   void press(Qt::Key key) { QTest::keyClick(&window, key); }
   void tap(const QString& button) {
-    for (auto* each : window.findChildren<TouchButton*>()) {
+    for (auto* each : window.findChildren<QPushButton*>()) {
       if (each->isVisible() && each->text() == button) return QTest::mouseClick(each, Qt::LeftButton);
     }
     ADD_FAILURE() << "no button " << button.toStdString();
   }
   std::vector<std::string> buttons() const {
     std::vector<std::string> out;
-    for (auto* each : window.findChildren<TouchButton*>()) {
+    for (auto* each : window.findChildren<QPushButton*>()) {
       if (each->isVisible()) out.push_back(each->text().toStdString());
     }
     return out;

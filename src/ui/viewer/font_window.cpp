@@ -37,7 +37,6 @@ QString sizesText(const QString& family) {
 FontWnd::FontWnd(std::function<void()> onLeft, const Theme& theme, QWidget* parent)
     : QWidget(parent),
       on_left_(std::move(onLeft)),
-      theme_(&theme),
       families_(new QListWidget(this)),
       sizes_(new QLabel(this)),
       sample_(new QLabel(this)),

@@ -34,7 +34,6 @@ class FontWnd final : public QWidget {
   void changeSize(int step);
 
   std::function<void()> on_left_;
-  const Theme* theme_;
   QListWidget* families_;
   QLabel* sizes_;
   QLabel* sample_;

@@ -80,7 +80,7 @@ std::string dataFolderForDialog(Kind kind, int storageClass) {
 }
 
 std::string filterPattern(Kind kind) {
-  return "*" + std::string(instrumentOf(kind).extension);
+  return fmt::format("*{}", instrumentOf(kind).extension);
 }
 
 std::string headerTag(Kind kind, bool shortInstrument, bool gps) {

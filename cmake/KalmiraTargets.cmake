@@ -2,7 +2,7 @@
 
 add_library(kalmira_flags INTERFACE)
 target_compile_options(kalmira_flags INTERFACE
-  -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wnon-virtual-dtor -Werror)
+  -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wnon-virtual-dtor)
 if(KALMIRA_SANITIZE)
   target_compile_options(kalmira_flags INTERFACE
     -fsanitize=${KALMIRA_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)

@@ -2,8 +2,9 @@
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
+# ensure_packages [what for, as script/bootstrap takes it]
 ensure_packages() {
-  script/bootstrap --check 2>/dev/null || script/bootstrap
+  script/bootstrap --check "$@" 2>/dev/null || script/bootstrap "$@"
 }
 
 # build PRESET [CMake arguments] [-- targets]

@@ -80,6 +80,7 @@ void wipeTick(std::string& record) {
 Program::Program(std::vector<std::string> command) {
   // A program that has ended must not end the test that speaks to it.
   (void)std::signal(SIGPIPE, SIG_IGN);
+  if (std::string_view(KALMIRA_EMULATOR) != "") command.insert(command.begin(), KALMIRA_EMULATOR);
   std::vector<char*> arguments;
   arguments.reserve(command.size() + 1);
   for (auto& argument : command) arguments.push_back(argument.data());

@@ -56,7 +56,7 @@ FieldValues runValues(const LogOptions& options) {
   put("instrumentPortIndex", kInstrumentCom - 1);
   put("gpsInput", gps ? 1 : 0);
   put("gpsPortIndex", gps ? comOf(options, options.gps, kGpsCom) - 1 : kGpsCom - 1);
-  if (instrumentOf(options.kind).hasMarker) {
+  if (instrumentOf(*options.kind).hasMarker) {
     put("markerPortChoice", options.marker.empty() ? 0 : comOf(options, options.marker, kMarkerCom));
   }
   return values;

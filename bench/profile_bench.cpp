@@ -14,7 +14,7 @@
 #include "logging/commands.h"
 #include "logging/reading_handler.h"
 #include "sim/encode.h"
-#include "ui/session/curve_view.h"
+#include "ui/session/curve_window.h"
 
 namespace {
 

@@ -40,15 +40,6 @@ std::optional<ViewCommand> viewCommandOfKey(int keyCode) {
   return std::nullopt;
 }
 
-int nextViewButton(int highlight, int step, bool fileOpen) {
-  int index = highlight;
-  for (int tried = 0; tried < kViewButtons; ++tried) {
-    index = (index + step + kViewButtons) % kViewButtons;
-    if (fileOpen || !viewEntries()[static_cast<std::size_t>(index)].needsFile) return index;
-  }
-  return highlight;
-}
-
 std::string viewHelpText(int storageClass) {
   static constexpr std::array<std::string_view, 11> kLong{
       "Select Survey Line in combo box (L)ine.",

@@ -31,10 +31,6 @@ const std::array<ViewEntry, kViewButtons>& viewEntries();
 // nothing for Tab and Enter, which go by the highlight.
 std::optional<ViewCommand> viewCommandOfKey(int keyCode);
 
-// The button after `highlight` (before it, with a `step` of -1) that can be pressed; past the last comes the
-// first.
-int nextViewButton(int highlight, int step, bool fileOpen);
-
 // "View Files Help"; there is a shorter wording for storage classes other than 0, whose screens are smaller.
 std::string viewHelpText(int storageClass);
 

@@ -2,18 +2,20 @@
 
 #include <fmt/format.h>
 
-#include <QCoreApplication>
 #include <QDialog>
 #include <QEvent>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <algorithm>
+#include <optional>
 #include <utility>
 
-#include "ui/gps/message_entry_dialog.h"
 #include "ui/gps/sentence_list.h"
+#include "ui/screen/key_table.h"
 #include "ui/screen/message_dialog.h"
+#include "ui/screen/qt_text.h"
 #include "ui/screen/screen_scale.h"
+#include "ui/screen/template_dialog.h"
 #include "ui/screen/touch_button.h"
 
 namespace kalmira {
@@ -25,11 +27,6 @@ constexpr int kGpsTries = 10;
 // Units: forty characters a row upright, so that most sentences take two.
 constexpr double kListFontUnits = 9.0;
 constexpr double kFontUnits = 13.0;
-
-QEvent::Type wakeEvent() {
-  static const auto kType = static_cast<QEvent::Type>(QEvent::registerEventType());
-  return kType;
-}
 
 QRect rectOf(const MonitorBox& box) {
   return {box.left, box.top, box.width, box.height};
@@ -44,35 +41,40 @@ std::string editStyle(const Theme& theme) {
       theme.text, theme.background, theme.focus);
 }
 
-QString qtText(std::string_view utf8) {
-  return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
+// "GPS Message": shows the message (UTF-8) for editing. What was confirmed, nothing when it was cancelled.
+std::optional<std::string> runMessageEntryDialog(QWidget* parent, const std::string& message) {
+  const auto dialog = makeDialog("GetGPSMessage", parent);
+  if (dialog == nullptr) return std::nullopt;
+  auto& field = part<QLineEdit>(*dialog, "message");
+  field.setMaxLength(kMostMessageCharacters);
+  field.setText(qtText(message));
+  if (!runDialog(*dialog)) return std::nullopt;
+  return typedText(field);
 }
 
 }  // namespace
 
 MonitorGPSWnd::MonitorGPSWnd(MonitorHost host, const Theme& theme, QWidget* parent)
-    : QWidget(parent),
+    : CoverWindow("MonitorGPSWnd", host.onLeft, parent),
       host_(std::move(host)),
-      theme_(&theme),
-      list_(new SentenceListView(theme, this)),
+      list_(new SentenceList(theme, this)),
       edit_(new QLineEdit(this)),
-      hand_over_([this] { QCoreApplication::postEvent(this, new QEvent(wakeEvent())); }),
+      buttons_(this, theme, [this](int index) { run(static_cast<MonitorCommand>(index)); }),
+      hand_over_([this] {
+        QMetaObject::invokeMethod(
+            this, [this] { hand_over_.run(); }, Qt::QueuedConnection);
+      }),
       port_(host_.portFactory, hand_over_, kRetryPeriod) {
-  setObjectName("MonitorGPSWnd");
-  setFocusPolicy(Qt::StrongFocus);
-  setAutoFillBackground(true);
-  makeEdit();
+  makeEdit(theme);
   makeButtons();
-  setTheme(theme);
-  if (parent != nullptr) parent->installEventFilter(this);
-  hide();
 }
 
 MonitorGPSWnd::~MonitorGPSWnd() {
   port_.close();
 }
 
-void MonitorGPSWnd::makeEdit() {
+void MonitorGPSWnd::makeEdit(const Theme& theme) {
+  edit_->setStyleSheet(qtText(editStyle(theme)));
   edit_->setText(qtText(kInitialGpsMessage));
   edit_->setMaxLength(kMostMessageCharacters);
   edit_->setFocusPolicy(Qt::ClickFocus);
@@ -82,20 +84,12 @@ void MonitorGPSWnd::makeEdit() {
 }
 
 void MonitorGPSWnd::makeButtons() {
+  std::vector<Action> actions;
   for (int i = 0; i < kMonitorCommands; ++i) {
-    const auto command = static_cast<MonitorCommand>(i);
-    auto* button = new TouchButton(qtText(monitorButtonText(command)), *theme_, this);
-    connect(button, &QPushButton::clicked, this, [this, command] { run(command); });
-    buttons_[static_cast<std::size_t>(i)] = button;
+    actions.push_back({.text = monitorButtonText(static_cast<MonitorCommand>(i))});
   }
+  buttons_.setActions(actions);
   showButtons();
-}
-
-void MonitorGPSWnd::setTheme(const Theme& theme) {
-  theme_ = &theme;
-  list_->setTheme(theme);
-  edit_->setStyleSheet(QString::fromStdString(editStyle(theme)));
-  for (auto* button : buttons_) button->setTheme(theme);
 }
 
 bool MonitorGPSWnd::open() {
@@ -108,11 +102,8 @@ bool MonitorGPSWnd::open() {
   requests_.clear();
   startReader();
   showButtons();
-  if (parentWidget() != nullptr) setGeometry(parentWidget()->rect());
-  layOut();
-  show();
-  raise();
-  setFocus();
+  arrange();
+  cover();
   return true;
 }
 
@@ -150,14 +141,7 @@ void MonitorGPSWnd::leave() {
   }
   showStreaming(state_);
   showButtons();
-  hide();
-  if (host_.onLeft) host_.onLeft();
-}
-
-bool MonitorGPSWnd::event(QEvent* event) {
-  if (event->type() != wakeEvent()) return QWidget::event(event);
-  hand_over_.run();
-  return true;
+  uncover();
 }
 
 void MonitorGPSWnd::showNews(const MonitorNews& news) {
@@ -194,7 +178,7 @@ void MonitorGPSWnd::sendMessage() {
   if (!port_.isOpen()) return;
   setFocus();
   if (!message) return;
-  edit_->setText(QString::fromStdString(*message));
+  edit_->setText(qtText(*message));
   edit_->setCursorPosition(0);
   if (receiver_gone_) {
     list_->addLine("Message not sent: receiver unplugged");
@@ -208,18 +192,21 @@ void MonitorGPSWnd::sendMessage() {
 
 void MonitorGPSWnd::showButtons() {
   for (int i = 0; i < kMonitorCommands; ++i) {
-    auto* button = buttons_[static_cast<std::size_t>(i)];
+    auto* button = buttons_.buttons()[static_cast<std::size_t>(i)];
     const bool shown = monitorButtonShown(state_, static_cast<MonitorCommand>(i));
     button->setEnabled(shown);
     button->setVisible(shown);
-    button->setDefault(i == state_.monitorDefaultButton);
   }
+  buttons_.setHighlight(state_.monitorDefaultButton);
 }
 
 void MonitorGPSWnd::keyPressEvent(QKeyEvent* event) {
-  if (scrollKey(event->key()) || event->isAutoRepeat()) return;
-  // What is no command ends here: the main menu below has keys of its own. Function keys are the program's.
-  if (event->key() >= Qt::Key_F1 && event->key() <= Qt::Key_F35) return QWidget::keyPressEvent(event);
+  // Earlier sentences without touching the screen; as none of these keys types anything, they are free.
+  const int page = std::max(1, list_->rowsInView() - 1);
+  if (const int rows = scrollStepOf(keyCodeOf(event->key()), page); rows != 0) return list_->scroll(rows);
+  if (event->isAutoRepeat()) return;
+  // What is no command ends here: the main menu below has keys of its own.
+  if (isFunctionKey(event->key())) return QWidget::keyPressEvent(event);
   const QString typed = event->text();
   if (typed.size() != 1) return;
   const auto command = typeMonitorKey(state_, typed[0].toLatin1());
@@ -227,33 +214,11 @@ void MonitorGPSWnd::keyPressEvent(QKeyEvent* event) {
   if (command) run(*command);
 }
 
-// Earlier sentences without touching the screen; as none of these keys types anything, they are free.
-bool MonitorGPSWnd::scrollKey(int key) {
-  const int page = std::max(1, list_->rowsInView() - 1);
-  switch (key) {
-    case Qt::Key_Up:
-      list_->scroll(-1);
-      return true;
-    case Qt::Key_Down:
-      list_->scroll(1);
-      return true;
-    case Qt::Key_PageUp:
-      list_->scroll(-page);
-      return true;
-    case Qt::Key_PageDown:
-      list_->scroll(page);
-      return true;
-    default:
-      return false;
-  }
-}
-
 bool MonitorGPSWnd::eventFilter(QObject* watched, QEvent* event) {
-  if (watched == parentWidget() && event->type() == QEvent::Resize) setGeometry(parentWidget()->rect());
   if (watched == edit_ && event->type() == QEvent::KeyPress) {
     return editKey(*static_cast<const QKeyEvent*>(event));
   }
-  return false;
+  return CoverWindow::eventFilter(watched, event);
 }
 
 // True for the keys that leave the edit line.
@@ -274,19 +239,18 @@ bool MonitorGPSWnd::editKey(const QKeyEvent& event) {
 }
 
 void MonitorGPSWnd::resizeEvent(QResizeEvent*) {
-  layOut();
+  arrange();
 }
 
-void MonitorGPSWnd::layOut() {
+void MonitorGPSWnd::arrange() {
   const auto layout = layOutMonitor(width(), height(), touchHeight(screen()));
+  setTextScale(*this, layout.scale);
   QFont text = font();
-  text.setPixelSize(dialogTextPixels(layout.scale));
-  setFont(text);
   text.setPixelSize(std::max(8, static_cast<int>(kFontUnits * layout.scale)));
   edit_->setFont(text);
-  for (std::size_t i = 0; i < buttons_.size(); ++i) {
-    buttons_[i]->setFont(text);
-    buttons_[i]->setGeometry(rectOf(layout.buttons[i]));
+  for (std::size_t i = 0; i < layout.buttons.size(); ++i) {
+    buttons_.buttons()[i]->setFont(text);
+    buttons_.buttons()[i]->setGeometry(rectOf(layout.buttons[i]));
   }
   edit_->setGeometry(rectOf(layout.edit));
   list_->setGeometry(rectOf(layout.list));

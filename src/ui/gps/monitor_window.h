@@ -1,7 +1,5 @@
 #pragma once
 
-#include <QWidget>
-#include <array>
 #include <functional>
 
 #include "gps/monitor.h"
@@ -11,14 +9,14 @@
 #include "platform/clock.h"
 #include "platform/hand_over.h"
 #include "settings/settings.h"
-#include "ui/screen/theme.h"
+#include "ui/screen/action_bar.h"
+#include "ui/screen/cover_window.h"
 
 class QLineEdit;
 
 namespace kalmira {
 
-class SentenceListView;
-class TouchButton;
+class SentenceList;
 
 // What the monitor needs of the program. What is referred to outlives the window.
 struct MonitorHost {
@@ -32,7 +30,7 @@ struct MonitorHost {
 // MonitorGPSWnd: watches what the GPS receiver sends and sends it messages. All over its parent while it is
 // shown. Typed letters are commands; the edit line has the keyboard only after it was tapped, and Escape, Tab
 // or Enter give it back.
-class MonitorGPSWnd final : public QWidget {
+class MonitorGPSWnd final : public CoverWindow {
  public:
   MonitorGPSWnd(MonitorHost host, const Theme& theme, QWidget* parent);
   ~MonitorGPSWnd() override;
@@ -42,37 +40,32 @@ class MonitorGPSWnd final : public QWidget {
   bool open();
   // Closes the port and hides the window; ignored while it is not open.
   void leave();
-  void setTheme(const Theme& theme);
   const MonitorState& state() const { return state_; }
 
  protected:
   void keyPressEvent(QKeyEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
-  bool event(QEvent* event) override;
   bool eventFilter(QObject* watched, QEvent* event) override;
-  bool focusNextPrevChild(bool) override { return false; }  // Tab moves the default button
 
  private:
   void makeButtons();
-  void makeEdit();
+  void makeEdit(const Theme& theme);
   bool openPort();
   void startReader();
   void showNews(const MonitorNews& news);
   void run(MonitorCommand command);
   void sendMessage();
-  bool scrollKey(int key);
   bool editKey(const QKeyEvent& event);
   void showButtons();
-  void layOut();
+  void arrange();
 
   MonitorHost host_;
-  const Theme* theme_;
   MonitorState state_;
   bool receiver_gone_ = false;
   bool entering_ = false;  // the message dialog is open
-  SentenceListView* list_;
+  SentenceList* list_;
   QLineEdit* edit_;
-  std::array<TouchButton*, kMonitorCommands> buttons_{};
+  ActionBar buttons_;
   MonitorRequests requests_;
   HandOver hand_over_;
   PortThread port_;

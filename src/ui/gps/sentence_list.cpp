@@ -26,7 +26,7 @@ double characterWidth(const QFont& font) {
 
 }  // namespace
 
-SentenceListView::SentenceListView(const Theme& theme, QWidget* parent)
+SentenceList::SentenceList(const Theme& theme, QWidget* parent)
     : QAbstractScrollArea(parent), theme_(&theme) {
   setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
   setFocusPolicy(Qt::NoFocus);
@@ -39,19 +39,19 @@ SentenceListView::SentenceListView(const Theme& theme, QWidget* parent)
   QScroller::grabGesture(viewport(), QScroller::TouchGesture);
 }
 
-std::vector<std::string_view> SentenceListView::rowsOf(const std::string& line) const {
+std::vector<std::string_view> SentenceList::rowsOf(const std::string& line) const {
   return monitorRows(line, columns_, kIndent);
 }
 
-int SentenceListView::rowHeight() const {
+int SentenceList::rowHeight() const {
   return std::max(1, fontMetrics().height());
 }
 
-int SentenceListView::rowsInView() const {
+int SentenceList::rowsInView() const {
   return std::max(1, viewport()->height() / rowHeight());
 }
 
-void SentenceListView::addLine(std::string line) {
+void SentenceList::addLine(std::string line) {
   lines_.push_back(std::move(line));
   row_counts_.push_back(static_cast<int>(rowsOf(lines_.back()).size()));
   rows_ += row_counts_.back();
@@ -65,28 +65,23 @@ void SentenceListView::addLine(std::string line) {
   viewport()->update();
 }
 
-void SentenceListView::clearLines() {
+void SentenceList::clearLines() {
   lines_.clear();
   breakAnew();
 }
 
-void SentenceListView::setTheme(const Theme& theme) {
-  theme_ = &theme;
-  viewport()->update();
-}
-
-void SentenceListView::setFontSize(int pixelSize) {
+void SentenceList::setFontSize(int pixelSize) {
   QFont sized = font();
   sized.setPixelSize(std::max(1, pixelSize));
   setFont(sized);
   breakAnew();
 }
 
-void SentenceListView::scroll(int rows) {
+void SentenceList::scroll(int rows) {
   verticalScrollBar()->setValue(verticalScrollBar()->value() + rows);
 }
 
-void SentenceListView::breakAnew() {
+void SentenceList::breakAnew() {
   const int room = viewport()->width() - 2 * kEdge;
   columns_ = static_cast<std::size_t>(std::max(1.0, room / characterWidth(font())));
   row_counts_.clear();
@@ -100,16 +95,16 @@ void SentenceListView::breakAnew() {
   viewport()->update();
 }
 
-void SentenceListView::showRange() {
+void SentenceList::showRange() {
   verticalScrollBar()->setRange(0, std::max(0, rows_ - rowsInView()));
   verticalScrollBar()->setPageStep(rowsInView());
 }
 
-void SentenceListView::resizeEvent(QResizeEvent*) {
+void SentenceList::resizeEvent(QResizeEvent*) {
   breakAnew();
 }
 
-void SentenceListView::paintEvent(QPaintEvent* event) {
+void SentenceList::paintEvent(QPaintEvent* event) {
   QPainter painter(viewport());
   painter.fillRect(event->rect(), QColor(theme_->background));
   painter.setPen(QColor(theme_->text));

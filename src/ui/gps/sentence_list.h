@@ -13,15 +13,14 @@ namespace kalmira {
 // The receiver's lines, the newest last, in a font of fixed width: a line too long for one row goes on,
 // indented, in the next. Old lines go when there are too many. Scrolls by finger, wheel and bar; takes no
 // keyboard focus.
-class SentenceListView final : public QAbstractScrollArea {
+class SentenceList final : public QAbstractScrollArea {
  public:
-  SentenceListView(const Theme& theme, QWidget* parent);
+  SentenceList(const Theme& theme, QWidget* parent);
 
   // Scrolls on until the new line is the first in view, or the last one stands at the lower edge.
   void addLine(std::string line);
   void clearLines();
   const std::deque<std::string>& lines() const { return lines_; }
-  void setTheme(const Theme& theme);
   void setFontSize(int pixelSize);
   // By rows, down or (negative) up.
   void scroll(int rows);

@@ -1,10 +1,14 @@
 #include "ui/screen/file_dialog.h"
 
+#include <fmt/format.h>
+
 #include <QComboBox>
 #include <QDialogButtonBox>
 #include <QFileDialog>
 #include <QGridLayout>
+#include <QLineEdit>
 
+#include "ui/screen/qt_text.h"
 #include "ui/screen/template_dialog.h"
 
 namespace kalmira {
@@ -40,18 +44,13 @@ void makeSmall(const QFileDialog& dialog) {
   dialog.layout()->setSpacing(4);
 }
 
-}  // namespace
-
 QString pathText(const std::filesystem::path& path) {
   const auto utf8 = path.u8string();
   return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
 }
 
-std::filesystem::path pathOf(const QString& text) {
-  return {text.toStdU16String()};
-}
-
-void dressFileDialog(QFileDialog& dialog, const QWidget* parent) {
+// After the dialog's filters are set.
+void dress(QFileDialog& dialog, const QWidget* parent) {
   dialog.setViewMode(QFileDialog::List);
   hidePieces(dialog, {"listModeButton", "detailModeButton"});
   dressLike(dialog, parent);
@@ -62,6 +61,84 @@ void dressFileDialog(QFileDialog& dialog, const QWidget* parent) {
   for (auto* box : dialog.findChildren<QComboBox*>()) {
     box->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
   }
+}
+
+void useForSaving(QFileDialog& dialog) {
+  dialog.setOptions(QFileDialog::DontUseNativeDialog | QFileDialog::DontConfirmOverwrite |
+                    QFileDialog::DontUseCustomDirectoryIcons);
+  dialog.setAcceptMode(QFileDialog::AcceptSave);
+  dialog.setFileMode(QFileDialog::AnyFile);
+}
+
+std::optional<std::filesystem::path> answerOf(QFileDialog& dialog) {
+  placeInParent(dialog);
+  if (execDialog(dialog) != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return std::nullopt;
+  return dialog.selectedFiles().constFirst().toStdU16String();
+}
+
+void propose(QFileDialog& dialog, const QString& name) {
+  // By the name Qt gives it; without it the name is simply not marked.
+  auto* field = dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+  if (field == nullptr) return dialog.selectFile(name);
+  // The names of existing files, which completion would offer, are the ones that cannot be taken.
+  field->setCompleter(nullptr);
+  field->setText(name);
+  field->selectAll();
+}
+
+// Nothing may have been logged yet with this kind: its folder is then not there.
+std::filesystem::path nearestFolder(std::filesystem::path folder) {
+  std::error_code ignored;
+  while (folder.has_relative_path() && !std::filesystem::is_directory(folder, ignored)) {
+    folder = folder.parent_path();
+  }
+  return folder;
+}
+
+QString everyKindFilter() {
+  std::string patterns;
+  for (int index = 0; index < kKindCount; ++index) {
+    patterns += fmt::format("{}{}", index == 0 ? "" : " ", filterPattern(static_cast<Kind>(index)));
+  }
+  return qtText(fmt::format("All Data Files ({})", patterns));
+}
+
+}  // namespace
+
+std::optional<std::filesystem::path> runCreateFileDialog(QWidget* parent, const DataPlace& place,
+                                                         const std::string& proposal) {
+  QFileDialog dialog(parent, "Create Data File");
+  useForSaving(dialog);
+  dress(dialog, parent);
+  const auto& instrument = instrumentOf(place.kind);
+  dialog.setNameFilter(qtText(instrument.filterText));
+  dialog.setDefaultSuffix(qtText(instrument.extension.substr(1)));
+  dialog.setDirectory(pathText(dataFolderOf(place)));
+  const bool wholePath = proposal.find('\\') != std::string::npos;
+  propose(dialog, wholePath ? pathText(dataFilePathFor(place, proposal).filename()) : qtText(proposal));
+  return answerOf(dialog);
+}
+
+std::optional<std::filesystem::path> runOpenFileDialog(QWidget* parent, const DataPlace& place) {
+  QFileDialog dialog(parent, "Open Data File");
+  dialog.setOptions(QFileDialog::DontUseNativeDialog | QFileDialog::DontUseCustomDirectoryIcons);
+  dialog.setAcceptMode(QFileDialog::AcceptOpen);
+  dialog.setFileMode(QFileDialog::ExistingFile);
+  dialog.setNameFilters({qtText(instrumentOf(place.kind).filterText), everyKindFilter()});
+  dialog.setDirectory(pathText(nearestFolder(dataFolderOf(place))));
+  dress(dialog, parent);
+  return answerOf(dialog);
+}
+
+std::optional<std::filesystem::path> runSaveDialog(QWidget* parent, const SaveQuestion& question) {
+  QFileDialog dialog(parent, qtText(question.title));
+  useForSaving(dialog);
+  dialog.setNameFilter(qtText(question.filter));
+  dialog.setDefaultSuffix(qtText(question.extension));
+  dialog.setDirectory(pathText(question.proposal.parent_path()));
+  dialog.selectFile(pathText(question.proposal.filename()));
+  dress(dialog, parent);
+  return answerOf(dialog);
 }
 
 }  // namespace kalmira

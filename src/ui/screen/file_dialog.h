@@ -1,20 +1,45 @@
 #pragma once
 
-#include <QString>
+#include <QGuiApplication>
+#include <QWidget>
 #include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
 
-class QFileDialog;
-class QWidget;
+#include "datafile/creation.h"
 
-// File dialogs are Qt's own and not the desktop's: the same everywhere, and fit for fingers.
+// What the windows ask about files. The dialogs are Qt's own and not the desktop's: the same everywhere, and
+// fit for fingers; in a narrow window they show only what is needed to name a file. Each gives the path
+// chosen, nothing when it was cancelled.
 namespace kalmira {
 
-QString pathText(const std::filesystem::path& path);
-std::filesystem::path pathOf(const QString& text);
+// "Create Data File": in the kind's data folder, with the kind's filter and extension, starting with the
+// proposed name. Whether a file of that name exists already is for the caller to say.
+std::optional<std::filesystem::path> runCreateFileDialog(QWidget* parent, const DataPlace& place,
+                                                         const std::string& proposal);
 
-// Font, colours and touch height; in a narrow window only what is needed to name a file. Which kinds of file
-// there are is left to choose where the dialog has more than one. After the dialog's mode and filters are
-// set.
-void dressFileDialog(QFileDialog& dialog, const QWidget* parent);
+// "Open Data File": in the kind's data folder, with the kind's filter; a second filter shows the files of all
+// kinds.
+std::optional<std::filesystem::path> runOpenFileDialog(QWidget* parent, const DataPlace& place);
+
+// A save dialog that starts with the name `proposal`. What is typed without an extension gets `extension`
+// ("png"); whether the file exists is for the caller to ask.
+struct SaveQuestion {
+  std::string title;
+  std::string filter;  // "Picture (*.png)"
+  std::string extension;
+  std::filesystem::path proposal;
+};
+std::optional<std::filesystem::path> runSaveDialog(QWidget* parent, const SaveQuestion& question);
+
+// A large file takes a moment; the operator sees that it is being worked on as long as this lives.
+class WaitingCursor {
+ public:
+  WaitingCursor() { QGuiApplication::setOverrideCursor(Qt::WaitCursor); }
+  ~WaitingCursor() { QGuiApplication::restoreOverrideCursor(); }
+  WaitingCursor(const WaitingCursor&) = delete;
+  WaitingCursor& operator=(const WaitingCursor&) = delete;
+};
 
 }  // namespace kalmira

@@ -1,6 +1,7 @@
 #include "ui/screen/key_table.h"
 
 #include <Qt>
+#include <algorithm>
 #include <array>
 
 #include "logging/keys.h"
@@ -10,6 +11,11 @@ namespace {
 
 constexpr int kPauseS = 3;
 
+struct KeyRow {
+  int qtKey;
+  int keyCode;
+};
+// All but letters and digits, whose codes are their own. The space bar stands in for the keypad's full stop.
 constexpr std::array kRows{
     KeyRow{Qt::Key_Tab, key::kTab},
     KeyRow{Qt::Key_Backtab, key::kTab},
@@ -28,32 +34,32 @@ constexpr std::array kRows{
     KeyRow{Qt::Key_Period, key::kPeriod},
     KeyRow{Qt::Key_Comma, key::kPeriod},
     KeyRow{Qt::Key_Space, key::kPeriod},
-    KeyRow{Qt::Key_Shift, kNoKey},
-    KeyRow{Qt::Key_Control, kNoKey},
-    KeyRow{Qt::Key_Meta, kNoKey},
-    KeyRow{Qt::Key_Alt, kNoKey},
-    KeyRow{Qt::Key_AltGr, kNoKey},
-    KeyRow{Qt::Key_CapsLock, kNoKey},
-    KeyRow{Qt::Key_NumLock, kNoKey},
-    KeyRow{Qt::Key_ScrollLock, kNoKey},
-    KeyRow{Qt::Key_Super_L, kNoKey},
-    KeyRow{Qt::Key_Super_R, kNoKey},
-    KeyRow{Qt::Key_VolumeUp, kNoKey},
-    KeyRow{Qt::Key_VolumeDown, kNoKey},
-    KeyRow{Qt::Key_VolumeMute, kNoKey},
-    KeyRow{Qt::Key_PowerOff, kNoKey},
-    KeyRow{Qt::Key_Sleep, kNoKey},
-    KeyRow{Qt::Key_MonBrightnessUp, kNoKey},
-    KeyRow{Qt::Key_MonBrightnessDown, kNoKey},
-    KeyRow{0, kNoKey},
-    KeyRow{Qt::Key_unknown, kNoKey},
+};
+
+// Modifiers, and keys that are for the machine.
+constexpr std::array<int, 19> kSilent{
+    Qt::Key_Shift,
+    Qt::Key_Control,
+    Qt::Key_Meta,
+    Qt::Key_Alt,
+    Qt::Key_AltGr,
+    Qt::Key_CapsLock,
+    Qt::Key_NumLock,
+    Qt::Key_ScrollLock,
+    Qt::Key_Super_L,
+    Qt::Key_Super_R,
+    Qt::Key_VolumeUp,
+    Qt::Key_VolumeDown,
+    Qt::Key_VolumeMute,
+    Qt::Key_PowerOff,
+    Qt::Key_Sleep,
+    Qt::Key_MonBrightnessUp,
+    Qt::Key_unknown,
+    Qt::Key_MonBrightnessDown,
+    0,
 };
 
 }  // namespace
-
-std::span<const KeyRow> keyTable() {
-  return kRows;
-}
 
 int keyCodeOf(int qtKey, int pauseKey) {
   if (qtKey == Qt::Key_S && pauseKey == kPauseS) return '0';
@@ -61,7 +67,26 @@ int keyCodeOf(int qtKey, int pauseKey) {
   for (const auto& row : kRows) {
     if (row.qtKey == qtKey) return row.keyCode;
   }
-  return kOtherKey;
+  return std::find(kSilent.begin(), kSilent.end(), qtKey) == kSilent.end() ? kOtherKey : kNoKey;
+}
+
+int scrollStepOf(int keyCode, int page) {
+  switch (keyCode) {
+    case key::kUp:
+      return -1;
+    case key::kDown:
+      return 1;
+    case key::kPageUp:
+      return -page;
+    case key::kPageDown:
+      return page;
+    default:
+      return 0;
+  }
+}
+
+bool isFunctionKey(int qtKey) {
+  return qtKey >= Qt::Key_F1 && qtKey <= Qt::Key_F35;
 }
 
 }  // namespace kalmira

@@ -9,6 +9,7 @@
 #include <QTimer>
 #include <algorithm>
 
+#include "ui/screen/qt_text.h"
 #include "ui/screen/template_dialog.h"
 
 namespace kalmira {
@@ -48,7 +49,7 @@ QString wrapped(const QString& paragraph, const QFont& font, int room) {
 }
 
 QString wrappedText(const QMessageBox& box, const std::string& text) {
-  QStringList paragraphs = QString::fromStdString(text).remove('\r').trimmed().split('\n');
+  QStringList paragraphs = qtText(text).remove('\r').trimmed().split('\n');
   if (box.parentWidget() == nullptr) return paragraphs.join('\n');
   const int beside = box.style()->pixelMetric(QStyle::PM_MessageBoxIconSize, nullptr, &box) + kMargins;
   const int room = box.parentWidget()->window()->width() - beside;
@@ -58,7 +59,7 @@ QString wrappedText(const QMessageBox& box, const std::string& text) {
 
 void showMessage(QMessageBox& box, const QWidget* parent, const Message& message) {
   dressLike(box, parent);
-  box.setWindowTitle(QString::fromStdString(message.title));
+  box.setWindowTitle(qtText(message.title));
   box.setTextFormat(Qt::PlainText);
   box.setText(wrappedText(box, message.text));
   box.setIcon(boxIcon(message.icon));
@@ -110,7 +111,7 @@ void tellMessage(QWidget* parent, const Message& message) {
   execDialog(box);
 }
 
-EnterMeans enterMeans(Question question) {
+EnterMeans enterAnswer(Question question) {
   switch (question) {
     case Question::exitLogging:
     case Question::deleteCalibration:

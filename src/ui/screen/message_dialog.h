@@ -13,7 +13,7 @@ void tellMessage(QWidget* parent, const Message& message);
 // Which answer Enter gives: Yes where it carries on, No where it would end a session or delete something that
 // a key pressed once too often should not.
 enum class EnterMeans { yes, no };
-EnterMeans enterMeans(Question question);
+EnterMeans enterAnswer(Question question);
 
 // A question that comes by itself would be answered by a key or tap that was meant for something else: it is
 // deaf for this long.

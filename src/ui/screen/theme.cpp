@@ -1,6 +1,9 @@
 #include "ui/screen/theme.h"
 
+#include <QPalette>
+
 namespace kalmira {
+
 const Theme& dayTheme() {
   static constexpr Theme kDay;
   return kDay;
@@ -36,6 +39,27 @@ ChartColours chartColoursOf(const Theme& theme) {
 
 std::uint32_t traceColourOn(const Theme& theme, int settingsColour) {
   return traceColourOn(chartColoursOf(theme), settingsColour);
+}
+
+QPalette paletteOf(const Theme& theme) {
+  const QColor text(theme.text);
+  const QColor background(theme.background);
+  // From button and window colour Qt works out its edges and shadows.
+  QPalette palette(QColor(theme.button), background);
+  for (const auto role : {QPalette::Window, QPalette::Base}) palette.setColor(role, background);
+  for (const auto role : {QPalette::WindowText, QPalette::Text}) palette.setColor(role, text);
+  palette.setColor(QPalette::ButtonText, QColor(theme.buttonText));
+  palette.setColor(QPalette::AlternateBase, QColor(theme.button));
+  palette.setColor(QPalette::ToolTipBase, background);
+  palette.setColor(QPalette::ToolTipText, text);
+  palette.setColor(QPalette::PlaceholderText, QColor(theme.faintText));
+  palette.setColor(QPalette::Highlight, QColor(theme.focus));
+  palette.setColor(QPalette::HighlightedText, background);
+  palette.setColor(QPalette::Link, QColor(theme.focus));
+  for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
+    palette.setColor(QPalette::Disabled, role, QColor(theme.faintText));
+  }
+  return palette;
 }
 
 }  // namespace kalmira

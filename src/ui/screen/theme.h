@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QPalette>
 #include <cstdint>
 
 #include "chart/chart_colours.h"
@@ -18,7 +19,7 @@ struct Theme {
   std::uint32_t buttonEdge = 0x555555;
   std::uint32_t pressedButton = 0xB8B8B8;
   std::uint32_t focus = 0x0044CC;  // frame of the button that Enter presses
-  // The band behind the state word, and the word on it: see stateColours.
+  // The band behind the state word, and the word on it.
   std::uint32_t monitor = 0x5A5A5A;
   std::uint32_t monitorText = 0xFFFFFF;
   std::uint32_t standBy = 0xFFC400;
@@ -37,5 +38,8 @@ const Theme& nightTheme();
 
 ChartColours chartColoursOf(const Theme& theme);
 std::uint32_t traceColourOn(const Theme& theme, int settingsColour);
+
+// The palette for everything Qt draws by itself: dialogs, menus, message boxes.
+QPalette paletteOf(const Theme& theme);
 
 }  // namespace kalmira

@@ -49,7 +49,4 @@ class TouchButton final : public QPushButton {
 // Gives all of them one size of text: the largest, up to `pixels`, in which each text fits its button.
 void fitTogether(std::span<TouchButton* const> buttons, int pixels);
 
-// The palette for everything Qt draws by itself: dialogs, menus, message boxes.
-QPalette paletteOf(const Theme& theme);
-
 }  // namespace kalmira

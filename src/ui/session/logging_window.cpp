@@ -2,7 +2,6 @@
 
 #include <QApplication>
 #include <QDialog>
-#include <QEvent>
 #include <QKeyEvent>
 #include <algorithm>
 #include <utility>
@@ -15,18 +14,14 @@
 #include "ui/screen/message_dialog.h"
 #include "ui/screen/screen_scale.h"
 #include "ui/screen/touch_button.h"
-#include "ui/session/window_parts.h"
+#include "ui/session/logging_window_parts.h"
 
 namespace kalmira {
 namespace {
 
 constexpr int kButtonUnits = 28;
+constexpr int kTextPercent = 45;  // of a button's height, for one line
 constexpr double kSmallScale = 1.5;
-
-QEvent::Type wakeEvent() {
-  static const auto kType = static_cast<QEvent::Type>(QEvent::registerEventType());
-  return kType;
-}
 
 // Messages and questions stand on top of whatever is open.
 QWidget* topmost(QWidget* window) {
@@ -47,7 +42,7 @@ void LoggingWnd::View::beep(Beep) {
 bool LoggingWnd::View::ask(Question question, const Message& message) {
   const Depth asking(window_.parts_->askingDepth);
   const bool unasked = question == Question::linkLost;
-  const bool yes = askMessage(topmost(&window_), message, enterMeans(question), unasked ? kDeafMs : 0);
+  const bool yes = askMessage(topmost(&window_), message, enterAnswer(question), unasked ? kDeafMs : 0);
   window_.setFocus();
   return yes;
 }
@@ -87,33 +82,30 @@ void LoggingWnd::View::closeDialogs() {
 void LoggingWnd::View::loggingLeft() {
   window_.parts_->serviceTimer.stop();
   window_.parts_->chart->setSession(nullptr);
-  window_.hide();
-  if (window_.host_.onLeft) window_.host_.onLeft();
+  window_.uncover();
 }
 
 LoggingWnd::Parts::Parts(LoggingWnd& window, const Theme& theme)
     : view(window),
-      handOver([&window] { QCoreApplication::postEvent(&window, new QEvent(wakeEvent())); }),
+      handOver([this, &window] {
+        QMetaObject::invokeMethod(
+            &window, [this] { handOver.run(); }, Qt::QueuedConnection);
+      }),
       panel(new PanelView(theme, &window)),
       chart(new CurveWnd(theme, &window)),
-      buttons(new ButtonRowView(
-          theme,
-          [&window](int index) {
-            if (window.sessionActive()) window.runCode(codeOfButton(*window.session(), index));
-          },
-          &window)) {
+      buttons(&window, theme, [&window](int index) {
+        if (window.sessionActive()) window.runCode(codeOfButton(*window.session(), index));
+      }) {
   panel->setObjectName("panel");
   chart->setObjectName("chart");
   serviceTimer.setSingleShot(true);
 }
 
 LoggingWnd::LoggingWnd(LoggingHost host, const Theme& theme, QWidget* parent)
-    : QWidget(parent), host_(std::move(host)), parts_(std::make_unique<Parts>(*this, theme)) {
-  setObjectName("LoggingWnd");
-  setFocusPolicy(Qt::StrongFocus);
-  setAutoFillBackground(true);
+    : CoverWindow("LoggingWnd", host.onLeft, parent),
+      host_(std::move(host)),
+      parts_(std::make_unique<Parts>(*this, theme)) {
   connect(&parts_->serviceTimer, &QTimer::timeout, this, [this] { service(); });
-  hide();
 }
 
 LoggingWnd::~LoggingWnd() {
@@ -137,14 +129,12 @@ StartOutcome LoggingWnd::startLogging() {
     OnReading(parts_->run->session);
   });
   auto& session = parts_->run->session;
-  layOut();
+  arrange();
   const auto outcome = startSession(session);
   if (outcome != StartOutcome::started || !session.sessionActive) return outcome;
   parts_->chart->setSession(&session);
   showButtons();
-  show();
-  raise();
-  setFocus();
+  cover();
   parts_->serviceTimer.start(0);
   return outcome;
 }
@@ -167,42 +157,38 @@ void LoggingWnd::service() {
   }
 }
 
-bool LoggingWnd::event(QEvent* event) {
-  if (event->type() != wakeEvent()) return QWidget::event(event);
-  parts_->handOver.run();
-  return true;
-}
-
-void LoggingWnd::layOut() {
+void LoggingWnd::arrange() {
   if (width() <= 0 || height() <= 0) return;
   const auto [portrait, scale] = screenScaleOf(width(), height());
   auto& setup = host_.setup;
   setup.portrait = setup.wideLayout = portrait;
   setup.smallScreen = scale < kSmallScale;
   if (auto* running = session()) running->setup = setup;
-  // The dialogs' font, too.
-  QFont texts = font();
-  texts.setPixelSize(dialogTextPixels(scale));
-  setFont(texts);
+  setTextScale(*this, scale);
   const int panelHeight =
-      parts_->panel->layOut({.kind = setup.kind,
-                             .iceOption = setup.iceChosen && host_.settings.iceDisplay == 1,
-                             .wideLayout = portrait,
-                             .gps = host_.settings.gpsInput == 1,
-                             .scale = scale,
-                             .width = width()});
+      parts_->panel->arrange({.kind = setup.kind,
+                              .iceOption = setup.iceChosen && host_.settings.iceDisplay == 1,
+                              .wideLayout = portrait,
+                              .gps = host_.settings.gpsInput == 1,
+                              .scale = scale,
+                              .width = width()});
   const int buttonHeight = std::max(touchHeight(screen()), static_cast<int>(kButtonUnits * scale));
   const int chartHeight = std::max(1, height() - panelHeight - buttonHeight);
   parts_->panel->setGeometry(0, 0, width(), panelHeight);
   parts_->chart->setLayoutOf(portrait, scale);
   parts_->chart->setGeometry(0, panelHeight, width(), chartHeight);
-  parts_->buttons->setGeometry(0, height() - buttonHeight, width(), buttonHeight);
+  parts_->buttonRow = {0, height() - buttonHeight, width(), buttonHeight};
+  placeButtons();
+}
+
+void LoggingWnd::placeButtons() {
+  parts_->buttons.placeInRow(parts_->buttonRow, parts_->buttonRow.height() * kTextPercent / 100);
 }
 
 void LoggingWnd::resizeEvent(QResizeEvent*) {
   const bool wide = host_.setup.wideLayout;
   const bool small = host_.setup.smallScreen;
-  layOut();
+  arrange();
   if (!sessionActive()) return;
   // Texts and prompts have forms of their own in each layout.
   if (wide != host_.setup.wideLayout) paintPanel(parts_->run->session);
@@ -212,15 +198,17 @@ void LoggingWnd::resizeEvent(QResizeEvent*) {
 void LoggingWnd::setTheme(const Theme& theme) {
   parts_->panel->setTheme(theme);
   parts_->chart->setTheme(theme);
-  parts_->buttons->setTheme(theme);
+  parts_->buttons.setTheme(theme);
 }
 
 void LoggingWnd::showButtons() {
   const auto& session = parts_->run->session;
   const auto texts = buttonTexts(session, keyContextOf(session));
   parts_->focus = {.focusIndex = 0, .firstFocusIndex = 0, .buttonCount = static_cast<int>(texts.size())};
-  parts_->buttons->setTexts(texts);
-  parts_->buttons->setFocusIndex(0);
+  std::vector<Action> actions;
+  for (const auto text : texts) actions.push_back({.text = text});
+  parts_->buttons.setActions(actions);
+  placeButtons();
   parts_->panel->setLoggingState(session.loggingState);
 }
 
@@ -231,7 +219,7 @@ void LoggingWnd::keyPressEvent(QKeyEvent* event) {
   // Of a key that is held down only the press counts, or it would start and pause in turn.
   if (keyCode == kNoKey || event->isAutoRepeat()) return;
   const int code = codeOfKey(session, parts_->focus, keyContextOf(session), keyCode);
-  parts_->buttons->setFocusIndex(parts_->focus.focusIndex);
+  parts_->buttons.setHighlight(parts_->focus.focusIndex);
   if (code != kNoCode) runCode(code);
 }
 

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QWidget>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -11,6 +10,7 @@
 #include "logging/serial_session_ports.h"
 #include "logging/session.h"
 #include "logging/session_start.h"
+#include "ui/screen/cover_window.h"
 #include "ui/screen/theme.h"
 
 namespace kalmira {
@@ -35,9 +35,9 @@ struct LoggingHost {
 };
 
 // LoggingWnd: the screen on which a survey is recorded. It owns the session from startLogging until it is
-// left, and is the session's view. Hidden while no session is active. Its size decides its layout: upright or
-// lying, and how many pixels a unit of the layout has (240 x 320 or 320 x 240 units).
-class LoggingWnd final : public QWidget {
+// left, and is the session's view. It covers while a session is active. Its size decides its layout: upright
+// or lying, and how many pixels a unit of the layout has (240 x 320 or 320 x 240 units).
+class LoggingWnd final : public CoverWindow {
  public:
   LoggingWnd(LoggingHost host, const Theme& theme, QWidget* parent);
   ~LoggingWnd() override;
@@ -61,8 +61,6 @@ class LoggingWnd final : public QWidget {
   void keyPressEvent(QKeyEvent* event) override;
   void keyReleaseEvent(QKeyEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
-  bool event(QEvent* event) override;
-  bool focusNextPrevChild(bool) override { return false; }  // Tab is a key like any other
 
  private:
   class View;
@@ -77,8 +75,9 @@ class LoggingWnd final : public QWidget {
   void changeDisplay();
   void runMenu();
   void redrawAfterDialog();
-  void layOut();
+  void arrange();
   void showButtons();
+  void placeButtons();
   void service();
 
   LoggingHost host_;

@@ -8,6 +8,8 @@
 #include <memory>
 #include <utility>
 
+#include "ui/screen/qt_text.h"
+
 namespace kalmira {
 namespace {
 
@@ -19,10 +21,6 @@ QRect rectOf(const PanelCell& cell) {
   return {cell.left, cell.top, cell.width, cell.height};
 }
 
-QString qtText(std::string_view utf8) {
-  return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
-}
-
 std::string_view withoutTrailingBlanks(std::string_view text) {
   return text.substr(0, text.find_last_not_of(' ') + 1);
 }
@@ -32,7 +30,7 @@ struct StateColours {
   QColor text;
 };
 
-StateColours stateColours(const Theme& theme, int loggingState) {
+StateColours coloursOfState(const Theme& theme, int loggingState) {
   if (loggingState == 0) return {QColor(theme.monitor), QColor(theme.monitorText)};
   if (loggingState < 0) return {QColor(theme.standBy), QColor(theme.standByText)};
   return {QColor(theme.logging), QColor(theme.loggingText)};
@@ -62,7 +60,7 @@ double baselineIn(const QRectF& room, const QFontMetricsF& metrics) {
 
 }  // namespace
 
-QFont panelFont(const QFont& base, PanelFont font, double pixelSize) {
+QFont fontOfPanel(const QFont& base, PanelFont font, double pixelSize) {
   QFont made = base;
   made.setPixelSize(std::max(1, static_cast<int>(pixelSize)));
   made.setBold(font == PanelFont::state);
@@ -75,7 +73,7 @@ MeasureText measureWith(const QFont& base) {
     const std::pair key{font, static_cast<int>(pixelSize)};
     auto known = fonts->find(key);
     if (known == fonts->end()) {
-      known = fonts->emplace(key, QFontMetricsF(panelFont(base, font, pixelSize))).first;
+      known = fonts->emplace(key, QFontMetricsF(fontOfPanel(base, font, pixelSize))).first;
     }
     return known->second.horizontalAdvance(qtText(text));
   };
@@ -85,10 +83,10 @@ PanelView::PanelView(const Theme& theme, QWidget* parent) : QWidget(parent), the
   setAttribute(Qt::WA_OpaquePaintEvent);
 }
 
-int PanelView::layOut(const PanelSpace& space) {
+int PanelView::arrange(const PanelSpace& space) {
   layout_ = layOutPanel(space, measureWith(font()));
   for (const auto kind : {PanelFont::text, PanelFont::value, PanelFont::state}) {
-    fonts_[static_cast<std::size_t>(kind)] = panelFont(font(), kind, layout_.size(kind));
+    fonts_[static_cast<std::size_t>(kind)] = fontOfPanel(font(), kind, layout_.size(kind));
   }
   update();
   return layout_.height;
@@ -140,7 +138,7 @@ PanelView::Shown PanelView::shownIn(const PanelCell& cell) const {
 }
 
 void PanelView::paintBand(QPainter& painter) const {
-  const auto colours = stateColours(*theme_, logging_state_);
+  const auto colours = coloursOfState(*theme_, logging_state_);
   painter.fillRect(0, 0, width(), layout_.stateBandHeight, colours.band);
   const auto* state = cellOf(PanelField::state);
   if (state == nullptr) return;
@@ -167,7 +165,7 @@ void PanelView::paintCell(QPainter& painter, const PanelCell& cell) const {
   const auto shown = shownIn(cell);
   QRectF room = rectOf(cell);
   QColor colour(theme_->text);
-  if (cell.top < layout_.stateBandHeight) colour = stateColours(*theme_, logging_state_).text;
+  if (cell.top < layout_.stateBandHeight) colour = coloursOfState(*theme_, logging_state_).text;
   if (cell.field == PanelField::message) {
     if (shown.text.isEmpty()) return;
     colour = QColor(theme_->warningText);

@@ -11,7 +11,7 @@
 namespace kalmira {
 
 // The font of a panel text: `base` in `pixelSize`, the state word in bold.
-QFont panelFont(const QFont& base, PanelFont font, double pixelSize);
+QFont fontOfPanel(const QFont& base, PanelFont font, double pixelSize);
 // Measures texts in those fonts. Keeps the fonts it has made: for one layout, not for ever.
 MeasureText measureWith(const QFont& base);
 
@@ -23,7 +23,7 @@ class PanelView final : public QWidget {
 
   // Lays the fields out anew for this space, in the widget's font; the texts stay. Returns the height the
   // panel takes, in pixels.
-  int layOut(const PanelSpace& space);
+  int arrange(const PanelSpace& space);
   void setTheme(const Theme& theme);
   // `text` is UTF-8 and replaces what stood in the field.
   void showText(PanelField field, std::string_view text);

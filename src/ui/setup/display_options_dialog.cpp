@@ -1,4 +1,4 @@
-#include "ui/setup/display_options_dialog.h"
+#include "ui/setup/setup_dialogs.h"
 
 #include <QCheckBox>
 #include <QColorDialog>
@@ -20,29 +20,26 @@
 
 #include "instruments/resource_names.h"
 #include "settings/display_options.h"
+#include "ui/screen/qt_text.h"
 #include "ui/screen/template_dialog.h"
 #include "ui/setup/line_sample.h"
 
 namespace kalmira {
 namespace {
 
-QString textOf(std::string_view text) {
-  return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
-
 // A piece of a colour as it will be drawn. The frame tells a pale one from its ground.
 QIcon swatch(const Theme& theme, int colour, int side) {
   QPixmap pixmap(side, side);
-  pixmap.fill(QColor::fromRgb(traceColourOn(theme, colour)));
+  pixmap.fill(QColor(traceColourOn(theme, colour)));
   QPainter painter(&pixmap);
-  painter.setPen(QColor::fromRgb(theme.text));
+  painter.setPen(QColor(theme.text));
   painter.drawRect(0, 0, side - 1, side - 1);
   return pixmap;
 }
 
 // Colours are told by name and number, too.
 void showColour(QPushButton& button, const Theme& theme, int colour, const QString& purpose) {
-  const auto words = textOf(colourName(colour)) + ' ' + QString::fromStdString(colourNumber(colour));
+  const auto words = qtText(colourName(colour)) + ' ' + qtText(colourNumber(colour));
   button.setIcon(swatch(theme, colour, button.fontMetrics().height()));
   button.setText(words);
   button.setAccessibleName(purpose + ' ' + words);
@@ -53,7 +50,7 @@ int settingsColourOf(const QColor& colour) {
 }
 
 QColor colourOf(int settingsColourValue) {
-  return {QString::fromStdString(colourNumber(settingsColourValue))};
+  return {qtText(colourNumber(settingsColourValue))};
 }
 
 // Qt's colour dialog as a part of one of ours. It is wider than a small window, and then is moved to and fro
@@ -90,7 +87,7 @@ std::optional<int> runTraceColourDialog(QWidget* parent, const Theme& theme, int
     const int offered = fresh.traceColour[i];
     auto& button = part<QPushButton>(*dialog, ("colour" + std::to_string(i)).c_str());
     showColour(button, theme, offered, "Take");
-    button.setText(textOf(colourName(offered)));
+    button.setText(qtText(colourName(offered)));
     QObject::connect(&button, &QPushButton::clicked, &picker, [&picker, &dialog, offered] {
       picker.setCurrentColor(colourOf(offered));
       dialog->accept();
@@ -101,9 +98,9 @@ std::optional<int> runTraceColourDialog(QWidget* parent, const Theme& theme, int
 }
 
 // The dialog while it is open.
-class DisplayOptions {
+class DisplayOptionsForm {
  public:
-  DisplayOptions(QDialog& dialog, const SetupFrame& frame, const Theme& theme, const Settings& settings);
+  DisplayOptionsForm(QDialog& dialog, const SetupFrame& frame, const Theme& theme, const Settings& settings);
 
   const Settings& changed() const { return settings_; }
   void takeGrid();
@@ -139,8 +136,8 @@ class DisplayOptions {
   std::vector<Row> rows_;
 };
 
-DisplayOptions::DisplayOptions(QDialog& dialog, const SetupFrame& frame, const Theme& theme,
-                               const Settings& settings)
+DisplayOptionsForm::DisplayOptionsForm(QDialog& dialog, const SetupFrame& frame, const Theme& theme,
+                                       const Settings& settings)
     : dialog_(dialog),
       theme_(theme),
       settings_(settings),
@@ -154,7 +151,7 @@ DisplayOptions::DisplayOptions(QDialog& dialog, const SetupFrame& frame, const T
 }
 
 // The parts are found by name and slot.
-DisplayOptions::Row DisplayOptions::makeRow(const Channel& trace) {
+DisplayOptionsForm::Row DisplayOptionsForm::makeRow(const Channel& trace) {
   const std::size_t slot = trace.slot;
   auto& form = *makeForm("TraceRow", nullptr);
   form.setFont(dialog_.font());  // as long as it can: a dialog with a style sheet passes no fonts on
@@ -166,18 +163,18 @@ DisplayOptions::Row DisplayOptions::makeRow(const Channel& trace) {
   const Row row{trace, &piece<QCheckBox>("traceShown", slot), &piece<QPushButton>("traceColour", slot),
                 &piece<QComboBox>("traceWidth", slot), new LineSample(theme_, &dialog_)};
   piece<QWidget>("traceSample", slot).layout()->addWidget(row.sample);
-  row.shown->setText(textOf(trace.name));
+  row.shown->setText(qtText(trace.name));
   row.shown->setChecked(traceChosen(settings_, slot));
   for (int width = 1; width <= kTraceWidths; ++width) {
-    row.width->addItem(QString::fromStdString(traceWidthName(width)));
+    row.width->addItem(qtText(traceWidthName(width)));
   }
-  row.width->setAccessibleName(textOf(trace.name));
+  row.width->setAccessibleName(qtText(trace.name));
   row.width->setCurrentIndex(traceWidthOf(settings_, slot) - 1);
   showRow(row);
   return row;
 }
 
-void DisplayOptions::connectRow(const Row& row) {
+void DisplayOptionsForm::connectRow(const Row& row) {
   const std::size_t slot = row.trace.slot;
   QObject::connect(row.shown, &QCheckBox::toggled, &dialog_, [this, &row, slot](bool shown) {
     settings_.traceShown.at(slot) = shown ? 1 : 0;
@@ -191,20 +188,20 @@ void DisplayOptions::connectRow(const Row& row) {
 }
 
 // The traces were made last and come first: each of the rest moves to right behind them.
-void DisplayOptions::orderTabs() const {
+void DisplayOptionsForm::orderTabs() const {
   for (const char* name : {"cancel", "ok", "axis", "grid"}) {
     QWidget::setTabOrder(rows_.back().colour, &part<QWidget>(dialog_, name));
   }
 }
 
-void DisplayOptions::showRow(const Row& row) const {
+void DisplayOptionsForm::showRow(const Row& row) const {
   const std::size_t slot = row.trace.slot;
   const int colour = settings_.traceColour.at(slot);
-  showColour(*row.colour, theme_, colour, textOf(row.trace.name));
+  showColour(*row.colour, theme_, colour, qtText(row.trace.name));
   row.sample->setLine(traceChosen(settings_, slot), colour, traceWidthOf(settings_, slot));
 }
 
-void DisplayOptions::chooseColour(const Row& row) {
+void DisplayOptionsForm::chooseColour(const Row& row) {
   auto& colour = settings_.traceColour.at(row.trace.slot);
   // In the whole room of the window, not just of this dialog.
   auto* window = dialog_.parentWidget() == nullptr ? &dialog_ : dialog_.parentWidget();
@@ -212,10 +209,10 @@ void DisplayOptions::chooseColour(const Row& row) {
   showRow(row);
 }
 
-void DisplayOptions::fillGrid() {
+void DisplayOptionsForm::fillGrid() {
   auto& grid = part<QCheckBox>(dialog_, "grid");
   auto& axis = part<QComboBox>(dialog_, "axis");
-  for (const auto& choice : axes_) axis.addItem(textOf(choice.name));
+  for (const auto& choice : axes_) axis.addItem(qtText(choice.name));
   grid.setChecked(gridChosen(settings_));
   showAxis();
   QObject::connect(&grid, &QCheckBox::toggled, &dialog_, [this] { showAxis(); });
@@ -224,7 +221,7 @@ void DisplayOptions::fillGrid() {
 }
 
 // Without grid lines the axis shows the first scale, and there is nothing to choose.
-void DisplayOptions::showAxis() {
+void DisplayOptionsForm::showAxis() {
   const bool grid = part<QCheckBox>(dialog_, "grid").isChecked();
   auto& axis = part<QComboBox>(dialog_, "axis");
   const QSignalBlocker quiet(&axis);
@@ -233,7 +230,7 @@ void DisplayOptions::showAxis() {
   part<QLabel>(dialog_, "axisLabel").setEnabled(axis.isEnabled());
 }
 
-void DisplayOptions::takeGrid() {
+void DisplayOptionsForm::takeGrid() {
   const bool grid = part<QCheckBox>(dialog_, "grid").isChecked();
   settings_.profileGrid = profileGridOf(grid, axes_[static_cast<std::size_t>(axis_)].group);
 }
@@ -244,7 +241,7 @@ std::optional<Settings> runDisplayOptionsDialog(QWidget* parent, const SetupFram
                                                 const Settings& settings) {
   const auto dialog = makeDialog(displayOptionsTemplate(frame.kind, frame.iceOption), parent);
   if (dialog == nullptr) return std::nullopt;
-  DisplayOptions options(*dialog, frame, theme, settings);
+  DisplayOptionsForm options(*dialog, frame, theme, settings);
   if (!runDialog(*dialog)) return std::nullopt;
   options.takeGrid();
   return options.changed();

@@ -41,10 +41,10 @@ QSize LineSample::sizeHint() const {
 
 void LineSample::paintEvent(QPaintEvent* /*event*/) {
   QPainter painter(this);
-  painter.fillRect(rect(), QColor::fromRgb(theme_.chart));
-  painter.fillRect(0, height() / 2, width(), 1, QColor::fromRgb(theme_.chartGrid));
+  painter.fillRect(rect(), QColor(theme_.chart));
+  painter.fillRect(0, height() / 2, width(), 1, QColor(theme_.chartGrid));
   if (!shown_) return;
-  painter.setPen(QPen(QColor::fromRgb(traceColourOn(theme_, colour_)), width_));
+  painter.setPen(QPen(QColor(traceColourOn(theme_, colour_)), width_));
   painter.drawPolyline(profileIn(rect()));
 }
 

@@ -1,4 +1,4 @@
-#include "ui/setup/survey_setup_dialog.h"
+#include "ui/setup/setup_dialogs.h"
 
 #include <fmt/format.h>
 
@@ -14,6 +14,7 @@
 #include "instruments/resource_names.h"
 #include "platform/text.h"
 #include "settings/survey_setup.h"
+#include "ui/screen/qt_text.h"
 #include "ui/screen/template_dialog.h"
 
 namespace kalmira {
@@ -37,22 +38,18 @@ const char* fieldOf(SurveyNumber number) {
   return "startStation";
 }
 
-QString textOf(std::string_view text) {
-  return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
-
 void fill(QComboBox& box, std::span<const std::string_view> entries, int position) {
   const QSignalBlocker quiet(&box);
   box.clear();
-  for (const auto entry : entries) box.addItem(textOf(entry));
+  for (const auto entry : entries) box.addItem(qtText(entry));
   box.setCurrentIndex(position);
 }
 
 // The dialog while it is open. Each mode has its own station increment and, in some kinds, its own lists;
 // what is chosen for a mode stays while the operator looks at another.
-class SurveySetup {
+class SurveySetupForm {
  public:
-  SurveySetup(QDialog& dialog, const SetupFrame& frame, const Settings& settings);
+  SurveySetupForm(QDialog& dialog, const SetupFrame& frame, const Settings& settings);
 
   const Settings& changed() const { return settings_; }
 
@@ -94,7 +91,7 @@ class SurveySetup {
   ModeChoices list_b_;
 };
 
-SurveySetup::SurveySetup(QDialog& dialog, const SetupFrame& frame, const Settings& settings)
+SurveySetupForm::SurveySetupForm(QDialog& dialog, const SetupFrame& frame, const Settings& settings)
     : dialog_(dialog),
       kind_(frame.kind),
       settings_(settings),
@@ -112,10 +109,10 @@ SurveySetup::SurveySetup(QDialog& dialog, const SetupFrame& frame, const Setting
   connectParts();
 }
 
-void SurveySetup::fillLine() {
+void SurveySetupForm::fillLine() {
   auto& name = piece<QLineEdit>("lineName");
   name.setMaxLength(static_cast<int>(kLineNameCharacters));
-  name.setText(QString::fromStdString(settings_.lineName));
+  name.setText(qtText(settings_.lineName));
   note("lineName", {});
   static constexpr std::array<std::string_view, 2> kSequences{"Alternate", "One Way"};
   static constexpr std::array<std::string_view, 4> kDirections{"West", "South", "North", "East"};
@@ -123,7 +120,7 @@ void SurveySetup::fillLine() {
   fill(piece<QComboBox>("direction"), kDirections, indexOr(settings_.direction, 4, Settings{}.direction));
 }
 
-void SurveySetup::connectParts() {
+void SurveySetupForm::connectParts() {
   QObject::connect(&piece<QComboBox>("surveyMode"), &QComboBox::currentIndexChanged, &dialog_,
                    [this](int mode) { changeMode(mode); });
   connectList("surveyListA", list_a_);
@@ -141,12 +138,12 @@ void SurveySetup::connectParts() {
 }
 
 // A mark stands until the operator types over what it is about.
-void SurveySetup::connectNumber(SurveyNumber number) {
+void SurveySetupForm::connectNumber(SurveyNumber number) {
   QObject::connect(&field(number), &QLineEdit::textEdited, &dialog_,
                    [this, number] { note(fieldOf(number), {}); });
 }
 
-void SurveySetup::connectList(const char* box, ModeChoices& choices) {
+void SurveySetupForm::connectList(const char* box, ModeChoices& choices) {
   auto* list = dialog_.findChild<QComboBox*>(QLatin1String(box));
   if (list == nullptr) return;
   QObject::connect(list, &QComboBox::currentIndexChanged, &dialog_, [this, &choices](int position) {
@@ -154,7 +151,7 @@ void SurveySetup::connectList(const char* box, ModeChoices& choices) {
   });
 }
 
-void SurveySetup::showMode() {
+void SurveySetupForm::showMode() {
   showList("surveyListA", list_a_);
   showList("surveyListB", list_b_);
   showNumber(SurveyNumber::stationIncrement);
@@ -163,28 +160,28 @@ void SurveySetup::showMode() {
 }
 
 // Templates serve several kinds, some of which lack a list.
-void SurveySetup::showList(const char* box, const ModeChoices& choices) {
+void SurveySetupForm::showList(const char* box, const ModeChoices& choices) {
   auto* list = dialog_.findChild<QComboBox*>(QLatin1String(box));
   if (list == nullptr) return;
   const auto shown = choices.list(mode_);
   auto& label = piece<QLabel>((std::string(box) + "Label").c_str());
   list->setVisible(!shown.entries.empty());
   label.setVisible(!shown.entries.empty());
-  label.setText(textOf(shown.label));
+  label.setText(qtText(shown.label));
   fill(*list, shown.entries, choices.value(mode_) - shown.firstValue);
 }
 
 // As the settings hold it or, where they hold nothing usable, corrected and marked from the start.
-void SurveySetup::showNumber(SurveyNumber number) {
+void SurveySetupForm::showNumber(SurveyNumber number) {
   const auto limits = limitsOf(number, kind_);
   const auto shown = limitedNumber(surveyNumberText(settings_, number, mode_), limits,
                                    parseReal(surveyNumberText(Settings{}, number, mode_)));
   takeSurveyNumber(settings_, number, mode_, shown.value);
-  field(number).setText(QString::fromStdString(surveyNumberText(settings_, number, mode_)));
+  field(number).setText(qtText(surveyNumberText(settings_, number, mode_)));
   note(fieldOf(number), shown.note);
 }
 
-void SurveySetup::enableNumbers() {
+void SurveySetupForm::enableNumbers() {
   for (const auto number : kSurveyNumbers) {
     if (!hasField(number)) continue;
     const bool used = isUsed(number, kind_, mode_);
@@ -193,38 +190,38 @@ void SurveySetup::enableNumbers() {
   }
 }
 
-void SurveySetup::showRate() {
+void SurveySetupForm::showRate() {
   auto& interval = field(SurveyNumber::readingsInterval);
   auto& rate = piece<QLabel>("readingsPerSecond");
-  rate.setText(QString::fromStdString(readingsPerSecondText(typedText(interval))));
+  rate.setText(qtText(readingsPerSecondText(typedText(interval))));
   rate.setEnabled(interval.isEnabled());
 }
 
-void SurveySetup::note(const char* fieldName, const std::string& text) {
+void SurveySetupForm::note(const char* fieldName, const std::string& text) {
   auto& label = piece<QLabel>((std::string(fieldName) + "Note").c_str());
-  label.setText(QString::fromStdString(text));
+  label.setText(qtText(text));
   label.setVisible(!text.empty());
 }
 
-void SurveySetup::changeMode(int mode) {
+void SurveySetupForm::changeMode(int mode) {
   takeValid(SurveyNumber::stationIncrement);
   mode_ = mode;
   showMode();
 }
 
 // Whether the field could be taken as it stands. If not, it now holds what can be.
-bool SurveySetup::correct(SurveyNumber number) {
+bool SurveySetupForm::correct(SurveyNumber number) {
   const auto typed = limitedNumber(typedText(field(number)), limitsOf(number, kind_),
                                    parseReal(surveyNumberText(settings_, number, mode_)));
   takeSurveyNumber(settings_, number, mode_, typed.value);
   if (typed.note.empty()) return true;
-  field(number).setText(QString::fromStdString(surveyNumberText(settings_, number, mode_)));
+  field(number).setText(qtText(surveyNumberText(settings_, number, mode_)));
   note(fieldOf(number), typed.note);
   return false;
 }
 
 // A line without a name could not be found in the file.
-bool SurveySetup::correctLineName() {
+bool SurveySetupForm::correctLineName() {
   auto& name = piece<QLineEdit>("lineName");
   if (!name.text().trimmed().isEmpty()) return true;
   name.setText(kDefaultLineName);
@@ -233,13 +230,13 @@ bool SurveySetup::correctLineName() {
 }
 
 // For a field out of the operator's sight or reach: what cannot be taken there leaves the old value.
-void SurveySetup::takeValid(SurveyNumber number) {
+void SurveySetupForm::takeValid(SurveyNumber number) {
   const auto typed = limitedNumber(typedText(field(number)), limitsOf(number, kind_), 0.0);
   if (typed.note.empty()) takeSurveyNumber(settings_, number, mode_, typed.value);
 }
 
 // What had to be corrected is shown before it is taken: the dialog then stays for a second OK.
-void SurveySetup::confirm() {
+void SurveySetupForm::confirm() {
   QLineEdit* first = nullptr;
   for (const auto number : kSurveyNumbers) {
     if (!hasField(number)) continue;
@@ -259,7 +256,7 @@ void SurveySetup::confirm() {
   for (auto* area : dialog_.findChildren<QScrollArea*>()) area->ensureWidgetVisible(first);
 }
 
-void SurveySetup::takeRest() {
+void SurveySetupForm::takeRest() {
   settings_.surveyMode = mode_;
   settings_.surveyListA = list_a_.value(mode_);
   settings_.surveyListB = list_b_.value(mode_);
@@ -275,7 +272,7 @@ std::optional<Settings> runSurveySetupDialog(QWidget* parent, const SetupFrame& 
                                              const Settings& settings) {
   const auto dialog = makeDialog(surveySetupTemplate(frame.kind, frame.portrait, frame.storageClass), parent);
   if (dialog == nullptr) return std::nullopt;
-  const SurveySetup setup(*dialog, frame, settings);
+  const SurveySetupForm setup(*dialog, frame, settings);
   if (!runDialog(*dialog)) return std::nullopt;
   return setup.changed();
 }

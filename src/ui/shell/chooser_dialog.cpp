@@ -13,9 +13,10 @@
 #include <algorithm>
 #include <array>
 
+#include "ui/screen/qt_text.h"
 #include "ui/screen/template_dialog.h"
 #include "ui/screen/touch_button.h"
-#include "ui/shell/menu_layout.h"
+#include "ui/shell/main_menu.h"
 #include "ui/shell/title.h"
 
 namespace kalmira {
@@ -34,7 +35,7 @@ int indexOf(RememberedKind choice) {
 }
 
 QString digitOf(int index) {
-  return index < kKindCount ? QString::fromStdString(std::to_string(index)) : QString();
+  return index < kKindCount ? qtText(std::to_string(index)) : QString();
 }
 
 // A large button: an instrument's drawing, its name, and the digit that chooses it.
@@ -44,7 +45,7 @@ class ChoiceButton final : public QAbstractButton {
       : QAbstractButton(parent), index_(index), theme_(theme) {
     setFocusPolicy(Qt::NoFocus);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
-    setObjectName(QString::fromStdString(shownName(choiceAt(index).kind, choiceAt(index).ice)));
+    setObjectName(qtText(shownName(choiceAt(index).kind, choiceAt(index).ice)));
     setAccessibleName(objectName());
   }
   QSize sizeHint() const override {
@@ -69,14 +70,14 @@ class ChoiceButton final : public QAbstractButton {
     QFont small = font();
     small.setPixelSize(std::max(7, line * 3 / 4));
     painter.setFont(small);
-    painter.setPen(QColor::fromRgb(theme_.faintText));
+    painter.setPen(QColor(theme_.faintText));
     painter.drawText(inside.adjusted(0, frame / 2, 0, 0), Qt::AlignTop | Qt::AlignLeft, digitOf(index_));
   }
 
  private:
   void paintGround(QPainter& painter, int frame) const {
-    painter.fillRect(rect(), QColor::fromRgb(isDown() ? theme_.pressedButton : theme_.background));
-    QPen edge(QColor::fromRgb(marked_ ? theme_.focus : theme_.buttonEdge));
+    painter.fillRect(rect(), QColor(isDown() ? theme_.pressedButton : theme_.background));
+    QPen edge(QColor(marked_ ? theme_.focus : theme_.buttonEdge));
     const int width = marked_ ? frame + 1 : 1;
     edge.setWidth(width);
     edge.setJoinStyle(Qt::MiterJoin);
@@ -88,7 +89,7 @@ class ChoiceButton final : public QAbstractButton {
     bold.setPixelSize(place.height() * 4 / 5);
     bold.setBold(true);
     painter.setFont(fittedFont(objectName(), bold, place.size()));
-    painter.setPen(QColor::fromRgb(theme_.text));
+    painter.setPen(QColor(theme_.text));
     painter.drawText(place, Qt::AlignCenter, objectName());
   }
   void paintDrawing(QPainter& painter, const QRect& room) {
@@ -210,8 +211,7 @@ void showAt(Chooser& chooser, const QWidget* parent) {
     if (parent->window()->isFullScreen()) chooser.setWindowState(Qt::WindowFullScreen);
     return;
   }
-  const QSize room = chooser.screen()->availableSize();
-  const auto place = openingPlace({room.width(), room.height()}, std::nullopt, std::nullopt);
+  const auto place = openingPlace(chooser.screen()->availableSize(), std::nullopt, std::nullopt);
   chooser.resize(place.width, place.height);
   if (place.fullScreen) chooser.setWindowState(Qt::WindowFullScreen);
 }

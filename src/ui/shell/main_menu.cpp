@@ -1,68 +1,135 @@
 #include "ui/shell/main_menu.h"
 
-#include <cctype>
-
-#include "logging/keys.h"
+#include <algorithm>
+#include <cmath>
 
 namespace kalmira {
 namespace {
 
-// The next button in that direction that can be pressed; the same one when there is no other.
-int neighbour(int highlight, int step, const MenuEnabled& enabled) {
-  int index = highlight;
-  for (int tried = 0; tried < kMenuCommands; ++tried) {
-    index = (index + step + kMenuCommands) % kMenuCommands;
-    if (enabled[static_cast<std::size_t>(index)]) return index;
-  }
-  return highlight;
+constexpr int kShortUnits = 240;
+constexpr int kLongUnits = 320;
+constexpr int kWindowFrame = 40;  // what a window manager commonly puts above a window
+// The seven commands, and one cell for the instrument and the theme.
+constexpr int kCells = kMenuCommands + 1;
+constexpr int kWidestColumn = 320;
+
+int gapOf(int width, int height) {
+  return std::max(2, std::min(width, height) / 60);
 }
 
-std::optional<MenuCommand> ifEnabled(MenuCommand command, const MenuEnabled& enabled) {
-  if (!enabled[static_cast<std::size_t>(command)]) return std::nullopt;
-  return command;
+// The cells of `area`, row by row.
+struct Grid {
+  QRect area;
+  int columns;
+  int gap;
+
+  QRect cell(int index) const {
+    const int rows = (kCells + columns - 1) / columns;
+    // Downwards first, so that the arrow keys go the way the eye does.
+    const int row = index % rows;
+    const int column = index / rows;
+    const int left = area.x() + (area.width() + gap) * column / columns;
+    const int right = area.x() + (area.width() + gap) * (column + 1) / columns - gap;
+    const int top = area.y() + (area.height() + gap) * row / rows;
+    const int bottom = area.y() + (area.height() + gap) * (row + 1) / rows - gap;
+    return {left, top, right - left, bottom - top};
+  }
+};
+
+int gridHeight(int columns, int rowHeight, int gap) {
+  const int rows = (kCells + columns - 1) / columns;
+  return rows * rowHeight + (rows - 1) * gap;
 }
 
-std::optional<MenuCommand> commandOfLetter(int keyCode) {
-  if (keyCode < 'A' || keyCode > 'z' || std::isalpha(keyCode) == 0) return std::nullopt;
-  const auto letter = static_cast<char>(std::toupper(keyCode));
-  for (const auto& entry : menuEntries()) {
-    if (entry.keys.find(letter) != std::string_view::npos) return entry.command;
-  }
-  return std::nullopt;
+void placeCells(const Grid& grid, MenuLayout& layout) {
+  for (int i = 0; i < kMenuCommands; ++i) layout.buttons[static_cast<std::size_t>(i)] = grid.cell(i);
+  const QRect last = grid.cell(kMenuCommands);
+  const int share = (last.width() - grid.gap) / 2;
+  layout.model = {last.left(), last.top(), share, last.height()};
+  layout.theme = last.adjusted(share + grid.gap, 0, 0, 0);
+}
+
+MenuLayout layOutPortrait(int width, int height, int touchHeight) {
+  const int gap = gapOf(width, height);
+  const int share = height * 56 / 100;
+  const int columns = gridHeight(1, touchHeight, gap) <= share ? 1 : 2;
+  const int wanted = columns == 1 ? share : std::max(gridHeight(2, touchHeight, gap), height * 45 / 100);
+  const int buttonsHeight = std::min(wanted, height - 2 * gap);
+  MenuLayout layout;
+  layout.title = {0, 0, width, std::max(0, height - buttonsHeight - 2 * gap)};
+  const int side =
+      columns == 1 ? std::max(gap, (width - kWidestColumn * std::max(1, height / 320)) / 2) : gap;
+  placeCells({.area = {side, height - buttonsHeight - gap, width - 2 * side, buttonsHeight},
+              .columns = columns,
+              .gap = gap},
+             layout);
+  return layout;
+}
+
+MenuLayout layOutLandscape(int width, int height, int touchHeight) {
+  const int gap = gapOf(width, height);
+  const int columns = gridHeight(1, touchHeight, gap) + 2 * gap <= height ? 1 : 2;
+  const int buttonsWidth = columns == 1 ? width * 42 / 100 : width * 58 / 100;
+  const int wanted = std::max(gridHeight(columns, touchHeight, gap), height * 8 / 10);
+  const int buttonsHeight = columns == 1 ? height - 2 * gap : std::min(wanted, height - 2 * gap);
+  MenuLayout layout;
+  layout.title = {0, 0, width - buttonsWidth - gap, height};
+  placeCells({.area = {width - buttonsWidth - gap, (height - buttonsHeight) / 2, buttonsWidth, buttonsHeight},
+              .columns = columns,
+              .gap = gap},
+             layout);
+  return layout;
+}
+
+WindowPlace placeOf(bool portrait, double scale) {
+  const auto shortSide = static_cast<int>(std::lround(kShortUnits * scale));
+  const auto longSide = static_cast<int>(std::lround(kLongUnits * scale));
+  return portrait ? WindowPlace{.width = shortSide, .height = longSide}
+                  : WindowPlace{.width = longSide, .height = shortSide};
+}
+
+bool fits(QSize room, WindowPlace place) {
+  return place.width <= room.width() && place.height + kWindowFrame <= room.height();
 }
 
 }  // namespace
 
-const std::array<MenuEntry, kMenuCommands>& menuEntries() {
-  static constexpr std::array<MenuEntry, kMenuCommands> kEntries{{
-      {MenuCommand::monitorLog, "Monitor/&Log", "L"},
-      {MenuCommand::surveySetup, "&Survey Setup", "S"},
-      {MenuCommand::loggerSetup, "L&ogger Setup", "O"},
-      {MenuCommand::setGpsPort, "Set &GPS Port", "G"},
-      {MenuCommand::displayOptions, "&Display Options", "D"},
-      {MenuCommand::viewFiles, "&View Files", "V"},
-      {MenuCommand::exit, "E&xit", "XE"},
+const std::array<Action, kMenuCommands>& menuEntries() {
+  static constexpr std::array<Action, kMenuCommands> kEntries{{
+      {.text = "Monitor/&Log", .letters = "L", .identifier = 420},
+      {.text = "&Survey Setup", .letters = "S", .identifier = 421},
+      {.text = "L&ogger Setup", .letters = "O", .identifier = 422},
+      {.text = "Set &GPS Port", .letters = "G", .identifier = 423},
+      {.text = "&Display Options", .letters = "D", .identifier = 424},
+      {.text = "&View Files", .letters = "V", .identifier = 425},
+      {.text = "E&xit", .letters = "XE", .identifier = 426},
   }};
   return kEntries;
 }
 
-MenuStep stepOfKey(int keyCode, int highlight, const MenuEnabled& enabled) {
-  switch (keyCode) {
-    case key::kLeft:
-    case key::kUp:
-      return {.highlight = neighbour(highlight, -1, enabled), .act = {}};
-    case key::kRight:
-    case key::kDown:
-    case key::kTab:
-      return {.highlight = neighbour(highlight, 1, enabled), .act = {}};
-    case key::kEnter:
-      return {.highlight = highlight, .act = ifEnabled(static_cast<MenuCommand>(highlight), enabled)};
-    default:
-      break;
+MenuLayout layOutMenu(int width, int height, int touchHeight) {
+  auto layout = width > height ? layOutLandscape(width, height, touchHeight)
+                               : layOutPortrait(width, height, touchHeight);
+  const int gap = gapOf(width, height);
+  const int side = std::max(0, std::min(touchHeight, layout.title.height() / 3));
+  const int lastLine = std::min(layout.title.width() / 12, layout.title.height() / 9) * 5 / 3;
+  layout.fonts = {layout.title.left() + layout.title.width() - side - gap,
+                  layout.title.height() - lastLine - side - gap, side, side};
+  return layout;
+}
+
+WindowPlace openingPlace(QSize room, std::optional<bool> portrait, std::optional<double> scale) {
+  const bool wideScreen = room.width() > room.height();
+  const bool upright = portrait.value_or(!wideScreen || fits(room, placeOf(true, 2.0)));
+  if (scale) return placeOf(upright, *scale);
+  for (const double tried : {2.0, 1.5, 1.0}) {
+    auto place = placeOf(upright, tried);
+    if (!fits(room, place) && tried > 1.0) continue;
+    // On a small screen a frame around the window would be wasted, unless it is to have another shape.
+    place.fullScreen = tried < 2.0 && upright != wideScreen;
+    return place;
   }
-  const auto command = commandOfLetter(keyCode);
-  if (!command || !ifEnabled(*command, enabled)) return {.highlight = highlight, .act = {}};
-  return {.highlight = static_cast<int>(*command), .act = command};
+  return placeOf(upright, 1.0);
 }
 
 }  // namespace kalmira

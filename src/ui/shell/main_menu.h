@@ -1,10 +1,12 @@
 #pragma once
 
+#include <QRect>
 #include <array>
 #include <optional>
-#include <string_view>
 
-// The main menu: its commands, their texts and keys, and how a key moves over them.
+#include "ui/screen/action_bar.h"
+
+// The main menu: its commands, where the main window opens, and where its parts stand, in pixels.
 namespace kalmira {
 
 enum class MenuCommand : int {
@@ -17,25 +19,29 @@ enum class MenuCommand : int {
   exit,
 };
 inline constexpr int kMenuCommands = 7;
-// A button's command identifier is this plus its index.
-inline constexpr int kFirstMenuIdentifier = 420;
+// By index; with the identifiers from 420 on.
+const std::array<Action, kMenuCommands>& menuEntries();
 
-struct MenuEntry {
-  MenuCommand command;
-  std::string_view text;  // of the button, with "&" before the letter that is underlined
-  std::string_view keys;  // capital letters
+struct MenuLayout {
+  QRect title;
+  std::array<QRect, kMenuCommands> buttons;
+  QRect model;  // "Model", beside the theme's button
+  QRect theme;
+  QRect fonts;  // small, at the right edge of the title, above its last line
 };
-const std::array<MenuEntry, kMenuCommands>& menuEntries();
 
-// By index; a command that is not there yet is passed over by the highlight and its keys do nothing.
-using MenuEnabled = std::array<bool, kMenuCommands>;
+// Title above the buttons in a window that is higher than wide, else beside them. Buttons stand in one column
+// where that leaves room for the title, else in two, and are `touchHeight` high or more while the window has
+// any room for that.
+MenuLayout layOutMenu(int width, int height, int touchHeight);
 
-struct MenuStep {
-  int highlight = 0;
-  std::optional<MenuCommand> act;
+struct WindowPlace {
+  int width = 0;  // of the window's inside
+  int height = 0;
+  bool fullScreen = false;  // the screen has no room for a window of good size
 };
-// What a key does, by the handheld's virtual key codes (see logging/keys.h; letters of either case by their
-// ASCII codes), with the button `highlight` marked. Past either end the highlight goes round.
-MenuStep stepOfKey(int keyCode, int highlight, const MenuEnabled& enabled);
+// In `room`, what the desktop leaves to windows: 240 x 320 units, at scale 2 where the screen has room, else
+// at the largest of 1.5 and 1 that fits. What the command line asks for is taken as it is.
+WindowPlace openingPlace(QSize room, std::optional<bool> portrait, std::optional<double> scale);
 
 }  // namespace kalmira

@@ -9,12 +9,13 @@
 #include <utility>
 
 #include "logging/session_start.h"
+#include "ui/screen/cover_window.h"
 #include "ui/screen/key_table.h"
 #include "ui/screen/message_dialog.h"
+#include "ui/screen/qt_text.h"
 #include "ui/screen/screen_scale.h"
 #include "ui/screen/touch_button.h"
 #include "ui/shell/chooser_dialog.h"
-#include "ui/shell/menu_layout.h"
 #include "ui/shell/title.h"
 
 namespace kalmira {
@@ -27,17 +28,12 @@ constexpr int kSettingsWatchMs = 500;
 constexpr int kThemeKey = Qt::Key_N;  // night, and day again
 constexpr int kFontsKey = Qt::Key_F;
 
-QRect rectOf(const Box& box) {
-  return {box.x, box.y, box.width, box.height};
-}
-
-QString textOf(std::string_view text) {
-  return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
-
 }  // namespace
 
-MainWindow::MainWindow(MainWindowHost host) : host_(std::move(host)) {
+MainWindow::MainWindow(MainWindowHost host)
+    : host_(std::move(host)),
+      menu_(new QWidget(this)),
+      commands_(menu_, theme(), [this](int index) { act(static_cast<MenuCommand>(index)); }) {
   setObjectName(QStringLiteral("PELLO"));
   setMinimumSize(kSmallestSide, kSmallestSide);
   setFocusPolicy(Qt::StrongFocus);
@@ -45,7 +41,6 @@ MainWindow::MainWindow(MainWindowHost host) : host_(std::move(host)) {
   makeMenu();
   useInstrument(host_.instrument);
   showTheme();
-  showHighlight(0);
   setFocus();
   connect(&settings_watch_, &QTimer::timeout, this, [this] { watchSettings(); });
   settings_watch_.start(kSettingsWatchMs);
@@ -54,23 +49,20 @@ MainWindow::MainWindow(MainWindowHost host) : host_(std::move(host)) {
 MainWindow::~MainWindow() = default;
 
 void MainWindow::makeMenu() {
-  menu_ = new QWidget(this);
   title_ = new TitleView(host_.instrument.kind, host_.instrument.ice, theme(), menu_);
   title_->setObjectName(QStringLiteral("title"));
+  commands_.setActions(menuEntries());
+  for (int i = 0; i < kMenuCommands; ++i) {
+    const auto command = static_cast<MenuCommand>(i);
+    const bool own = command == MenuCommand::monitorLog || command == MenuCommand::exit;
+    commands_.setUsable(i, own || host_.actions[static_cast<std::size_t>(i)] != nullptr);
+  }
   const auto addButton = [this](const QString& text, const QString& name, auto clicked) {
     auto* button = new TouchButton(text, theme(), menu_);
     button->setObjectName(name);
     connect(button, &TouchButton::clicked, this, clicked);
     return button;
   };
-  const auto usable = enabled();
-  for (const auto& entry : menuEntries()) {
-    const auto index = static_cast<std::size_t>(entry.command);
-    buttons_[index] =
-        addButton(textOf(entry.text), QString::fromStdString(std::to_string(kFirstMenuIdentifier + index)),
-                  [this, command = entry.command] { act(command); });
-    buttons_[index]->setEnabled(usable[index]);
-  }
   model_button_ =
       addButton(QStringLiteral("&Model"), QStringLiteral("model"), [this] { chooseInstrument(); });
   theme_button_ = addButton(QString(), QStringLiteral("theme"), [this] { toggleTheme(); });
@@ -78,14 +70,6 @@ void MainWindow::makeMenu() {
   fonts_button_->setVisible(host_.showFonts != nullptr);
   auto* fullScreenKey = new QShortcut(Qt::Key_F11, this);
   connect(fullScreenKey, &QShortcut::activated, this, [this] { toggleFullScreen(); });
-}
-
-MenuEnabled MainWindow::enabled() const {
-  MenuEnabled usable{};
-  for (std::size_t i = 0; i < usable.size(); ++i) usable[i] = host_.actions[i] != nullptr;
-  usable[static_cast<std::size_t>(MenuCommand::monitorLog)] = true;
-  usable[static_cast<std::size_t>(MenuCommand::exit)] = true;
-  return usable;
 }
 
 void MainWindow::useInstrument(RememberedKind instrument) {
@@ -96,26 +80,18 @@ void MainWindow::useInstrument(RememberedKind instrument) {
   loggingHost.onLeft = [this] { showMenu(); };
   loggingHost.endProgram = host_.endProgram;
   logging_ = std::make_unique<LoggingWnd>(std::move(loggingHost), theme(), this);
-  logging_->setGeometry(rect());
   title_->setInstrument(instrument.kind, instrument.ice);
-  setWindowTitle(textOf(instrumentOf(instrument.kind).title));
+  setWindowTitle(qtText(instrumentOf(instrument.kind).title));
 }
 
 void MainWindow::showTheme() {
   QApplication::setPalette(paletteOf(theme()));
   title_->setTheme(theme());
-  for (auto* button : buttons_) button->setTheme(theme());
-  model_button_->setTheme(theme());
-  theme_button_->setTheme(theme());
-  fonts_button_->setTheme(theme());
+  commands_.setTheme(theme());
+  for (auto* button : {model_button_, theme_button_, fonts_button_}) button->setTheme(theme());
   // Says what pressing it gives.
   theme_button_->setText(host_.night ? QStringLiteral("Day") : QStringLiteral("&Night"));
   logging_->setTheme(theme());
-}
-
-void MainWindow::showHighlight(int index) {
-  highlight_ = index;
-  for (int i = 0; i < kMenuCommands; ++i) buttons_[static_cast<std::size_t>(i)]->setDefault(i == index);
 }
 
 void MainWindow::showMenu() {
@@ -133,23 +109,19 @@ void MainWindow::cover(QWidget* window) {
   (window == nullptr ? this : window)->setFocus();
 }
 
-void MainWindow::layOut() {
-  QFont texts = font();
-  texts.setPixelSize(dialogTextPixels(screenScaleOf(width(), height()).scale));
-  setFont(texts);
+void MainWindow::arrange() {
+  setTextScale(*this, screenScaleOf(width(), height()).scale);
   menu_->setGeometry(rect());
-  logging_->setGeometry(rect());
   const auto layout = layOutMenu(width(), height(), touchHeight(screen()));
-  title_->setGeometry(rectOf(layout.title));
-  for (std::size_t i = 0; i < buttons_.size(); ++i) buttons_[i]->setGeometry(rectOf(layout.buttons[i]));
-  model_button_->setGeometry(rectOf(layout.model));
-  theme_button_->setGeometry(rectOf(layout.theme));
-  fonts_button_->setGeometry(rectOf(layout.fonts));
-  fitTogether(buttons_, layout.buttons[0].height * kTextPercent / 100);
+  title_->setGeometry(layout.title);
+  model_button_->setGeometry(layout.model);
+  theme_button_->setGeometry(layout.theme);
+  fonts_button_->setGeometry(layout.fonts);
+  commands_.place(layout.buttons, layout.buttons[0].height() * kTextPercent / 100);
 }
 
 void MainWindow::resizeEvent(QResizeEvent*) {
-  layOut();
+  arrange();
 }
 
 // The window is to be seen first; what has to be told comes then.
@@ -190,20 +162,18 @@ void MainWindow::keyPressEvent(QKeyEvent* event) {
   const auto others = event->modifiers() & ~(Qt::ShiftModifier | Qt::KeypadModifier);
   if (logging_->sessionActive() || cover_ != nullptr || others != Qt::NoModifier)
     return QWidget::keyPressEvent(event);
-  const int keyCode = keyCodeOf(event->key(), 0);
-  if (!event->isAutoRepeat() && keyCode == kModelKey) return chooseInstrument();
-  if (!event->isAutoRepeat() && keyCode == kThemeKey) return toggleTheme();
-  if (!event->isAutoRepeat() && keyCode == kFontsKey) return showFonts();
-  const auto step = stepOfKey(keyCode, highlight_, enabled());
+  const int keyCode = keyCodeOf(event->key());
   // A key that is held down moves the highlight on, but acts once.
-  if (event->isAutoRepeat() && step.act) return;
-  showHighlight(step.highlight);
-  if (step.act) act(*step.act);
+  if (commands_.moveByKey(keyCode) || event->isAutoRepeat()) return;
+  if (const auto index = commands_.pressedBy(keyCode)) return act(static_cast<MenuCommand>(*index));
+  if (keyCode == kModelKey) return chooseInstrument();
+  if (keyCode == kThemeKey) return toggleTheme();
+  if (keyCode == kFontsKey) return showFonts();
 }
 
 void MainWindow::act(MenuCommand command) {
   if (acting_ || cover_ != nullptr || logging_->sessionActive()) return;
-  showHighlight(static_cast<int>(command));
+  commands_.setHighlight(static_cast<int>(command));
   if (command == MenuCommand::exit) {
     close();
     return;

@@ -8,6 +8,7 @@
 #include <memory>
 #include <string>
 
+#include "ui/screen/action_bar.h"
 #include "ui/screen/theme.h"
 #include "ui/session/logging_window.h"
 #include "ui/shell/main_menu.h"
@@ -46,7 +47,7 @@ class MainWindow final : public QWidget {
   ~MainWindow() override;
 
   LoggingWnd& logging() { return *logging_; }
-  int highlight() const { return highlight_; }
+  int highlight() const { return commands_.highlight(); }
   // Shows a child window in the menu's place, and keeps the menu's commands away meanwhile; nullptr: the menu
   // again.
   void cover(QWidget* window);
@@ -66,9 +67,8 @@ class MainWindow final : public QWidget {
   void makeMenu();
   void useInstrument(RememberedKind instrument);
   void showTheme();
-  void showHighlight(int index);
   void showMenu();
-  void layOut();
+  void arrange();
   void afterFirstPaint();
   void act(MenuCommand command);
   void startSession();
@@ -78,18 +78,16 @@ class MainWindow final : public QWidget {
   void toggleFullScreen();
   void tellSettingsProblem();
   void watchSettings();
-  MenuEnabled enabled() const;
   const Theme& theme() const { return host_.night ? nightTheme() : dayTheme(); }
 
   MainWindowHost host_;
   std::function<std::string()> take_settings_problem_;
-  QWidget* menu_ = nullptr;
+  QWidget* menu_;
+  ActionBar commands_;
   TitleView* title_ = nullptr;
-  std::array<TouchButton*, kMenuCommands> buttons_{};
   TouchButton* model_button_ = nullptr;
   TouchButton* theme_button_ = nullptr;
   TouchButton* fonts_button_ = nullptr;
-  int highlight_ = 0;
   QPointer<QWidget> cover_;
   QTimer settings_watch_;
   bool uptime_exceeded_ = false;

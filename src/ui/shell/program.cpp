@@ -19,12 +19,11 @@
 #include "settings/settings_file.h"
 #include "settings/settings_writer.h"
 #include "ui/shell/chooser_dialog.h"
+#include "ui/shell/main_menu.h"
 #include "ui/shell/main_window.h"
-#include "ui/shell/menu_layout.h"
-#include "ui/shell/setup_actions.h"
+#include "ui/shell/program_actions.h"
 #include "ui/shell/single_instance.h"
 #include "ui/shell/terminate_signals.h"
-#include "ui/shell/view_actions.h"
 
 namespace kalmira {
 namespace {
@@ -72,8 +71,7 @@ class Program {
         store_("kalmira", "kalmira"),
         clock_(options.tickBase),
         assigned_(rememberedComDevices(store_)),
-        setup_actions_(setupHost()),
-        view_actions_(viewHost()) {
+        actions_(hostOfActions()) {
     for (std::size_t i = 0; i < assigned_.size(); ++i) {
       if (!options_.com[i].empty()) assigned_[i] = options_.com[i];
     }
@@ -86,9 +84,7 @@ class Program {
   bool nightToUse();
   MainWindowHost windowHost(RememberedKind instrument, bool night);
   LoggingHost openInstrument(RememberedKind instrument);
-  SetupHost setupHost();
-  ViewActionsHost viewHost();
-  MenuActions menuActions();
+  ActionsHost hostOfActions();
   void rememberDevices(const ComAssignments& changed);
   SessionSetup setupOf(RememberedKind instrument) const;
   void showWindow();
@@ -102,8 +98,7 @@ class Program {
   ComAssignments assigned_;  // what the operator gave the COM numbers
   ComAssignments devices_;   // as they were when the session began: what comes and goes renumbers nothing
   std::unique_ptr<InstrumentSettings> instrument_settings_;
-  SetupActions setup_actions_;
-  ViewActions view_actions_;
+  ProgramActions actions_;
   std::unique_ptr<MainWindow> window_;
   bool night_ = false;
   bool ended_ = false;
@@ -116,7 +111,7 @@ std::optional<RememberedKind> Program::instrumentToUse() {
   } else if (const auto ofFile = instrumentOfFile()) {
     return ofFile;  // looked at, not remembered
   } else {
-    instrument = rememberedKind(store_);
+    instrument = lastInstrument(store_);
     if (!instrument) {
       instrument = runChooserDialog(nullptr, nightToUse() ? nightTheme() : dayTheme(), std::nullopt);
     }
@@ -146,7 +141,7 @@ void Program::rememberDevices(const ComAssignments& changed) {
   rememberComDevices(store_, kept);
 }
 
-SetupHost Program::setupHost() {
+ActionsHost Program::hostOfActions() {
   return {.clock = clock_,
           .storageClass = options_.storageClass,
           .instrument = [this] { return instrument_settings_->instrument(); },
@@ -158,7 +153,9 @@ SetupHost Program::setupHost() {
           .lookAtDevice = lookAtDevice,
           .rememberDevices = [this](const ComAssignments& changed) { rememberDevices(changed); },
           .portFactory = makeQtSerialPort,
-          .cover = [this](QWidget* covering) { window_->cover(covering); }};
+          .cover = [this](QWidget* covering) { window_->cover(covering); },
+          .root = options_.root,
+          .teskRangeTimes10 = options_.teskTimes10};
 }
 
 SessionSetup Program::setupOf(RememberedKind instrument) const {
@@ -200,7 +197,7 @@ LoggingHost Program::openInstrument(RememberedKind instrument) {
           .endProgram = {},
           .displayOptions =
               [this](QWidget* parent, const Settings& settings) {
-                return setup_actions_.runSessionDisplayOptions(parent, settings);
+                return actions_.runSessionDisplayOptions(parent, settings);
               }};
 }
 
@@ -217,27 +214,8 @@ MainWindowHost Program::windowHost(RememberedKind instrument, bool night) {
                 rememberNight(store_, chosen);
               },
           .endProgram = [this] { end(); },
-          .actions = menuActions(),
-          .showFonts = [this](QWidget* parent) { view_actions_.showFonts(parent); }};
-}
-
-MenuActions Program::menuActions() {
-  auto actions = setup_actions_.menuActions();
-  actions[static_cast<std::size_t>(MenuCommand::viewFiles)] = [this](QWidget* parent) {
-    view_actions_.viewFiles(parent);
-  };
-  return actions;
-}
-
-ViewActionsHost Program::viewHost() {
-  return {.root = options_.root,
-          .storageClass = options_.storageClass,
-          .teskRangeTimes10 = options_.teskTimes10,
-          .instrument = [this] { return instrument_settings_->instrument(); },
-          .settings = [this]() -> Settings& { return instrument_settings_->settings(); },
-          .saveSettings = [this](const Settings& changed) { instrument_settings_->save(changed); },
-          .theme = [this]() -> const Theme& { return night_ ? nightTheme() : dayTheme(); },
-          .cover = [this](QWidget* covering) { window_->cover(covering); }};
+          .actions = actions_.actions(),
+          .showFonts = [this](QWidget* parent) { actions_.showFonts(parent); }};
 }
 
 void Program::end() {
@@ -247,7 +225,7 @@ void Program::end() {
 
 void Program::showWindow() {
   const auto room = QGuiApplication::primaryScreen()->availableSize();
-  const auto place = openingPlace({room.width(), room.height()}, options_.portrait, options_.scale);
+  const auto place = openingPlace(room, options_.portrait, options_.scale);
   window_->resize(place.width, place.height);
   if (place.fullScreen) {
     window_->showFullScreen();
@@ -288,8 +266,7 @@ int Program::run() {
   if (!options_.file.empty()) {
     // Once the window is to be seen: what cannot be opened is told in front of it.
     QMetaObject::invokeMethod(
-        window_.get(), [this] { view_actions_.viewFiles(window_.get(), options_.file); },
-        Qt::QueuedConnection);
+        window_.get(), [this] { actions_.viewFiles(window_.get(), options_.file); }, Qt::QueuedConnection);
   }
   IdleInhibitor inhibitor("Kalmira");
   const KeepAwakeThread keepAwake{[&inhibitor] { inhibitor.renew(); }};

@@ -4,6 +4,8 @@
 
 #include <QSettings>
 
+#include "ui/screen/qt_text.h"
+
 namespace kalmira {
 namespace {
 
@@ -12,12 +14,12 @@ const QString kIceKey = QStringLiteral("instrument/ice");
 const QString kThemeKey = QStringLiteral("screen/theme");
 
 QString comKey(std::size_t index) {
-  return QString::fromStdString(fmt::format("com/{}", index + 1));
+  return qtText(fmt::format("com/{}", index + 1));
 }
 
 }  // namespace
 
-std::optional<RememberedKind> rememberedKind(const QSettings& store) {
+std::optional<RememberedKind> lastInstrument(const QSettings& store) {
   const auto name = store.value(kKindKey).toString().toStdString();
   const auto* instrument = findInstrumentByName(name);
   if (instrument == nullptr) return std::nullopt;
@@ -27,7 +29,7 @@ std::optional<RememberedKind> rememberedKind(const QSettings& store) {
 
 void rememberKind(QSettings& store, RememberedKind kind) {
   const auto name = instrumentOf(kind.kind).name;
-  store.setValue(kKindKey, QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size())));
+  store.setValue(kKindKey, qtText(name));
   store.setValue(kIceKey, kind.ice ? "yes" : "no");
 }
 
@@ -46,7 +48,7 @@ void rememberComDevices(QSettings& store, const ComAssignments& devices) {
     if (devices[i].empty()) {
       store.remove(comKey(i));
     } else {
-      store.setValue(comKey(i), QString::fromStdString(devices[i]));
+      store.setValue(comKey(i), qtText(devices[i]));
     }
   }
 }

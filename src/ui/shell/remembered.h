@@ -15,7 +15,7 @@ struct RememberedKind {
   Kind kind = Kind::orla;
   bool ice = false;
 };
-std::optional<RememberedKind> rememberedKind(const QSettings& store);
+std::optional<RememberedKind> lastInstrument(const QSettings& store);
 void rememberKind(QSettings& store, RememberedKind kind);
 
 ComAssignments rememberedComDevices(const QSettings& store);

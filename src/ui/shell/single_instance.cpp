@@ -11,6 +11,8 @@
 #include <QThread>
 #include <system_error>
 
+#include "ui/screen/qt_text.h"
+
 namespace kalmira {
 namespace {
 
@@ -63,7 +65,7 @@ Holding takeRoot(QLockFile& lock, const QString& name) {
 
 struct SingleInstance::State {
   explicit State(const std::filesystem::path& root)
-      : lock(QString::fromStdString((root / ".kalmira.lock").string())), name(serverName(root)) {
+      : lock(qtText((root / ".kalmira.lock").string())), name(serverName(root)) {
     lock.setStaleLockTime(0);  // a survey may take days
   }
 

@@ -11,6 +11,7 @@
 
 #include "instruments/resource_names.h"
 #include "platform/command_line.h"
+#include "ui/screen/qt_text.h"
 
 namespace kalmira {
 namespace {
@@ -27,7 +28,7 @@ constexpr std::array<InkColour, 3> kInks{
     {{"#101010", &Theme::text}, {"#0044cc", &Theme::focus}, {"#c0c0c0", &Theme::chartGrid}}};
 
 QString resourceOf(std::string_view file) {
-  return QString::fromStdString(fmt::format(":/titles/{}.svg", file));
+  return qtText(fmt::format(":/titles/{}.svg", file));
 }
 
 std::string_view drawingFile(Kind kind, bool iceOption) {
@@ -143,24 +144,24 @@ const QPixmap& TitleView::drawingFor(QSize size) {
 // Name above, drawing, "KALMIRA" and the version below.
 void TitleView::paintEvent(QPaintEvent*) {
   QPainter painter(this);
-  painter.fillRect(rect(), QColor::fromRgb(theme_->background));
+  painter.fillRect(rect(), QColor(theme_->background));
   const int unit = std::min(width() / 12, height() / 9);
   const QRect inside = rect().adjusted(unit / 2, unit / 3, -unit / 2, -unit / 3);
   const int nameHeight = unit * 2;
   const int footHeight = unit * 4 / 3;
 
-  painter.setPen(QColor::fromRgb(theme_->text));
+  painter.setPen(QColor(theme_->text));
   painter.setFont(fontOfHeight(font(), nameHeight * 3 / 4, true));
   painter.drawText(QRect(inside.left(), inside.top(), inside.width(), nameHeight), Qt::AlignCenter,
-                   QString::fromStdString(shownName(kind_, ice_option_)));
+                   qtText(shownName(kind_, ice_option_)));
 
   const QRect foot(inside.left(), inside.bottom() + 1 - footHeight, inside.width(), footHeight);
   painter.setFont(fontOfHeight(font(), footHeight * 2 / 3, true));
   painter.drawText(foot, Qt::AlignLeft | Qt::AlignVCenter, QStringLiteral("KALMIRA"));
-  painter.setPen(QColor::fromRgb(theme_->faintText));
+  painter.setPen(QColor(theme_->faintText));
   painter.setFont(fontOfHeight(font(), footHeight / 2, false));
   painter.drawText(foot, Qt::AlignRight | Qt::AlignVCenter,
-                   QString::fromStdString(fmt::format("Version {}", programVersion())));
+                   qtText(fmt::format("Version {}", programVersion())));
 
   const QRect room(inside.left(), inside.top() + nameHeight, inside.width(),
                    inside.height() - nameHeight - footHeight);

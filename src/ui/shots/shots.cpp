@@ -18,12 +18,12 @@
 #include "logging/commands.h"
 #include "logging/keys.h"
 #include "ui/gps/monitor_window.h"
+#include "ui/screen/qt_text.h"
 #include "ui/screen/touch_button.h"
 #include "ui/session/logging_window.h"
 #include "ui/shell/chooser_dialog.h"
-#include "ui/shell/devices_dialog.h"
 #include "ui/shell/main_window.h"
-#include "ui/shell/setup_actions.h"
+#include "ui/shell/program_actions.h"
 #include "ui/shots/simulated_port.h"
 #include "ui/viewer/font_window.h"
 #include "ui/viewer/view_files_window.h"
@@ -101,8 +101,8 @@ class Stage {
         folder_(folder),
         settings_(surveySettings(shot.instrument)),
         plan_(sim::naturalPlan(shot.instrument.kind, 12)),
-        setup_actions_(setupHost()),
-        window_(host()) {
+        actions_(hostOfActions()),
+        window_(windowHost()) {
     plan_.sentencePeriod_s = 0.2;
     window_.resize(shot.size);
     window_.show();
@@ -112,10 +112,11 @@ class Stage {
   const std::string& problem() const { return problem_; }
 
  private:
-  MainWindowHost host();
-  LoggingHost loggingHost();
-  SetupHost setupHost();
-  void save(std::string_view what);
+  MainWindowHost windowHost();
+  LoggingHost hostOfLogging();
+  ActionsHost hostOfActions();
+  void save(std::string_view what) { save(window_.grab(), what); }
+  void save(const QPixmap& picture, std::string_view what);
   void saveWith(std::string_view what, const QWidget& above);
   // Takes a picture of the dialog or menu that `open` opens, and closes it.
   void runAndSave(const std::function<void()>& open, std::string_view what);
@@ -139,11 +140,11 @@ class Stage {
   Allowance allowance_;
   std::string problem_;
   ComAssignments assigned_;
-  SetupActions setup_actions_;
+  ProgramActions actions_;
   MainWindow window_;
 };
 
-LoggingHost Stage::loggingHost() {
+LoggingHost Stage::hostOfLogging() {
   return {.setup = {.kind = shot_.instrument.kind,
                     .iceChosen = shot_.instrument.ice,
                     .root = root_.path().toStdString()},
@@ -163,22 +164,20 @@ LoggingHost Stage::loggingHost() {
           .displayOptions = [](QWidget*, const Settings&) { return std::optional<Settings>(); }};
 }
 
-MainWindowHost Stage::host() {
-  auto actions = setup_actions_.menuActions();
-  actions[static_cast<std::size_t>(MenuCommand::viewFiles)] = [](QWidget*) {};
+MainWindowHost Stage::windowHost() {
   return {.clock = clock_,
           .instrument = shot_.instrument,
           .night = shot_.night,
-          .open = [this](RememberedKind) { return loggingHost(); },
+          .open = [this](RememberedKind) { return hostOfLogging(); },
           .sessionBegins = [] {},
           .rememberInstrument = [](RememberedKind) {},
           .rememberNight = [](bool) {},
           .endProgram = [] {},
-          .actions = std::move(actions),
+          .actions = actions_.actions(),
           .showFonts = [](QWidget*) {}};
 }
 
-SetupHost Stage::setupHost() {
+ActionsHost Stage::hostOfActions() {
   return {.clock = clock_,
           .storageClass = kDefaultStorageClass,
           .instrument = [this] { return shot_.instrument; },
@@ -202,9 +201,9 @@ bool Stage::waitFor(const std::function<bool()>& happened) {
   return happened();
 }
 
-void Stage::save(std::string_view what) {
+void Stage::save(const QPixmap& picture, std::string_view what) {
   const auto path = folder_ / nameOf(shot_, what);
-  if (!window_.grab().save(QString::fromStdString(path.string()))) problem_ = "cannot write " + path.string();
+  if (!picture.save(qtText(path.string()))) problem_ = "cannot write " + path.string();
 }
 
 // The window with what stands above it.
@@ -216,8 +215,7 @@ void Stage::saveWith(std::string_view what, const QWidget& above) {
   painter.setPen(QPen(Qt::gray, 1));
   painter.drawRect(QRect(place, above.size()));
   painter.end();
-  const auto path = folder_ / nameOf(shot_, what);
-  if (!picture.save(QString::fromStdString(path.string()))) problem_ = "cannot write " + path.string();
+  save(picture, what);
 }
 
 void Stage::runAndSave(const std::function<void()>& open, std::string_view what) {
@@ -237,7 +235,7 @@ void Stage::runAndSave(const std::function<void()>& open, std::string_view what)
 
 void Stage::takeSetup() {
   const auto press = [this](MenuCommand command, std::string_view what) {
-    runAndSave([&] { setup_actions_.menuActions()[static_cast<std::size_t>(command)](&window_); }, what);
+    runAndSave([&] { actions_.actions()[static_cast<std::size_t>(command)](&window_); }, what);
   };
   press(MenuCommand::surveySetup, "survey-setup");
   press(MenuCommand::loggerSetup, "logger-setup");
@@ -269,19 +267,11 @@ void Stage::settle() {
 }
 
 void Stage::takeQuestion() {
-  QTimer watch;
-  QObject::connect(&watch, &QTimer::timeout, [&] {
-    if (auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget())) {
-      saveWith("link-lost", *dialog);
-      dialog->reject();
-    }
-  });
-  watch.start(60);
-  auto& session = *window_.logging().session();
-  session.view.ask(Question::linkLost,
-                   {.title = "No Connection/Instrument OFF",
-                    .text = "Fix the problem and\r\npress YES to try.\r\nPress NO to exit Logging Mode.\r\n",
-                    .icon = Icon::exclamation});
+  const Message lost{.title = "No Connection/Instrument OFF",
+                     .text = "Fix the problem and\r\npress YES to try.\r\nPress NO to exit Logging Mode.\r\n",
+                     .icon = Icon::exclamation};
+  auto& view = window_.logging().session()->view;
+  runAndSave([&] { view.ask(Question::linkLost, lost); }, "link-lost");
 }
 
 void Stage::takeAll() {
@@ -358,8 +348,7 @@ std::string takeChooser(const std::filesystem::path& folder, QSize size, bool ni
     const auto path =
         folder / fmt::format("chooser-{}{}.png", size.height() >= size.width() ? "portrait" : "landscape",
                              night ? "-night" : "");
-    if (!dialog->grab().save(QString::fromStdString(path.string())))
-      problem = "cannot write " + path.string();
+    if (!dialog->grab().save(qtText(path.string()))) problem = "cannot write " + path.string();
     dialog->reject();
   });
   watch.start(60);

@@ -1,45 +1,36 @@
 #pragma once
 
-#include <QWidget>
-#include <functional>
-
-#include "ui/screen/theme.h"
+#include "ui/screen/action_bar.h"
+#include "ui/screen/cover_window.h"
 
 class QLabel;
 class QListWidget;
 
 namespace kalmira {
 
-class TouchButton;
-
 // FontWnd: which font families this machine has, in which sizes, and how the logger's texts look in them; for
-// finding out why a screen is hard to read. All over its parent while it is shown.
-class FontWnd final : public QWidget {
+// finding out why a screen is hard to read.
+class FontWnd final : public CoverWindow {
  public:
-  // `onLeft`: it was left, the main menu is to be shown.
   FontWnd(std::function<void()> onLeft, const Theme& theme, QWidget* parent);
 
   void open();
-  void leave();
+  void leave() { uncover(); }
 
  protected:
   void keyPressEvent(QKeyEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
-  bool eventFilter(QObject* watched, QEvent* event) override;
-  bool focusNextPrevChild(bool) override { return false; }
 
  private:
   void makeSamples();
   void showFamily();
+  void press(int index);
   void changeSize(int step);
 
-  std::function<void()> on_left_;
   QListWidget* families_;
   QLabel* sizes_;
   QLabel* sample_;
-  TouchButton* smaller_;
-  TouchButton* larger_;
-  TouchButton* exit_;
+  ActionBar buttons_;
   int size_index_;
 };
 

@@ -5,6 +5,8 @@
 #include <QWheelEvent>
 #include <utility>
 
+#include "ui/screen/qt_text.h"
+
 namespace kalmira {
 namespace {
 
@@ -24,7 +26,7 @@ class LineModel final : public QAbstractListModel {
   }
   QVariant data(const QModelIndex& index, int role) const override {
     if (role != Qt::DisplayRole || !index.isValid()) return {};
-    return QString::fromStdString(lineNameOf((*lines_)[static_cast<std::size_t>(index.row())]));
+    return qtText(lineNameOf((*lines_)[static_cast<std::size_t>(index.row())]));
   }
 
  private:
@@ -33,7 +35,7 @@ class LineModel final : public QAbstractListModel {
 
 }  // namespace
 
-LineListView::LineListView(std::function<void(int)> chosen, std::function<void()> closed, QWidget* parent)
+LineList::LineList(std::function<void(int)> chosen, std::function<void()> closed, QWidget* parent)
     : QComboBox(parent), closed_(std::move(closed)) {
   setObjectName("lines");
   setAccessibleName(QStringLiteral("Survey line"));
@@ -48,19 +50,19 @@ LineListView::LineListView(std::function<void(int)> chosen, std::function<void()
   connect(this, &QComboBox::activated, this, std::move(chosen));
 }
 
-void LineListView::setLines(const std::vector<SurveyLine>* lines) {
+void LineList::setLines(const std::vector<SurveyLine>* lines) {
   static_cast<LineModel*>(model())->setLines(lines);
   setCurrentIndex(count() == 0 ? -1 : 0);
 }
 
-void LineListView::hidePopup() {
+void LineList::hidePopup() {
   QComboBox::hidePopup();
   QMetaObject::invokeMethod(
       this, [this] { closed_(); }, Qt::QueuedConnection);
 }
 
 // A line is changed by choosing one, not by chance.
-void LineListView::wheelEvent(QWheelEvent* event) {
+void LineList::wheelEvent(QWheelEvent* event) {
   event->ignore();
 }
 

@@ -9,10 +9,10 @@
 namespace kalmira {
 
 // The drop-down list of a file's survey lines; it opens at once when a million of them stand in it.
-class LineListView final : public QComboBox {
+class LineList final : public QComboBox {
  public:
   // `chosen`: an entry was confirmed, counted from 0; `closed`: the list is no longer open, chosen or not.
-  LineListView(std::function<void(int index)> chosen, std::function<void()> closed, QWidget* parent);
+  LineList(std::function<void(int index)> chosen, std::function<void()> closed, QWidget* parent);
 
   // Selects the first one. The lines must outlive the list or be taken away: nullptr.
   void setLines(const std::vector<SurveyLine>* lines);

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "settings/profile_scale.h"
+#include "ui/screen/qt_text.h"
 #include "ui/screen/theme.h"
 #include "ui/viewer/readout_view.h"
 #include "viewer/plot_points.h"
@@ -36,7 +37,7 @@ class PaintedChart final : public ChartCanvas {
   void scrollLeft(int) override {}
   void eraseColumns(int, int) override {}
   void gridPiece(int left, int right, int y, int pixels) override {
-    painter_.setPen(QPen(QColor::fromRgb(dayTheme().chartGrid), pixels));
+    painter_.setPen(QPen(QColor(dayTheme().chartGrid), pixels));
     painter_.drawLine(at(left, y) - QPointF(stretch_ / 2, 0), at(right, y) + QPointF(stretch_ / 2, 0));
   }
   void line(int x1, int y1, int x2, int y2, int colour, int width) override {
@@ -55,8 +56,8 @@ class PaintedChart final : public ChartCanvas {
     return {place_.left() + (x + 0.5) * stretch_, static_cast<double>(place_.top() + within)};
   }
   void take(int colour, int width) {
-    painter_.setPen(QPen(QColor::fromRgb(traceColourOn(dayTheme(), colour)), width + 1, Qt::SolidLine,
-                         Qt::RoundCap, Qt::RoundJoin));
+    painter_.setPen(QPen(QColor(traceColourOn(dayTheme(), colour)), width + 1, Qt::SolidLine, Qt::RoundCap,
+                         Qt::RoundJoin));
   }
 
   QPainter& painter_;
@@ -73,7 +74,7 @@ void takeFont(QPainter& painter, int pixels, bool bold) {
 
 void drawText(QPainter& painter, const QRect& place, Qt::Alignment flags, const std::string& text) {
   painter.setPen(Qt::black);
-  painter.drawText(place, static_cast<int>(flags) | Qt::TextSingleLine, QString::fromStdString(text));
+  painter.drawText(place, static_cast<int>(flags) | Qt::TextSingleLine, qtText(text));
 }
 
 StationPoint pointAt(const LinePicture& picture, int row) {
@@ -179,10 +180,10 @@ void drawLegend(QPainter& painter, const LinePicture& picture) {
   for (const auto& field : tracesOf(picture)) {
     const auto trace = static_cast<std::size_t>(field.trace);
     if (trace < kTraces ? setup.traceShown[trace] == 0 : !setup.secondCoil) continue;
-    painter.setPen(QPen(QColor::fromRgb(traceColourOn(dayTheme(), traceColourOf(setup, trace))), 4));
+    painter.setPen(QPen(QColor(traceColourOn(dayTheme(), traceColourOf(setup, trace))), 4));
     painter.drawLine(left, top, left + 30, top);
     const auto name = field.unit.empty() ? field.label : fmt::format("{}, {}", field.label, field.unit);
-    const int wide = painter.fontMetrics().horizontalAdvance(QString::fromStdString(name));
+    const int wide = painter.fontMetrics().horizontalAdvance(qtText(name));
     drawText(painter, {left + 38, top - kTextPixels, wide + 4, 2 * kTextPixels}, Qt::AlignVCenter, name);
     left += wide + 70;
   }
@@ -226,7 +227,7 @@ QByteArray linePictureSvg(const LinePicture& picture) {
   generator.setOutputDevice(&buffer);
   generator.setSize(kSize);
   generator.setViewBox(QRect(QPoint(0, 0), kSize));
-  generator.setTitle(QString::fromStdString(picture.title));
+  generator.setTitle(qtText(picture.title));
   QPainter painter(&generator);
   drawAll(painter, picture);
   painter.end();

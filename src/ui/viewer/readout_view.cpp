@@ -6,16 +6,14 @@
 #include <algorithm>
 #include <utility>
 
+#include "ui/screen/qt_text.h"
+
 namespace kalmira {
 namespace {
 
 constexpr int kSmallestText = 9;  // pixels
 constexpr int kMargin = 3;
 constexpr int kSwatchGap = 3;
-
-QString qtText(const std::string& text) {
-  return QString::fromStdString(text);
-}
 
 // Between two columns, and the place of a trace's colour.
 int swatchWidth(int lineHeight) {
@@ -77,7 +75,7 @@ void ReadoutView::drawField(QPainter& painter, const ReadoutField& field, const 
   const int swatch = swatchWidth(cell.height());
   if (field.trace >= 0) {
     const QRect place(cell.left(), cell.top() + cell.height() / 4, swatch, cell.height() / 2);
-    painter.fillRect(place, QColor::fromRgb(colours_.at(static_cast<std::size_t>(field.trace))));
+    painter.fillRect(place, QColor(colours_.at(static_cast<std::size_t>(field.trace))));
   }
   const QRect room = cell.adjusted(swatch + kSwatchGap, 0, 0, 0);
   painter.drawText(room, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, qtText(readoutText(field)));
@@ -85,11 +83,11 @@ void ReadoutView::drawField(QPainter& painter, const ReadoutField& field, const 
 
 void ReadoutView::paintEvent(QPaintEvent*) {
   QPainter painter(this);
-  painter.fillRect(rect(), QColor::fromRgb(theme_->background));
+  painter.fillRect(rect(), QColor(theme_->background));
   if (readout_.fields.empty()) return;
   const auto grid = gridFor(static_cast<int>(readout_.notes.size()));
   painter.setFont(grid.font);
-  painter.setPen(QColor::fromRgb(theme_->text));
+  painter.setPen(QColor(theme_->text));
   int index = 0;
   const int columnStep = std::max(grid.columnWidth, (width() - 2 * kMargin) / grid.columns);
   for (const auto& field : readout_.fields) {

@@ -8,19 +8,20 @@
 #include <algorithm>
 #include <utility>
 
+#include "logging/keys.h"
+#include "ui/screen/file_dialog.h"
 #include "ui/screen/key_table.h"
 #include "ui/screen/message_dialog.h"
+#include "ui/screen/qt_text.h"
 #include "ui/screen/screen_scale.h"
 #include "ui/screen/template_dialog.h"
 #include "ui/screen/touch_button.h"
 #include "ui/session/dialogs.h"
 #include "ui/viewer/line_list.h"
-#include "ui/viewer/open_file_dialog.h"
-#include "ui/viewer/overview.h"
+#include "ui/viewer/overview_strip.h"
 #include "ui/viewer/readout_view.h"
-#include "ui/viewer/view_curve.h"
+#include "ui/viewer/view_curve_window.h"
 #include "ui/viewer/viewer_layout.h"
-#include "ui/viewer/waiting.h"
 
 namespace kalmira {
 namespace {
@@ -29,14 +30,6 @@ constexpr double kReadoutUnits = 13;  // high, of the largest text
 constexpr double kLabelUnits = 9;     // of texts at the plot
 constexpr int kSmallestLabel = 9;     // pixels
 
-QRect rectOf(const ViewBox& box) {
-  return {box.left, box.top, box.width, box.height};
-}
-
-QString qtText(std::string_view utf8) {
-  return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
-}
-
 bool movesView(ViewCommand command) {
   return command <= ViewCommand::lineEnd;
 }
@@ -44,55 +37,48 @@ bool movesView(ViewCommand command) {
 }  // namespace
 
 ViewFilesWnd::ViewFilesWnd(ViewerHost host, const Theme& theme, QWidget* parent)
-    : QWidget(parent),
+    : CoverWindow("ViewFilesWnd", host.onLeft, parent),
       host_(std::move(host)),
       theme_(&theme),
       row_files_(rowFilesOf(host_.place.root, host_.place.storageClass)),
-      lines_(new LineListView([this](int index) { chooseLine(index); },
-                              [this] {
-                                lines_->setCurrentIndex(static_cast<int>(navigation_.selectedLine));
-                                showPlot();
-                                window()->activateWindow();  // the list was a window of its own
-                                setFocus();
-                              },
-                              this)),
+      lines_(new LineList([this](int index) { chooseLine(index); },
+                          [this] {
+                            lines_->setCurrentIndex(static_cast<int>(navigation_.selectedLine));
+                            showPlot();
+                            window()->activateWindow();  // the list was a window of its own
+                            setFocus();
+                          },
+                          this)),
       readout_(new ReadoutView(theme, this)),
       plot_(new ViewCurveWnd(
           theme, [this](int bar) { moveBarTo(bar); }, this)),
-      overview_(new OverviewView(
-          theme, [this](int row) { moveToRow(row); }, this)) {
-  setObjectName("ViewFilesWnd");
-  setFocusPolicy(Qt::StrongFocus);
-  setAutoFillBackground(true);
+      overview_(new OverviewStrip(
+          theme, [this](int row) { moveToRow(row); }, this)),
+      buttons_(this, theme,
+               [this](int index) { run(viewEntries().at(static_cast<std::size_t>(index)).command); }) {
   makeButtons();
-  if (parent != nullptr) parent->installEventFilter(this);
-  hide();
 }
 
 ViewFilesWnd::~ViewFilesWnd() = default;
 
 void ViewFilesWnd::makeButtons() {
-  for (std::size_t i = 0; i < buttons_.size(); ++i) {
-    const auto& entry = viewEntries()[i];
-    auto* button = new TouchButton(qtText(entry.text), *theme_, this);
-    button->setObjectName(
-        QString::fromStdString(fmt::format("{}", kFirstCommandId + static_cast<int>(entry.command))));
-    button->setToolTip(qtText(entry.toolTip));
-    button->setAccessibleName(qtText(entry.toolTip));
-    connect(button, &QPushButton::clicked, this, [this, command = entry.command] { run(command); });
-    buttons_[i] = button;
-    if (entry.command == ViewCommand::openFile) highlight_ = static_cast<int>(i);
+  std::vector<Action> actions;
+  int first = 0;
+  for (const auto& entry : viewEntries()) {
+    if (entry.command == ViewCommand::openFile) first = static_cast<int>(actions.size());
+    actions.push_back({.text = entry.text,
+                       .toolTip = entry.toolTip,
+                       .identifier = kFirstCommandId + static_cast<int>(entry.command)});
   }
+  buttons_.setActions(actions);
+  buttons_.setHighlight(first);
   showButtons();
 }
 
 void ViewFilesWnd::open() {
   outer_title_ = window()->windowTitle();
-  if (parentWidget() != nullptr) setGeometry(parentWidget()->rect());
-  show();
-  raise();
-  layOut();
-  setFocus();
+  cover();
+  arrange();
 }
 
 void ViewFilesWnd::leave() {
@@ -105,8 +91,7 @@ void ViewFilesWnd::leave() {
   showReadout();
   showCaption();
   showButtons();
-  hide();
-  if (host_.onLeft) host_.onLeft();
+  uncover();
 }
 
 void ViewFilesWnd::run(ViewCommand command) {
@@ -147,7 +132,7 @@ bool ViewFilesWnd::openFile(const std::filesystem::path& path) {
   std::string problem;
   std::unique_ptr<OpenedFile> opened;
   {
-    const Waiting waiting;
+    const WaitingCursor cursor;
     opened = openDataFile(path, problem);
   }
   if (!opened) {
@@ -173,7 +158,7 @@ bool ViewFilesWnd::openFile(const std::filesystem::path& path) {
 }
 
 std::string ViewFilesWnd::extractShown() {
-  const Waiting waiting;
+  const WaitingCursor cursor;
   return extractLine(*file_, static_cast<std::size_t>(std::max(0, lines_->currentIndex())), row_files_,
                      host_.extract);
 }
@@ -256,20 +241,16 @@ void ViewFilesWnd::showOverview() {
 void ViewFilesWnd::showCaption() {
   caption_ = file_ ? fileCaption(*file_) : "No file open";
   if (file_ && file_->scanned.lines.empty()) caption_ += ", no lines";
-  setWindowTitle(QString::fromStdString(caption_));
+  setWindowTitle(qtText(caption_));
   const bool outer = parentWidget() != nullptr;
-  if (outer) window()->setWindowTitle(file_ ? QString::fromStdString(fileCaption(*file_)) : outer_title_);
+  if (outer) window()->setWindowTitle(file_ ? qtText(fileCaption(*file_)) : outer_title_);
   update(caption_place_);
 }
 
 void ViewFilesWnd::showButtons() {
   const bool usable = file_ != nullptr;
-  if (!usable && viewEntries().at(static_cast<std::size_t>(highlight_)).needsFile) {
-    highlight_ = nextViewButton(highlight_, 1, false);
-  }
-  for (std::size_t i = 0; i < buttons_.size(); ++i) {
-    buttons_[i]->setEnabled(usable || !viewEntries()[i].needsFile);
-    buttons_[i]->setDefault(static_cast<int>(i) == highlight_);
+  for (int i = 0; i < kViewButtons; ++i) {
+    buttons_.setUsable(i, usable || !viewEntries()[static_cast<std::size_t>(i)].needsFile);
   }
   lines_->setEnabled(usable && lines_->count() > 0);
 }
@@ -282,46 +263,38 @@ void ViewFilesWnd::tell(const std::string& text) {
 }
 
 void ViewFilesWnd::keyPressEvent(QKeyEvent* event) {
-  // Function keys are the program's; what else is no command ends here, for the menu below has keys of its
-  // own.
-  if (event->key() >= Qt::Key_F1 && event->key() <= Qt::Key_F35) return QWidget::keyPressEvent(event);
-  if (event->key() == Qt::Key_Tab || event->key() == Qt::Key_Backtab) {
-    highlight_ = nextViewButton(highlight_, event->key() == Qt::Key_Tab ? 1 : -1, file_ != nullptr);
-    return showButtons();
+  // What is no command ends here, for the menu below has keys of its own.
+  if (isFunctionKey(event->key())) return QWidget::keyPressEvent(event);
+  if (event->key() == Qt::Key_Backtab) return buttons_.moveHighlight(-1);
+  const int keyCode = keyCodeOf(event->key());
+  if (keyCode == key::kTab) return buttons_.moveHighlight(1);
+  auto command = viewCommandOfKey(keyCode);
+  if (const auto index = buttons_.pressedBy(keyCode)) {
+    command = viewEntries().at(static_cast<std::size_t>(*index)).command;
   }
-  const bool enter = event->key() == Qt::Key_Enter || event->key() == Qt::Key_Return;
-  const auto command = enter ? std::optional(viewEntries().at(static_cast<std::size_t>(highlight_)).command)
-                             : viewCommandOfKey(keyCodeOf(event->key(), 0));
   if (!command || (event->isAutoRepeat() && !movesView(*command))) return;
   if (event->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) return;
   run(*command);
 }
 
 void ViewFilesWnd::resizeEvent(QResizeEvent*) {
-  layOut();
+  arrange();
 }
 
-bool ViewFilesWnd::eventFilter(QObject* watched, QEvent* event) {
-  if (watched == parentWidget() && event->type() == QEvent::Resize) setGeometry(parentWidget()->rect());
-  return false;
-}
-
-void ViewFilesWnd::layOut() {
+void ViewFilesWnd::arrange() {
   const auto layout = layOutViewer(width(), height(), touchHeight(screen()));
+  setTextScale(*this, layout.scale);
   QFont texts = font();
-  texts.setPixelSize(dialogTextPixels(layout.scale));
-  setFont(texts);
   lines_->setFont(texts);
-  lines_->setGeometry(rectOf(layout.lines));
-  for (std::size_t i = 0; i < buttons_.size(); ++i) buttons_[i]->setGeometry(rectOf(layout.buttons[i]));
-  fitTogether(buttons_, layout.buttons[0].height / 2);
-  caption_place_ = rectOf(layout.caption);
+  lines_->setGeometry(layout.lines);
+  buttons_.place(layout.buttons, layout.buttons[0].height() / 2);
+  caption_place_ = layout.caption;
   readout_->setLargestText(std::max(kSmallestLabel, static_cast<int>(kReadoutUnits * layout.scale)));
-  readout_->setGeometry(rectOf(layout.readout));
+  readout_->setGeometry(layout.readout);
   texts.setPixelSize(std::max(kSmallestLabel, static_cast<int>(kLabelUnits * layout.scale)));
   plot_->setFont(texts);
-  plot_->setGeometry(rectOf(layout.plot));
-  overview_->setGeometry(rectOf(layout.overview));
+  plot_->setGeometry(layout.plot);
+  overview_->setGeometry(layout.overview);
   setPlotWidth(navigation_, plot_->plotSize().width());
   if (isVisible() && file_ != nullptr) {
     // A message in the middle of a change of size would be asked for again by its own.
@@ -342,11 +315,10 @@ void ViewFilesWnd::paintEvent(QPaintEvent*) {
   texts.setPixelSize(std::min(texts.pixelSize(), caption_place_.height() - 2));
   texts.setBold(true);
   painter.setFont(texts);
-  painter.setPen(QColor::fromRgb(theme_->text));
+  painter.setPen(QColor(theme_->text));
   const QFontMetrics metrics(texts);
-  const auto file = QString::fromStdString(caption_);
-  const auto status =
-      metrics.elidedText(QString::fromStdString(status_), Qt::ElideRight, caption_place_.width() / 2);
+  const auto file = qtText(caption_);
+  const auto status = metrics.elidedText(qtText(status_), Qt::ElideRight, caption_place_.width() / 2);
   painter.drawText(caption_place_, Qt::AlignRight | Qt::AlignVCenter | Qt::TextSingleLine, status);
   const int room = caption_place_.width() - metrics.horizontalAdvance(status + "  ");
   painter.drawText(caption_place_, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,

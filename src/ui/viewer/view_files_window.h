@@ -1,7 +1,5 @@
 #pragma once
 
-#include <QWidget>
-#include <array>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -10,17 +8,18 @@
 #include "chart/profile_chart.h"
 #include "datafile/creation.h"
 #include "settings/settings.h"
-#include "ui/screen/theme.h"
+#include "ui/screen/action_bar.h"
+#include "ui/screen/cover_window.h"
 #include "viewer/opened_file.h"
 #include "viewer/viewer_commands.h"
 
 namespace kalmira {
 
-class LineListView;
-class OverviewView;
+class LineList;
+class OverviewStrip;
 class ReadoutView;
-class TouchButton;
 class ViewCurveWnd;
+struct SaveQuestion;
 
 // What the viewer needs of the program.
 struct ViewerHost {
@@ -33,9 +32,9 @@ struct ViewerHost {
   std::function<void()> onLeft;  // the viewer is closed; the main menu is to be shown
 };
 
-// ViewFilesWnd: opens a data file, lists its survey lines and moves along one of them. All over its parent
-// while it is shown. Data files are only ever read.
-class ViewFilesWnd final : public QWidget {
+// ViewFilesWnd: opens a data file, lists its survey lines and moves along one of them. Data files are only
+// ever read.
+class ViewFilesWnd final : public CoverWindow {
  public:
   ViewFilesWnd(ViewerHost host, const Theme& theme, QWidget* parent);
   ~ViewFilesWnd() override;
@@ -57,8 +56,6 @@ class ViewFilesWnd final : public QWidget {
   void keyPressEvent(QKeyEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
-  bool eventFilter(QObject* watched, QEvent* event) override;
-  bool focusNextPrevChild(bool) override { return false; }  // Tab moves the highlight
 
  private:
   void makeButtons();
@@ -66,6 +63,8 @@ class ViewFilesWnd final : public QWidget {
   void chooseFile();
   void chooseLine(int index);
   void enterScale();
+  using WriteFile = std::function<std::string(const std::filesystem::path&)>;
+  void saveAs(const SaveQuestion& question, const WriteFile& write);
   void savePicture();
   void exportCsv();
   void showHelp();
@@ -78,9 +77,8 @@ class ViewFilesWnd final : public QWidget {
   void showOverview();
   void showCaption();
   void showButtons();
-  void layOut();
+  void arrange();
   ProfileSetup setupFor(QSize size) const;
-  std::filesystem::path savedName(const char* extension) const;
   void tell(const std::string& text);
 
   ViewerHost host_;
@@ -92,14 +90,13 @@ class ViewFilesWnd final : public QWidget {
   std::string caption_;
   std::string status_;
   QString outer_title_;  // of the program's window, as it was before
-  int highlight_ = 0;
   bool acting_ = false;
   bool telling_ = false;
-  LineListView* lines_;
+  LineList* lines_;
   ReadoutView* readout_;
   ViewCurveWnd* plot_;
-  OverviewView* overview_;
-  std::array<TouchButton*, kViewButtons> buttons_{};
+  OverviewStrip* overview_;
+  ActionBar buttons_;
   QRect caption_place_;
 };
 

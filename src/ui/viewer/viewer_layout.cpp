@@ -38,21 +38,21 @@ std::size_t buttonOf(ViewCommand command) {
 }
 
 // Share `index` of `count` equal ones of a row, `shares` wide.
-ViewBox shareOf(const ViewBox& row, int index, int count, int gap, int shares = 1) {
-  const int left = row.left + (row.width + gap) * index / count;
-  const int right = row.left + (row.width + gap) * (index + shares) / count - gap;
-  return {.left = left, .top = row.top, .width = right - left, .height = row.height};
+QRect shareOf(const QRect& row, int index, int count, int gap, int shares = 1) {
+  const int left = row.left() + (row.width() + gap) * index / count;
+  const int right = row.left() + (row.width() + gap) * (index + shares) / count - gap;
+  return {left, row.top(), right - left, row.height()};
 }
 
 // The list of lines and the buttons behind it.
-void placeTop(const ViewBox& row, std::span<const ViewCommand> commands, int gap, ViewerLayout& layout) {
+void placeTop(const QRect& row, std::span<const ViewCommand> commands, int gap, ViewerLayout& layout) {
   const int count = kListShares + static_cast<int>(commands.size());
   layout.lines = shareOf(row, 0, count, gap, kListShares);
   int index = kListShares;
   for (const auto command : commands) layout.buttons[buttonOf(command)] = shareOf(row, index++, count, gap);
 }
 
-void placeSteps(const ViewBox& row, int gap, ViewerLayout& layout) {
+void placeSteps(const QRect& row, int gap, ViewerLayout& layout) {
   int index = 0;
   for (const auto command : kSteps) {
     layout.buttons[buttonOf(command)] = shareOf(row, index++, static_cast<int>(kSteps.size()), gap);
@@ -60,34 +60,34 @@ void placeSteps(const ViewBox& row, int gap, ViewerLayout& layout) {
 }
 
 // Readout above the plot, beside it the two buttons that save, one above the other.
-void placeUpright(const ViewBox& inside, const Measures& measures, ViewerLayout& layout) {
+void placeUpright(const QRect& inside, const Measures& measures, ViewerLayout& layout) {
   const int gap = measures.gap;
   const int side = std::max(measures.row, measures.units(kSideUnits));
   const int readoutHeight = 2 * measures.row + gap;
-  layout.caption = {inside.left, inside.top, inside.width, measures.caption};
-  const int top = inside.top + measures.caption + gap;
-  layout.readout = {inside.left, top, inside.width - side - gap, readoutHeight};
+  layout.caption = {inside.left(), inside.top(), inside.width(), measures.caption};
+  const int top = inside.top() + measures.caption + gap;
+  layout.readout = {inside.left(), top, inside.width() - side - gap, readoutHeight};
   int at = top;
   for (const auto command : kSideCommands) {
-    layout.buttons[buttonOf(command)] = {inside.left + inside.width - side, at, side, measures.row};
+    layout.buttons[buttonOf(command)] = {inside.left() + inside.width() - side, at, side, measures.row};
     at += measures.row + gap;
   }
-  const int bottom = inside.top + inside.height;
-  layout.overview = {inside.left, bottom - measures.row, inside.width, measures.row};
+  const int bottom = inside.top() + inside.height();
+  layout.overview = {inside.left(), bottom - measures.row, inside.width(), measures.row};
   const int plotTop = top + readoutHeight + gap;
-  layout.plot = {inside.left, plotTop, inside.width, std::max(1, layout.overview.top - gap - plotTop)};
+  layout.plot = {inside.left(), plotTop, inside.width(), std::max(1, layout.overview.top() - gap - plotTop)};
 }
 
-void placeLying(const ViewBox& inside, const Measures& measures, ViewerLayout& layout) {
+void placeLying(const QRect& inside, const Measures& measures, ViewerLayout& layout) {
   const int gap = measures.gap;
   const int readoutWidth = measures.units(kReadoutUnits);
-  const int plotWidth = inside.width - readoutWidth - gap;
-  layout.readout = {inside.left + plotWidth + gap, inside.top, readoutWidth, inside.height};
-  layout.caption = {inside.left, inside.top, plotWidth, measures.caption};
-  const int bottom = inside.top + inside.height;
-  layout.overview = {inside.left, bottom - measures.row, plotWidth, measures.row};
-  const int plotTop = inside.top + measures.caption + gap;
-  layout.plot = {inside.left, plotTop, plotWidth, std::max(1, layout.overview.top - gap - plotTop)};
+  const int plotWidth = inside.width() - readoutWidth - gap;
+  layout.readout = {inside.left() + plotWidth + gap, inside.top(), readoutWidth, inside.height()};
+  layout.caption = {inside.left(), inside.top(), plotWidth, measures.caption};
+  const int bottom = inside.top() + inside.height();
+  layout.overview = {inside.left(), bottom - measures.row, plotWidth, measures.row};
+  const int plotTop = inside.top() + measures.caption + gap;
+  layout.plot = {inside.left(), plotTop, plotWidth, std::max(1, layout.overview.top() - gap - plotTop)};
 }
 
 }  // namespace
@@ -100,10 +100,10 @@ ViewerLayout layOutViewer(int width, int height, int touchHeight) {
                           .caption = std::max(kLeastCaption, static_cast<int>(kCaptionUnits * screen.scale))};
   const int gap = measures.gap;
   const int inner = width - 2 * gap;
-  const ViewBox top{gap, gap, inner, measures.row};
-  const ViewBox steps{gap, height - gap - measures.row, inner, measures.row};
-  const int insideTop = top.top + top.height + gap;
-  const ViewBox inside{gap, insideTop, inner, std::max(1, steps.top - gap - insideTop)};
+  const QRect top{gap, gap, inner, measures.row};
+  const QRect steps{gap, height - gap - measures.row, inner, measures.row};
+  const int insideTop = top.top() + top.height() + gap;
+  const QRect inside{gap, insideTop, inner, std::max(1, steps.top() - gap - insideTop)};
   ViewerLayout layout;
   layout.scale = screen.scale;
   placeSteps(steps, gap, layout);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QRect>
 #include <array>
 
 #include "viewer/viewer_commands.h"
@@ -7,20 +8,13 @@
 // Where the viewer's parts stand, in pixels.
 namespace kalmira {
 
-struct ViewBox {
-  int left = 0;
-  int top = 0;
-  int width = 0;
-  int height = 0;
-};
-
 struct ViewerLayout {
-  ViewBox lines;                                // the list of survey lines
-  std::array<ViewBox, kViewButtons> buttons{};  // in the order of viewEntries
-  ViewBox caption;                              // file, kind, messages
-  ViewBox readout;
-  ViewBox plot;
-  ViewBox overview;
+  QRect lines;                              // the list of survey lines
+  std::array<QRect, kViewButtons> buttons;  // in the order of viewEntries
+  QRect caption;                            // file, kind, messages
+  QRect readout;
+  QRect plot;
+  QRect overview;
   double scale = 1.0;  // pixels a unit, for fonts
 };
 

@@ -1,5 +1,7 @@
 #include "ui/viewer/viewer_saving.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <cctype>
 
@@ -7,6 +9,10 @@
 #include "export/csv_export.h"
 #include "instruments/catalogue.h"
 #include "platform/output_file.h"
+#include "ui/screen/file_dialog.h"
+#include "ui/screen/message_dialog.h"
+#include "ui/viewer/line_picture.h"
+#include "ui/viewer/view_files_window.h"
 
 namespace kalmira {
 namespace {
@@ -27,6 +33,26 @@ bool hasDataExtension(const std::filesystem::path& path) {
 
 bool fitsFileName(char c) {
   return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '-' || c == '.' || c == '+';
+}
+
+// Asks until a name was given that may be written, or none.
+std::optional<std::filesystem::path> askForName(QWidget* parent, SaveQuestion question,
+                                                const std::filesystem::path& openFile) {
+  while (const auto path = runSaveDialog(parent, question)) {
+    const auto problem = saveProblem(*path, openFile);
+    std::error_code ignored;
+    if (!problem.empty()) {
+      tellMessage(parent, {.title = "WARNING", .text = problem, .icon = Icon::exclamation});
+      continue;
+    }
+    const auto text = fmt::format("{} already exists. Write over it?", path->filename().string());
+    if (!std::filesystem::exists(*path, ignored) ||
+        askMessage(parent, {.title = "WARNING", .text = text, .icon = Icon::question}, EnterMeans::no)) {
+      return path;
+    }
+    question.proposal = *path;
+  }
+  return std::nullopt;
 }
 
 }  // namespace
@@ -57,6 +83,55 @@ std::string exportTable(const std::filesystem::path& dataFile, const std::filesy
   if (result.outcome != ExportOutcome::done || !output.finish()) return output.problem();
   readings = result.readings;
   return reader.error().kind == FileErrorKind::none ? "" : reader.error().text;
+}
+
+// `write` gives an empty text and sets the status, or gives what went wrong.
+void ViewFilesWnd::saveAs(const SaveQuestion& question, const WriteFile& write) {
+  const auto path = askForName(this, question, file_->path);
+  if (!path) return;
+  std::string problem;
+  {
+    const WaitingCursor cursor;
+    problem = write(*path);
+  }
+  if (!problem.empty()) status_.clear();
+  showCaption();
+  if (!problem.empty()) tell(problem);
+}
+
+void ViewFilesWnd::savePicture() {
+  if (file_ == nullptr) return;
+  const auto& lines = file_->scanned.lines;
+  const auto lineName = lines.empty() ? "" : lineNameOf(lines[navigation_.selectedLine]);
+  const SaveQuestion question{.title = "Save Picture",
+                              .filter = "Pictures (*.png *.svg)",
+                              .extension = "png",
+                              .proposal = proposedName(file_->path, lineName, "png")};
+  saveAs(question, [&](const std::filesystem::path& path) {
+    const LinePicture picture{.scanned = file_->scanned,
+                              .line = file_->line,
+                              .rowFiles = row_files_,
+                              .settings = settings_,
+                              .title = fmt::format("{}   Line {}", fileCaption(*file_), lineName)};
+    const bool svg = path.extension() == ".svg" || path.extension() == ".SVG";
+    const auto content = svg ? linePictureSvg(picture) : linePicturePng(picture);
+    status_ = fmt::format("Saved {}", path.filename().string());
+    return replaceFile(path, {content.constData(), static_cast<std::size_t>(content.size())});
+  });
+}
+
+void ViewFilesWnd::exportCsv() {
+  if (file_ == nullptr) return;
+  const SaveQuestion question{.title = "Export CSV",
+                              .filter = "Tables (*.csv)",
+                              .extension = "csv",
+                              .proposal = proposedName(file_->path, "", "csv")};
+  saveAs(question, [this](const std::filesystem::path& path) {
+    std::uint64_t readings = 0;
+    auto problem = exportTable(file_->path, path, host_.extract.teskRangeTimes10, readings);
+    status_ = fmt::format("{} readings in {}", readings, path.filename().string());
+    return problem;
+  });
 }
 
 }  // namespace kalmira

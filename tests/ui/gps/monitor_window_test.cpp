@@ -108,9 +108,7 @@ struct MonitorWindowTest : testing::Test {
     EXPECT_TRUE(QTest::qWaitForWindowActive(&main));
   }
 
-  SentenceListView& list() {
-    return dynamic_cast<SentenceListView&>(*window.findChild<QAbstractScrollArea*>());
-  }
+  SentenceList& list() { return dynamic_cast<SentenceList&>(*window.findChild<QAbstractScrollArea*>()); }
   QLineEdit& edit() { return *window.findChild<QLineEdit*>(); }
   std::vector<std::string> lines() { return {list().lines().begin(), list().lines().end()}; }
   bool waitFor(const std::function<bool()>& happened) { return QTest::qWaitFor(happened, 10000); }

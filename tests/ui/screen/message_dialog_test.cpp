@@ -60,10 +60,10 @@ TEST_F(MessageDialog, ClosedFromOutsideIsNo) {
 }
 
 TEST_F(MessageDialog, EnterNeverEndsASessionOrDeletes) {
-  EXPECT_EQ(enterMeans(Question::exitLogging), EnterMeans::no);
-  EXPECT_EQ(enterMeans(Question::deleteCalibration), EnterMeans::no);
-  EXPECT_EQ(enterMeans(Question::linkLost), EnterMeans::yes);
-  EXPECT_EQ(enterMeans(Question::startCalibration), EnterMeans::yes);
+  EXPECT_EQ(enterAnswer(Question::exitLogging), EnterMeans::no);
+  EXPECT_EQ(enterAnswer(Question::deleteCalibration), EnterMeans::no);
+  EXPECT_EQ(enterAnswer(Question::linkLost), EnterMeans::yes);
+  EXPECT_EQ(enterAnswer(Question::startCalibration), EnterMeans::yes);
 }
 
 TEST_F(MessageDialog, ShowsTextIconAndButtonsForFingers) {

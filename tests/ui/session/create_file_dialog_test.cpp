@@ -1,4 +1,4 @@
-#include "ui/session/create_file_dialog.h"
+#include "ui/screen/file_dialog.h"
 
 #include <gtest/gtest.h>
 

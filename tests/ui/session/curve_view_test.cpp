@@ -1,4 +1,4 @@
-#include "ui/session/curve_view.h"
+#include "ui/session/curve_window.h"
 
 #include <gmock/gmock.h>
 

@@ -7,7 +7,7 @@
 #include "logging/keys.h"
 #include "logging/watchdog.h"
 #include "sim/encode.h"
-#include "ui/session/curve_view.h"
+#include "ui/session/curve_window.h"
 #include "ui/session/window_fixture.h"
 
 namespace kalmira {

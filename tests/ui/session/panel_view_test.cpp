@@ -24,7 +24,7 @@ bool shows(const QImage& picture, std::uint32_t colour) {
 
 struct Panel {
   explicit Panel(const PanelSpace& space, const Theme& theme = dayTheme()) : view(theme, nullptr) {
-    view.resize(space.width, view.layOut(space));
+    view.resize(space.width, view.arrange(space));
   }
   QImage picture() { return view.grab().toImage().convertToFormat(QImage::Format_RGB32); }
   const PanelCell& cell(PanelField field) { return *findCell(view.layoutOfPanel(), field); }
@@ -124,9 +124,9 @@ TEST(PanelView, TextsSurviveAnotherLayout) {
   PanelSpace turned = kOrla;
   turned.wideLayout = false;
   turned.width = 640;
-  EXPECT_LT(panel.view.layOut(turned), before.height());
+  EXPECT_LT(panel.view.arrange(turned), before.height());
   EXPECT_EQ(panel.view.text(PanelField::value1), "C:1.00    mS/m");
-  panel.view.layOut(kOrla);
+  panel.view.arrange(kOrla);
   EXPECT_EQ(panel.picture(), before);
   panel.view.clearTexts();
   EXPECT_EQ(panel.view.text(PanelField::value1), "");

@@ -1,4 +1,4 @@
-#include "ui/setup/display_options_dialog.h"
+#include "ui/setup/setup_dialogs.h"
 
 #include <gmock/gmock.h>
 

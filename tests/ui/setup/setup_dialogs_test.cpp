@@ -7,11 +7,11 @@
 #include <QTest>
 
 #include "platform/clock.h"
+#include "settings/setup_lists.h"
 #include "support/dialog_actor.h"
 #include "ui/screen/template_dialog.h"
 #include "ui/screen/touch_button.h"
-#include "ui/setup/gps_port_setup_dialog.h"
-#include "ui/setup/logger_setup_dialog.h"
+#include "ui/setup/setup_dialogs.h"
 
 namespace kalmira {
 namespace {
@@ -124,8 +124,8 @@ TEST_F(SetupDialogs, TheDeviceLineFollowsTheListAndTheMachine) {
   std::string secondDevice = "/dev/ttyUSB1, adapter";
   int assignments = 0;
   ports.deviceLine = [&](int com) {
-    if (com == 2) return DeviceLine{.text = secondDevice};
-    return DeviceLine{.text = "device of " + std::to_string(com), .trouble = true};
+    if (com == 2) return DeviceText{.text = secondDevice};
+    return DeviceText{.text = "device of " + std::to_string(com), .trouble = true};
   };
   ports.assignDevices = [&](QWidget*) {
     ++assignments;

@@ -1,4 +1,4 @@
-#include "ui/setup/survey_setup_dialog.h"
+#include "ui/setup/setup_dialogs.h"
 
 #include <gmock/gmock.h>
 

@@ -1,4 +1,4 @@
-#include "ui/shell/devices_dialog.h"
+#include "ui/setup/setup_dialogs.h"
 
 #include <gmock/gmock.h>
 

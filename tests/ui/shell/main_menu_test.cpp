@@ -2,16 +2,32 @@
 
 #include <gmock/gmock.h>
 
+#include <QWidget>
 #include <cctype>
 
-#include "ui/shell/menu_layout.h"
+#include "ui/screen/theme.h"
 
 namespace kalmira {
 namespace {
 
-constexpr MenuEnabled kAll{true, true, true, true, true, true, true};
-constexpr MenuEnabled kFewest{true, false, false, false, false, false, true};
 constexpr int kNothing = -1;
+
+// The menu's buttons, of which `usable` are not greyed, with the highlight on `highlight`.
+struct Menu {
+  explicit Menu(int highlight, const std::vector<int>& usable = {0, 1, 2, 3, 4, 5, 6}) {
+    bar.setActions(menuEntries());
+    for (int i = 0; i < kMenuCommands; ++i) {
+      bar.setUsable(i, std::find(usable.begin(), usable.end(), i) != usable.end());
+    }
+    bar.setHighlight(highlight);
+  }
+  int press(int keyCode) {
+    bar.moveByKey(keyCode);
+    return bar.pressedBy(keyCode).value_or(kNothing);
+  }
+  QWidget window;
+  ActionBar bar{&window, dayTheme(), [](int) {}};
+};
 
 TEST(MainMenu, TextsInTheirOrder) {
   std::vector<std::string_view> texts;
@@ -23,37 +39,40 @@ TEST(MainMenu, TextsInTheirOrder) {
 TEST(MainMenu, LettersOfEitherCaseAct) {
   const std::string_view letters = "LSOGDVXE";
   const std::array<int, 8> indices{0, 1, 2, 3, 4, 5, 6, 6};
+  Menu menu(3);
   for (int code = 0; code < 256; ++code) {
     if (code == 9 || code == 13 || (code >= 37 && code <= 40)) continue;
     const auto at = letters.find(static_cast<char>(std::toupper(code)));
-    const int wanted = at == std::string_view::npos ? kNothing : indices[at];
-    const auto step = stepOfKey(code, 3, kAll);
-    EXPECT_EQ(step.act ? static_cast<int>(*step.act) : kNothing, wanted) << code;
-    EXPECT_EQ(step.highlight, wanted == kNothing ? 3 : wanted) << code;
+    EXPECT_EQ(menu.press(code), at == std::string_view::npos ? kNothing : indices[at]) << code;
+    EXPECT_EQ(menu.bar.highlight(), 3) << code;
   }
 }
 
-struct Move {
-  int key;
-  int from;
-  MenuEnabled enabled;
-  int to;
-  int act;
-};
-
 TEST(MainMenu, ArrowsAndTabMoveAndEnterActs) {
-  const std::vector<Move> moves{
-      {37, 3, kAll, 2, kNothing},     {38, 3, kAll, 2, kNothing},    {39, 3, kAll, 4, kNothing},
-      {40, 3, kAll, 4, kNothing},     {9, 3, kAll, 4, kNothing},     {13, 3, kAll, 3, 3},
-      {38, 0, kAll, 6, kNothing},     {40, 6, kAll, 0, kNothing},    {40, 0, kFewest, 6, kNothing},
-      {38, 6, kFewest, 0, kNothing},  {9, 6, kFewest, 0, kNothing},  {13, 6, kFewest, 6, 6},
-      {'S', 0, kFewest, 0, kNothing}, {13, 2, kFewest, 2, kNothing},
+  const std::vector<int> all{0, 1, 2, 3, 4, 5, 6};
+  const std::vector<int> fewest{0, 6};
+  const struct {
+    int key, from;
+    const std::vector<int>& usable;
+    int to, act;
+  } moves[] = {
+      {37, 3, all, 2, kNothing},     {38, 3, all, 2, kNothing},    {39, 3, all, 4, kNothing},
+      {40, 3, all, 4, kNothing},     {9, 3, all, 4, kNothing},     {13, 3, all, 3, 3},
+      {38, 0, all, 6, kNothing},     {40, 6, all, 0, kNothing},    {40, 0, fewest, 6, kNothing},
+      {38, 6, fewest, 0, kNothing},  {9, 6, fewest, 0, kNothing},  {13, 6, fewest, 6, 6},
+      {'S', 0, fewest, 0, kNothing}, {13, 2, fewest, 2, kNothing},
   };
   for (const auto& move : moves) {
-    const auto step = stepOfKey(move.key, move.from, move.enabled);
-    EXPECT_EQ(step.highlight, move.to) << "key " << move.key << " from " << move.from;
-    EXPECT_EQ(step.act ? static_cast<int>(*step.act) : kNothing, move.act) << "key " << move.key;
+    Menu menu(move.from, move.usable);
+    EXPECT_EQ(menu.press(move.key), move.act) << "key " << move.key;
+    EXPECT_EQ(menu.bar.highlight(), move.to) << "key " << move.key << " from " << move.from;
   }
+}
+
+TEST(MainMenu, TheHighlightLeavesAButtonThatIsGreyed) {
+  Menu menu(5);
+  menu.bar.setUsable(5, false);
+  EXPECT_EQ(menu.bar.highlight(), 6);
 }
 
 struct Window {
@@ -61,10 +80,6 @@ struct Window {
   int height;
   int touch;
 };
-
-bool overlap(const Box& a, const Box& b) {
-  return a.x < b.x + b.width && b.x < a.x + a.width && a.y < b.y + b.height && b.y < a.y + a.height;
-}
 
 TEST(MenuLayout, NothingOverlapsAndFingersHit) {
   // The last of them are handhelds of 3.5 inches with 640 x 480, where 9 mm are 81 dots.
@@ -77,26 +92,24 @@ TEST(MenuLayout, NothingOverlapsAndFingersHit) {
                                                 {480, 640, 81},
                                                 {640, 480, 81}}) {
     const auto layout = layOutMenu(window.width, window.height, window.touch);
-    std::vector<Box> boxes(layout.buttons.begin(), layout.buttons.end());
+    std::vector<QRect> boxes(layout.buttons.begin(), layout.buttons.end());
     boxes.insert(boxes.end(), {layout.model, layout.theme});
     for (const auto& box : boxes) {
-      EXPECT_GE(box.height, window.touch) << window.width << " x " << window.height;
-      EXPECT_GE(box.width, window.touch) << window.width << " x " << window.height;
+      EXPECT_GE(box.height(), window.touch) << window.width << " x " << window.height;
+      EXPECT_GE(box.width(), window.touch) << window.width << " x " << window.height;
     }
     boxes.push_back(layout.title);
-    EXPECT_GE(layout.title.height, window.height / 4) << window.width << " x " << window.height;
-    EXPECT_GE(layout.title.width, window.width * 2 / 5) << window.width << " x " << window.height;
+    EXPECT_GE(layout.title.height(), window.height / 4) << window.width << " x " << window.height;
+    EXPECT_GE(layout.title.width(), window.width * 2 / 5) << window.width << " x " << window.height;
     for (std::size_t i = 0; i < boxes.size(); ++i) {
-      EXPECT_GE(std::min(boxes[i].x, boxes[i].y), 0);
-      EXPECT_LE(boxes[i].x + boxes[i].width, window.width) << i;
-      EXPECT_LE(boxes[i].y + boxes[i].height, window.height) << i;
-      for (std::size_t j = 0; j < i; ++j) EXPECT_FALSE(overlap(boxes[i], boxes[j])) << i << " over " << j;
+      EXPECT_TRUE(QRect(0, 0, window.width, window.height).contains(boxes[i])) << i;
+      for (std::size_t j = 0; j < i; ++j) EXPECT_FALSE(boxes[i].intersects(boxes[j])) << i << " over " << j;
     }
   }
 }
 
 struct Opening {
-  ScreenRoom room;
+  QSize room;
   std::optional<bool> portrait;
   std::optional<double> scale;
   int width, height;
@@ -118,9 +131,9 @@ TEST(OpeningPlace, TheLargestScaleThatFits) {
   };
   for (const auto& test : cases) {
     const auto place = openingPlace(test.room, test.portrait, test.scale);
-    EXPECT_EQ(place.width, test.width) << test.room.width << " x " << test.room.height;
-    EXPECT_EQ(place.height, test.height) << test.room.width << " x " << test.room.height;
-    EXPECT_EQ(place.fullScreen, test.fullScreen) << test.room.width << " x " << test.room.height;
+    EXPECT_EQ(place.width, test.width) << test.room.width() << " x " << test.room.height();
+    EXPECT_EQ(place.height, test.height) << test.room.width() << " x " << test.room.height();
+    EXPECT_EQ(place.fullScreen, test.fullScreen) << test.room.width() << " x " << test.room.height();
   }
 }
 

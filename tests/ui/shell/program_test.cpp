@@ -75,7 +75,7 @@ TEST_F(ProgramTest, TheFirstStartAsksAndTheNextRemembers) {
 
 TEST_F(ProgramTest, AFirstStartWithoutAChoiceEnds) {
   EXPECT_EQ(run({[] { return press(Qt::Key_Escape); }}), 0);
-  EXPECT_FALSE(rememberedKind(QSettings("kalmira", "kalmira")));
+  EXPECT_FALSE(lastInstrument(QSettings("kalmira", "kalmira")));
   EXPECT_FALSE(std::filesystem::exists(options.root / "Storage"));
 }
 
@@ -112,7 +112,7 @@ TEST_F(ProgramTest, AFileIsShownByTheLoggerOfItsInstrument) {
                  [] { return press(Qt::Key_X); }}),
             0);
   EXPECT_EQ(title, "survey.IOR  GLACO");
-  EXPECT_FALSE(rememberedKind(QSettings("kalmira", "kalmira")));
+  EXPECT_FALSE(lastInstrument(QSettings("kalmira", "kalmira")));
 }
 
 // The settings can be changed all the same; that they cannot be kept is told once.

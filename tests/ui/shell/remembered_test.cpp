@@ -23,7 +23,7 @@ class Remembered : public testing::Test {
 };
 
 TEST_F(Remembered, NothingAtFirst) {
-  EXPECT_FALSE(rememberedKind(store()));
+  EXPECT_FALSE(lastInstrument(store()));
   EXPECT_FALSE(rememberedNight(store()));
   EXPECT_THAT(rememberedComDevices(store()), testing::Each(testing::IsEmpty()));
 }
@@ -41,7 +41,7 @@ TEST_F(Remembered, TheNextRunFindsWhatWasChosen) {
     devices[5].clear();
     rememberComDevices(first, devices);
   }
-  const auto kind = rememberedKind(store());
+  const auto kind = lastInstrument(store());
   ASSERT_TRUE(kind);
   EXPECT_EQ(kind->kind, Kind::orla);
   EXPECT_TRUE(kind->ice);
@@ -53,12 +53,12 @@ TEST_F(Remembered, WhatMakesNoSenseIsNotThere) {
   write(
       "[instrument]\nkind=MAGNETOMETER\nice=yes\n[screen]\ntheme=17\n"
       "[com]\n0=/dev/zero\n1=COM1\n2=@Invalid()\n3=/dev/ttyS1, /dev/ttyS2\n13=/dev/x\n");
-  EXPECT_FALSE(rememberedKind(store()));
+  EXPECT_FALSE(lastInstrument(store()));
   EXPECT_FALSE(rememberedNight(store()));
   EXPECT_THAT(rememberedComDevices(store()), testing::Each(testing::IsEmpty()));
   // Only an ORLA can be for ice work.
   write("[instrument]\nkind=GLACO\nice=yes\n");
-  const auto kind = rememberedKind(store());
+  const auto kind = lastInstrument(store());
   ASSERT_TRUE(kind);
   EXPECT_EQ(kind->kind, Kind::glaco);
   EXPECT_FALSE(kind->ice);

@@ -1,4 +1,4 @@
-#include "ui/shell/setup_actions.h"
+#include "ui/shell/program_actions.h"
 
 #include <gmock/gmock.h>
 
@@ -22,17 +22,17 @@ class SetupActionsTest : public testing::Test {
     place = {.kind = kind, .iceOption = ice, .root = folder.path()};
     ASSERT_EQ(loadSettings(place, settings).problem, "");
     settings.audio = 0;
-    actions.emplace(SetupHost{.clock = clock,
-                              .instrument = [this] { return instrument; },
-                              .settings = [this]() -> Settings& { return settings; },
-                              .saveSettings = [this](const Settings& now) { saveSettings(place, now); },
-                              .theme = []() -> const Theme& { return dayTheme(); },
-                              .assigned = assigned,
-                              .presentDevices = [this] { return present; },
-                              .lookAtDevice = [](const std::string&) { return std::nullopt; },
-                              .rememberDevices = [this](const ComAssignments& now) { remembered = now; },
-                              .portFactory = [this] { return std::make_unique<WirePort>(wires); },
-                              .cover = [this](QWidget* covering) { window->cover(covering); }});
+    actions.emplace(ActionsHost{.clock = clock,
+                                .instrument = [this] { return instrument; },
+                                .settings = [this]() -> Settings& { return settings; },
+                                .saveSettings = [this](const Settings& now) { saveSettings(place, now); },
+                                .theme = []() -> const Theme& { return dayTheme(); },
+                                .assigned = assigned,
+                                .presentDevices = [this] { return present; },
+                                .lookAtDevice = [](const std::string&) { return std::nullopt; },
+                                .rememberDevices = [this](const ComAssignments& now) { remembered = now; },
+                                .portFactory = [this] { return std::make_unique<WirePort>(wires); },
+                                .cover = [this](QWidget* covering) { window->cover(covering); }});
     window.emplace(MainWindowHost{.clock = clock,
                                   .instrument = instrument,
                                   .open = [this](RememberedKind) { return loggingHost(); },
@@ -40,7 +40,7 @@ class SetupActionsTest : public testing::Test {
                                   .rememberInstrument = {},
                                   .rememberNight = {},
                                   .endProgram = [] {},
-                                  .actions = actions->menuActions()});
+                                  .actions = actions->actions()});
     window->resize(480, 640);
     window->show();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&*window));
@@ -107,7 +107,7 @@ class SetupActionsTest : public testing::Test {
                                     {.path = "B", .stablePath = {}, .description = {}}};
   std::optional<ComAssignments> remembered;
   std::map<std::string, Wire> wires;
-  std::optional<SetupActions> actions;
+  std::optional<ProgramActions> actions;
   std::optional<MainWindow> window;
 };
 

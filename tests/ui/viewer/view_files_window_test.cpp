@@ -13,9 +13,9 @@
 #include "support/dialog_actor.h"
 #include "support/viewed_file.h"
 #include "ui/viewer/line_list.h"
-#include "ui/viewer/overview.h"
+#include "ui/viewer/overview_strip.h"
 #include "ui/viewer/readout_view.h"
-#include "ui/viewer/view_curve.h"
+#include "ui/viewer/view_curve_window.h"
 #include "ui/viewer/viewer_saving.h"
 
 namespace kalmira {
@@ -67,7 +67,7 @@ class ViewFilesTest : public testing::Test {
     ADD_FAILURE() << accessibleName;
     return nullptr;
   }
-  LineListView& lines() { return *static_cast<LineListView*>(viewer->findChild<QComboBox*>("lines")); }
+  LineList& lines() { return *static_cast<LineList*>(viewer->findChild<QComboBox*>("lines")); }
   ViewCurveWnd& plot() { return *static_cast<ViewCurveWnd*>(viewer->findChild<QWidget*>("ViewCurveWnd")); }
   // What the next message of that title says; it is answered by Enter.
   DialogActor message(const char* title, std::string& text) {

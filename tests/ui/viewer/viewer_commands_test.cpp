@@ -37,13 +37,6 @@ TEST(ViewerCommands, KeysOfEveryCommand) {
   }
 }
 
-TEST(ViewerCommands, TheHighlightGoesRoundAndPassesWhatIsGreyed) {
-  EXPECT_EQ(nextViewButton(0, 1, true), 1);
-  EXPECT_EQ(nextViewButton(kViewButtons - 1, 1, true), 0);
-  EXPECT_EQ(nextViewButton(0, -1, true), kViewButtons - 1);
-  EXPECT_EQ(nextViewButton(9, 1, false), 6) << "from help over saving and moving to the file";
-}
-
 TEST(ViewerCommands, HelpIsShorterWhereScreensAreSmall) {
   EXPECT_THAT(viewHelpText(0),
               StartsWith("Select Survey Line in combo box (L)ine.\r\n  \r\nTo move profile"));
@@ -55,33 +48,26 @@ TEST(ViewerCommands, HelpIsShorterWhereScreensAreSmall) {
   EXPECT_EQ(viewHelpText(3), viewHelpText(1));
 }
 
-bool overlap(const ViewBox& a, const ViewBox& b) {
-  return a.left < b.left + b.width && b.left < a.left + a.width && a.top < b.top + b.height &&
-         b.top < a.top + a.height;
-}
-
 TEST(ViewerLayout, NothingOverlapsOrLeavesTheWindowAndButtonsFitAFinger) {
   constexpr int kTouch = 34;
   for (const auto& [width, height] : {std::pair(240, 320), {320, 240}, {480, 640}, {640, 480}, {1280, 800}}) {
     SCOPED_TRACE(testing::Message() << width << " x " << height);
     const auto layout = layOutViewer(width, height, kTouch);
-    std::vector<ViewBox> boxes(layout.buttons.begin(), layout.buttons.end());
+    std::vector<QRect> boxes(layout.buttons.begin(), layout.buttons.end());
     boxes.push_back(layout.lines);
     boxes.push_back(layout.overview);
     for (const auto& box : boxes) {
-      EXPECT_GE(box.height, kTouch);
-      EXPECT_GE(box.width, kTouch);
+      EXPECT_GE(box.height(), kTouch);
+      EXPECT_GE(box.width(), kTouch);
     }
     for (const auto& box : {layout.caption, layout.readout, layout.plot}) boxes.push_back(box);
     for (std::size_t i = 0; i < boxes.size(); ++i) {
       const auto& box = boxes[i];
-      EXPECT_TRUE(box.left >= 0 && box.top >= 0 && box.left + box.width <= width &&
-                  box.top + box.height <= height)
-          << i;
-      for (std::size_t j = 0; j < i; ++j) EXPECT_FALSE(overlap(box, boxes[j])) << i << " on " << j;
+      EXPECT_TRUE(QRect(0, 0, width, height).contains(box)) << i;
+      for (std::size_t j = 0; j < i; ++j) EXPECT_FALSE(box.intersects(boxes[j])) << i << " on " << j;
     }
-    EXPECT_GE(layout.plot.height, height / 4);
-    EXPECT_GE(layout.plot.width, width / 2);
+    EXPECT_GE(layout.plot.height(), height / 4);
+    EXPECT_GE(layout.plot.width(), width / 2);
   }
 }
 

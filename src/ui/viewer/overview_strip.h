@@ -12,10 +12,10 @@ namespace kalmira {
 
 // The whole line in one strip, with the shown window framed and the bar's row marked. A tap, or a finger that
 // is drawn over it, asks for that row.
-class OverviewView final : public QWidget {
+class OverviewStrip final : public QWidget {
  public:
-  OverviewView(const Theme& theme, std::function<void(int row)> rowWanted, QWidget* parent);
-  ~OverviewView() override;
+  OverviewStrip(const Theme& theme, std::function<void(int row)> rowWanted, QWidget* parent);
+  ~OverviewStrip() override;
 
   // `setup` is as high as this widget and as wide as `overview` has columns: a short line is stretched.
   void showLine(const ProfileSetup& setup, Overview overview);

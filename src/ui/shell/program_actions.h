@@ -2,18 +2,20 @@
 
 #include <QPointer>
 #include <QWidget>
+#include <filesystem>
 #include <functional>
 #include <optional>
 
-#include "link/device_texts.h"
 #include "ui/gps/monitor_window.h"
-#include "ui/setup/gps_port_setup_dialog.h"
+#include "ui/setup/setup_dialogs.h"
 #include "ui/shell/main_window.h"
+#include "ui/viewer/font_window.h"
+#include "ui/viewer/view_files_window.h"
 
 namespace kalmira {
 
-// What the set-up commands need of the program. What is referred to outlives them.
-struct SetupHost {
+// What the menu's commands need of the program. What is referred to outlives them.
+struct ActionsHost {
   const Clock& clock;
   int storageClass = kDefaultStorageClass;
   std::function<RememberedKind()> instrument;  // the one in use
@@ -26,26 +28,32 @@ struct SetupHost {
   // The operator has assigned devices anew; `assigned` still holds what was before.
   std::function<void(const ComAssignments& changed)> rememberDevices;
   PortFactory portFactory;
-  // Shows the monitor in the main window's place; nullptr: the menu again.
+  // Shows a window in the main window's place; nullptr: the menu again.
   std::function<void(QWidget* window)> cover;
+  std::filesystem::path root = {};
+  bool teskRangeTimes10 = false;
 };
 
-// The main menu's set-up commands: dialogs that ask, and the taking and saving of what was set up.
-class SetupActions {
+// The main menu's commands but for the session: dialogs that ask, the taking and saving of what was set up,
+// and the windows in the menu's place.
+class ProgramActions {
  public:
-  explicit SetupActions(SetupHost host) : host_(std::move(host)) {}
-  SetupActions(const SetupActions&) = delete;
-  SetupActions& operator=(const SetupActions&) = delete;
+  explicit ProgramActions(ActionsHost host) : host_(std::move(host)) {}
+  ProgramActions(const ProgramActions&) = delete;
+  ProgramActions& operator=(const ProgramActions&) = delete;
 
-  // Commands 1 to 4. They refer to this object.
-  MenuActions menuActions();
+  // Commands 1 to 5. They refer to this object.
+  MenuActions actions();
+  // Shows the viewer over `parent`; with a file, on that file.
+  void viewFiles(QWidget* parent, const std::filesystem::path& file = {});
+  void showFonts(QWidget* parent);
   // "Display Options" of a session's menu: an ORLA's ice traces are there only with the ice display.
   // The settings as changed, for the session to take and save; nothing when cancelled.
   std::optional<Settings> runSessionDisplayOptions(QWidget* parent, const Settings& settings);
 
  private:
   SetupFrame frameFor(const QWidget* parent) const;
-  PortLists portLists();
+  PortLists machinePorts();
   std::string deviceOf(int comNumber) const;
   void take(const std::optional<Settings>& changed);
   void runLoggerSetup(QWidget* parent);
@@ -55,8 +63,13 @@ class SetupActions {
   void assignDevices(QWidget* parent);
   void openMonitor(QWidget* parent);
 
-  SetupHost host_;
-  QPointer<MonitorGPSWnd> monitor_;
+  bool isInUse(Kind kind, bool ice) const;
+  Settings settingsFor(Kind kind, bool ice) const;
+  void takeSettings(Kind kind, bool ice, const Settings& changed);
+  void uncover();
+
+  ActionsHost host_;
+  QPointer<QWidget> covering_;  // the monitor, the viewer or the fonts
 };
 
 }  // namespace kalmira

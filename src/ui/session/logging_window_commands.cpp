@@ -6,10 +6,10 @@
 #include "logging/calibration.h"
 #include "logging/commands.h"
 #include "settings/display_options.h"
+#include "ui/screen/file_dialog.h"
 #include "ui/screen/touch_button.h"
-#include "ui/session/create_file_dialog.h"
 #include "ui/session/dialogs.h"
-#include "ui/session/window_parts.h"
+#include "ui/session/logging_window_parts.h"
 
 namespace kalmira {
 namespace {

@@ -1,6 +1,4 @@
-#include "ui/viewer/view_curve.h"
-
-#include <fmt/format.h>
+#include "ui/viewer/view_curve_window.h"
 
 #include <QMouseEvent>
 #include <QPaintEvent>
@@ -8,6 +6,9 @@
 #include <algorithm>
 #include <array>
 #include <utility>
+
+#include "ui/screen/qt_text.h"
+#include "ui/session/curve_window.h"
 
 namespace kalmira {
 namespace {
@@ -17,17 +18,6 @@ constexpr int kLabelLetters = 9;  // of a station's label, and the gap behind it
 constexpr int kTick = 3;
 
 }  // namespace
-
-QImage imageOf(const ChartPicture& picture) {
-  return {reinterpret_cast<const uchar*>(picture.pixels()), picture.width(), picture.height(),
-          static_cast<qsizetype>(picture.rowBytes()), QImage::Format_RGB32};
-}
-
-std::string limitText(Kind kind, float limit) {
-  auto text =
-      instrumentOf(kind).firstAxisIsThickness ? fmt::format("{:.1f}", limit) : fmt::format("{:.0f}", limit);
-  return text == "-0" ? "0" : text;
-}
 
 ViewCurveWnd::ViewCurveWnd(const Theme& theme, std::function<void(int)> barWanted, QWidget* parent)
     : QWidget(parent), theme_(&theme), bar_wanted_(std::move(barWanted)) {
@@ -108,8 +98,8 @@ void ViewCurveWnd::paintEvent(QPaintEvent* event) {
     painter.drawImage(plot, imageOf(*picture_), plot);
   }
   const int below = picture_ ? picture_->height() : 0;
-  painter.fillRect(QRect(0, below, width(), height() - below), QColor::fromRgb(theme_->background));
-  painter.setPen(QColor::fromRgb(theme_->faintText));
+  painter.fillRect(QRect(0, below, width(), height() - below), QColor(theme_->background));
+  painter.setPen(QColor(theme_->faintText));
   painter.drawRect(QRect(QPoint(0, 0), plotSize() - QSize(1, 1)));
   if (!filled_) return;
   if (dirty.bottom() >= below) drawStationLabels(painter);
@@ -118,11 +108,11 @@ void ViewCurveWnd::paintEvent(QPaintEvent* event) {
 }
 
 void ViewCurveWnd::drawStationLabels(QPainter& painter) const {
-  painter.setPen(QColor::fromRgb(theme_->chartText));
+  painter.setPen(QColor(theme_->chartText));
   const int top = plotSize().height();
   for (const auto& label : labels_) {
     painter.drawLine(label.column, top, label.column, top + kTick - 1);
-    const auto text = QString::fromStdString(label.text);
+    const auto text = qtText(label.text);
     const int wide = fontMetrics().horizontalAdvance(text);
     const int left = std::clamp(label.column - wide / 2, 0, std::max(0, width() - wide));
     painter.drawText(QRect(left, top + kTick, wide + 1, height() - top - kTick),
@@ -136,13 +126,13 @@ void ViewCurveWnd::drawLimits(QPainter& painter) const {
   const std::array limits{std::pair(setup_.axisMaximum, Qt::AlignTop),
                           std::pair(setup_.axisMinimum, Qt::AlignBottom)};
   for (const auto& [limit, edge] : limits) {
-    const auto text = QString::fromStdString(limitText(setup_.kind, limit));
+    const auto text = qtText(limitText(setup_.kind, limit));
     const int wide = fontMetrics().horizontalAdvance(text) + 4;
     const int high = fontMetrics().height();
     const int top = edge == Qt::AlignTop ? 1 : size.height() - 1 - high;
     const QRect place(size.width() - 1 - wide, top, wide, high);
-    painter.fillRect(place, QColor::fromRgb(theme_->chart));
-    painter.setPen(QColor::fromRgb(theme_->chartText));
+    painter.fillRect(place, QColor(theme_->chart));
+    painter.setPen(QColor(theme_->chartText));
     painter.drawText(place, Qt::AlignCenter | Qt::TextSingleLine, text);
   }
 }
@@ -150,9 +140,9 @@ void ViewCurveWnd::drawLimits(QPainter& painter) const {
 void ViewCurveWnd::drawBar(QPainter& painter) const {
   const int x = bar_ + kFirstColumn - 1;
   const int bottom = plotSize().height() - 1;
-  painter.setPen(QColor::fromRgb(theme_->focus));
+  painter.setPen(QColor(theme_->focus));
   painter.drawLine(x, 0, x, bottom);
-  painter.setBrush(QColor::fromRgb(theme_->focus));
+  painter.setBrush(QColor(theme_->focus));
   const std::array above{QPoint(x - kHandle, 0), QPoint(x + kHandle, 0), QPoint(x, kHandle)};
   const std::array below{QPoint(x - kHandle, bottom), QPoint(x + kHandle, bottom),
                          QPoint(x, bottom - kHandle)};

@@ -13,11 +13,6 @@
 
 namespace kalmira {
 
-// A picture's pixels as Qt draws them: a view, no copy.
-QImage imageOf(const ChartPicture& picture);
-// The limit of a scale as it stands at the axis.
-std::string limitText(Kind kind, float limit);
-
 // ViewCurveWnd: the plot of the rows in view, one station a pixel column, station labels below, the limits of
 // the scale at the right edge, and the bar. A tap, or a finger that is drawn over it, asks for the bar.
 class ViewCurveWnd final : public QWidget {

@@ -1,11 +1,11 @@
-#include "ui/viewer/overview.h"
+#include "ui/viewer/overview_strip.h"
 
 #include <QMouseEvent>
 #include <QPainter>
 #include <algorithm>
 #include <utility>
 
-#include "ui/viewer/view_curve.h"
+#include "ui/session/curve_window.h"
 
 namespace kalmira {
 namespace {
@@ -15,7 +15,7 @@ constexpr int kVeil = 145;  // of 255, over what is not in the window: it stands
 
 }  // namespace
 
-OverviewView::OverviewView(const Theme& theme, std::function<void(int)> rowWanted, QWidget* parent)
+OverviewStrip::OverviewStrip(const Theme& theme, std::function<void(int)> rowWanted, QWidget* parent)
     : QWidget(parent), theme_(&theme), row_wanted_(std::move(rowWanted)) {
   setObjectName("overview");
   setAttribute(Qt::WA_OpaquePaintEvent);
@@ -23,64 +23,64 @@ OverviewView::OverviewView(const Theme& theme, std::function<void(int)> rowWante
   setAccessibleName(QStringLiteral("The whole survey line"));
 }
 
-OverviewView::~OverviewView() = default;
+OverviewStrip::~OverviewStrip() = default;
 
-void OverviewView::showLine(const ProfileSetup& setup, Overview overview) {
+void OverviewStrip::showLine(const ProfileSetup& setup, Overview overview) {
   overview_ = std::move(overview);
   picture_ = std::make_unique<ChartPicture>(chartColoursOf(*theme_), setup.width, setup.height);
   DrawOverview(*picture_, setup, overview_);
   update();
 }
 
-void OverviewView::clearLine() {
+void OverviewStrip::clearLine() {
   overview_ = {};
   picture_.reset();
   update();
 }
 
-void OverviewView::setWindow(int firstRow, int lastRow, int barRow) {
+void OverviewStrip::setWindow(int firstRow, int lastRow, int barRow) {
   first_row_ = firstRow;
   last_row_ = lastRow;
   bar_row_ = barRow;
   update();
 }
 
-void OverviewView::mousePressEvent(QMouseEvent* event) {
+void OverviewStrip::mousePressEvent(QMouseEvent* event) {
   askForRow(event->position().toPoint().x());
 }
 
-void OverviewView::mouseMoveEvent(QMouseEvent* event) {
+void OverviewStrip::mouseMoveEvent(QMouseEvent* event) {
   if ((event->buttons() & Qt::LeftButton) != 0) askForRow(event->position().toPoint().x());
 }
 
-void OverviewView::askForRow(int x) {
+void OverviewStrip::askForRow(int x) {
   if (overview_.rowCount < 1) return;
   const std::int64_t within = std::clamp(x, 0, std::max(0, width() - 1));
   row_wanted_(overviewRow(overview_, static_cast<int>(within * overview_.columns / std::max(1, width()))));
 }
 
 // The left edge of the row's column.
-int OverviewView::leftOf(int row) const {
+int OverviewStrip::leftOf(int row) const {
   const std::int64_t column = overviewColumn(overview_, std::clamp(row, 1, overview_.rowCount));
   return static_cast<int>(column * width() / std::max(1, overview_.columns));
 }
 
-void OverviewView::paintEvent(QPaintEvent*) {
+void OverviewStrip::paintEvent(QPaintEvent*) {
   QPainter painter(this);
-  painter.fillRect(rect(), QColor::fromRgb(theme_->chart));
+  painter.fillRect(rect(), QColor(theme_->chart));
   if (picture_ && overview_.rowCount > 0) {
     painter.drawImage(rect(), imageOf(*picture_));
     const int left = leftOf(first_row_);
     const int end = last_row_ >= overview_.rowCount ? width() - 1 : std::max(left, leftOf(last_row_ + 1) - 1);
-    QColor veil = QColor::fromRgb(theme_->chart);
+    QColor veil = QColor(theme_->chart);
     veil.setAlpha(kVeil);
     painter.fillRect(QRect(0, 0, left, height()), veil);
     painter.fillRect(QRect(end + 1, 0, width() - end - 1, height()), veil);
-    painter.fillRect(QRect(leftOf(bar_row_), 0, 1, height()), QColor::fromRgb(theme_->focus));
-    painter.setPen(QPen(QColor::fromRgb(theme_->focus), kFrame, Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin));
+    painter.fillRect(QRect(leftOf(bar_row_), 0, 1, height()), QColor(theme_->focus));
+    painter.setPen(QPen(QColor(theme_->focus), kFrame, Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin));
     painter.drawRect(QRect(QPoint(left, 1), QPoint(std::max(left + kFrame, end - 1), height() - kFrame)));
   }
-  painter.setPen(QColor::fromRgb(theme_->faintText));
+  painter.setPen(QColor(theme_->faintText));
   painter.drawRect(rect().adjusted(0, 0, -1, -1));
 }
 

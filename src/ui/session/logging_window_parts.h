@@ -8,8 +8,8 @@
 #include "logging/gps_handler.h"
 #include "logging/keys.h"
 #include "platform/hand_over.h"
-#include "ui/session/button_row.h"
-#include "ui/session/curve_view.h"
+#include "ui/screen/action_bar.h"
+#include "ui/session/curve_window.h"
 #include "ui/session/logging_window.h"
 #include "ui/session/panel_view.h"
 
@@ -71,7 +71,8 @@ struct LoggingWnd::Parts {
   HandOver handOver;
   PanelView* panel;
   CurveWnd* chart;
-  ButtonRowView* buttons;
+  ActionBar buttons;
+  QRect buttonRow;
   QTimer serviceTimer;
   std::unique_ptr<LoggingRun> run;
   Focus focus;

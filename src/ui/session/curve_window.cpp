@@ -1,4 +1,4 @@
-#include "ui/session/curve_view.h"
+#include "ui/session/curve_window.h"
 
 #include <fmt/format.h>
 
@@ -7,6 +7,7 @@
 #include <algorithm>
 
 #include "chart/profile_redraw.h"
+#include "ui/screen/qt_text.h"
 
 namespace kalmira {
 namespace {
@@ -15,12 +16,6 @@ constexpr int kLabelGap = 2;          // pixels between a label and what is besi
 constexpr int kSmallestLabel = 7;     // pixels high; smaller ones cannot be read
 constexpr double kLabelUnits = 10.0;  // high, where there is room
 constexpr int kWidestPen = 4;         // pixels
-
-QString limitText(Kind kind, float limit) {
-  const auto text =
-      instrumentOf(kind).firstAxisIsThickness ? fmt::format("{:.1f}", limit) : fmt::format("{:.0f}", limit);
-  return QString::fromStdString(text == "-0" ? "0" : text);
-}
 
 // The widget's font of `pixels` height, made smaller until `text` fits.
 QFont fittingFont(QFont font, int pixels, const QString& text, int width) {
@@ -32,6 +27,17 @@ QFont fittingFont(QFont font, int pixels, const QString& text, int width) {
 }
 
 }  // namespace
+
+QImage imageOf(const ChartPicture& picture) {
+  return {reinterpret_cast<const uchar*>(picture.pixels()), picture.width(), picture.height(),
+          static_cast<qsizetype>(picture.rowBytes()), QImage::Format_RGB32};
+}
+
+std::string limitText(Kind kind, float limit) {
+  auto text =
+      instrumentOf(kind).firstAxisIsThickness ? fmt::format("{:.1f}", limit) : fmt::format("{:.0f}", limit);
+  return text == "-0" ? "0" : text;
+}
 
 CurveWnd::CurveWnd(const Theme& theme, QWidget* parent) : QWidget(parent), theme_(&theme) {
   setAttribute(Qt::WA_OpaquePaintEvent);
@@ -93,13 +99,8 @@ void CurveWnd::addPoint(const ProfilePoint& point) {
   update(QRect(QPoint(left, 0), QPoint(x + 1, setup_.height - 1)));
 }
 
-QImage CurveWnd::image() const {
-  return {reinterpret_cast<const uchar*>(picture_->pixels()), picture_->width(), picture_->height(),
-          static_cast<qsizetype>(picture_->rowBytes()), QImage::Format_RGB32};
-}
-
 QImage CurveWnd::picture() const {
-  return image().copy();
+  return imageOf(*picture_).copy();
 }
 
 void CurveWnd::resizeEvent(QResizeEvent* event) {
@@ -114,19 +115,19 @@ void CurveWnd::paintEvent(QPaintEvent* event) {
   }
   QPainter painter(this);
   const QRect dirty = event->rect().intersected(QRect(0, 0, picture_->width(), picture_->height()));
-  painter.drawImage(dirty, image(), dirty);
+  painter.drawImage(dirty, imageOf(*picture_), dirty);
   if (event->rect().right() > setup_.pointColumn + 1) drawLabels(painter);
 }
 
 // Right of the newest point: nothing is drawn there, so that neither covers the other.
 void CurveWnd::drawLabels(QPainter& painter) const {
-  const QString top = limitText(setup_.kind, setup_.axisMaximum);
-  const QString bottom = limitText(setup_.kind, setup_.axisMinimum);
+  const QString top = qtText(limitText(setup_.kind, setup_.axisMaximum));
+  const QString bottom = qtText(limitText(setup_.kind, setup_.axisMinimum));
   const int room = width() - setup_.pointColumn - kWidestPen - 2 * kLabelGap;
   const QString& longer = top.size() >= bottom.size() ? top : bottom;
   const int pixels = std::max(QFontInfo(font()).pixelSize(), static_cast<int>(kLabelUnits * scale_));
   painter.setFont(fittingFont(font(), pixels, longer, room));
-  painter.setPen(QColor::fromRgb(theme_->chartText));
+  painter.setPen(QColor(theme_->chartText));
   const QRect area = rect().adjusted(kLabelGap, 0, -kLabelGap, 0);
   painter.drawText(area, Qt::AlignRight | Qt::AlignTop | Qt::TextSingleLine, top);
   painter.drawText(area, Qt::AlignRight | Qt::AlignBottom | Qt::TextSingleLine, bottom);

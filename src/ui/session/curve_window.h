@@ -3,6 +3,7 @@
 #include <QImage>
 #include <QWidget>
 #include <memory>
+#include <string>
 
 #include "chart/chart_picture.h"
 #include "chart/profile_chart.h"
@@ -10,6 +11,11 @@
 #include "ui/screen/theme.h"
 
 namespace kalmira {
+
+// A picture's pixels as Qt draws them: a view, no copy.
+QImage imageOf(const ChartPicture& picture);
+// The limit of a scale as it stands at the axis.
+std::string limitText(Kind kind, float limit);
 
 // CurveWnd: the profile on the screen. It is drawn on a picture that scrolls, so that a reading costs one
 // column and not the chart; the limits of the scale are laid over it. The picture has one pixel for each of
@@ -40,7 +46,6 @@ class CurveWnd final : public QWidget {
  private:
   void rebuild();
   void drawLabels(QPainter& painter) const;
-  QImage image() const;  // a view of picture_'s pixels, no copy
 
   const Theme* theme_;
   Session* session_ = nullptr;

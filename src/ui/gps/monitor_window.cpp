@@ -14,7 +14,6 @@
 #include "ui/screen/key_table.h"
 #include "ui/screen/message_dialog.h"
 #include "ui/screen/qt_text.h"
-#include "ui/screen/screen_scale.h"
 #include "ui/screen/template_dialog.h"
 #include "ui/screen/touch_button.h"
 

@@ -1,6 +1,5 @@
 #include "ui/screen/action_bar.h"
 
-#include <algorithm>
 #include <cctype>
 #include <utility>
 

@@ -14,7 +14,6 @@
 #include <QScrollBar>
 #include <QScroller>
 #include <QSignalBlocker>
-#include <memory>
 #include <string>
 #include <vector>
 

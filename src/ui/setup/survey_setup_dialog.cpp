@@ -1,10 +1,7 @@
 #include "ui/setup/setup_dialogs.h"
 
-#include <fmt/format.h>
-
 #include <QComboBox>
 #include <QLabel>
-#include <QLayout>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QScrollArea>

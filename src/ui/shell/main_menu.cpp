@@ -96,13 +96,13 @@ bool fits(QSize room, WindowPlace place) {
 
 const std::array<Action, kMenuCommands>& menuEntries() {
   static constexpr std::array<Action, kMenuCommands> kEntries{{
-      {.text = "Monitor/&Log", .letters = "L", .identifier = 420},
-      {.text = "&Survey Setup", .letters = "S", .identifier = 421},
-      {.text = "L&ogger Setup", .letters = "O", .identifier = 422},
-      {.text = "Set &GPS Port", .letters = "G", .identifier = 423},
-      {.text = "&Display Options", .letters = "D", .identifier = 424},
-      {.text = "&View Files", .letters = "V", .identifier = 425},
-      {.text = "E&xit", .letters = "XE", .identifier = 426},
+      {.text = "Monitor/&Log", .letters = "L", .identifier = kFirstMenuIdentifier + 0},
+      {.text = "&Survey Setup", .letters = "S", .identifier = kFirstMenuIdentifier + 1},
+      {.text = "L&ogger Setup", .letters = "O", .identifier = kFirstMenuIdentifier + 2},
+      {.text = "Set &GPS Port", .letters = "G", .identifier = kFirstMenuIdentifier + 3},
+      {.text = "&Display Options", .letters = "D", .identifier = kFirstMenuIdentifier + 4},
+      {.text = "&View Files", .letters = "V", .identifier = kFirstMenuIdentifier + 5},
+      {.text = "E&xit", .letters = "XE", .identifier = kFirstMenuIdentifier + 6},
   }};
   return kEntries;
 }

@@ -19,7 +19,8 @@ enum class MenuCommand : int {
   exit,
 };
 inline constexpr int kMenuCommands = 7;
-// By index; with the identifiers from 420 on.
+// A button's identifier is this plus its index.
+inline constexpr int kFirstMenuIdentifier = 420;
 const std::array<Action, kMenuCommands>& menuEntries();
 
 struct MenuLayout {

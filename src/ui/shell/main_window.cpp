@@ -5,7 +5,6 @@
 #include <QIcon>
 #include <QKeyEvent>
 #include <QShortcut>
-#include <algorithm>
 #include <utility>
 
 #include "logging/session_start.h"

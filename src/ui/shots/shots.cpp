@@ -12,14 +12,12 @@
 #include <algorithm>
 #include <cctype>
 #include <memory>
-#include <utility>
 #include <vector>
 
 #include "logging/commands.h"
-#include "logging/keys.h"
 #include "ui/gps/monitor_window.h"
 #include "ui/screen/qt_text.h"
-#include "ui/screen/touch_button.h"
+#include "ui/screen/theme.h"
 #include "ui/session/logging_window.h"
 #include "ui/shell/chooser_dialog.h"
 #include "ui/shell/main_window.h"

@@ -1,7 +1,5 @@
 #include "ui/viewer/readout_view.h"
 
-#include <fmt/format.h>
-
 #include <QPainter>
 #include <algorithm>
 #include <utility>

@@ -1,7 +1,5 @@
 #include "ui/viewer/view_files_window.h"
 
-#include <fmt/format.h>
-
 #include <QEvent>
 #include <QKeyEvent>
 #include <QPainter>
@@ -13,8 +11,6 @@
 #include "ui/screen/key_table.h"
 #include "ui/screen/message_dialog.h"
 #include "ui/screen/qt_text.h"
-#include "ui/screen/screen_scale.h"
-#include "ui/screen/template_dialog.h"
 #include "ui/screen/touch_button.h"
 #include "ui/session/dialogs.h"
 #include "ui/viewer/line_list.h"

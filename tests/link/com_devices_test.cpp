@@ -2,74 +2,76 @@
 
 #include <gmock/gmock.h>
 
+#include "link/device_claim.h"
+#include "link/device_texts.h"
 #include "support/temp_folder.h"
 
 namespace kalmira {
 namespace {
 
+using testing::ElementsAre;
 using testing::ElementsAreArray;
 
 const std::string kAdapter = "/dev/serial/by-id/usb-adapter-port0";
+const std::vector<SerialDevice> kPresent{{"/dev/ttyUSB0", kAdapter, "USB adapter"}, {"/dev/ttyS0", "", ""}};
 
 struct Case {
   const char* what;
-  std::vector<std::pair<int, std::string>> assigned;  // COM number, device
-  std::vector<SerialDevice> present;
-  std::vector<std::string> first;  // of COM1 and on; the rest is empty
+  std::vector<std::pair<int, std::string>> assigned;         // COM number, device
+  std::vector<std::pair<std::string, std::string>> present;  // and stable name
+  std::vector<std::string> first;                            // of COM1 and on; the rest is empty
 };
 
 TEST(ComDevices, UnassignedNumbersTakeWhatIsLeftInOrderOfName) {
-  const std::vector<Case> cases{
-      {"nothing there", {}, {}, {}},
-      {"order of number, not of letters",
-       {},
-       {{"/dev/ttyS10", "", ""}, {"/dev/ttyUSB0", "", ""}, {"/dev/ttyS2", "", ""}},
-       {"/dev/ttyS2", "/dev/ttyS10", "/dev/ttyUSB0"}},
-      {"a stable name is taken", {}, {{"/dev/ttyUSB0", kAdapter, ""}}, {kAdapter}},
-      {"an assigned port is not given out again, nor its number",
-       {{2, "/dev/ttyS0"}},
-       {{"/dev/ttyS0", "", ""}, {"/dev/ttyS1", "", ""}, {"/dev/ttyS3", "", ""}},
-       {"/dev/ttyS1", "/dev/ttyS0", "/dev/ttyS3"}},
-      {"assigned by its stable name",
-       {{1, kAdapter}},
-       {{"/dev/ttyUSB0", kAdapter, ""}, {"/dev/ttyUSB1", "", ""}},
-       {kAdapter, "/dev/ttyUSB1"}},
-      {"assigned although it is not there: the number waits for it",
-       {{1, "/dev/ttyUSB7"}, {3, "/dev/pts/4"}},
-       {{"/dev/ttyS0", "", ""}},
-       {"/dev/ttyUSB7", "/dev/ttyS0", "/dev/pts/4"}},
-  };
-  for (const auto& test : cases) {
-    ComAssignments assigned;
-    for (const auto& [number, device] : test.assigned)
-      assigned.at(static_cast<std::size_t>(number - 1)) = device;
-    auto wanted = test.first;
-    wanted.resize(kComPorts);
-    EXPECT_THAT(resolveComDevices(assigned, test.present), ElementsAreArray(wanted)) << test.what;
+  std::vector<std::pair<std::string, std::string>> twenty;
+  std::vector<std::string> twelve;
+  for (int i = 0; i < 20; ++i) {
+    twenty.emplace_back("/dev/ttyS" + std::to_string(i), "");
+    if (i < kComPorts) twelve.push_back(twenty.back().first);
   }
-}
-
-TEST(ComDevices, MorePortsThanNumbersFillTheTwelve) {
-  std::vector<SerialDevice> present;
-  for (int i = 0; i < 20; ++i) present.push_back({"/dev/ttyS" + std::to_string(i), "", ""});
-  EXPECT_EQ(resolveComDevices({}, present).back(), "/dev/ttyS11");
+  for (const auto& item :
+       std::initializer_list<Case>{{"nothing there", {}, {}, {}},
+                                   {"order of number, not of letters",
+                                    {},
+                                    {{"/dev/ttyS10", ""}, {"/dev/ttyUSB0", ""}, {"/dev/ttyS2", ""}},
+                                    {"/dev/ttyS2", "/dev/ttyS10", "/dev/ttyUSB0"}},
+                                   {"a stable name is taken", {}, {{"/dev/ttyUSB0", kAdapter}}, {kAdapter}},
+                                   {"an assigned port is not given out again, nor its number",
+                                    {{2, "/dev/ttyS0"}},
+                                    {{"/dev/ttyS0", ""}, {"/dev/ttyS1", ""}, {"/dev/ttyS3", ""}},
+                                    {"/dev/ttyS1", "/dev/ttyS0", "/dev/ttyS3"}},
+                                   {"assigned by its stable name",
+                                    {{1, kAdapter}},
+                                    {{"/dev/ttyUSB0", kAdapter}, {"/dev/ttyUSB1", ""}},
+                                    {kAdapter, "/dev/ttyUSB1"}},
+                                   {"assigned although it is not there: the number waits for it",
+                                    {{1, "/dev/ttyUSB7"}, {3, "/dev/pts/4"}},
+                                    {{"/dev/ttyS0", ""}},
+                                    {"/dev/ttyUSB7", "/dev/ttyS0", "/dev/pts/4"}},
+                                   {"more ports than numbers", {}, twenty, twelve}}) {
+    ComAssignments assigned;
+    std::vector<SerialDevice> present;
+    for (const auto& [number, device] : item.assigned)
+      assigned.at(static_cast<std::size_t>(number - 1)) = device;
+    for (const auto& [path, stable] : item.present) present.push_back({path, stable, ""});
+    auto wanted = item.first;
+    wanted.resize(kComPorts);
+    EXPECT_THAT(resolveComDevices(assigned, present), ElementsAreArray(wanted)) << item.what;
+  }
 }
 
 TEST(ComDevices, LinksAreFollowed) {
   const TempFolder folder;
-  writeFile(folder.path() / "ttyA", "");
-  writeFile(folder.path() / "ttyB", "");
   const auto a = (folder.path() / "ttyA").string();
   const auto b = (folder.path() / "ttyB").string();
   const auto ids = folder.path() / "by-id";
+  for (const auto& path : {a, b}) writeFile(path, "");
   std::filesystem::create_directory(ids);
-  std::filesystem::create_symlink("../ttyB", ids / "usb-z");
-  std::filesystem::create_symlink("../ttyB", ids / "usb-m");
-  std::filesystem::create_symlink("../gone", ids / "usb-a");
+  for (const auto& [link, to] : {std::pair{"usb-z", "../ttyB"}, {"usb-m", "../ttyB"}, {"usb-a", "../gone"}})
+    std::filesystem::create_symlink(to, ids / link);
   EXPECT_EQ(stableNameOf(b, ids), (ids / "usb-m").string());
   EXPECT_EQ(stableNameOf(a, ids), "");
   EXPECT_EQ(stableNameOf(a, folder.path() / "nowhere"), "");
-
   // Assigned by a link of the user's own: the same port all the same.
   ComAssignments assigned;
   assigned[4] = (ids / "usb-z").string();
@@ -77,6 +79,62 @@ TEST(ComDevices, LinksAreFollowed) {
   EXPECT_EQ(devices[0], a);
   EXPECT_EQ(devices[1], "");
   EXPECT_EQ(devices[4], assigned[4]);
+}
+
+TEST(DeviceTexts, SayWhatIsThereOrWhatIsInTheWay) {
+  const DeviceLook look = [](const std::string& path) -> std::optional<PortError> {
+    if (path != "/dev/ttyS0") return std::nullopt;
+    return PortError{.kind = PortErrorKind::denied, .text = deniedText(path, "root", "dialout")};
+  };
+  struct Row {
+    std::string path, text;
+    bool trouble = false;
+  };
+  for (const auto& [path, text, trouble] :
+       {Row{kAdapter, "/dev/ttyUSB0, USB adapter"}, Row{"/dev/pts/7", "/dev/pts/7"},
+        Row{"", "No device: connect one, or choose it at \"Devices...\"", true},
+        Row{"/dev/ttyS0",
+            "No permission: /dev/ttyS0 is for members of the group dialout: run \"sudo usermod -a -G dialout "
+            "$USER\" and log in again",
+            true}}) {
+    EXPECT_EQ(deviceText(path, kPresent, look).text, text);
+    EXPECT_EQ(deviceText(path, kPresent, look).trouble, trouble) << path;
+  }
+  EXPECT_EQ(deniedText("/dev/ttyS0", "root", ""), "No permission: only root may use /dev/ttyS0");
+  EXPECT_EQ(heldText("/dev/ttyS0", "", 0), "/dev/ttyS0 is held by another program: end that program");
+  // Looking opens nothing.
+  EXPECT_EQ(lookAtDevice("/dev/kalmira-nowhere").value().kind, PortErrorKind::missing);
+  EXPECT_EQ(lookAtDevice("/dev").value().text, "/dev is a folder, not a serial port");
+  EXPECT_FALSE(lookAtDevice("/dev/null"));
+}
+
+TEST(DeviceTexts, ChoicesHoldWhatIsThereAndWhatWasAssigned) {
+  ComAssignments assigned;
+  assigned[2] = "/dev/ttyUSB0";
+  assigned[4] = "/dev/rfcomm0";
+  const auto choices = deviceChoices(assigned, kPresent);
+  std::vector<std::string> texts;
+  for (const auto& choice : choices) texts.push_back(choice.text + "|" + choice.path);
+  // A device that was assigned by its plain name keeps it, and stands there once.
+  EXPECT_THAT(texts, ElementsAre("Automatic|", "ttyUSB0, USB adapter|/dev/ttyUSB0", "ttyS0|/dev/ttyS0",
+                                 "/dev/rfcomm0|/dev/rfcomm0"));
+  EXPECT_EQ(choiceOf(choices, "/dev/rfcomm0"), 3U);
+  EXPECT_EQ(choiceOf(choices, ""), 0U);
+  EXPECT_EQ(comRowText(1, kAdapter, true, kPresent), "COM1:  ttyUSB0, USB adapter (automatic)");
+  EXPECT_EQ(comRowText(12, "/dev/pts/7", false, kPresent), "COM12:  7");
+  EXPECT_EQ(comRowText(3, "", true, kPresent), "COM3:  -");
+}
+
+TEST(DeviceTexts, ADeviceBelongsToOneNumber) {
+  ComAssignments assigned;
+  assignDevice(assigned, 1, "/dev/null");
+  assignDevice(assigned, 12, "/dev/../dev/null");
+  EXPECT_EQ(assigned[0], "");
+  assignDevice(assigned, 1, "");
+  assignDevice(assigned, 13, "/dev/null");
+  EXPECT_EQ(assigned[11], "/dev/../dev/null");
+  assignDevice(assigned, 12, "");
+  EXPECT_EQ(assigned, ComAssignments{});
 }
 
 }  // namespace

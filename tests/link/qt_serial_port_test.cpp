@@ -12,9 +12,9 @@
 #include <chrono>
 #include <csignal>
 #include <filesystem>
-#include <fstream>
 
 #include "support/pty.h"
+#include "support/temp_folder.h"
 
 namespace kalmira {
 namespace {
@@ -23,24 +23,6 @@ using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 using testing::HasSubstr;
 namespace fs = std::filesystem;
-
-// A device file that other programs' lock file stands for, removed again.
-class LockFile {
- public:
-  LockFile(const std::string& device, const std::string& content)
-      : path_("/var/lock/LCK..pts_" + fs::path(device).filename().string()) {
-    std::ofstream(path_) << content;
-  }
-  ~LockFile() {
-    std::error_code ignored;
-    fs::remove(path_, ignored);
-  }
-  LockFile(const LockFile&) = delete;
-  LockFile& operator=(const LockFile&) = delete;
-
- private:
-  fs::path path_;
-};
 
 struct QtSerialPortTest : testing::Test {
   int argc = 1;
@@ -67,7 +49,8 @@ TEST_F(QtSerialPortTest, TakesAPseudoTerminalForASerialPort) {
   ASSERT_FALSE(port->open(pty.name, instrumentLine(Kind::tesk2)));
   termios line{};
   ASSERT_EQ(tcgetattr(pty.master(), &line), 0);
-  EXPECT_EQ(cfgetospeed(&line), static_cast<speed_t>(B19200));
+  EXPECT_EQ(cfgetospeed(&line), static_cast<speed_t>(B19200));  // of this kind; of others 9600
+  EXPECT_EQ(instrumentLine(Kind::orla).baud, 9600);
   EXPECT_EQ(line.c_iflag & (IXON | IXOFF | ICRNL), 0U);
   EXPECT_EQ(read(10), "");
   ASSERT_TRUE(pty.send("a\r\n\x11\xff"));
@@ -106,8 +89,8 @@ TEST_F(QtSerialPortTest, PulledCableIsNoticedAtOnceAndStays) {
 
 TEST_F(QtSerialPortTest, DeviceIsOursAloneUnderAllItsNames) {
   ASSERT_FALSE(port->open(pty.name, instrumentLine(Kind::orla)));
-  const fs::path link = fs::path(testing::TempDir()) / "kalmira_by_id";
-  fs::remove(link);
+  const TempFolder folder;
+  const fs::path link = folder.path() / "by_id";
   fs::create_symlink(pty.name, link);
   const auto second = makeQtSerialPort();
   EXPECT_EQ(textOf(second->open(link, instrumentLine(Kind::orla)), PortErrorKind::held),
@@ -118,21 +101,21 @@ TEST_F(QtSerialPortTest, DeviceIsOursAloneUnderAllItsNames) {
   ::close(other);
   port->close();
   EXPECT_FALSE(second->open(link, instrumentLine(Kind::orla)));
-  fs::remove(link);
 }
 
 TEST_F(QtSerialPortTest, LockFilesCountWhileTheirProgramRuns) {
-  {
-    const LockFile lock(pty.name, fmt::format("{:10}\n", getppid()));
-    EXPECT_THAT(textOf(port->open(pty.name, instrumentLine(Kind::orla)), PortErrorKind::held),
-                HasSubstr(fmt::format("(process {})", getppid())));
-  }
   constexpr int kNoProcess = 0x3fffffff;
-  for (const char* format : {"{:10}\n", "{}\nlogger\n\n\n\n"}) {
-    const LockFile lock(pty.name, fmt::format(fmt::runtime(format), kNoProcess));
-    EXPECT_EQ(textOf(port->open(pty.name, instrumentLine(Kind::orla)), PortErrorKind::held), "opened");
+  const auto path = "/var/lock/LCK..pts_" + fs::path(pty.name).filename().string();
+  const auto opened = [&](const std::string& content) {
+    writeFile(path, content);
+    const auto text = textOf(port->open(pty.name, instrumentLine(Kind::orla)), PortErrorKind::held);
     port->close();
-  }
+    fs::remove(path);
+    return text;
+  };
+  EXPECT_THAT(opened(fmt::format("{:10}\n", getppid())), HasSubstr(fmt::format("(process {})", getppid())));
+  EXPECT_EQ(opened(fmt::format("{:10}\n", kNoProcess)), "opened");
+  EXPECT_EQ(opened(fmt::format("{}\nlogger\n\n\n\n", kNoProcess)), "opened");
 }
 
 TEST_F(QtSerialPortTest, KilledProgramLeavesNothingBehind) {

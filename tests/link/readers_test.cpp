@@ -1,12 +1,10 @@
 #include "link/readers.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
-#include <string>
-#include <vector>
+#include <limits>
 
-#include "support/scripted_port.h"
+#include "support/fake_port.h"
 
 namespace kalmira {
 namespace {
@@ -16,7 +14,8 @@ using testing::ElementsAre;
 struct ReadersTest : testing::Test {
   FakeClock clock;
   std::atomic<bool> stop{false};
-  ScriptedPort port{clock, stop};
+  FakeDevice device{.clock = &clock, .stop = &stop};
+  FakePort port{device};
   LinkState link;
   ReaderContext context{port, link, clock, stop};
   std::vector<std::string> handed;
@@ -28,130 +27,110 @@ struct ReadersTest : testing::Test {
     return goOn;
   };
 
-  void play(const std::string& stream) {
+  void play(std::deque<LineStep> steps) {
     stop = false;
     handed.clear();
-    port.steps = {{.bytes = stream}};
+    device.steps = std::move(steps);
+    device.trace.clear();
+  }
+  auto purges() const {
+    return std::count_if(device.trace.begin(), device.trace.end(),
+                         testing::Matches(testing::EndsWith("purge")));
   }
 };
-
-const std::string kTeskTail = std::string("345678901234") + "\xff\xff";
 
 TEST_F(ReadersTest, GoodRecordsFillTheCountAndBadOnesUseItUp) {
   struct Case {
     std::string_view records;  // "g"ood and "b"ad
-    int perReading;
-    int countLeft;
+    int perReading, countLeft;
     std::size_t handOvers;
   };
-  const Case cases[] = {{"g", 1, 0, 1},   {"b", 1, 0, 0},     {"ggg", 3, 0, 1},   {"ggb", 3, 0, 0},
-                        {"gbg", 3, 0, 1}, {"bbb", 3, 0, 0},   {"ggbgg", 3, 2, 0}, {"ggbggg", 3, 0, 1},
-                        {"gg", 3, 2, 0},  {"gggggg", 2, 0, 3}};
-  for (const Case& testCase : cases) {
+  for (const auto& [records, perReading, countLeft, handOvers] :
+       {Case{"g", 1, 0, 1}, Case{"b", 1, 0, 0}, Case{"ggg", 3, 0, 1}, Case{"ggb", 3, 0, 0},
+        Case{"gbg", 3, 0, 1}, Case{"bbb", 3, 0, 0}, Case{"ggbgg", 3, 2, 0}, Case{"ggbggg", 3, 0, 1},
+        Case{"gg", 3, 2, 0}, Case{"gggggg", 2, 0, 3}}) {
     std::string stream;
-    for (const char c : testCase.records) stream += c == 'g' ? "T12345678901\r" : "X12345678901\r";
-    link.recordsPerReading = testCase.perReading;
+    for (const char c : records) stream += c == 'g' ? "T12345678901\r" : "X12345678901\r";
+    link.recordsPerReading = perReading;
     link.recordCount = 99;
-    play(stream);
+    play({{.bytes = stream}});
     InstrumentReaderAscii(context, Kind::vardo, handOver);
-    EXPECT_EQ(handed.size(), testCase.handOvers) << testCase.records;
-    EXPECT_EQ(link.recordCount, testCase.countLeft) << testCase.records;
+    EXPECT_EQ(handed.size(), handOvers) << records;
+    EXPECT_EQ(link.recordCount, countLeft) << records;
   }
 }
 
-TEST_F(ReadersTest, GoodRecordIsNotedAndTheWatchSetBack) {
+TEST_F(ReadersTest, AGoodRecordIsNotedAndTheWatchSetBack) {
   link.missedTicks = 4;
   link.recordsPerReading = 5;
-  port.steps = {{.bytes = "T12345678901\r", .silenceMs = 250}};
+  play({{.bytes = "T12345678901\r", .silenceMs = 250}});
   InstrumentReaderAscii(context, Kind::teskdd, handOver);
   EXPECT_EQ(link.missedTicks, 0);
   EXPECT_EQ(link.lastRecordTick, 100250U);
   EXPECT_EQ(link.recordLength, 12);
-  EXPECT_EQ(port.purges, 1);
+  EXPECT_EQ(purges(), 1);
 }
 
-TEST_F(ReadersTest, RefusedHandOverEndsTheReaderAtOnce) {
-  goOn = false;
-  port.steps = {{.bytes = "T12345678901\rT12345678901\r"}, {.bytes = "T12345678901\r"}};
-  EXPECT_EQ(InstrumentReaderAscii(context, Kind::orla, handOver), ReaderEnd::stopped);
-  EXPECT_EQ(handed.size(), 1U);
-  EXPECT_EQ(port.steps.size(), 1U);
-}
-
-TEST_F(ReadersTest, VanishedDeviceEndsTheReader) {
-  port.steps = {{.bytes = "T12345678901\r"}, {.gone = true}};
+TEST_F(ReadersTest, ARefusedHandOverOrAVanishedDeviceEndsTheReaderAtOnce) {
+  play({{.bytes = "T12345678901\r"}, {.gone = true}});
   EXPECT_EQ(InstrumentReaderAscii(context, Kind::orla, handOver), ReaderEnd::gone);
   EXPECT_EQ(handed.size(), 1U);
+  goOn = false;
+  play({{.bytes = "T12345678901\rT12345678901\r"}, {.bytes = "T12345678901\r"}});
+  EXPECT_EQ(InstrumentReaderAscii(context, Kind::orla, handOver), ReaderEnd::stopped);
+  EXPECT_EQ(handed.size(), 1U);
+  EXPECT_EQ(device.steps.size(), 1U);
 }
 
-TEST_F(ReadersTest, WrongByteInAnIceRecordDropsAllThatHasArrived) {
+TEST_F(ReadersTest, AWrongByteOrALongPauseInAnIceRecordDropsAllThatHasArrived) {
   link.recordsPerReading = 2;
-  port.steps = {{.bytes = "T12xT123I045T123I045"}, {.bytes = "T678I901"}};
+  play({{.bytes = "T12xT123I045T123I045"}, {.bytes = "T678I901"}});
   InstrumentReaderIce(context, handOver);
   EXPECT_THAT(handed, ElementsAre("T678I901"));  // the bad one took the first place
-  EXPECT_EQ(port.purges, 2);
+  EXPECT_EQ(purges(), 2);
   EXPECT_EQ(link.recordLength, 8);
-}
-
-TEST_F(ReadersTest, PauseWithinAnIceRecordMayBeShort) {
-  struct Case {
-    std::uint32_t silenceMs;
-    std::size_t handOvers;
-    int purges;
-  };
+  link.recordsPerReading = 1;
   // After the long pause the rest is a wrong byte of its own.
-  for (const Case& testCase : {Case{1900, 1, 1}, Case{2000, 0, 3}}) {
-    stop = false;
-    handed.clear();
-    port.purges = 0;
-    port.steps = {{.bytes = "T12"}, {.bytes = "3I045", .silenceMs = testCase.silenceMs}};
+  for (const auto& [silenceMs, handOvers, purged] :
+       {std::tuple{1900U, std::size_t{1}, 1}, std::tuple{2000U, std::size_t{0}, 3}}) {
+    play({{.bytes = "T12"}, {.bytes = "3I045", .silenceMs = silenceMs}});
     InstrumentReaderIce(context, handOver);
-    EXPECT_EQ(handed.size(), testCase.handOvers) << testCase.silenceMs;
-    EXPECT_EQ(port.purges, testCase.purges) << testCase.silenceMs;
+    EXPECT_EQ(handed.size(), handOvers) << silenceMs;
+    EXPECT_EQ(purges(), purged) << silenceMs;
   }
 }
 
 TEST_F(ReadersTest, Tesk2RecordsCarryTheMarkers) {
   struct Case {
     unsigned status;
-    int keyPending;
-    int modeByte;
-    int expected;
+    int keyPending, modeByte, expected;
     bool onInstrumentPort;
   };
-  const Case cases[] = {{0, 0, 0x41, 0x41, true},
-                        {kCtsOn, 0, 0x41, 0x51, true},
-                        {kDsrOn, 2, 0x41, 0x59, true},
-                        {kCtsOn, 1, 0x41, 0x49, false},
-                        {kRlsdOn, 1, 250, 18, true}};  // wraps
-  for (const Case& testCase : cases) {
-    stop = false;
-    handed.clear();
+  for (const auto& item :
+       {Case{0, 0, 0x41, 0x41, true}, Case{kCtsOn, 0, 0x41, 0x51, true}, Case{kDsrOn, 2, 0x41, 0x59, true},
+        Case{kCtsOn, 1, 0x41, 0x49, false}, Case{kRlsdOn, 1, 250, 18, true}}) {  // wraps
     link.markerLineState = 0;
-    link.markerKeyPending = testCase.keyPending;
-    port.steps = {{.bytes = std::string("T") + static_cast<char>(testCase.modeByte) + kTeskTail,
-                   .status = testCase.status}};
-    InstrumentReaderTesk2(context, testCase.onInstrumentPort, handOver);
+    link.markerKeyPending = item.keyPending;
+    play({{.bytes = std::string("T") + static_cast<char>(item.modeByte) + "345678901234\xff\xff",
+           .status = item.status}});
+    InstrumentReaderTesk2(context, item.onInstrumentPort, handOver);
     ASSERT_EQ(handed.size(), 1U);
-    EXPECT_EQ(static_cast<unsigned char>(handed[0][1]), testCase.expected);
+    EXPECT_EQ(static_cast<unsigned char>(handed[0][1]), item.expected);
   }
 }
 
-TEST_F(ReadersTest, MarkerLineIsStoredWhenCtsChanges) {
+TEST_F(ReadersTest, TheMarkerLineIsStoredWhenCtsChangesAndIsOffWhenItVanishes) {
   const int both = static_cast<int>(kDsrOn | kCtsOn);
   const int dsr = static_cast<int>(kDsrOn);
   std::vector<int> seen;  // at each read: what the step before left
-  port.onRead = [&] { seen.push_back(link.markerLineState); };
-  port.steps = {{.bytes = "x", .status = kDsrOn},
-                {.bytes = "x", .status = kDsrOn | kCtsOn},
-                {.bytes = "x", .status = kCtsOn},
-                {.bytes = "x", .status = kDsrOn}};
+  device.onRead = [&] { seen.push_back(link.markerLineState); };
+  play({{.bytes = "x", .status = kDsrOn},
+        {.bytes = "x", .status = kDsrOn | kCtsOn},
+        {.bytes = "x", .status = kCtsOn},
+        {.bytes = "x", .status = kDsrOn}});
   MarkerLineThread(context);
   EXPECT_THAT(seen, ElementsAre(0, 0, both, both, dsr));
-}
-
-TEST_F(ReadersTest, VanishedMarkerLineIsOff) {
-  port.steps = {{.bytes = "x", .status = kCtsOn}, {.gone = true}};
+  play({{.bytes = "x", .status = kCtsOn}, {.gone = true}});
   EXPECT_EQ(MarkerLineThread(context), ReaderEnd::gone);
   EXPECT_EQ(link.markerLineState, 0);
 }
@@ -160,36 +139,51 @@ TEST_F(ReadersTest, ProbeKnowsTheTwoTeskStreams) {
   struct Case {
     std::string_view what;
     std::deque<LineStep> steps;
-    bool known;
-    int length;
-    float periodMs;
+    int length;  // 0: not known
     std::uint32_t atMostMs;
   };
-  const Case cases[] = {
-      {"7 bytes", {{.bytes = "56\rT123456\r", .silenceMs = 100}}, true, 7, 72.0F, 200},
-      {"12 bytes, in two parts",
-       {{.bytes = "T1234"}, {.bytes = "5678901\r", .silenceMs = 90}},
-       true,
-       12,
-       91.0F,
-       200},
-      {"9 bytes", {{.bytes = "T12345678\r"}}, false, 7, 5.0F, 200},
-      {"silence", {}, false, 7, 5.0F, 2010},
-      {"no start letter for 2 s", {{.bytes = "123\r", .silenceMs = 1500}}, false, 7, 5.0F, 2010},
-      {"start letter just in time", {{.bytes = "T123456\r", .silenceMs = 1999}}, true, 7, 72.0F, 2010},
-      {"no end for 1 s", {{.bytes = "T123456"}, {.bytes = "\r", .silenceMs = 1000}}, false, 7, 5.0F, 1010},
-      {"gone", {{.bytes = "T1"}, {.gone = true}}, false, 7, 5.0F, 10},
-  };
-  port.stopAtEnd = false;
-  for (const Case& testCase : cases) {
+  device.stop = nullptr;
+  for (const auto& [what, steps, length, atMostMs] : std::initializer_list<Case>{
+           {"7 bytes", {{.bytes = "56\rT123456\r", .silenceMs = 100}}, 7, 200},
+           {"12 bytes, in two parts", {{.bytes = "T1234"}, {.bytes = "5678901\r", .silenceMs = 90}}, 12, 200},
+           {"9 bytes", {{.bytes = "T12345678\r"}}, 0, 200},
+           {"silence", {}, 0, 2010},
+           {"no start letter for 2 s", {{.bytes = "123\r", .silenceMs = 1500}}, 0, 2010},
+           {"start letter just in time", {{.bytes = "T123456\r", .silenceMs = 1999}}, 7, 2010},
+           {"no end for 1 s", {{.bytes = "T123456"}, {.bytes = "\r", .silenceMs = 1000}}, 0, 1010},
+           {"gone", {{.bytes = "T1"}, {.gone = true}}, 0, 10}}) {
+    SCOPED_TRACE(what);
     link.recordLength = 0;
     link.recordPeriodMs = 5.0F;
-    port.steps = testCase.steps;
+    device.steps = steps;
     const std::uint32_t start = clock.tick();
-    EXPECT_EQ(ProbeTeskRecord(context), testCase.known) << testCase.what;
-    EXPECT_EQ(link.recordLength, testCase.length) << testCase.what;
-    EXPECT_EQ(link.recordPeriodMs, testCase.periodMs) << testCase.what;
-    EXPECT_LE(clock.tick() - start, testCase.atMostMs) << testCase.what;
+    EXPECT_EQ(ProbeTeskRecord(context), length != 0);
+    EXPECT_EQ(link.recordLength, length == 0 ? 7 : length);
+    EXPECT_EQ(link.recordPeriodMs, length == 0 ? 5.0F : length == 7 ? 72.0F : 91.0F);
+    EXPECT_LE(clock.tick() - start, atMostMs);
+  }
+}
+
+TEST(RecordRates, FollowTheIntervalWithinWhatTheStreamDelivers) {
+  struct Row {
+    float interval, period;
+    int records, perSecond;
+  };
+  const float infinity = std::numeric_limits<float>::infinity();
+  const float nan = std::numeric_limits<float>::quiet_NaN();
+  const int most = std::numeric_limits<int>::max();
+  // The last two lines are what no setting should hold.
+  for (const auto& [interval, period, records, perSecond] :
+       {Row{1.0F, 72.0F, 14, 1},       Row{1.0F, 91.0F, 11, 1},   Row{0.5F, 91.0F, 5, 2},
+        Row{0.5F, 72.0F, 7, 2},        Row{0.2F, 100.0F, 2, 5},   Row{0.1F, 100.0F, 1, 10},
+        Row{0.1F, 50.0F, 2, 10},       Row{0.3F, 50.0F, 6, 3},    Row{0.7F, 50.0F, 14, 1},
+        Row{2.0F, 91.0F, 22, 1},       Row{10.0F, 50.0F, 200, 1}, Row{0.01F, 72.0F, 1, 14},
+        Row{0.01F, 91.0F, 1, 11},      Row{0.01F, 100.0F, 1, 10}, Row{0.01F, 50.0F, 1, 20},
+        Row{0.0F, 91.0F, 1, 11},       Row{-1.0F, 91.0F, 1, 1},   Row{nan, 91.0F, 1, 1},
+        Row{infinity, 91.0F, most, 1}, Row{1.0F, 0.0F, most, 1},  Row{0.01F, nan, 1, 1}}) {
+    const RecordRates rates = recordRates(interval, period);
+    EXPECT_EQ(rates.recordsPerInterval, records) << interval << " s at " << period << " ms";
+    EXPECT_EQ(rates.ratePerSecond, perSecond) << interval << " s at " << period << " ms";
   }
 }
 

@@ -1,97 +1,25 @@
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <chrono>
-#include <condition_variable>
-#include <deque>
-#include <map>
-#include <mutex>
 #include <semaphore>
-#include <string>
 #include <thread>
 
 #include "link/keep_awake.h"
 #include "logging/serial_session_ports.h"
+#include "support/fake_port.h"
 
 namespace kalmira {
 namespace {
 
 using std::chrono::milliseconds;
-using std::chrono::steady_clock;
 using testing::ElementsAre;
-
-// A device at the other end of a cable that tests can pull.
-struct Device {
-  std::mutex mutex;
-  std::condition_variable changed;
-  std::deque<char> bytes;
-  bool plugged = true;
-  int refusals = 0;  // opens that fail before one succeeds
-  int opens = 0;     // tried
-  LineSettings line;
-
-  void send(std::string_view text) {
-    const std::scoped_lock lock(mutex);
-    bytes.insert(bytes.end(), text.begin(), text.end());
-    changed.notify_all();
-  }
-  void plug(bool in) {
-    const std::scoped_lock lock(mutex);
-    plugged = in;
-    changed.notify_all();
-  }
-  int openCount() {
-    const std::scoped_lock lock(mutex);
-    return opens;
-  }
-};
-
-using Devices = std::map<std::string, Device>;
-
-class FakePort final : public Port {
- public:
-  explicit FakePort(Devices& devices) : devices_(devices) {}
-
-  std::optional<PortError> open(const std::string& name, const LineSettings& line) override {
-    device_ = &devices_.at(name);
-    const std::scoped_lock lock(device_->mutex);
-    ++device_->opens;
-    device_->line = line;
-    if (!device_->plugged) return PortError{PortErrorKind::missing, "not plugged"};
-    if (device_->refusals > 0) {
-      --device_->refusals;
-      return PortError{PortErrorKind::held, "refused"};
-    }
-    return std::nullopt;
-  }
-  ReadResult read(std::span<std::uint8_t> buffer, int timeoutMs) override {
-    std::unique_lock lock(device_->mutex);
-    device_->changed.wait_for(lock, milliseconds(timeoutMs),
-                              [this] { return !device_->bytes.empty() || !device_->plugged; });
-    if (!device_->plugged) return {.count = 0, .gone = true};
-    std::size_t count = 0;
-    for (; count < buffer.size() && !device_->bytes.empty(); ++count) {
-      buffer[count] = static_cast<std::uint8_t>(device_->bytes.front());
-      device_->bytes.pop_front();
-    }
-    return {.count = count, .gone = false};
-  }
-  void purge() override {}
-  unsigned modemStatus() override { return 0; }
-  bool write(std::span<const std::uint8_t>, int) override { return true; }
-  void close() override {}
-
- private:
-  Devices& devices_;
-  Device* device_ = nullptr;
-};
 
 // The test's thread is the session's.
 struct PortThreadsTest : testing::Test {
-  Devices devices;
-  Device& instrument = devices["com1"];
-  Device& gps = devices["com2"];
-  Device& marker = devices["com7"];
+  FakeDevices devices;
+  FakeDevice& instrument = devices["com1"];
+  FakeDevice& gps = devices["com2"];
+  FakeDevice& marker = devices["com7"];
   Settings settings;
   LinkState link;
   SystemClock clock{TickBase::program};
@@ -119,38 +47,36 @@ struct PortThreadsTest : testing::Test {
 };
 
 template <typename Action>
-milliseconds timeOf(const Action& action) {
-  const auto start = steady_clock::now();
+void expectPrompt(const Action& action) {
+  const auto start = std::chrono::steady_clock::now();
   action();
-  return std::chrono::duration_cast<milliseconds>(steady_clock::now() - start);
+  EXPECT_LT(std::chrono::steady_clock::now() - start, milliseconds(200));
 }
-constexpr milliseconds kClosingLimit{200};
 
-TEST_F(PortThreadsTest, ClosingIsPromptWhileReadersWaitForBytes) {
+void waitUntil(const std::function<bool()>& happened) {
+  while (!happened()) std::this_thread::yield();
+}
+
+TEST_F(PortThreadsTest, ClosingIsPromptWhateverTheReadersDo) {
   settings.markerPortChoice = 6;
+  std::atomic<int> reads{0};
+  for (auto* device : {&instrument, &gps, &marker}) device->onRead = [&reads] { ++reads; };
   SerialSessionPorts ports = makePorts(Kind::tesk2);
-  ASSERT_FALSE(ports.OpenInstrumentPort());
-  ASSERT_FALSE(ports.OpenMarkerPort());
-  ASSERT_FALSE(ports.OpenGpsPort());
+  ASSERT_FALSE(ports.OpenInstrumentPort() || ports.OpenMarkerPort() || ports.OpenGpsPort());
   ports.startInstrumentReader();
   ports.startMarkerReader();
   ports.startGpsReader();
-  std::this_thread::sleep_for(milliseconds(30));
-  EXPECT_LT(timeOf([&] { ports.closeInstrumentPort(); }), kClosingLimit);
-  EXPECT_LT(timeOf([&] { ports.closeMarkerPort(); }), kClosingLimit);
-  EXPECT_LT(timeOf([&] { ports.closeGpsPort(); }), kClosingLimit);
-  EXPECT_LT(timeOf([&] { ports.closeGpsPort(); }), kClosingLimit);
-}
-
-TEST_F(PortThreadsTest, ClosingIsPromptWhileAMessageWaitsAndNobodyLooks) {
-  SerialSessionPorts ports = makePorts(Kind::orla);
-  ASSERT_FALSE(ports.OpenInstrumentPort());
-  ports.startInstrumentReader();
-  instrument.send("T12345678901\r");
+  waitUntil([&] { return reads >= 3; });
+  expectPrompt([&] { ports.closeInstrumentPort(); });
+  expectPrompt([&] { ports.closeMarkerPort(); });
+  // A message waits and nobody looks.
+  gps.send("$GPGGA,1\r\n");
   woken.acquire();
-  EXPECT_LT(timeOf([&] { ports.closeInstrumentPort(); }), kClosingLimit);
+  expectPrompt([&] { ports.closeGpsPort(); });
+  expectPrompt([&] { ports.closeGpsPort(); });
   handOver.run();
   EXPECT_TRUE(seen.empty());
+  for (auto* device : {&instrument, &gps, &marker}) EXPECT_FALSE(device->isOpen);
 }
 
 TEST_F(PortThreadsTest, HandlingOfARecordMayCloseItsPortAndOpenItAgain) {
@@ -160,7 +86,7 @@ TEST_F(PortThreadsTest, HandlingOfARecordMayCloseItsPortAndOpenItAgain) {
   onRecord = [&] {
     seen.emplace_back(link.record());
     if (seen.size() > 1) return;
-    EXPECT_LT(timeOf([&] { ports.closeInstrumentPort(); }), kClosingLimit);
+    expectPrompt([&] { ports.closeInstrumentPort(); });
     EXPECT_FALSE(ports.OpenInstrumentPort());
     ports.startInstrumentReader();
   };
@@ -171,42 +97,44 @@ TEST_F(PortThreadsTest, HandlingOfARecordMayCloseItsPortAndOpenItAgain) {
   EXPECT_THAT(seen, ElementsAre("T12345678901", "Tabcdefghijk"));
 }
 
-TEST_F(PortThreadsTest, VanishedInstrumentIsTriedWhenAskedAndReadOn) {
+TEST_F(PortThreadsTest, AVanishedInstrumentIsClosedAtOnceTriedWhenAskedAndReadOn) {
   SerialSessionPorts ports = makePorts(Kind::glaco);
+  const auto gone = [&] { return ports.instrumentGone(); };
   ASSERT_FALSE(ports.OpenInstrumentPort());
   ports.startInstrumentReader();
   instrument.plug(false);
-  while (!ports.instrumentGone()) std::this_thread::yield();
+  waitUntil(gone);
+  EXPECT_FALSE(instrument.locked(&FakeDevice::isOpen)) << "it would come back under another name";
   ports.reopenInstrumentPort();
-  while (instrument.openCount() < 2) std::this_thread::yield();
-  EXPECT_TRUE(ports.instrumentGone());
+  waitUntil([&] { return instrument.locked(&FakeDevice::opens) == 2; });
+  EXPECT_TRUE(gone());
   instrument.plug(true);
-  EXPECT_TRUE(ports.instrumentGone());  // nobody has asked yet
-  ports.reopenInstrumentPort();
+  EXPECT_TRUE(gone());  // nobody has asked yet
   instrument.send("T123I045");
+  ports.reopenInstrumentPort();
   ASSERT_TRUE(handleOne());
-  EXPECT_FALSE(ports.instrumentGone());
+  EXPECT_FALSE(gone());
   EXPECT_THAT(seen, ElementsAre("T123I045"));
   instrument.plug(false);
-  while (!ports.instrumentGone()) std::this_thread::yield();
-  EXPECT_LT(timeOf([&] { ports.closeInstrumentPort(); }), kClosingLimit);
+  waitUntil(gone);
+  expectPrompt([&] { ports.closeInstrumentPort(); });
 }
 
-TEST_F(PortThreadsTest, VanishedReceiverComesBackByItself) {
+TEST_F(PortThreadsTest, AVanishedReceiverComesBackByItself) {
   SerialSessionPorts ports = makePorts(Kind::orla);
   ASSERT_FALSE(ports.OpenGpsPort());
   ports.startGpsReader();
   gps.send("$GPGGA,1\r\n");
   ASSERT_TRUE(handleOne());
   gps.plug(false);
-  std::this_thread::sleep_for(milliseconds(50));
+  waitUntil([&] { return !gps.locked(&FakeDevice::isOpen); });
   gps.plug(true);
   gps.send("$GPGGA,2\r\n");
   ASSERT_TRUE(handleOne());
   EXPECT_THAT(seen, ElementsAre("$GPGGA,1", "$GPGGA,2"));
 }
 
-TEST_F(PortThreadsTest, ReceiverIsTriedTenTimesTheOthersOnce) {
+TEST_F(PortThreadsTest, AReceiverIsTriedTenTimesTheOthersOnce) {
   SerialSessionPorts ports = makePorts(Kind::tesk2);
   settings.markerPortChoice = 6;
   gps.refusals = 9;
@@ -214,34 +142,35 @@ TEST_F(PortThreadsTest, ReceiverIsTriedTenTimesTheOthersOnce) {
   EXPECT_EQ(gps.line, gpsLine(settings));
   ports.closeGpsPort();
   gps.refusals = 10;
-  const auto gpsProblem = ports.OpenGpsPort();
-  EXPECT_EQ(gps.opens, 20);
   instrument.refusals = marker.refusals = 1;
-  const auto instrumentProblem = ports.OpenInstrumentPort();
-  const auto markerProblem = ports.OpenMarkerPort();
-  ASSERT_TRUE(gpsProblem && instrumentProblem && markerProblem);
-  EXPECT_EQ(gpsProblem->message, "Cannot open GPS port");
-  EXPECT_EQ(instrumentProblem->message, "Cannot open TESK2 port");
-  EXPECT_EQ(markerProblem->message, "Cannot open External Marker port");
-  EXPECT_EQ(markerProblem->detail, "refused");
+  std::vector<std::string> problems;
+  const auto tell = [&](const std::optional<PortProblem>& problem) {
+    problems.push_back(problem ? problem->message + ": " + problem->detail : "opened");
+  };
+  tell(ports.OpenGpsPort());
+  tell(ports.OpenInstrumentPort());
+  tell(ports.OpenMarkerPort());
+  settings.instrumentPortIndex = 11;
+  tell(ports.OpenInstrumentPort());
+  EXPECT_THAT(problems,
+              ElementsAre("Cannot open GPS port: refused", "Cannot open TESK2 port: refused",
+                          "Cannot open External Marker port: refused",
+                          "Cannot open TESK2 port: No device stands for COM12: plug one in or name one"));
+  EXPECT_EQ(gps.opens, 20);
   EXPECT_EQ(marker.opens, 1);
   EXPECT_EQ(marker.line, markerLine(Kind::tesk2));
-  settings.instrumentPortIndex = 11;
-  const auto unassigned = ports.OpenInstrumentPort();
-  ASSERT_TRUE(unassigned);
-  EXPECT_EQ(unassigned->detail, "No device stands for COM12: plug one in or name one");
 }
 
 TEST(KeepAwake, CallsAtOnceThenEveryPeriodAndEndsPromptly) {
   std::counting_semaphore<> calls{0};
   {
-    const KeepAwakeThread thread([&] { calls.release(); }, milliseconds(5));
+    const KeepAwakeThread thread([&] { calls.release(); }, milliseconds(1));
     for (int i = 0; i < 3; ++i) ASSERT_TRUE(calls.try_acquire_for(std::chrono::seconds(10)));
   }
   std::optional<KeepAwakeThread> waiting;
   waiting.emplace([&] { calls.release(); }, std::chrono::hours(1));
   calls.acquire();
-  EXPECT_LT(timeOf([&] { waiting.reset(); }), kClosingLimit);
+  expectPrompt([&] { waiting.reset(); });
 }
 
 }  // namespace

@@ -1,10 +1,11 @@
+#include "datafile/data_file.h"
+
 #include <gtest/gtest.h>
 
 #include <chrono>
 #include <thread>
 
 #include "datafile/creation.h"
-#include "datafile/data_file.h"
 #include "platform/text.h"
 #include "support/fake_clock.h"
 #include "support/fake_disk.h"
@@ -15,16 +16,6 @@ namespace {
 
 std::string record(int number) {
   return "T" + fixedField(number, 22, 0) + "\n";
-}
-
-// Commits run on a thread of their own: gives it time, looking after the file as a session does.
-template <typename Condition>
-bool serviceUntil(DataFile& file, Condition condition) {
-  for (int i = 0; i < 400 && !condition(); ++i) {
-    std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    file.service();
-  }
-  return condition();
 }
 
 struct DataFileTest : testing::Test {
@@ -59,29 +50,43 @@ TEST_F(DataFileTest, FullDiskLeavesWholeRecordsAndLosesNone) {
   }
 }
 
-TEST_F(DataFileTest, FailedCommitIsWrittenAgain) {
+// Commits run on a thread of their own, unasked: gives it time, looking after the file as a session does.
+TEST_F(DataFileTest, CommitsFollowWritesAndWhatFailedIsWrittenAgain) {
   disk.state.failingSyncs = 1;
   file.append(record(1));
-  ASSERT_TRUE(serviceUntil(file, [&] { return disk.state.failingSyncs == 0; }));
-  EXPECT_TRUE(serviceUntil(file, [&] { return disk.content() == record(1) && file.problem().empty(); }));
+  const auto good = [&] {
+    return disk.state.syncs >= 2 && disk.content() == record(1) && file.problem().empty();
+  };
+  bool failed = false;
+  for (int i = 0; i < 2000 && !good(); ++i) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    file.service();
+    failed = failed || !file.problem().empty();
+  }
+  EXPECT_TRUE(failed && good());
 }
 
-TEST_F(DataFileTest, CommitsFollowWritesWithoutBeingAskedFor) {
-  file.append(record(1));
-  EXPECT_TRUE(serviceUntil(file, [&] { return disk.state.syncs == 1; }));
-  file.append(record(2));
-  EXPECT_TRUE(serviceUntil(file, [&] { return disk.state.syncs == 2; }));
-}
-
-TEST_F(DataFileTest, CardTakenOutAtAPauseIsPickedUpAgain) {
-  file.append(record(1));
+TEST_F(DataFileTest, ACardTakenOutAtAPauseIsPickedUpAgainAndAnotherOneIsLeftAlone) {
+  const auto ours = record(1) + record(2);
+  file.append(ours);
   disk.state.cardOut = true;
   file.closeAndReopen();
   EXPECT_NE(file.problem(), "");
-  file.append(record(2));
+  file.append(record(3));
   disk.state.cardOut = false;
+  // A file of the same name that is not this one, or was cut.
+  for (const auto& other : {std::string(), record(7), ours.substr(0, 47)}) {
+    disk.state.content = other;
+    file.service();
+    EXPECT_EQ(disk.content(), other);
+    EXPECT_EQ(file.problem(), "Cannot write: No such device");
+    EXPECT_EQ(file.waitingRecords(), 1U);
+  }
+  // What stands behind the records is half a one.
+  disk.state.content = ours + "T$-0";
   file.service();
-  EXPECT_EQ(disk.content(), record(1) + record(2));
+  EXPECT_EQ(disk.content(), ours + record(3));
+  EXPECT_EQ(file.problem(), "");
 }
 
 TEST_F(DataFileTest, WhatCannotBeWrittenInTheEndIsHandedBack) {
@@ -112,15 +117,15 @@ struct CreationTest : testing::Test {
 };
 
 TEST_F(CreationTest, ProposesFreeLettersAndThenTheLastPath) {
-  EXPECT_EQ(ProposeDataFileName(place, clock), "111510A");
-  for (char letter = 'A'; letter <= 'Y'; ++letter) {
+  for (char letter = 'A'; letter <= 'Z'; ++letter) {
+    EXPECT_EQ(ProposeDataFileName(place, clock), std::string("111510") + letter);
     writeFile(root.path() / "Storage/DATATESK2" / (std::string("111510") + letter + ".NTS"), "x");
   }
-  EXPECT_EQ(ProposeDataFileName(place, clock), "111510Z");
-  writeFile(root.path() / "Storage/DATATESK2/111510Z.NTS", "x");
   const auto proposal = ProposeDataFileName(place, clock);
   EXPECT_EQ(proposal, "Storage\\DATATESK2\\111510Z.NTS");
   EXPECT_EQ(dataFilePathFor(place, proposal), root.path() / "Storage/DATATESK2/111510Z.NTS");
+  EXPECT_EQ(baseNameOf("/tmp/dir.d/A.B.ROR"), "A");
+  EXPECT_EQ(baseNameOf("plain"), "plain");
 }
 
 TEST_F(CreationTest, ExistingFileIsRefusedAndLeftAlone) {
@@ -138,16 +143,24 @@ TEST_F(CreationTest, ExistingFileIsRefusedAndLeftAlone) {
   EXPECT_EQ(content.substr(0, 26), "TESK2   W230GRD00001    3\n");
 }
 
-TEST_F(CreationTest, FolderThatCannotBeWrittenIsToldWithItsCause) {
-  const auto outcome =
-      create([&](const std::string&) { return std::optional(root.path() / "missing" / "x.NTS"); });
+TEST_F(CreationTest, WhatCannotBeWrittenIsToldWithItsCauseAndLeavesNoFile) {
+  const auto at = [](std::filesystem::path path) {
+    return [path](const std::string&) { return std::optional(path); };
+  };
+  auto outcome = create(at(root.path() / "missing" / "x.NTS"));
   EXPECT_EQ(outcome.how, CreateOutcome::How::failed);
   EXPECT_NE(outcome.cause.find("No such file"), std::string::npos);
-}
-
-TEST(BaseName, EndsAtTheFirstFullStopOfTheName) {
-  EXPECT_EQ(baseNameOf("/tmp/dir.d/A.B.ROR"), "A");
-  EXPECT_EQ(baseNameOf("plain"), "plain");
+  const auto path = root.path() / "x.NTS";
+  // The header finds room, the rest does not.
+  {
+    const SmallFiles full(100);
+    outcome = create(at(path));
+  }
+  EXPECT_EQ(outcome.how, CreateOutcome::How::failed);
+  EXPECT_EQ(outcome.cause, "Disk full");
+  EXPECT_FALSE(file.isOpen());
+  EXPECT_FALSE(std::filesystem::exists(path));
+  EXPECT_EQ(create(at(path)).how, CreateOutcome::How::created) << "the name is free again";
 }
 
 }  // namespace

@@ -5,46 +5,44 @@
 #include <algorithm>
 #include <sstream>
 #include <utility>
-#include <vector>
 
 #include "datafile/record_text.h"
+#include "datafile/record_times.h"
 
 namespace kalmira {
 namespace {
 
 const std::string kHeader = "ORLA2   W230GRD0000    \n";
+using Texts = std::vector<std::string>;
 
-std::unique_ptr<std::istream> bytesAsFile(std::string bytes) {
-  return std::make_unique<std::istringstream>(std::move(bytes));
+std::string reading(unsigned number, std::string_view text = "T$+0001+0002") {
+  return formatReading(24, text, number);
 }
 
-std::vector<std::string> forwards(RecordReader& reader) {
-  std::vector<std::string> all;
-  Record record;
-  while (reader.next(record)) all.emplace_back(record.bytes);
-  return all;
-}
-
-std::vector<std::string> backwards(RecordReader& reader) {
-  std::vector<std::string> all;
-  Record record;
-  while (reader.previous(record)) all.emplace_back(record.bytes);
-  std::reverse(all.begin(), all.end());
-  return all;
-}
-
-std::string reading(unsigned number) {
-  return formatReading(24, "T$+0001+0002", number);
-}
+struct ReadBytes : RecordReader {
+  explicit ReadBytes(const std::string& bytes) {
+    EXPECT_EQ(open(std::make_unique<std::istringstream>(bytes)).kind, FileErrorKind::none);
+  }
+  Texts forwards() {
+    Texts all;
+    for (Record record; next(record);) all.emplace_back(record.bytes);
+    return all;
+  }
+  Texts backwards() {
+    Texts all;
+    for (Record record; previous(record);) all.emplace_back(record.bytes);
+    std::reverse(all.begin(), all.end());
+    return all;
+  }
+};
 
 TEST(RecordReader, NamesWhatIsNoDataFile) {
-  for (const auto& [bytes, kind] : std::initializer_list<std::pair<std::string, FileErrorKind>>{
-           {"", FileErrorKind::empty},
-           {"ORLA2   W230GR", FileErrorKind::notADataFile},
-           {std::string(4096, '\0'), FileErrorKind::notADataFile},
-           {"ORLA2   W222GRD0000    \n", FileErrorKind::notADataFile}}) {
-    RecordReader reader;
-    EXPECT_EQ(reader.open(bytesAsFile(bytes)).kind, kind) << bytes.size();
+  using Case = std::pair<std::string, FileErrorKind>;
+  for (const auto& [bytes, kind] :
+       {Case{"", FileErrorKind::empty}, Case{"ORLA2   W230GR", FileErrorKind::notADataFile},
+        Case{std::string(4096, '\0'), FileErrorKind::notADataFile},
+        Case{"ORLA2   W222GRD0000    \n", FileErrorKind::notADataFile}}) {
+    EXPECT_EQ(RecordReader().open(std::make_unique<std::istringstream>(bytes)).kind, kind) << bytes.size();
   }
   RecordReader reader;
   EXPECT_EQ(reader.open(testing::TempDir()).kind, FileErrorKind::notAFile);
@@ -53,69 +51,47 @@ TEST(RecordReader, NamesWhatIsNoDataFile) {
   EXPECT_EQ(missing.text, "cannot be opened: No such file or directory");
 }
 
-TEST(RecordReader, GivesTheSameRecordsBothWaysWhateverTheFilesSize) {
+TEST(RecordReader, GivesTheSameRecordsBothWaysWhateverTheyHold) {
   // More than one window of the reader, and none of its sizes a multiple of the record length.
-  std::vector<std::string> expected;
-  std::string bytes = kHeader;
-  for (unsigned i = 0; i < 9000; ++i) {
-    expected.push_back(reading(i));
-    bytes += expected.back();
+  Texts many;
+  for (unsigned i = 0; i < 9000; ++i) many.push_back(reading(i));
+  // A mode byte may be a line feed, and a TESK2's record all of them.
+  Texts feeds;
+  for (const auto* text : {"T\n-0400+0800", "T$-0400+0800", "T\n-0400+0800", "T\r-0400+0800"})
+    feeds.push_back(reading(81250, text));
+  const Texts long26{formatReading(26, std::string("T\n\n\n\n\n\n\n\n\n\n\n\n\n", 14), 1),
+                     formatReading(26, std::string("t\x04\0\n\0\n\0\n\0\n\0\n\0\n", 14), 2)};
+  for (const auto& [header, records] :
+       {std::pair{kHeader, many}, {kHeader, feeds}, {formatHeader1({.kind = Kind::tesk2}), long26}}) {
+    std::string bytes = header;
+    for (const auto& each : records) bytes += each;
+    ReadBytes reader(bytes + "T$+00");
+    EXPECT_EQ(static_cast<std::size_t>(reader.recordLength()), header.size());
+    EXPECT_EQ(reader.forwards(), records);
+    EXPECT_EQ(reader.tornBytes(), 5U);
+    reader.seekToEnd();
+    EXPECT_EQ(reader.tornBytes(), 5U);
+    auto all = records;
+    all.insert(all.begin(), header);
+    EXPECT_EQ(reader.backwards(), all);
+    EXPECT_EQ(reader.skippedBytes(), 0U);
   }
-  RecordReader reader;
-  ASSERT_EQ(reader.open(bytesAsFile(bytes + "T$+00")).kind, FileErrorKind::none);
-  EXPECT_EQ(forwards(reader), expected);
-  EXPECT_EQ(reader.tornBytes(), 5U);
-  reader.seekToEnd();
-  EXPECT_EQ(reader.tornBytes(), 5U);
-  expected.insert(expected.begin(), kHeader);
-  EXPECT_EQ(backwards(reader), expected);
-  EXPECT_EQ(reader.skippedBytes(), 0U);
-}
-
-TEST(RecordReader, ReadsTesk2RecordsByLengthNotByLineFeed) {
-  const std::string first = formatReading(26, std::string("T\n\n\n\n\n\n\n\n\n\n\n\n\n", 14), 1);
-  const std::string second = formatReading(26, std::string("t\x04\0\n\0\n\0\n\0\n\0\n\0\n", 14), 2);
-  std::string header = formatHeader1({.kind = Kind::tesk2});
-  RecordReader reader;
-  ASSERT_EQ(reader.open(bytesAsFile(header + first + second)).kind, FileErrorKind::none);
-  EXPECT_EQ(reader.recordLength(), 26);
-  EXPECT_EQ(forwards(reader), (std::vector{first, second}));
-  EXPECT_EQ(backwards(reader), (std::vector{header, first, second}));
-}
-
-TEST(RecordReader, AModeByteMayBeALineFeed) {
-  std::vector<std::string> expected;
-  std::string bytes = kHeader;
-  for (const char* text : {"T\n-0400+0800", "T$-0400+0800", "T\n-0400+0800", "T\r-0400+0800"}) {
-    expected.push_back(formatReading(24, text, 81250));
-    bytes += expected.back();
-  }
-  RecordReader reader;
-  ASSERT_EQ(reader.open(bytesAsFile(bytes)).kind, FileErrorKind::none);
-  EXPECT_EQ(forwards(reader), expected);
-  expected.insert(expected.begin(), kHeader);
-  EXPECT_EQ(backwards(reader), expected);
-  EXPECT_EQ(reader.skippedBytes(), 0U);
 }
 
 TEST(RecordReader, GoesOnBehindDamageInBothDirections) {
-  struct Case {
-    std::string middle;  // between the readings 1 and 2
-    std::uint64_t skipped;
-  };
+  using Case = std::pair<std::string, std::uint64_t>;  // between the readings 1 and 2; bytes skipped
   for (const auto& [middle, skipped] :
        {Case{std::string(72, '\0'), 72}, Case{"T$+0001+002          9\n", 23}, Case{"T$+0001+\n", 9},
         Case{"Q                      \n", 24}, Case{"\n", 1}, Case{"C 1234\n 1234          5\n", 24},
         Case{std::string(30, 'x') + "\n", 31}}) {
     SCOPED_TRACE(middle);
     const std::string bytes = kHeader + reading(1) + middle + reading(2) + reading(3);
-    RecordReader reader;
-    reader.open(bytesAsFile(bytes));
-    EXPECT_EQ(forwards(reader), (std::vector{reading(1), reading(2), reading(3)}));
+    ReadBytes reader(bytes);
+    EXPECT_EQ(reader.forwards(), (Texts{reading(1), reading(2), reading(3)}));
     EXPECT_EQ(reader.skippedBytes(), skipped);
     EXPECT_EQ(reader.tornBytes(), 0U);
     reader.seek(bytes.size());
-    EXPECT_EQ(backwards(reader), (std::vector{kHeader, reading(1), reading(2), reading(3)}));
+    EXPECT_EQ(reader.backwards(), (Texts{kHeader, reading(1), reading(2), reading(3)}));
   }
 }
 
@@ -153,6 +129,61 @@ TEST(RecordReader, TellsThatAReadFailed) {
   EXPECT_FALSE(reader.next(record));
   EXPECT_EQ(reader.error().kind, FileErrorKind::readFailed);
   EXPECT_EQ(reader.error().text.substr(0, 30), "cannot be read at byte 48: Inp");
+}
+
+constexpr std::uint32_t kHour = 3600000;
+constexpr std::uint32_t kDay = 24 * kHour;
+
+constexpr std::uint32_t at(std::uint32_t hour, std::uint32_t minute = 0) {
+  return hour * kHour + minute * 60000;
+}
+
+// A date record and marks of the eighth of March 2024, day 19790, and what a tick is then.
+struct TimesCase {
+  int dateHour, dateMinute;
+  std::vector<TimeMark> marks;  // time of day, tick
+  std::uint32_t tick;
+  std::int64_t day;  // behind the eighth
+  std::uint32_t timeOfDayMs;
+};
+
+TEST(RecordTimes, CountFromTheMarkOnTheDayOfTheDateRecordAndItsTicks) {
+  const std::vector<TimeMark> ten{{at(10), 500}};
+  const TimeMark night{at(22), 0}, one{at(1), 3 * kHour}, wintertime{at(0, 30), 3 * kHour + kHour / 2};
+  for (const auto& item : std::initializer_list<TimesCase>{
+           {10, 0, ten, 500, 0, at(10)},
+           {10, 0, ten, 501, 0, at(10) + 1},
+           {10, 0, ten, 0, 0, at(10) - 500},
+           {10, 0, ten, 500 + 3 * kDay, 3, at(10)},
+           {10, 0, ten, 500 + 49 * kDay, 49, at(10)},            // not 17 hours before
+           {10, 0, {{at(10), 4294967290U}}, 4, 0, at(10) + 10},  // the counter wraps
+           {10, 0, {{at(9, 30), 1}}, 1, 0, at(9, 30)},           // the clock was put back
+           {8, 0, {{at(22), 1}}, 1, 0, at(22)},                  // hours later on the same day
+           {23, 59, {{at(0), 1}}, 1, 1, at(0)},
+           {23, 59, {{at(22, 0), 1}}, 1, 1, at(22, 0)},
+           {0, 0, {{at(23, 50), 1}}, 1, -1, at(23, 50)},
+           {22, 0, {night, one}, 3 * kHour, 1, at(1)},
+           {22, 0, {night, one, wintertime}, wintertime.tick, 1, at(0, 30)},
+           {22, 0, {night, one, {at(5), 8 * kHour + 5 * kDay}}, 8 * kHour + 5 * kDay, 6, at(5)}}) {
+    RecordTimes times;
+    times.takeDate({.year = 2024, .month = 3, .day = 8, .hour = item.dateHour, .minute = item.dateMinute});
+    EXPECT_FALSE(times.at(item.tick).has_value());
+    for (const auto& mark : item.marks) times.takeMark(mark);
+    const auto moment = times.at(item.tick);
+    ASSERT_TRUE(moment.has_value());
+    EXPECT_EQ(moment->day, 19790 + item.day) << item.dateHour << " to " << item.timeOfDayMs;
+    EXPECT_EQ(moment->timeOfDayMs, item.timeOfDayMs);
+  }
+}
+
+TEST(RecordTimes, KnowNoDayBeforeTheFirstDateAndTakeItAnewWithEachLine) {
+  RecordTimes times;
+  times.takeMark({.timeOfDayMs = at(23, 59), .tick = 0});
+  EXPECT_EQ(times.at(2 * 60000)->day, std::nullopt);
+  EXPECT_EQ(times.at(2 * 60000)->timeOfDayMs, at(0, 1));
+  times.takeDate({.year = 2024, .month = 3, .day = 8, .hour = 12});
+  times.takeMark({.timeOfDayMs = at(12), .tick = 9 * kDay});
+  EXPECT_EQ(times.at(9 * kDay)->day, 19790);
 }
 
 }  // namespace

@@ -1,10 +1,8 @@
 #include "platform/output_file.h"
 
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 
-#include <csignal>
 #include <set>
 
 #include "support/temp_folder.h"
@@ -30,14 +28,10 @@ TEST(OutputFile, LeavesTheOldFileOrTheNewOneAndNothingBeside) {
     EXPECT_EQ(namesIn(folder.path()), (std::set<fs::path>{"a", "a.new"}));
   }
   // What cannot be written whole, what cannot be renamed, and where no file can be made.
-  const auto before = std::signal(SIGXFSZ, SIG_IGN);
-  rlimit limit{};
-  ::getrlimit(RLIMIT_FSIZE, &limit);
-  const rlimit small{.rlim_cur = 100, .rlim_max = limit.rlim_max};
-  ::setrlimit(RLIMIT_FSIZE, &small);
-  EXPECT_EQ(replaceFile(path, std::string(101, 'x')), "File too large");
-  ::setrlimit(RLIMIT_FSIZE, &limit);
-  std::signal(SIGXFSZ, before);
+  {
+    const SmallFiles full(100);
+    EXPECT_EQ(replaceFile(path, std::string(101, 'x')), "File too large");
+  }
   EXPECT_EQ(replaceFile(folder.path(), "x"), "Is a directory");
   EXPECT_EQ(replaceFile(path / "c", "x"), "Not a directory");
   EXPECT_EQ(namesIn(folder.path()), std::set<fs::path>{"a"});

@@ -6,6 +6,7 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <utility>
 
 #include "datafile/disk.h"
 
@@ -33,25 +34,21 @@ class FakeDiskFile final : public DiskFile {
     const auto at = static_cast<std::size_t>(offset);
     const std::size_t fits = at >= state_.room ? 0 : std::min(bytes.size(), state_.room - at);
     if (fits == 0) return {.written = 0, .error = ENOSPC};
-    if (state_.content.size() < at + fits) state_.content.resize(at + fits);
+    state_.content.resize(std::max(state_.content.size(), at + fits));
     state_.content.replace(at, fits, bytes.substr(0, fits));
     return {.written = fits, .error = 0};
   }
   int truncate(std::uint64_t size) override {
     const std::lock_guard lock(state_.mutex);
-    state_.content.resize(static_cast<std::size_t>(size));
-    return 0;
+    return state_.content.resize(static_cast<std::size_t>(size)), 0;
   }
   int sync() override {
     ++state_.syncs;
-    if (state_.failingSyncs > 0) {
-      --state_.failingSyncs;
-      // As a system does that could not write back its pages: it drops them.
-      const std::lock_guard lock(state_.mutex);
-      state_.content.assign(state_.content.size(), '\0');
-      return EIO;
-    }
-    return 0;
+    if (state_.failingSyncs == 0) return 0;
+    --state_.failingSyncs;
+    // As a system does that could not write back its pages: it drops them.
+    const std::lock_guard lock(state_.mutex);
+    return state_.content.assign(state_.content.size(), '\0'), EIO;
   }
   int close() override { return 0; }
   std::uint64_t size() override {
@@ -64,14 +61,12 @@ class FakeDiskFile final : public DiskFile {
   FakeDiskState& state_;
 };
 
-class FakeDisk final : public Disk {
- public:
+struct FakeDisk final : Disk {
   FakeDiskState state;
 
-  OpenOutcome createNew(const std::filesystem::path&) override {
-    if (state.exists) return {.file = nullptr, .error = EEXIST};
-    state.exists = true;
-    return {.file = std::make_unique<FakeDiskFile>(state), .error = 0};
+  OpenOutcome createNew(const std::filesystem::path& path) override {
+    if (std::exchange(state.exists, true)) return {.file = nullptr, .error = EEXIST};
+    return openExisting(path);
   }
   OpenOutcome openExisting(const std::filesystem::path&) override {
     if (state.cardOut) return {.file = nullptr, .error = ENOENT};

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <sys/resource.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -27,6 +29,26 @@ class TempFolder {
 
  private:
   std::filesystem::path path_;
+};
+
+// As long as it lives, no file of this process grows beyond `bytes`: a full disk.
+class SmallFiles {
+ public:
+  explicit SmallFiles(rlim_t bytes) {
+    ::getrlimit(RLIMIT_FSIZE, &before_);
+    const rlimit small{.rlim_cur = bytes, .rlim_max = before_.rlim_max};
+    ::setrlimit(RLIMIT_FSIZE, &small);
+  }
+  ~SmallFiles() {
+    ::setrlimit(RLIMIT_FSIZE, &before_);
+    (void)std::signal(SIGXFSZ, handler_);
+  }
+  SmallFiles(const SmallFiles&) = delete;
+  SmallFiles& operator=(const SmallFiles&) = delete;
+
+ private:
+  void (*handler_)(int) = std::signal(SIGXFSZ, SIG_IGN);
+  rlimit before_{};
 };
 
 inline std::string readFile(const std::filesystem::path& path) {

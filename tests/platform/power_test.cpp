@@ -1,51 +1,40 @@
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <map>
-#include <string>
-#include <vector>
 
 #include "platform/battery.h"
 #include "platform/idle.h"
+#include "support/temp_folder.h"
 
 namespace kalmira {
 namespace {
 
-namespace fs = std::filesystem;
 using Supply = std::map<std::string, std::string>;  // file name, content
 
-struct BatteryCase {
-  std::string_view what;
-  std::vector<Supply> supplies;
-  std::optional<int> percent;
-};
-
 TEST(Battery, TellsTheChargeOfTheMachinesOwnBatteries) {
+  struct Case {
+    std::string_view what;
+    std::vector<Supply> supplies;
+    std::optional<int> percent;
+  };
   const Supply mains{{"type", "Mains\n"}, {"online", "1\n"}};
   const Supply mouse{{"type", "Battery\n"}, {"scope", "Device\n"}, {"capacity", "12\n"}};
   const Supply battery{{"type", "Battery\n"}, {"scope", "System\n"}, {"capacity", "61\n"}};
-  const std::vector<BatteryCase> cases{
-      {"nothing", {}, std::nullopt},
-      {"mains and a mouse", {mains, mouse}, std::nullopt},
-      {"battery among others", {mains, mouse, battery}, 61},
-      {"scope not told", {{{"type", "Battery\n"}, {"capacity", "100\n"}}}, 100},
-      {"mean of two, rounded", {battery, {{"type", "Battery\n"}, {"capacity", "80\n"}}}, 71},
-      {"charge not told", {{{"type", "Battery\n"}}}, std::nullopt},
-      {"charge out of range", {{{"type", "Battery\n"}, {"capacity", "255\n"}}}, std::nullopt},
-  };
-  const fs::path base = fs::path(testing::TempDir()) / "kalmira_battery_test";
-  for (const BatteryCase& testCase : cases) {
-    fs::remove_all(base);
-    for (std::size_t i = 0; i < testCase.supplies.size(); ++i) {
-      const fs::path folder = base / std::to_string(i);
-      fs::create_directories(folder);
-      for (const auto& [name, content] : testCase.supplies[i]) std::ofstream(folder / name) << content;
+  for (const auto& item : std::initializer_list<Case>{
+           {"nothing", {}, std::nullopt},
+           {"mains and a mouse", {mains, mouse}, std::nullopt},
+           {"battery among others", {mains, mouse, battery}, 61},
+           {"scope not told", {{{"type", "Battery\n"}, {"capacity", "100\n"}}}, 100},
+           {"mean of two, rounded", {battery, {{"type", "Battery\n"}, {"capacity", "80\n"}}}, 71},
+           {"charge not told", {{{"type", "Battery\n"}}}, std::nullopt},
+           {"charge out of range", {{{"type", "Battery\n"}, {"capacity", "255\n"}}}, std::nullopt}}) {
+    const TempFolder base;
+    for (std::size_t i = 0; i < item.supplies.size(); ++i) {
+      for (const auto& [name, content] : item.supplies[i])
+        writeFile(base.path() / std::to_string(i) / name, content);
     }
-    EXPECT_EQ(batteryPercent(base), testCase.percent) << testCase.what;
+    EXPECT_EQ(batteryPercent(base.path()), item.percent) << item.what;
   }
-  fs::remove_all(base);
 }
 
 TEST(IdleInhibitor, IsNoErrorWhereNoServiceAnswers) {

@@ -43,35 +43,42 @@ TEST(LogOptions, GoodAndBadCommandLines) {
   optionsOf(logCommandLine, "--kind 0", "--port is missing");
 }
 
-TEST(RunSettings, OverridesNeverReachTheFile) {
+TEST(RunSettings, OverridesNeverReachTheFileWhichIsReplacedWhole) {
   TempFolder root;
   const SettingsPlace place{.kind = Kind::orla, .iceOption = false, .storageClass = 1, .root = root.path()};
   RunSettings run(place, {{*findField("surveyMode"), "2"},
                           {*findField("modeIncrement[2]"), "0.5"},
                           {*findField("lineIncrement"), "7"}});
+  Settings file;
+  const auto saved = [&] {
+    run.save(run.settings());
+    run.finish();
+    EXPECT_EQ(run.takeProblem(), "");
+    EXPECT_EQ(loadSettings(place, file).how, SettingsLoad::loaded);
+  };
   EXPECT_EQ(run.settings().stationIncrement, 0.5F) << "that of the mode set for this run";
   run.settings().lineIncrement = 3.0F;  // changed in the session
   run.settings().lineName = "9";
-  run.save(run.settings());
-  run.finish();
-  ASSERT_EQ(run.takeProblem(), "");
-
-  Settings file;
-  ASSERT_EQ(loadSettings(place, file).how, SettingsLoad::loaded);
+  saved();
   EXPECT_EQ(file.surveyMode, 0);
   EXPECT_EQ(file.modeIncrement[2], 1.0F);
   EXPECT_EQ(file.lineIncrement, 3.0F);
   EXPECT_EQ(file.lineName, "9");
 
-  // A confirmed line is the session's, even where it repeats what was set for the run.
+  // A confirmed line is the session's, even where it repeats what was set for the run. Whoever holds the
+  // older file, a power cut included, keeps it whole.
+  const auto path = settingsFileOf(place);
+  const auto older = root.path() / "older";
+  const auto content = readFile(path);
+  std::filesystem::create_hard_link(path, older);
   run.settings().lineIncrement = 7.0F;
   run.keepLine();
-  run.save(run.settings());
-  run.finish();
-  ASSERT_EQ(run.takeProblem(), "");
-  loadSettings(place, file);
+  saved();
   EXPECT_EQ(file.lineIncrement, 7.0F);
   EXPECT_EQ(file.surveyMode, 0);
+  EXPECT_EQ(readFile(older), content);
+  EXPECT_EQ(saveSettings(place, Settings{}), "");
+  EXPECT_EQ(readFile(older), content);
 }
 
 TEST(OperatorCommands, StatesAndMistakes) {
@@ -102,29 +109,47 @@ TEST(OperatorCommands, StatesAndMistakes) {
   EXPECT_EQ(summaryText(test.session), "summary readings=0 gps=0 events=4 bytes=408");
 }
 
-TEST(OperatorCommands, MarkIsForOneRecord) {
+TEST(OperatorCommands, OfTheTesk2) {
   TestSession test(Kind::tesk2);
+  test.settings.calibrationFactors[0] = 1;
   test.begin();
-  EXPECT_EQ(runOperatorCommand(test.session, "mark").error, "");
+  const auto command = [&](const char* line) {
+    EXPECT_EQ(runOperatorCommand(test.session, line).error, "") << line;
+  };
+  const auto record = [&](char mode) { test.record(std::string("T") + mode + std::string(12, '\x40')); };
+  command("mark");
   EXPECT_EQ(test.link.markerKeyPending, 1);
-  test.record(std::string("T\x06") + std::string(12, '\x40'));
+  record('\x06');
   releaseMarkAfterRecord(test.session);
   EXPECT_EQ(test.link.markerKeyPending, 1) << "framed before the key was pressed";
-  test.record(std::string("T\x0E") + std::string(12, '\x40'));
+  record('\x0E');
   releaseMarkAfterRecord(test.session);
   EXPECT_EQ(test.link.markerKeyPending, 0);
+  command("delete-calibration");
+  EXPECT_EQ(test.records().at(0), "O1     0.000      1.000  ");
+  command("calibrate");
+  record('\x06');
+  EXPECT_EQ(test.view.texts[PanelField::calibration], "Vertical Calibration");
 }
 
 TEST(ConsoleView, NoticesShowLinesAndAnswers) {
-  std::vector<std::string> lines;
-  ConsoleView view([&](std::string line) { lines.push_back(std::move(line)); }, true, true);
-  view.show(PanelField::message, "Please Wait...");
-  view.show(PanelField::value1, "C:1.00");
-  EXPECT_FALSE(view.ask(Question::linkLost, {.title = "T", .text = "a\r\nb\r\n"}));
-  EXPECT_TRUE(view.linkGivenUp());
-  EXPECT_TRUE(view.ask(Question::exitLogging, {.title = "Confirm Exit", .text = "Exit Logging?"}));
-  EXPECT_THAT(lines, ElementsAre("notice Please Wait...", "show message Please Wait...", "show value1 C:1.00",
-                                 "notice T", "notice a", "notice b", "notice answered NO"));
+  for (const bool exits : {true, false}) {
+    std::vector<std::string> lines;
+    ConsoleView view([&](std::string line) { lines.push_back(std::move(line)); }, exits, exits);
+    view.show(PanelField::message, "Please Wait...");
+    view.show(PanelField::value1, "C:1.00");
+    EXPECT_EQ(view.ask(Question::linkLost, {.title = "T", .text = "a\r\nb\r\n"}), !exits);
+    EXPECT_EQ(view.linkGivenUp(), exits);
+    EXPECT_TRUE(view.ask(Question::exitLogging, {.title = "Confirm Exit", .text = "Exit Logging?"}));
+    if (exits) {
+      EXPECT_THAT(lines,
+                  ElementsAre("notice Please Wait...", "show message Please Wait...", "show value1 C:1.00",
+                              "notice T", "notice a", "notice b", "notice answered NO"));
+    } else {
+      EXPECT_THAT(lines, ElementsAre("notice Please Wait...", "notice T", "notice a", "notice b",
+                                     "notice answered YES"));
+    }
+  }
 }
 
 TEST(OutputThread, AReaderThatStandsStillHoldsNobodyUp) {

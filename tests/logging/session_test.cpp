@@ -12,11 +12,19 @@ using testing::Contains;
 using testing::ElementsAre;
 using testing::Not;
 
-// One watch period without a record.
-void silence(TestSession& test) {
-  test.clock.advance(test.session.connectionTimeoutMs + 1);
-  serviceSession(test.session);
+// Watch periods without a record.
+void silence(TestSession& test, int periods = 1) {
+  for (int i = 0; i < periods; ++i) {
+    test.clock.advance(test.session.connectionTimeoutMs + 1);
+    serviceSession(test.session);
+  }
 }
+
+// An ORLA's session, with a file, standing by.
+struct OrlaSession : testing::Test {
+  TestSession test{Kind::orla};
+  void SetUp() override { test.begin(); }
+};
 
 TEST(SessionStart, OrderOfASilentTesk) {
   TestSession test(Kind::tesk);
@@ -29,26 +37,38 @@ TEST(SessionStart, OrderOfASilentTesk) {
   EXPECT_FALSE(test.session.sessionActive);
 }
 
-TEST(SessionStart, PortConflicts) {
-  TestSession gps(Kind::orla);
-  gps.settings.gpsInput = 1;
-  gps.settings.gpsPortIndex = 0;
-  EXPECT_EQ(startSession(gps.session), StartOutcome::refused);
-  EXPECT_EQ(gps.view.told.at(0).text, "Same Port Assigned");
-  EXPECT_TRUE(gps.ports.calls.empty());
-  gps.settings.gpsInput = 0;
-  EXPECT_EQ(startSession(gps.session), StartOutcome::started) << "GPS off: the same port is allowed";
+struct PortCase {
+  Kind kind;
+  int gpsInput, instrument, gps, marker;  // places in their lists
+  bool conflict;
+  bool markerRead = false;
+};
 
-  TestSession marker(Kind::tesk2);
-  marker.settings.gpsInput = 1;
-  marker.settings.markerPortChoice = 2;  // COM2, as GPS
-  EXPECT_EQ(startSession(marker.session), StartOutcome::refused);
-  marker.settings.markerPortChoice = 1;  // on the instrument's own cable: no port, no thread
-  EXPECT_EQ(startSession(marker.session), StartOutcome::started);
-  EXPECT_THAT(marker.ports.calls, Not(Contains("open marker")));
-  marker.settings.markerPortChoice = 3;
-  EXPECT_EQ(startSession(marker.session), StartOutcome::started);
-  EXPECT_THAT(marker.ports.calls, Contains("read marker"));
+// An index outside the list of ports stands for the first setting: COM1 for the instrument, COM2 for GPS.
+TEST(SessionStart, PortConflicts) {
+  for (const auto& item :
+       {PortCase{Kind::orla, 1, 0, 0, 0, true}, PortCase{Kind::orla, 0, 0, 0, 0, false},
+        PortCase{Kind::orla, 1, 3, 4, 0, false}, PortCase{Kind::orla, 1, 99, 0, 0, true},
+        PortCase{Kind::orla, 1, -1, 0, 0, true}, PortCase{Kind::orla, 1, 1, 12, 0, true},
+        PortCase{Kind::orla, 1, 12, -1, 0, false},
+        PortCase{Kind::tesk2, 1, 0, 1, 2, true},          // the marker on COM2, as GPS
+        PortCase{Kind::tesk2, 1, 0, 1, 1, false, false},  // on the instrument's own cable
+        PortCase{Kind::tesk2, 1, 0, 1, 3, false, true}, PortCase{Kind::orla, 1, 0, 1, 2, false}}) {
+    TestSession test(item.kind);
+    test.settings.gpsInput = item.gpsInput;
+    test.settings.instrumentPortIndex = item.instrument;
+    test.settings.gpsPortIndex = item.gps;
+    test.settings.markerPortChoice = item.marker;
+    SCOPED_TRACE(testing::Message() << item.instrument << ' ' << item.gps << ' ' << item.marker);
+    EXPECT_EQ(startSession(test.session), item.conflict ? StartOutcome::refused : StartOutcome::started);
+    if (item.conflict) {
+      EXPECT_EQ(test.view.told.at(0).text, "Same Port Assigned");
+      EXPECT_TRUE(test.ports.calls.empty());
+    } else {
+      EXPECT_EQ(testing::Matches(Contains("read marker"))(test.ports.calls), item.markerRead);
+      EXPECT_EQ(testing::Matches(Contains("read gps"))(test.ports.calls), item.gpsInput == 1);
+    }
+  }
 }
 
 TEST(SessionStart, UptimeGuard) {
@@ -61,42 +81,28 @@ TEST(SessionStart, UptimeGuard) {
   EXPECT_THAT(test.view.told[0].text, testing::EndsWith("\r\nand \"Warm Reset Detected\" is displayed."));
 }
 
-TEST(Session, OpeningRecordsAndPanel) {
+TEST(Session, OpeningPanelAndCommands) {
   TestSession test(Kind::orla);
-  test.settings.readingsInterval = 0.5F;
   test.settings.lineName = "Über";
-  test.begin();
-  EXPECT_EQ(test.disk.content(),
-            "ORLA2   W230GRD0000   3\n"
-            "H 111510A    2.000     \n"
-            "L?ber                  \n"
-            "B       0.00           \n"
-            "AN            1.000    \n"
-            "Z15112026 10:13:07     \n"
-            "*10:13:07.250    100050\n");
-  EXPECT_EQ(test.view.texts[PanelField::file], "File:111510A");
-  EXPECT_EQ(test.view.texts[PanelField::state], "Stand By");
-  EXPECT_EQ(test.view.texts[PanelField::line], "Über");
-  EXPECT_EQ(test.view.texts[PanelField::station], "0.00       ");
-  EXPECT_EQ(test.view.texts[PanelField::gpsNote], "GPS  Input  disabled");
-}
-
-TEST(Session, CommandsWriteTheirRecordsInOrder) {
-  TestSession test(Kind::orla);
   test.settings.direction = 2;
-  test.settings.stationIncrement = 2.5F;
-  test.settings.modeIncrement[0] = 2.5F;
+  test.settings.stationIncrement = test.settings.modeIncrement[0] = 2.5F;
   test.begin();
+  for (const auto& [field, text] : {std::pair{PanelField::file, "File:111510A"},
+                                    {PanelField::state, "Stand By"},
+                                    {PanelField::line, "Über"},
+                                    {PanelField::station, "0.00       "},
+                                    {PanelField::gpsNote, "GPS  Input  disabled"}}) {
+    EXPECT_EQ(test.view.texts[field], text);
+  }
   startRecording(test.session);
   EXPECT_EQ(test.link.recordsPerReading, 11);
   pauseRecording(test.session);
   EXPECT_EQ(test.link.recordsPerReading, 1);
-  test.session.station = 50.0;
-  newLine(test.session, proposeLine(test.settings, test.session.station));
+  newLine(test.session, proposeLine(test.settings, 50.0));
   newStation(test.session, -3.25);
   addComment(test.session, "fence at the north end");
   EXPECT_THAT(test.records(),
-              ElementsAre("X$STARTED        100050", "X$PAUSED         100050", "L2.00                  ",
+              ElementsAre("X$STARTED        100050", "X$PAUSED         100050", "L1.00                  ",
                           "B      50.00           ", "AS           -2.500    ", "Z15112026 10:13:07     ",
                           "*10:13:07.250    100050", "S      -3.25 10130725  ", "*10:13:07.250    100050",
                           "Cfence at th     100050"));
@@ -120,32 +126,29 @@ TEST(Session, LeavingAsksAndClosesEverything) {
   EXPECT_EQ(test.session.loggingState, kNoFile);
 }
 
-TEST(Session, RecordsOfAFullDiskReachTheOperatorInAFileOfTheirOwn) {
-  TestSession test(Kind::orla);
-  test.begin();
+TEST_F(OrlaSession, AFullDiskIsToldUntilThereIsRoomWhateverElseIs) {
   startRecording(test.session);
   test.disk.setRoom(test.opening + 30);
   test.record("T -0100-0400");
   test.record("T -0200-0400");
   serviceSession(test.session);
   EXPECT_EQ(test.view.texts[PanelField::message], "Disk full");
-  EXPECT_EQ(test.records().size(), 1U) << "no torn record";
+  silence(test);
+  EXPECT_THAT(test.view.changes[PanelField::message], Contains("Please Wait..."));
+  serviceSession(test.session);
+  EXPECT_EQ(test.view.texts[PanelField::message], "Disk full");
+  test.record("T -0300-0400");
+  serviceSession(test.session);
+  serviceSession(test.session);
+  EXPECT_EQ(test.view.texts[PanelField::message], "Disk full") << "behind the answer to another message";
   test.disk.setRoom(1 << 20);
   serviceSession(test.session);
   EXPECT_EQ(test.view.texts[PanelField::message], "");
-  EXPECT_THAT(test.readings(), ElementsAre("T -0100-0400", "T -0200-0400"));
-
-  test.disk.setRoom(0);
-  test.record("T -0300-0400");
-  LeaveLogging(test.session, true);
-  EXPECT_THAT(test.view.told.at(0).text, testing::HasSubstr("111510A.DAT.REST"));
-  EXPECT_EQ(readFile(test.folder.path() / "111510A.DAT.REST"), "T -0300-0400     100050\n");
+  EXPECT_THAT(test.readings(), ElementsAre("T -0100-0400", "T -0200-0400", "T -0300-0400"));
 }
 
-TEST(Watchdog, AsksAtTheSixthSilentPeriodAndGoesOn) {
-  TestSession test(Kind::orla);
-  test.begin();
-  for (int i = 0; i < 5; ++i) silence(test);
+TEST_F(OrlaSession, AsksAtTheSixthSilentPeriodAndGoesOn) {
+  silence(test, 5);
   EXPECT_TRUE(test.view.questions.empty());
   EXPECT_EQ(test.view.texts[PanelField::message], "Please Wait...");
   EXPECT_THAT(test.records(), ElementsAre("X$CONN BREAK     101051")) << "once a break";
@@ -161,36 +164,28 @@ TEST(Watchdog, AsksAtTheSixthSilentPeriodAndGoesOn) {
   EXPECT_EQ(test.records().size(), 2U) << "another break";
 }
 
-TEST(Watchdog, RecordWithinFivePeriodsResumesWithoutAQuestion) {
-  TestSession test(Kind::orla);
-  test.begin();
+TEST_F(OrlaSession, ARecordWithinFivePeriodsResumesWithoutAQuestion) {
   test.ports.gone = true;
-  for (int i = 0; i < 5; ++i) silence(test);
+  silence(test, 5);
   EXPECT_EQ(std::count(test.ports.calls.begin(), test.ports.calls.end(), "reopen instrument"), 5);
   test.record("T -0100-0400");
   serviceSession(test.session);
   EXPECT_EQ(test.view.texts[PanelField::message], "");
-  for (int i = 0; i < 5; ++i) silence(test);
+  silence(test, 5);
   EXPECT_TRUE(test.view.questions.empty());
 }
 
-TEST(Watchdog, PortThatCouldNotBeOpenedAgainIsTriedEachPeriod) {
-  TestSession test(Kind::orla);
-  test.begin();
+TEST_F(OrlaSession, APortThatCouldNotBeOpenedAgainIsTriedEachPeriodInSilence) {
   test.ports.instrumentProblem = PortProblem{.message = "Cannot open ORLA port", .detail = "no such device"};
-  for (int i = 0; i < 6; ++i) silence(test);
+  silence(test, 7);
   EXPECT_EQ(test.view.told.size(), 1U);
-  silence(test);
-  EXPECT_EQ(test.view.told.size(), 1U) << "tried in silence";
   EXPECT_EQ(test.ports.calls.back(), "open instrument");
   test.ports.instrumentProblem.reset();
   silence(test);
   EXPECT_EQ(test.ports.calls.back(), "read instrument");
 }
 
-TEST(Watchdog, ASessionThatWasHeldUpItselfCallsNobodySilent) {
-  TestSession test(Kind::orla);
-  test.begin();
+TEST_F(OrlaSession, ASessionThatWasHeldUpItselfCallsNobodySilent) {
   test.clock.advance(3000);  // a command took so long; records wait to be handled
   serviceSession(test.session);
   test.clock.advance(10);
@@ -200,9 +195,7 @@ TEST(Watchdog, ASessionThatWasHeldUpItselfCallsNobodySilent) {
   EXPECT_TRUE(test.records().empty());
 }
 
-TEST(Session, CountersOfTheLastRecordingDoNotReachTheNext) {
-  TestSession test(Kind::orla);
-  test.begin();
+TEST_F(OrlaSession, CountersOfTheLastRecordingDoNotReachTheNext) {
   test.session.beepCounter = 9;
   test.session.triggerLatch = -1;
   test.session.gpsHeldWritten = true;
@@ -230,23 +223,19 @@ TEST(Session, CountersOfTheLastRecordingDoNotReachTheNext) {
   EXPECT_FALSE(test.session.lineStarted);
 }
 
-struct PanelCase {
-  Kind kind;
-  int mode, listA, listB;
-  std::string triggerMode, stationLabel, modeText;
-};
-
 TEST(Panel, WordsOfTheModes) {
-  const std::vector<PanelCase> cases{
-      {Kind::orla, kModeAuto, 0, 1, "Auto", "Stn:", "Mode:H"},
-      {Kind::tesk, kModeManual, 0, 2, "Manual", "S  :M", "Mode:B"},
-      {Kind::teskdd, kModeWheel, 1, 0, "Wheel", "Stn:", "Mode:I"},
-      {Kind::teskdd, kModeAuto, 2, 0, "Auto", "Stn:", "Mode:C"},
-      {Kind::vardo, kModeAuto, 0, 4, "Auto", "Stn:", "M:H20"},
-      {Kind::glaco, kModeWheel, 0, 0, "Manual", "Stn:", ""},
-      {Kind::glaco, kModeManual, 0, 0, "Manual", "Stn:", ""},
+  struct Case {
+    Kind kind;
+    int mode, listA, listB;
+    std::string triggerMode, stationLabel, modeText;
   };
-  for (const auto& item : cases) {
+  for (const auto& item : {Case{Kind::orla, kModeAuto, 0, 1, "Auto", "Stn:", "Mode:H"},
+                           Case{Kind::tesk, kModeManual, 0, 2, "Manual", "S  :M", "Mode:B"},
+                           Case{Kind::teskdd, kModeWheel, 1, 0, "Wheel", "Stn:", "Mode:I"},
+                           Case{Kind::teskdd, kModeAuto, 2, 0, "Auto", "Stn:", "Mode:C"},
+                           Case{Kind::vardo, kModeAuto, 0, 4, "Auto", "Stn:", "M:H20"},
+                           Case{Kind::glaco, kModeWheel, 0, 0, "Manual", "Stn:", ""},
+                           Case{Kind::glaco, kModeManual, 0, 0, "Manual", "Stn:", ""}}) {
     SCOPED_TRACE(std::string(instrumentOf(item.kind).name));
     TestSession test(item.kind);
     test.settings.surveyMode = item.mode;
@@ -267,7 +256,7 @@ TEST(Watchdog, NoEndsTheSessionWithItsRecord) {
   test.begin();
   startRecording(test.session);
   test.view.answer = false;
-  for (int i = 0; i < 6; ++i) silence(test);
+  silence(test, 6);
   EXPECT_EQ(test.view.questions.at(0).title, "VARDO Battery Save Mode");
   EXPECT_TRUE(test.view.left);
   EXPECT_EQ(test.view.dialogsClosed, 1);
@@ -290,6 +279,27 @@ TEST(Watchdog, PeriodsOfTheKinds) {
     takeRecordRates(orla.session);
     EXPECT_GE(orla.session.connectionTimeoutMs, 1000U);
     EXPECT_GE(orla.session.recordInterval, 1);
+  }
+}
+
+// Two samples: each field that the kind has is averaged, towards zero, and nothing else is touched.
+TEST(Averaging, PutsTheFieldsOfItsKindIntoTheRecord) {
+  struct Case {
+    Kind kind;
+    std::string first, second, written;
+  };
+  for (const auto& item : {Case{Kind::orla, "T`-0100-0400", "T -0201+0501", "T -0150+0050"},
+                           Case{Kind::teskb, "T`+9999-0003", "T +9999-0002", "T +9999-0002"},
+                           Case{Kind::mirka, "T`-0100-0400", "T -0201-0501", "T -0150-0450"},
+                           Case{Kind::tesk, "T`-0100", "T -0201", "T -0150     "},
+                           Case{Kind::tesk, "T`-0100-0400", "T -0201-0501", "T -0150-0501"}}) {
+    TestSession test(item.kind);
+    test.settings.surveyMode = kModeManual;
+    test.settings.readingsCount = 2;
+    test.begin();
+    startRecording(test.session);
+    for (const auto& text : {item.first, item.second}) test.record(text);
+    EXPECT_THAT(test.readings(), ElementsAre(item.written)) << instrumentOf(item.kind).name;
   }
 }
 
@@ -353,40 +363,29 @@ TEST(GpsHandler, ManualModeTiesOnePositionToEachReading) {
   EXPECT_EQ(test.session.gpsRecordCount, 2);
 }
 
-struct KeyCase {
-  int key;
-  int noFile, standBy, logging;
-};
-
 TEST(Keys, CodesOfEveryState) {
-  const std::vector<KeyCase> cases{
-      {'C', 0, 3, 0},
-      {'g', kNoCode, 0, 0},
-      {'L', kNoCode, 1, 0},
-      {'n', 2, 2, 0},
-      {'M', 4, 4, 0},
-      {'X', 4, 5, 0},
-      {'u', 1, kNoCode, 0},
-      {'A', kNoCode, kNoCode, 0},
-      {'E', kNoCode, kNoCode, 0},
-      {'B', kNoCode, kNoCode, 0},
-      {'0', kNoCode, kNoCode, 0},
-      {13, 0, 0, 0},
+  struct Case {
+    int key;
+    int noFile, standBy, logging;
   };
   TestSession test(Kind::orla);
-  test.session.inputEnabled = true;
-  for (const auto& item : cases) {
-    SCOPED_TRACE(item.key);
-    for (const auto& [state, code] : {std::pair{kNoFile, item.noFile}, std::pair{kStandBy, item.standBy},
-                                      std::pair{kLogging, item.logging}}) {
-      test.session.loggingState = state;
-      Focus focus;
-      EXPECT_EQ(codeOfKey(test.session, focus, {}, item.key), code) << "state " << state;
+  Focus focus;
+  for (const bool enabled : {true, false}) {
+    test.session.inputEnabled = enabled;
+    for (const auto& item :
+         {Case{'C', 0, 3, 0}, Case{'g', kNoCode, 0, 0}, Case{'L', kNoCode, 1, 0}, Case{'n', 2, 2, 0},
+          Case{'M', 4, 4, 0}, Case{'X', 4, 5, 0}, Case{'u', 1, kNoCode, 0}, Case{'A', kNoCode, kNoCode, 0},
+          Case{'E', kNoCode, kNoCode, 0}, Case{'B', kNoCode, kNoCode, 0}, Case{'0', kNoCode, kNoCode, 0},
+          Case{13, 0, 0, 0}}) {
+      for (const auto& [state, code] : {std::pair{kNoFile, item.noFile}, std::pair{kStandBy, item.standBy},
+                                        std::pair{kLogging, item.logging}}) {
+        test.session.loggingState = state;
+        focus = {};
+        EXPECT_EQ(codeOfKey(test.session, focus, {}, item.key), enabled ? code : kNoCode)
+            << item.key << " in state " << state;
+      }
     }
   }
-  test.session.inputEnabled = false;
-  Focus focus;
-  EXPECT_EQ(codeOfKey(test.session, focus, {}, 'C'), kNoCode);
 }
 
 TEST(Keys, PauseKeysAndTesk2) {

@@ -52,30 +52,25 @@ class RecordingView final : public SessionView {
 };
 
 // Ports without devices; remembers what was done to them, in order.
-class FakePorts final : public SessionPorts {
- public:
+struct FakePorts final : SessionPorts {
+  using Problem = std::optional<PortProblem>;
   std::vector<std::string> calls;
-  std::optional<PortProblem> instrumentProblem;
+  Problem instrumentProblem;
   bool teskAnswers = true;
   bool gone = false;
 
-  std::optional<PortProblem> OpenInstrumentPort() override {
-    return call("open instrument"), instrumentProblem;
-  }
-  bool ProbeTeskRecord() override { return call("probe"), teskAnswers; }
-  void startInstrumentReader() override { call("read instrument"); }
-  void closeInstrumentPort() override { call("close instrument"); }
+  Problem OpenInstrumentPort() override { return calls.emplace_back("open instrument"), instrumentProblem; }
+  bool ProbeTeskRecord() override { return calls.emplace_back("probe"), teskAnswers; }
+  void startInstrumentReader() override { calls.emplace_back("read instrument"); }
+  void closeInstrumentPort() override { calls.emplace_back("close instrument"); }
   bool instrumentGone() const override { return gone; }
-  void reopenInstrumentPort() override { call("reopen instrument"); }
-  std::optional<PortProblem> OpenGpsPort() override { return call("open gps"), std::nullopt; }
-  void startGpsReader() override { call("read gps"); }
-  void closeGpsPort() override { call("close gps"); }
-  std::optional<PortProblem> OpenMarkerPort() override { return call("open marker"), std::nullopt; }
-  void startMarkerReader() override { call("read marker"); }
-  void closeMarkerPort() override { call("close marker"); }
-
- private:
-  void call(const char* what) { calls.emplace_back(what); }
+  void reopenInstrumentPort() override { calls.emplace_back("reopen instrument"); }
+  Problem OpenGpsPort() override { return calls.emplace_back("open gps"), std::nullopt; }
+  void startGpsReader() override { calls.emplace_back("read gps"); }
+  void closeGpsPort() override { calls.emplace_back("close gps"); }
+  Problem OpenMarkerPort() override { return calls.emplace_back("open marker"), std::nullopt; }
+  void startMarkerReader() override { calls.emplace_back("read marker"); }
+  void closeMarkerPort() override { calls.emplace_back("close marker"); }
 };
 
 // A session on fakes. begin() starts it and creates a data file in memory; the file's opening records are cut

@@ -17,40 +17,25 @@ Navigation opened(int totalRows) {
   return state;
 }
 
-struct Walk {
-  int totalRows;
-  std::string commands;  // by number
-  int firstRow, lastRow, bar;
-};
-
 TEST(Navigation, commands) {
-  const std::vector<Walk> walks{
-      {500, "", 1, 100, 50},
-      {500, "4", 81, 180, 50},
-      {500, "44444", 401, 500, 50},
-      {500, "444444", 401, 500, 50},
-      {450, "44444", 351, 450, 50},
-      {500, "441", 81, 180, 50},
-      {500, "41", 1, 100, 50},
-      {500, "1", 1, 100, 50},
-      {500, "5", 401, 500, 50},
-      {500, "51", 321, 420, 50},
-      {500, "50", 1, 100, 50},
-      // At the end of the line the view stays; a line shorter than the step is not moved at all.
-      {60, "4", 1, 60, 50},
-      // Shorter than the view: its end is brought to the right edge, from row 0 on by "end" but not further.
-      {100, "5", 1, 100, 50},
-      {99, "5", 0, 99, 50},
-      {98, "5", 1, 98, 50},
-      {90, "4", -9, 90, 50},
-      {90, "41", 1, 90, 50},
-      {500, "223", 1, 100, 49},
-      {500, std::string(60, '3'), 1, 100, 100},
-      {500, std::string(60, '2'), 1, 100, 1},
-      {52, "33333", 1, 52, 52},
-      {500, "43", 81, 180, 51},
+  struct Walk {
+    int totalRows;
+    std::string commands;  // by number
+    int firstRow, lastRow, bar;
   };
-  for (const auto& walk : walks) {
+  for (const auto& walk :
+       {Walk{500, "4", 81, 180, 50}, Walk{500, "44444", 401, 500, 50}, Walk{500, "444444", 401, 500, 50},
+        Walk{450, "44444", 351, 450, 50}, Walk{500, "441", 81, 180, 50}, Walk{500, "41", 1, 100, 50},
+        Walk{500, "1", 1, 100, 50}, Walk{500, "5", 401, 500, 50}, Walk{500, "51", 321, 420, 50},
+        Walk{500, "50", 1, 100, 50},
+        // At the end of the line the view stays; a line shorter than the step is not moved at all.
+        Walk{60, "4", 1, 60, 50},
+        // Shorter than the view: its end is brought to the right edge, from row 0 on by "end" but not
+        // further.
+        Walk{100, "5", 1, 100, 50}, Walk{99, "5", 0, 99, 50}, Walk{98, "5", 1, 98, 50},
+        Walk{90, "4", -9, 90, 50}, Walk{90, "41", 1, 90, 50}, Walk{500, "223", 1, 100, 49},
+        Walk{500, std::string(60, '3'), 1, 100, 100}, Walk{500, std::string(60, '2'), 1, 100, 1},
+        Walk{52, "33333", 1, 52, 52}, Walk{500, "43", 81, 180, 51}}) {
     SCOPED_TRACE(walk.commands + " on " + std::to_string(walk.totalRows));
     auto state = opened(walk.totalRows);
     for (const char command : walk.commands) moveView(state, static_cast<ViewCommand>(command - '0'));

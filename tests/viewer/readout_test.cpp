@@ -49,29 +49,29 @@ TEST(StationNotes, thousandsOfThemAreCut) {
   EXPECT_TRUE(readStationNotes(viewed.reader, viewed.file, viewed.line, 2).batteryLevels);
 }
 
-struct FieldsCase {
-  std::string header, reading;
-  Texts fields;
-};
-
 TEST(Readout, fieldsOfEachKind) {
   using namespace std::string_literals;
-  const std::vector<FieldsCase> cases{
-      {kOrla, "T$-0400+0800", {"C V: 10.00 mS/m", "I V: -2.00 ppt"}},
-      {"ORLA2   W230GRD0001    \n", "T$-0400+0800", {"I V: 2.50 ppt"}},
-      {kOrlaIce, "T\x04-2500+0000", {"C H: 62.50 mS/m", "I H: 0.00 ppt", "Th: 11.35 ft"}},
-      {"ORLAS  iW230GRD000010  \n", "T\x04-2500+0000", {"C H: 62.50 mS/m", "I H: 0.00 ppt", "Th: 3.46 m"}},
-      {kOrlaIce, "T\x04-0040+0000", {"C H: 1.00 mS/m", "I H: 0.00 ppt", "Th: out of range"}},
-      {"VARDO   W230GRD0000    \n", "T\x02-0400+0000", {"C V20: 1.00 mS/m"}},
-      {"GLACO   W210GRD0000    \n", "T123I045    ", {"Th: 1.23 m", "I: 45.00 ppt"}},
-      {kTesk2,
-       "T\x02\x80\0\x80\0\x80\0\x84\0\x0C\x24\0\0"s,
-       {"C1 H: 0.00 mS/m", "I1 H: 1.15 ppt", "C2 H: 0.00 mS/m", "I2 H: 0.00 ppt", "T: 950.00", "t: -50.00"}},
-      {"TESK2   W230GRD00011     \n",
-       "T\x02\x80\0\x80\0\x80\0\x84\0\x0C\x24\0\0"s,
-       {"C1 H: 0.00 mS/m", "I1 H: 40.00", "C2 H: 0.00 mS/m", "I2 H: 0.00", "T: 950.00", "t: -50.00"}},
+  struct Case {
+    std::string header, reading;
+    Texts fields;
   };
-  for (const auto& item : cases) {
+  for (const auto& item : std::initializer_list<Case>{
+           {kOrla, "T$-0400+0800", {"C V: 10.00 mS/m", "I V: -2.00 ppt"}},
+           {"ORLA2   W230GRD0001    \n", "T$-0400+0800", {"I V: 2.50 ppt"}},
+           {kOrlaIce, "T\x04-2500+0000", {"C H: 62.50 mS/m", "I H: 0.00 ppt", "Th: 11.35 ft"}},
+           {"ORLAS  iW230GRD000010  \n",
+            "T\x04-2500+0000",
+            {"C H: 62.50 mS/m", "I H: 0.00 ppt", "Th: 3.46 m"}},
+           {kOrlaIce, "T\x04-0040+0000", {"C H: 1.00 mS/m", "I H: 0.00 ppt", "Th: out of range"}},
+           {"VARDO   W230GRD0000    \n", "T\x02-0400+0000", {"C V20: 1.00 mS/m"}},
+           {"GLACO   W210GRD0000    \n", "T123I045    ", {"Th: 1.23 m", "I: 45.00 ppt"}},
+           {kTesk2,
+            "T\x02\x80\0\x80\0\x80\0\x84\0\x0C\x24\0\0"s,
+            {"C1 H: 0.00 mS/m", "I1 H: 1.15 ppt", "C2 H: 0.00 mS/m", "I2 H: 0.00 ppt", "T: 950.00",
+             "t: -50.00"}},
+           {"TESK2   W230GRD00011     \n",
+            "T\x02\x80\0\x80\0\x80\0\x84\0\x0C\x24\0\0"s,
+            {"C1 H: 0.00 mS/m", "I1 H: 40.00", "C2 H: 0.00 mS/m", "I2 H: 0.00", "T: 950.00", "t: -50.00"}}}) {
     SCOPED_TRACE(item.header + item.reading);
     const std::size_t length = item.header.size();
     ViewedFile viewed(item.header + lineBlock("L7", length) +
@@ -91,17 +91,15 @@ TEST(Readout, scaleStatus) {
   Settings settings;
   settings.conductivityMaximum = 40.0F;
   settings.inphaseMinimum = -20.0F;
-  const std::vector<std::pair<std::string, std::string>> cases{
-      {kOrla, "C:0/40  I:-20/10"},
-      {"ORLA2   W230GRD0001    \n", "I:-20/10"},
-      {kOrlaIce, "T:9.0/10.0  I:-20/10"},
-      {"TESKD   W222GRD0002    \n", "C:0/40"},
-      {"TESKS   W222GRD0021    \n", "I:-20/10"},
-      {"VARDO   W230GRD0000    \n", "C:0/40"},
-      {"GLACO   W210GRD0000    \n", "T:0.0/40.0  I:-20/10"},
-      {kTesk2, "C:0/40  I:-20/10"},
-  };
-  for (const auto& [header, text] : cases)
+  for (const auto& [header, text] : std::initializer_list<std::pair<std::string, std::string>>{
+           {kOrla, "C:0/40  I:-20/10"},
+           {"ORLA2   W230GRD0001    \n", "I:-20/10"},
+           {kOrlaIce, "T:9.0/10.0  I:-20/10"},
+           {"TESKD   W222GRD0002    \n", "C:0/40"},
+           {"TESKS   W222GRD0021    \n", "I:-20/10"},
+           {"VARDO   W230GRD0000    \n", "C:0/40"},
+           {"GLACO   W210GRD0000    \n", "T:0.0/40.0  I:-20/10"},
+           {kTesk2, "C:0/40  I:-20/10"}})
     EXPECT_EQ(scaleStatusText(ViewedFile(header).file, settings), text);
 }
 

@@ -18,40 +18,34 @@ TEST(RowFiles, folderOfTheStorageClass) {
   EXPECT_EQ(rowFilesOf("/r", 3).line2, "/r/KALINI/LINE2.RXX");
 }
 
-std::string stationField(double station) {
-  TempFolder folder;
+TEST(RowFiles, numbersAreRoundedByTheirExactValue) {
+  const TempFolder folder;
   const auto rows = rowFilesOf(folder.path(), 2);
   RowWriter writer;
-  EXPECT_EQ(writer.open(rows).kind, ViewerErrorKind::none);
-  writer.appendRow(station, {});
-  EXPECT_EQ(writer.finish().kind, ViewerErrorKind::none);
-  EXPECT_EQ(readFile(rows.line1).size(), kLine1Row);
-  return readFile(rows.line2).substr(0, 12);
-}
-
-TEST(RowFiles, numbersAreRoundedByTheirExactValue) {
-  EXPECT_EQ(stationField(0.125), "        0.12");
-  EXPECT_EQ(stationField(0.375), "        0.38");
-  EXPECT_EQ(stationField(1.005), "        1.00");
-  EXPECT_EQ(stationField(-0.001), "       -0.00");
-  EXPECT_EQ(stationField(-99999998.996), "-99999999.00");
-  EXPECT_EQ(stationField(-123456789.0), "-123456789.0");
-  EXPECT_EQ(stationField(1e300), "999999999999");
-  EXPECT_EQ(stationField(-std::numeric_limits<double>::infinity()), "-99999999999");
-  EXPECT_EQ(stationField(std::nan("")), "        0.00");
+  ASSERT_EQ(writer.open(rows).kind, ViewerErrorKind::none);
+  std::string expected;
+  const auto write = [&](double value, const std::string& text) {
+    writer.appendRow(value, {});
+    expected += text + " 0 0 0 0 0 0 0 0\n";
+  };
+  for (const auto& [value, text] : {std::pair{0.125, "        0.12"},
+                                    {0.375, "        0.38"},
+                                    {1.005, "        1.00"},
+                                    {-0.001, "       -0.00"},
+                                    {-99999998.996, "-99999999.00"},
+                                    {-123456789.0, "-123456789.0"},
+                                    {1e300, "999999999999"},
+                                    {-std::numeric_limits<double>::infinity(), "-99999999999"},
+                                    {std::nan(""), "        0.00"}}) {
+    write(value, text);
+  }
   std::mt19937 random(7);
   std::uniform_real_distribution<double> values(-1e5, 1e5);
-  TempFolder folder;
-  const auto rows = rowFilesOf(folder.path(), 2);
-  RowWriter writer;
-  writer.open(rows);
-  std::string expected;
   for (int i = 0; i < 20000; ++i) {
     const double value = i % 2 == 0 ? values(random) : std::round(values(random) * 1000) / 1000;
-    writer.appendRow(value, {});
-    expected += fmt::format("{:12.2f} 0 0 0 0 0 0 0 0\n", value);
+    write(value, fmt::format("{:12.2f}", value));
   }
-  writer.finish();
+  EXPECT_EQ(writer.finish().kind, ViewerErrorKind::none);
   EXPECT_EQ(readFile(rows.line1), expected);
 }
 
@@ -70,55 +64,36 @@ TEST(RowFiles, thatCannotBeWritten) {
   EXPECT_NE(error.text.find("No space left"), std::string::npos) << error.text;
 }
 
-struct LoadedPoint {
-  bool valid;
-  double station;
-  int flag;
-  float value;
-};
-
-void expectPoints(const std::vector<StationPoint>& points, const std::vector<LoadedPoint>& expected) {
-  ASSERT_EQ(points.size(), expected.size());
-  for (std::size_t i = 0; i < points.size(); ++i) {
-    SCOPED_TRACE(i);
-    EXPECT_EQ(points[i].valid, expected[i].valid);
-    EXPECT_EQ(points[i].station, expected[i].station);
-    EXPECT_EQ(points[i].channels.present[0], expected[i].flag);
-    EXPECT_EQ(points[i].channels.value[0], expected[i].value);
-  }
-}
-
-const LoadedPoint kCleared{false, 0, 0, 0};
-const LoadedPoint kFirst{true, 10, 1, 10};
-const LoadedPoint kBreakPoint{false, -1, 0, -9999};
-
 TEST(LoadLineRows, everyRowKeepsItsColumn) {
   ViewedFile viewed(kOrla + lineBlock() + vertical() + records24({"S     100.00 10000000"}) + vertical());
   ASSERT_EQ(viewed.extract().kind, ViewerErrorKind::none);
-  const LoadedPoint last{true, 100, 1, 10};
-  std::vector<StationPoint> points;
-  const auto load = [&](int firstRow) {
-    return LoadLineRows(viewed.rows, viewed.file, viewed.line, 0, 3, firstRow, points);
+  LoadOutcome outcome;
+  // "-" a cleared point, "x" a break, else the station and its first value.
+  const auto load = [&](int firstRow, int firstColumn = 0, int lastColumn = 3) {
+    static std::vector<StationPoint> points;
+    outcome = LoadLineRows(viewed.rows, viewed.file, viewed.line, firstColumn, lastColumn, firstRow, points);
+    std::string out;
+    for (const auto& point : points) {
+      const auto value = point.channels.value[0];
+      EXPECT_EQ(point.channels.present[0], point.valid ? 1 : 0);
+      out += point.valid                             ? fmt::format("{:g}:{:g} ", point.station, value)
+             : point.station == -1 && value == -9999 ? "x "
+                                                     : "- ";
+    }
+    return out;
   };
-  load(1);
-  expectPoints(points, {kFirst, kBreakPoint, kBreakPoint, kBreakPoint});
-  load(5);
-  expectPoints(points, {kBreakPoint, last, kCleared, kCleared});
-  load(0);
-  expectPoints(points, {kCleared, kFirst, kBreakPoint, kBreakPoint});
-  load(-9);
-  expectPoints(points, {kCleared, kCleared, kCleared, kCleared});
-  LoadLineRows(viewed.rows, viewed.file, viewed.line, 1, 2, 6, points);
-  expectPoints(points, {kCleared, last, kCleared, kCleared});
-
+  EXPECT_EQ(load(1), "10:10 x x x ");
+  EXPECT_EQ(load(5), "x 100:10 - - ");
+  EXPECT_EQ(load(0), "- 10:10 x x ");
+  EXPECT_EQ(load(-9), "- - - - ");
+  EXPECT_EQ(load(6, 1, 2), "- 100:10 - - ");
   std::filesystem::resize_file(viewed.rows.line1, 5 * kLine1Row + 10);
-  load(5);
-  expectPoints(points, {kBreakPoint, kCleared, kCleared, kCleared});
+  EXPECT_EQ(load(5), "x - - - ");
   std::filesystem::remove(viewed.rows.line2);
-  EXPECT_TRUE(load(1).line2Missing);
-  expectPoints(points, {kCleared, kCleared, kCleared, kCleared});
+  EXPECT_EQ(load(1), "- - - - ");
+  EXPECT_TRUE(outcome.line2Missing && !outcome.line1Missing);
   std::filesystem::remove(viewed.rows.line1);
-  const auto outcome = load(1);
+  load(1);
   EXPECT_TRUE(outcome.line1Missing && outcome.line2Missing);
 }
 

@@ -9,13 +9,17 @@
 #include <cerrno>
 #include <chrono>
 #include <csignal>
+#include <iterator>
+#include <sstream>
 
+#include "datafile/record_text.h"
 #include "platform/text.h"
 
 namespace kalmira {
 namespace {
 
 using std::chrono::steady_clock;
+using namespace std::string_view_literals;
 
 constexpr int kStepMs = 50;
 
@@ -77,19 +81,21 @@ void wipeTick(std::string& record) {
 
 }  // namespace
 
-Program::Program(std::vector<std::string> command) {
+Program::Program(const std::string& program, const std::string& arguments) {
   // A program that has ended must not end the test that speaks to it.
   (void)std::signal(SIGPIPE, SIG_IGN);
-  if (std::string_view(KALMIRA_EMULATOR) != "") command.insert(command.begin(), KALMIRA_EMULATOR);
-  std::vector<char*> arguments;
-  arguments.reserve(command.size() + 1);
-  for (auto& argument : command) arguments.push_back(argument.data());
-  arguments.push_back(nullptr);
+  std::istringstream stream(arguments);
+  std::vector<std::string> words{std::istream_iterator<std::string>(stream), {}};
+  words.insert(words.begin(), program);
+  if (std::string_view(KALMIRA_EMULATOR) != "") words.insert(words.begin(), KALMIRA_EMULATOR);
+  std::vector<char*> pointers;
+  for (auto& word : words) pointers.push_back(word.data());
+  pointers.push_back(nullptr);
   Pipe in;
   Pipe out;
   Pipe err;
   process_ = ::fork();
-  if (process_ == 0) become(arguments.data(), in.reading, out.writing, err.writing);
+  if (process_ == 0) become(pointers.data(), in.reading, out.writing, err.writing);
   for (int* fd : {&in.reading, &out.writing, &err.writing}) closeFd(*fd);
   input_ = in.writing;
   output_fd_ = out.reading;
@@ -146,14 +152,6 @@ std::string Program::nextLine(std::string_view start, const std::function<void()
   return {};
 }
 
-bool Program::printed(std::string_view text) {
-  for (const Deadline deadline; !deadline.passed();) {
-    if (output_.find(text) != std::string::npos) return true;
-    if (!gather(kStepMs)) break;
-  }
-  return output_.find(text) != std::string::npos;
-}
-
 int Program::end() {
   for (const Deadline deadline; !ended_ && !deadline.passed();) {
     if (!gather(kStepMs)) ::poll(nullptr, 0, 5);
@@ -165,21 +163,10 @@ int Program::end() {
   return WIFEXITED(status_) ? WEXITSTATUS(status_) : 128 + WTERMSIG(status_);
 }
 
-namespace {
-
-std::vector<std::string> logCommand(std::string_view kind, const std::string& device,
-                                    const std::filesystem::path& root, const std::vector<std::string>& more) {
-  std::vector<std::string> command{KALMIRA_LOG, "--kind", std::string(kind), "--port", device,
-                                   "--root",    root,     "--tick-base",     "program"};
-  command.insert(command.end(), more.begin(), more.end());
-  return command;
-}
-
-}  // namespace
-
-Logger::Logger(std::string_view kind, const std::string& device, const std::filesystem::path& root,
-               const std::vector<std::string>& more)
-    : Program(logCommand(kind, device, root, more)) {}
+Logger::Logger(const std::string& kind, const std::string& device, const std::filesystem::path& root,
+               const std::string& more)
+    : Program(KALMIRA_LOG, fmt::format("--kind {} --port {} --root {} --tick-base program {}", kind, device,
+                                       root.string(), more)) {}
 
 std::filesystem::path Logger::file(const std::function<void()>& onWait) {
   const auto line = nextLine("file ", onWait);
@@ -210,11 +197,16 @@ bool Logger::counted(std::string_view what, int number, const std::function<void
   return false;
 }
 
-Outcome run(std::vector<std::string> command) {
-  Program program(std::move(command));
-  program.closeInput();
-  const int status = program.end();
-  return {.status = status, .output = program.output(), .errors = program.errors()};
+void Logger::leave() {
+  EXPECT_EQ(answer("exit"), "ok");
+  EXPECT_EQ(end(), 0) << errors();
+}
+
+Outcome run(const std::string& program, const std::string& arguments) {
+  Program running(program, arguments);
+  running.closeInput();
+  const int status = running.end();
+  return {.status = status, .output = running.output(), .errors = running.errors()};
 }
 
 Device::Device() {
@@ -237,6 +229,21 @@ void Device::wakeUp(Logger& logger, std::string_view record, std::string_view te
   logger.nextLine(fmt::format("show {}", text), sendAgain);
 }
 
+Survey::Survey(const std::string& kind, const std::string& more, std::string_view record,
+               std::string_view shown, std::string_view fileWaits)
+    : logger(kind, instrument.name, folder.path(),
+             "--show --set surveyMode=1 --set readingsInterval=60 " +
+                 fmt::format(fmt::runtime(more), fmt::arg("gps", receiver.name))) {
+  path = logger.file([&] { EXPECT_TRUE(send(fileWaits)); });
+  EXPECT_FALSE(path.empty()) << logger.errors();
+  if (!record.empty()) instrument.wakeUp(logger, record, shown);
+}
+
+std::string Survey::content() const {
+  const auto bytes = readFile(path);
+  return wiped(bytes, bytes.find('\n') + 1);
+}
+
 std::string wiped(const std::string& content, std::size_t recordLength) {
   std::string out;
   for (std::size_t at = 0; at < content.size(); at += recordLength) {
@@ -254,6 +261,31 @@ std::string wiped(const std::string& content, std::size_t recordLength) {
 
 std::string withTick(std::size_t recordLength, std::string_view text) {
   return textField(text, recordLength - 11) + "      tick";
+}
+
+std::string bytesOf(const WrittenSurvey& survey) {
+  std::string bytes;
+  const auto add = [&](const std::string& text) { bytes += records(survey.length, {text}); };
+  const auto tick = [&](std::string_view text) { add(withTick(survey.length, text)); };
+  const auto line = [&](const char* name, const char* start, const char* direction) {
+    for (const auto* text : {name, start, direction, "Z00000000 00:00:00"}) add(text);
+    bytes += survey.calibration;
+    tick("*00:00:00.000");
+  };
+  add(survey.header);
+  add("H E2E        1.000");
+  line("L1", "B       0.00", "AN            1.000");
+  tick("X$STARTED");
+  for (const auto& text : survey.firstPiece) add(text);
+  tick("X$PAUSED");
+  line("L7/a", "B     100.00", "AE           -2.500");
+  tick(survey.comment);
+  add("S      42.50 00000000");
+  tick("*00:00:00.000");
+  bytes += survey.deletion;
+  for (const std::string_view text : {"X$STARTED"sv, std::string_view(survey.lastReading), "X$PAUSED"sv})
+    tick(text);
+  return bytes;
 }
 
 int countRecords(const std::string& content, std::size_t recordLength, std::string_view tags) {

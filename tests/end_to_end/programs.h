@@ -21,7 +21,8 @@ inline constexpr int kPatienceMs = 40000;
 // A running program with its three streams. Killed when it is still running at the end.
 class Program {
  public:
-  explicit Program(std::vector<std::string> command);
+  // `arguments` have blanks between them.
+  explicit Program(const std::string& program, const std::string& arguments = "");
   ~Program();
   Program(const Program&) = delete;
   Program& operator=(const Program&) = delete;
@@ -32,8 +33,6 @@ class Program {
   // The next line of output that begins with `start`, behind the line found before; empty when none came.
   // `onWait` is called about every 50 ms until then.
   std::string nextLine(std::string_view start, const std::function<void()>& onWait = {});
-  // Waits until `text` stands anywhere in the output.
-  bool printed(std::string_view text);
   // The exit status, 128 and more for a signal; -1 when the program does not end.
   int end();
 
@@ -55,8 +54,8 @@ class Program {
 // kalmira-log, with ticks from its own start: a test machine may have been up for weeks.
 class Logger : public Program {
  public:
-  Logger(std::string_view kind, const std::string& device, const std::filesystem::path& root,
-         const std::vector<std::string>& more = {});
+  Logger(const std::string& kind, const std::string& device, const std::filesystem::path& root,
+         const std::string& more = "");
 
   // Waits for the data file.
   std::filesystem::path file(const std::function<void()>& onWait = {});
@@ -64,22 +63,43 @@ class Logger : public Program {
   std::string answer(std::string_view command);
   // Waits until the status says at least so many "readings", "gps", "events" ...
   bool counted(std::string_view what, int number, const std::function<void()>& onWait = {});
+  // Leaves by the command, and expects a good end.
+  void leave();
 };
 
 // A program run to its end.
 struct Outcome {
   int status;
-  std::string output;
-  std::string errors;
+  std::string output, errors;
 };
-Outcome run(std::vector<std::string> command);
+Outcome run(const std::string& program, const std::string& arguments = "");
 
 // An instrument on a pseudo-terminal that takes bytes as they are, before a program has opened it as well.
-class Device : public Pty {
- public:
+struct Device : Pty {
   Device();
   // Sends `record` until the logger's panel shows `text`: from then on it reads, and nothing is left unread.
   void wakeUp(Logger& logger, std::string_view record, std::string_view text) const;
+};
+
+inline constexpr std::string_view kOrlaRecord = "T$+0400-0800\r";
+
+// A survey by kalmira-log in Wheel mode, where every record is a reading, up to where its file is open and
+// the instrument is heard. An interval of a minute keeps the watch over the link quiet, however slow the
+// machine.
+struct Survey {
+  TempFolder folder;
+  Device instrument, receiver;
+  Logger logger;
+  std::filesystem::path path;
+
+  // `more` goes behind the usual options; {gps} in it is the receiver. `fileWaits` is sent until there is a
+  // file, then `record` until it is shown, unless it is empty.
+  explicit Survey(const std::string& kind = "ORLA", const std::string& more = "",
+                  std::string_view record = kOrlaRecord, std::string_view shown = "value1 C:-10.00",
+                  std::string_view fileWaits = "");
+  bool send(std::string_view record) const { return instrument.send(record); }
+  // The file, wiped.
+  std::string content() const;
 };
 
 // A data file whose times and ticks are wiped: digits of dates and times are 0, ticks the word "tick".
@@ -90,5 +110,17 @@ std::string withTick(std::size_t recordLength, std::string_view text);
 
 // How many records of `content` begin with one of `tags`, header 1 left out.
 int countRecords(const std::string& content, std::size_t recordLength, std::string_view tags);
+
+// The file, wiped, of a survey of two pieces. Between them stand the line 7/a from 100 by -2.5 to the east, a
+// comment and the station 42.5.
+struct WrittenSurvey {
+  std::string header;
+  std::vector<std::string> firstPiece;  // records without line ends
+  std::string lastReading;
+  std::string comment = "CFence by th";
+  std::size_t length = 24;
+  std::string calibration{}, deletion{};  // of each line's block; before the second piece
+};
+std::string bytesOf(const WrittenSurvey& survey);
 
 }  // namespace kalmira

@@ -1,6 +1,6 @@
 #include "end_to_end/window_operator.h"
 
-#include <QApplication>
+#include <QComboBox>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSettings>
@@ -69,6 +69,14 @@ void meanwhile(const std::function<void()>& open, const std::function<bool()>& a
   EXPECT_TRUE(acted) << "it never opened";
 }
 
+void tapIn(const QDialog& dialog, const QString& button) {
+  for (auto* each : dialog.findChildren<QPushButton*>()) {
+    if (each->isVisible() && QString(each->text()).remove('&') == button)
+      return QTest::mouseClick(each, Qt::LeftButton);
+  }
+  ADD_FAILURE() << "there is no button " << button.toStdString();
+}
+
 }  // namespace
 
 bool comes(const std::function<bool()>& happened) {
@@ -80,12 +88,24 @@ std::string Operator::text(PanelField field) {
   return dynamic_cast<PanelView*>(window_.findChild<QWidget*>(QStringLiteral("panel")))->text(field);
 }
 
-bool Operator::sees(PanelField field, std::string_view start) {
-  if (comes([&] { return text(field).starts_with(start); })) return true;
-  ADD_FAILURE() << panelFieldName(field) << " shows \"" << text(field) << "\", not \"" << start << '"';
-  return false;
+void Operator::sees(PanelField field, std::string_view start) {
+  EXPECT_TRUE(comes([&] { return text(field).starts_with(start); }))
+      << panelFieldName(field) << " shows \"" << text(field) << "\", not \"" << start << '"';
 }
 
+void Operator::sends(const Device& device, std::string_view record, std::string_view start, PanelField field,
+                     bool waking) {
+  ASSERT_TRUE(waking || !text(field).starts_with(start)) << "a new reading could not be told from the last";
+  ASSERT_TRUE(device.send(record));
+  constexpr int kTryAgainMs = 5000;
+  const auto shown = [&] { return text(field).starts_with(start); };
+  if (waking && !QTest::qWaitFor(shown, kTryAgainMs)) (void)device.send(record);
+  sees(field, start);
+}
+
+void Operator::command(Qt::Key key, const QString& button) {
+  by_touch_ ? tap(button) : press(key);
+}
 void Operator::press(Qt::Key key) {
   QTest::keyClick(receiver(window_), key);
 }
@@ -101,14 +121,13 @@ void Operator::tap(const QString& button) {
     if (!each->isVisible() || each->text() != button) continue;
     // Taps in a row, at one place, are not meant as double taps.
     QTest::qWait(QApplication::doubleClickInterval() + kLookMs);
-    QTest::mouseClick(each, Qt::LeftButton);
-    return;
+    return QTest::mouseClick(each, Qt::LeftButton);
   }
   ADD_FAILURE() << "there is no button " << button.toStdString();
 }
 
-void Operator::answering(const QString& title, const std::function<void()>& open,
-                         const std::function<void(QDialog&)>& act) {
+void Operator::answers(const QString& title, const std::function<void()>& open,
+                       const std::function<void(QDialog&)>& act) {
   SCOPED_TRACE(title.toStdString());
   meanwhile(open, [&] {
     auto* dialog = openDialog(window_, title);
@@ -120,35 +139,42 @@ void Operator::answering(const QString& title, const std::function<void()>& open
   EXPECT_EQ(openDialog(window_, title), nullptr);
 }
 
-void Operator::choosing(const std::function<void()>& open, Qt::Key key) {
-  meanwhile(open, [&] {
-    auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
-    if (menu != nullptr) QTest::keyClick(menu, key);
-    return menu != nullptr;
+void Operator::answers(const QString& title, const std::function<void()>& open, const QString& button) {
+  answers(title, open, [&](QDialog& box) { tapIn(box, button); });
+}
+
+void Operator::fills(const QString& title, const std::function<void()>& open, const Fields& fields,
+                     const QString& button) {
+  answers(title, open, [&](QDialog& dialog) {
+    for (const auto& [name, text] : fields) {
+      auto* field = dialog.findChild<QWidget*>(QLatin1String(name));
+      ASSERT_NE(field, nullptr) << name;
+      if (auto* box = qobject_cast<QComboBox*>(field)) {
+        box->setCurrentIndex(box->findText(text, Qt::MatchStartsWith));
+        continue;
+      }
+      QTest::mouseClick(field, Qt::LeftButton);
+      QTest::keyClick(field, Qt::Key_A, Qt::ControlModifier);
+      QTest::keyClicks(field, text);
+    }
+    if (by_touch_) return tapIn(dialog, button);
+    auto* focus = dialog.focusWidget();
+    QTest::keyClick(focus != nullptr ? focus : &dialog, Qt::Key_Return);
   });
 }
 
-void type(QDialog& dialog, const char* field, const QString& text) {
-  auto* edit = dialog.findChild<QLineEdit*>(QLatin1String(field));
-  ASSERT_NE(edit, nullptr) << field;
-  QTest::mouseClick(edit, Qt::LeftButton);
-  QTest::keyClick(edit, Qt::Key_A, Qt::ControlModifier);
-  QTest::keyClicks(edit, text);
+std::function<void()> Operator::commands(Qt::Key key, const QString& button) {
+  return [this, key, button] { command(key, button); };
 }
 
-void tapIn(QDialog& dialog, const QString& button) {
-  for (auto* each : dialog.findChildren<QPushButton*>()) {
-    if (each->isVisible() && QString(each->text()).remove('&') == button) {
-      QTest::mouseClick(each, Qt::LeftButton);
-      return;
-    }
-  }
-  ADD_FAILURE() << "there is no button " << button.toStdString();
-}
-
-void acceptByKey(QDialog& dialog) {
-  auto* focus = dialog.focusWidget();
-  QTest::keyClick(focus != nullptr ? focus : &dialog, Qt::Key_Return);
+std::function<void()> Operator::chooses(Qt::Key key) {
+  return [this, key] {
+    meanwhile(commands(Qt::Key_M, "&Menu"), [key] {
+      auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+      if (menu != nullptr) QTest::keyClick(menu, key);
+      return menu != nullptr;
+    });
+  };
 }
 
 Machine::Machine(Kind kind, const Settings& settings) {
@@ -160,21 +186,19 @@ Machine::Machine(Kind kind, const Settings& settings) {
   EXPECT_EQ(saveSettings({.kind = kind, .root = options.root}, settings), "");
 }
 
-int Machine::run(const std::function<void(Operator&)>& work) {
-  QTimer begin;
-  begin.setSingleShot(true);
-  QObject::connect(&begin, &QTimer::timeout, [&work] {
+int Machine::run(const std::function<void(Operator&)>& work, bool byTouch) {
+  QApplication::setDoubleClickInterval(kLookMs);
+  QTimer::singleShot(0, [&work, byTouch] {
     EXPECT_TRUE(comes([] { return mainWindow() != nullptr && mainWindow()->isActiveWindow(); }));
     auto* window = mainWindow();
     if (window == nullptr) return QCoreApplication::exit(-1);
-    Operator person(*window);
+    Operator person(*window, byTouch);
     work(person);
     if (mainWindow() == nullptr) return;
     ADD_FAILURE() << "the program goes on";
     shutWhatIsOpen();
     window->endAtOnce();
   });
-  begin.start(0);
   return runProgram(options);
 }
 
@@ -182,25 +206,6 @@ Settings Machine::savedSettings() const {
   Settings settings;
   EXPECT_EQ(loadSettings({.kind = *options.kind, .root = options.root}, settings).how, SettingsLoad::loaded);
   return settings;
-}
-
-void wakeUp(Operator& person, const Device& device, std::string_view record, PanelField field,
-            std::string_view start) {
-  // What comes before the reader has begun is thrown away; a second try is then due.
-  constexpr int kTryAgainMs = 5000;
-  for (int tried = 0; tried < kPatienceMs; tried += kTryAgainMs) {
-    ASSERT_FALSE(testing::Test::HasFailure());
-    ASSERT_TRUE(device.send(record));
-    if (QTest::qWaitFor([&] { return person.text(field).starts_with(start); }, kTryAgainMs)) return;
-  }
-  ADD_FAILURE() << panelFieldName(field) << " shows \"" << person.text(field) << '"';
-}
-
-void sendOnce(Operator& person, const Device& device, std::string_view record, PanelField field,
-              std::string_view start) {
-  ASSERT_FALSE(person.text(field).starts_with(start)) << "a new reading could not be told from the last";
-  ASSERT_TRUE(device.send(record));
-  person.sees(field, start);
 }
 
 }  // namespace kalmira

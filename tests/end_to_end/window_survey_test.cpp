@@ -1,8 +1,7 @@
 // Whole surveys in the program's own windows, with instruments and a receiver on pseudo-terminals.
+#include <fmt/format.h>
 #include <gmock/gmock.h>
 
-#include <QComboBox>
-#include <QTest>
 #include <QTimer>
 #include <csignal>
 
@@ -27,319 +26,137 @@ Settings quietWheel() {
   return settings;
 }
 
-struct Ports {
-  Device instrument;
-  Device receiver;
-};
+// Into Stand By, with a data file.
+void createFile(Operator& person, const Operator::Fields& name = {}) {
+  person.fills("Create Data File", person.commands(Qt::Key_C, "&Create File"), name, "Save");
+  person.sees(PanelField::state, "Stand By");
+}
 
-// One kind's survey, by keys on a standing screen or by taps on a lying one.
-struct SurveyCase {
-  const char* test;
-  Kind kind;
-  bool byTouch;
-  std::function<void(Settings&)> setUp;
-  std::string first, second;            // as sent
-  std::string firstShown, secondShown;  // on the panel
-  std::string lastShown;                // the first again, at the end of the survey
-  std::function<void(Operator&, const Ports&)> beforeFile, afterFirst, afterSecond, beforeLast;
-  std::string header;
-  std::string fileRecords;               // of the first piece of line, between start and pause
-  std::string lastText;                  // the last reading's
-  std::string calibration, noFactors{};  // at the end of a line's block, and after the scale dialog
-  std::size_t length = 24;
-};
+void go(Operator& person) {
+  person.command(Qt::Key_G, "&Go");
+  person.sees(PanelField::state, "Logging");
+}
 
-void nothing(Operator&, const Ports&) {}
+void pause(Operator& person) {
+  person.command(Qt::Key_Space, "TAP ME or press any key to Pause");
+  person.sees(PanelField::state, "Stand By");
+}
 
-const std::string kOrlaRecords = records24({withTick(24, "T$+0400-0800"),                          //
-                                            "@$GPGGA,101308.00,5057.", "#90,N,00659.10,E,1,08,1",  //
-                                            "#.1,50.0,M,46.0,M,,*5D", withTick(24, "!"),           //
-                                            withTick(24, "Td-0412+0796")});
+void enterLineCommentAndStation(Operator& person) {
+  person.fills(
+      "New Line", person.commands(Qt::Key_L, "&Line"),
+      {{"newLine", "7/a"}, {"startStation", "100"}, {"stationIncrement", "-2,5"}, {"direction", "E"}});
+  EXPECT_EQ(person.text(PanelField::line), "7/a");
+  person.fills("Enter Comment", person.commands(Qt::Key_C, "&Cmnt"), {{"comment", "Fence by the road"}});
+  person.fills("New Station", person.commands(Qt::Key_N, "&NStn"), {{"newStation", "42.5"}});
+  person.sees(PanelField::station, "42.50");
+}
 
-SurveyCase orla() {
-  return {
-      .test = "OrlaWithGps",
-      .kind = Kind::orla,
-      .byTouch = false,
-      .setUp = [](Settings& settings) { settings.gpsInput = 1; },
-      .first = "T$+0400-0800\r",
-      .second = "Td-0412+0796\r",
-      .firstShown = "C:-10.00",
-      .secondShown = "C:10.30",
-      .lastShown = "C:-10.00",
-      .beforeFile = [](Operator& person,
-                       const Ports& ports) { wakeUp(person, ports.receiver, kGsa, PanelField::pdop, "1.7"); },
-      .afterFirst =
-          [](Operator& person, const Ports& ports) {
-            sendOnce(person, ports.receiver, kGga, PanelField::satellites, " 8");
-          },
-      .afterSecond = nothing,
-      .beforeLast = nothing,
-      .header = "ORLA2   W230GPS0010   3",
-      .fileRecords = kOrlaRecords,
-      .lastText = "T$+0400-0800",
-      .calibration = ""};
+// The survey's file.
+std::filesystem::path leave(Operator& person) {
+  const auto path = person.file();
+  person.answers("Confirm Exit", person.commands(Qt::Key_X, "E&xit"), "Yes");
+  EXPECT_FALSE(person.logging().isVisible());
+  person.command(Qt::Key_X, "E&xit");
+  return path;
+}
+
+// By taps, on a lying screen.
+TEST(WindowSurvey, OfAnOrlaWithItsReceiverGivesItsFileByteForByte) {
+  const Device instrument, receiver;
+  auto settings = quietWheel();
+  settings.gpsInput = 1;
+  Machine machine(Kind::orla, settings);
+  machine.options.portrait = false;
+  machine.options.com[0] = instrument.name;
+  machine.options.com[1] = receiver.name;
+  const auto later = "Td-0412+0796\r";
+  std::filesystem::path path;
+  const auto work = [&](Operator& person) {
+    person.command(Qt::Key_L, "Monitor/&Log");
+    person.sees(PanelField::state, "Monitor");
+    person.sends(instrument, kOrlaRecord, "C:-10.00", PanelField::value1, true);
+    person.sends(instrument, later, "C:10.30");
+    person.sends(receiver, kGsa, "1.7", PanelField::pdop, true);
+    createFile(person, {{"fileNameEdit", "E2E"}});
+    go(person);
+    person.sends(instrument, kOrlaRecord, "C:-10.00");
+    person.sends(receiver, kGga, " 8", PanelField::satellites);
+    person.sends(instrument, later, "C:10.30");
+    pause(person);
+    enterLineCommentAndStation(person);
+    person.fills("Enter Scale", person.chooses(Qt::Key_S), {{"firstMinimum", "3"}, {"firstMaximum", "8"}});
+    go(person);
+    person.sends(instrument, kOrlaRecord, "C:-10.00");
+    pause(person);
+    path = leave(person);
+  };
+  EXPECT_EQ(machine.run(work, true), 0);
+  EXPECT_EQ(wiped(readFile(path), 24),
+            bytesOf({.header = "ORLA2   W230GPS0010   3",
+                     .firstPiece = {withTick(24, "T$+0400-0800"), "@$GPGGA,101308.00,5057.",
+                                    "#90,N,00659.10,E,1,08,1", "#.1,50.0,M,46.0,M,,*5D", withTick(24, "!"),
+                                    withTick(24, "Td-0412+0796")},
+                     .lastReading = "T$+0400-0800"}));
+  const auto saved = machine.savedSettings();
+  EXPECT_EQ(saved.conductivityMinimum, 3.0F);
+  EXPECT_EQ(saved.conductivityMaximum, 8.0F);
+  EXPECT_EQ(saved.lineName, "7/a");
 }
 
 // Words of 32768 + 1024 k are 40 k mS/m; the fifth calibration factor adds 20 to the first conductivity.
 const auto kTesk2First = "T\x06\0\0\x84\0\xff\xff\x84\0\n\n\0\0\xff\xff"s;
 const auto kTesk2Second = "t\x02\x84\0\x84\0\x88\0\x84\0\0\n\n\0\xff\xff"s;
 
-SurveyCase tesk2() {
-  return {.test = "Tesk2Marked",
-          .kind = Kind::tesk2,
-          .byTouch = false,
-          .setUp =
-              [](Settings& settings) {
-                settings.softMarker = 1;
-                settings.tesk2Variant = 2;
-                settings.calibrationFactors[4] = 20;
-              },
-          .first = kTesk2First,
-          .second = kTesk2Second,
-          .firstShown = "C:1299.96",
-          .secondShown = "C:100.00",
-          .lastShown = "C:1279.96",
-          .beforeFile =
-              [](Operator& person, const Ports&) {
-                person.answering(
-                    "CALIBRATION", [&person] { person.press(Qt::Key_A); },
-                    [](QDialog& box) { tapIn(box, "No"); });
-              },
-          .afterFirst = [](Operator& person, const Ports&) { person.hold(Qt::Key_5); },
-          .afterSecond = [](Operator& person, const Ports&) { person.release(Qt::Key_5); },
-          .beforeLast =
-              [](Operator& person, const Ports&) {
-                const auto menu = [&person] {
-                  person.choosing([&person] { person.press(Qt::Key_M); }, Qt::Key_E);
-                };
-                person.answering("Delete Calibration", menu, [](QDialog& box) { tapIn(box, "Yes"); });
-              },
-          .header = "TESK2   W230GRD00102    3",
-          .fileRecords = records(26, {withTick(26, std::string_view(kTesk2First).substr(0, 14)),
-                                      // The marker is 8 in the mode byte.
-                                      withTick(26, "t\x0a" + kTesk2Second.substr(2, 12))}),
-          .lastText = kTesk2First.substr(0, 14),
-          .calibration =
-              records(26, {"O1     0.000      0.000", "O2     0.000      0.000", "O3     0.000      0.000",
-                           "O4     0.000      0.000", "O5    20.000      0.000", "O6     0.000      0.000"}),
-          .noFactors =
-              records(26, {"O1     0.000      0.000", "O2     0.000      0.000", "O3     0.000      0.000",
-                           "O4     0.000      0.000", "O5     0.000     20.000", "O6     0.000      0.000"}),
-          .length = 26};
-}
-
-SurveyCase glaco() {
-  return {.test = "GlacoByTouch",
-          .kind = Kind::glaco,
-          .byTouch = true,
-          .setUp = [](Settings&) {},
-          .first = "T123I045",
-          .second = "T250I007",
-          .firstShown = "Th:1.23",
-          .secondShown = "Th:2.50",
-          .lastShown = "Th:1.23",
-          .beforeFile = nothing,
-          .afterFirst = nothing,
-          .afterSecond = nothing,
-          .beforeLast = nothing,
-          .header = "GLACO   W210GRD0010   2",
-          .fileRecords = records24({withTick(24, "T123I045"), withTick(24, "T250I007")}),
-          .lastText = "T123I045",
-          .calibration = ""};
-}
-
-void PrintTo(const SurveyCase& item, std::ostream* out) {
-  *out << item.test;
-}
-
-std::string expectedFile(const SurveyCase& item) {
-  const auto tick = [&item](std::string_view text) { return withTick(item.length, text); };
-  return records(item.length, {item.header, "H E2E        1.000", "L1", "B       0.00", "AN            1.000",
-                               "Z00000000 00:00:00"}) +
-         item.calibration + records(item.length, {tick("*00:00:00.000"), tick("X$STARTED")}) +
-         item.fileRecords +
-         records(item.length,
-                 {tick("X$PAUSED"), "L7/a", "B     100.00", "AE           -2.500", "Z00000000 00:00:00"}) +
-         item.calibration +
-         records(item.length, {tick("*00:00:00.000"), "S      42.50 00000000", tick("*00:00:00.000"),
-                               tick("CFence by th")}) +
-         item.noFactors + records(item.length, {tick("X$STARTED"), tick(item.lastText), tick("X$PAUSED")});
-}
-
-class WindowSurvey : public testing::TestWithParam<SurveyCase> {
- protected:
-  WindowSurvey() : machine_(GetParam().kind, settingsOf(GetParam())) {
-    machine_.options.portrait = !GetParam().byTouch;
-    machine_.options.com[0] = ports_.instrument.name;
-    machine_.options.com[1] = ports_.receiver.name;
+std::string factors(double fifth, double replaced) {
+  std::string bytes;
+  for (int n = 1; n <= 6; ++n) {
+    bytes += records(26, {fmt::format("O{}{:10.3f} {:10.3f}", n, n == 5 ? fifth : 0, n == 5 ? replaced : 0)});
   }
-  static Settings settingsOf(const SurveyCase& item) {
-    auto settings = quietWheel();
-    item.setUp(settings);
-    return settings;
-  }
-  static void command(Operator& person, Qt::Key key, const QString& button) {
-    GetParam().byTouch ? person.tap(button) : person.press(key);
-  }
-  // By "Ok" of the dialog or by Enter.
-  static void confirm(QDialog& dialog, const QString& button) {
-    GetParam().byTouch ? tapIn(dialog, button) : acceptByKey(dialog);
-  }
-  static void start(Operator& person) {
-    command(person, Qt::Key_G, "&Go");
-    person.sees(PanelField::state, "Logging");
-  }
-  static void pause(Operator& person) {
-    command(person, Qt::Key_Space, "TAP ME or press any key to Pause");
-    person.sees(PanelField::state, "Stand By");
-  }
-  void send(Operator& person, const std::string& record, const std::string& shown) const {
-    sendOnce(person, ports_.instrument, record, PanelField::value1, shown);
-  }
-
-  void open(Operator& person) const;
-  static void enterLine(Operator& person);
-  static void enterStation(Operator& person);
-  static void enterComment(Operator& person);
-  static void enterScale(Operator& person);
-  void leave(Operator& person);
-
-  Ports ports_;
-  Machine machine_;
-  std::filesystem::path path_;
-};
-
-void WindowSurvey::open(Operator& person) const {
-  command(person, Qt::Key_L, "Monitor/&Log");
-  person.sees(PanelField::state, "Monitor");
-  const auto& item = GetParam();
-  wakeUp(person, ports_.instrument, item.first, PanelField::value1, item.firstShown);
-  send(person, item.second, item.secondShown);
-  item.beforeFile(person, ports_);
-  person.answering(
-      "Create Data File", [&person] { command(person, Qt::Key_C, "&Create File"); },
-      [](QDialog& dialog) {
-        type(dialog, "fileNameEdit", "E2E");
-        confirm(dialog, "Save");
-      });
-  person.sees(PanelField::state, "Stand By");
+  return bytes;
 }
 
-void WindowSurvey::enterLine(Operator& person) {
-  person.answering(
-      "New Line", [&person] { command(person, Qt::Key_L, "&Line"); },
-      [](QDialog& dialog) {
-        type(dialog, "newLine", "7/a");
-        type(dialog, "startStation", "100");
-        type(dialog, "stationIncrement", "-2,5");
-        QTest::keyClick(dialog.findChild<QComboBox*>("direction"), Qt::Key_End);
-        confirm(dialog, "OK");
-      });
-  EXPECT_EQ(person.text(PanelField::line), "7/a");
-}
-
-void WindowSurvey::enterStation(Operator& person) {
-  person.answering(
-      "New Station", [&person] { command(person, Qt::Key_N, "&NStn"); },
-      [](QDialog& dialog) {
-        type(dialog, "newStation", "42.5");
-        confirm(dialog, "OK");
-      });
-  person.sees(PanelField::station, "42.50");
-}
-
-void WindowSurvey::enterComment(Operator& person) {
-  person.answering(
-      "Enter Comment", [&person] { command(person, Qt::Key_C, "&Cmnt"); },
-      [](QDialog& dialog) {
-        type(dialog, "comment", "Fence by the road");
-        confirm(dialog, "OK");
-      });
-}
-
-void WindowSurvey::enterScale(Operator& person) {
-  const auto menu = [&person] {
-    person.choosing([&person] { command(person, Qt::Key_M, "&Menu"); }, Qt::Key_S);
-  };
-  person.answering("Enter Scale", menu, [](QDialog& dialog) {
-    type(dialog, "firstMinimum", "3");
-    type(dialog, "firstMaximum", "8");
-    confirm(dialog, "OK");
-  });
-}
-
-void WindowSurvey::leave(Operator& person) {
-  path_ = person.file();
-  person.answering(
-      "Confirm Exit", [&person] { command(person, Qt::Key_X, "E&xit"); },
-      [](QDialog& box) { tapIn(box, "Yes"); });
-  EXPECT_FALSE(person.logging().isVisible());
-  command(person, Qt::Key_X, "E&xit");
-}
-
-TEST_P(WindowSurvey, GivesItsFileByteForByte) {
-  const auto& item = GetParam();
-  const int status = machine_.run([&](Operator& person) {
-    open(person);
-    start(person);
-    send(person, item.first, item.firstShown);
-    item.afterFirst(person, ports_);
-    send(person, item.second, item.secondShown);
-    item.afterSecond(person, ports_);
-    pause(person);
-    enterLine(person);
-    enterStation(person);
-    enterComment(person);
-    enterScale(person);
-    item.beforeLast(person, ports_);
-    start(person);
-    send(person, item.first, item.lastShown);
-    pause(person);
-    leave(person);
-  });
-  EXPECT_EQ(status, 0);
-  EXPECT_EQ(wiped(readFile(path_), item.length), expectedFile(item));
-  const auto settings = machine_.savedSettings();
-  EXPECT_EQ(settings.conductivityMinimum, 3.0F);
-  EXPECT_EQ(settings.conductivityMaximum, 8.0F);
-  EXPECT_EQ(settings.lineName, "7/a");
-}
-
-INSTANTIATE_TEST_SUITE_P(Kinds, WindowSurvey, testing::Values(orla(), tesk2(), glaco()),
-                         [](const auto& row) { return row.param.test; });
-
-const std::string kRecord = "T$+0400-0800\r";
-const std::string kLaterRecord = "T$-0400-0800\r";
-
-// Into Stand By, with a data file.
-void createFile(Operator& person) {
-  person.answering(
-      "Create Data File", [&person] { person.press(Qt::Key_C); }, acceptByKey);
-  person.sees(PanelField::state, "Stand By");
-}
-
-TEST(WindowFrame, ClosedWhileLoggingAsksAndEndsCleanly) {
-  const Device device;
-  Machine machine(Kind::orla, quietWheel());
-  machine.options.com[0] = device.name;
+// By keys, on a standing screen.
+TEST(WindowSurvey, OfATesk2WithMarkAndCalibrationGivesItsFileByteForByte) {
+  const Device instrument;
+  auto settings = quietWheel();
+  settings.softMarker = 1;
+  settings.tesk2Variant = 2;
+  settings.calibrationFactors[4] = 20;
+  Machine machine(Kind::tesk2, settings);
+  machine.options.portrait = true;
+  machine.options.com[0] = instrument.name;
   std::filesystem::path path;
-  const int status = machine.run([&](Operator& person) {
-    person.press(Qt::Key_L);
-    wakeUp(person, device, kRecord, PanelField::value1, "C:-10.00");
-    createFile(person);
-    path = person.file();
-    person.press(Qt::Key_G);
-    const auto closeFrame = [&person] { person.window().close(); };
-    person.answering("Confirm Exit", closeFrame, [](QDialog& box) { tapIn(box, "No"); });
-    EXPECT_EQ(person.text(PanelField::state), "Logging");
-    sendOnce(person, device, kLaterRecord, PanelField::value1, "C:10.00");
-    person.answering("Confirm Exit", closeFrame, [](QDialog& box) { tapIn(box, "Yes"); });
-  });
-  EXPECT_EQ(status, 0);
-  EXPECT_THAT(wiped(readFile(path), 24),
-              EndsWith(records24({withTick(24, "*00:00:00.000"), withTick(24, "X$STARTED"),
-                                  withTick(24, "T$-0400-0800"), withTick(24, "X$PAUSED")})));
+  const auto work = [&](Operator& person) {
+    person.command(Qt::Key_L, "Monitor/&Log");
+    person.sends(instrument, kTesk2First, "C:1299.96", PanelField::value1, true);
+    person.sends(instrument, kTesk2Second, "C:100.00");
+    person.answers(
+        "CALIBRATION", [&] { person.press(Qt::Key_A); }, "No");
+    createFile(person, {{"fileNameEdit", "E2E"}});
+    go(person);
+    person.sends(instrument, kTesk2First, "C:1299.96");
+    person.hold(Qt::Key_5);
+    person.sends(instrument, kTesk2Second, "C:100.00");
+    person.release(Qt::Key_5);
+    pause(person);
+    enterLineCommentAndStation(person);
+    person.answers("Delete Calibration", person.chooses(Qt::Key_E), "Yes");
+    go(person);
+    person.sends(instrument, kTesk2First, "C:1279.96");
+    pause(person);
+    path = leave(person);
+  };
+  EXPECT_EQ(machine.run(work), 0);
+  const auto text = kTesk2First.substr(0, 14);
+  // The marker is 8 in the mode byte.
+  EXPECT_EQ(wiped(readFile(path), 26),
+            bytesOf({.header = "TESK2   W230GRD00102    3",
+                     .firstPiece = {withTick(26, text), withTick(26, "t\x0a" + kTesk2Second.substr(2, 12))},
+                     .lastReading = text,
+                     .length = 26,
+                     .calibration = factors(20, 0),
+                     .deletion = factors(0, 20)}));
 }
 
 // An instrument that sends all the time, behind a link that outlives its cable.
@@ -351,7 +168,7 @@ class Cable {
     });
     timer_.start(100);
   }
-  void plugIn(const std::string& record) {
+  void plugIn(std::string_view record) {
     device_ = std::make_unique<Device>();
     record_ = record;
     std::filesystem::create_symlink(device_->name, link_);
@@ -368,43 +185,42 @@ class Cable {
   QTimer timer_;
 };
 
-TEST(WindowCable, PulledBehindADialogAndPluggedInAgainResumes) {
+TEST(WindowCable, PulledBehindADialogAndPluggedInAgainResumesAndTheFrameEndsTheProgram) {
   auto settings = quietWheel();
   settings.readingsInterval = 2;  // five periods are ten seconds
   Machine machine(Kind::orla, settings);
   const auto link = machine.folder.path() / "port";
   machine.options.com[0] = link;
   Cable cable(link);
-  cable.plugIn(kRecord);
+  cable.plugIn(kOrlaRecord);
   std::filesystem::path path;
   const int status = machine.run([&](Operator& person) {
+    const auto closeFrame = [&person] { person.window().close(); };
     person.press(Qt::Key_L);
     person.sees(PanelField::value1, "C:-10.00");
     createFile(person);
     path = person.file();
-    person.answering(
+    person.answers(
         "New Line", [&person] { person.press(Qt::Key_L); },
         [&](QDialog& dialog) {
-          type(dialog, "newLine", "9");
           cable.pull();
           person.sees(PanelField::message, "Please Wait...");
-          cable.plugIn(kLaterRecord);
+          cable.plugIn("T$-0400-0800\r");
           person.sees(PanelField::value1, "C:10.00");
           EXPECT_EQ(QApplication::activeModalWidget(), &dialog);
-          acceptByKey(dialog);
+          dialog.accept();
         });
-    EXPECT_EQ(person.text(PanelField::line), "9");
     person.press(Qt::Key_G);
+    person.answers("Confirm Exit", closeFrame, "No");
+    EXPECT_EQ(person.text(PanelField::state), "Logging");
     EXPECT_TRUE(comes([&person] { return person.logging().session()->counts.readings >= 2; }));
-    person.press(Qt::Key_Space);
-    person.answering(
-        "Confirm Exit", [&person] { person.window().close(); }, [](QDialog& box) { tapIn(box, "Yes"); });
+    person.answers("Confirm Exit", closeFrame, "Yes");
   });
   EXPECT_EQ(status, 0);
   // One break, then the line and its readings.
   const auto content = wiped(readFile(path), 24);
   EXPECT_EQ(content.substr(std::size_t{7} * 24, std::size_t{6} * 24),
-            records24({withTick(24, "X$CONN BREAK"), "L9", "B       0.00", "AS           -1.000",
+            records24({withTick(24, "X$CONN BREAK"), "L2.00", "B       0.00", "AS           -1.000",
                        "Z00000000 00:00:00", withTick(24, "*00:00:00.000")}));
   const auto reading = records24({withTick(24, "T$-0400-0800")});
   EXPECT_THAT(content, testing::HasSubstr(records24({withTick(24, "X$STARTED")}) + reading + reading));
@@ -412,44 +228,27 @@ TEST(WindowCable, PulledBehindADialogAndPluggedInAgainResumes) {
 }
 
 // The program as the desktop starts it, where there is no session bus.
-struct Started : testing::Test {
-  Started() {
-    qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");
-    qputenv("XDG_CONFIG_HOME", QByteArray::fromStdString(folder.path().string()));
-  }
-  ~Started() override {
-    qunsetenv("DBUS_SESSION_BUS_ADDRESS");
-    qunsetenv("XDG_CONFIG_HOME");
-  }
-  std::vector<std::string> command() const {
-    return {KALMIRA, "--kind", "ORLA", "--root", folder.path(), "--com", "1=" + device.name};
-  }
-  // The settings file is made while the window is.
-  bool stands() const {
-    return comes([this] { return std::filesystem::exists(folder.path() / "Storage/KALINI/ORLA.INI"); });
-  }
-  TempFolder folder;
-  Device device;
-};
-
-TEST_F(Started, EndsWhenTheMachineAsks) {
+TEST(Started, ASecondStartOnTheSameRootEndsAndTheFirstWhenTheMachineAsks) {
+  const TempFolder folder;
+  const Device device;
+  qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");
+  qputenv("XDG_CONFIG_HOME", QByteArray::fromStdString(folder.path().string()));
+  const auto options = fmt::format("--kind ORLA --root {} --com 1={}", folder.path().string(), device.name);
   for (const int number : {SIGTERM, SIGINT}) {
-    Program program(command());
-    ASSERT_TRUE(stands());
-    program.signal(number);
-    EXPECT_EQ(program.end(), 0) << program.errors();
+    Program first(KALMIRA, options);
+    // The settings file is made while the window is.
+    ASSERT_TRUE(comes([&] { return std::filesystem::exists(folder.path() / "Storage/KALINI/ORLA.INI"); }));
+    if (number == SIGTERM) {
+      const auto second = run(KALMIRA, options);
+      EXPECT_EQ(second.status, 0);
+      EXPECT_THAT(second.errors, EndsWith("kalmira: already running on this root\n"));
+    }
+    first.signal(number);
+    EXPECT_EQ(first.end(), 0) << first.errors();
     std::filesystem::remove_all(folder.path() / "Storage");
   }
-}
-
-TEST_F(Started, ASecondStartOnTheSameRootEnds) {
-  Program first(command());
-  ASSERT_TRUE(stands());
-  const auto second = run(command());
-  EXPECT_EQ(second.status, 0);
-  EXPECT_THAT(second.errors, EndsWith("kalmira: already running on this root\n"));
-  first.signal(SIGTERM);
-  EXPECT_EQ(first.end(), 0) << first.errors();
+  qunsetenv("DBUS_SESSION_BUS_ADDRESS");
+  qunsetenv("XDG_CONFIG_HOME");
 }
 
 }  // namespace

@@ -93,7 +93,7 @@ TEST(WindowSurvey, OfAnOrlaWithItsReceiverGivesItsFileByteForByte) {
   };
   EXPECT_EQ(machine.run(work, true), 0);
   EXPECT_EQ(wiped(readFile(path), 24),
-            bytesOf({.header = "ORLA2   W230GPS0010   3",
+            bytesOf({.header = "ORLA2   W230GPS0010   2",
                      .firstPiece = {withTick(24, "T$+0400-0800"), "@$GPGGA,101308.00,5057.",
                                     "#90,N,00659.10,E,1,08,1", "#.1,50.0,M,46.0,M,,*5D", withTick(24, "!"),
                                     withTick(24, "Td-0412+0796")},

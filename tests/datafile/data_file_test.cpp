@@ -82,9 +82,11 @@ TEST_F(DataFileTest, ACardTakenOutAtAPauseIsPickedUpAgainAndAnotherOneIsLeftAlon
     EXPECT_EQ(file.problem(), "Cannot write: No such device");
     EXPECT_EQ(file.waitingRecords(), 1U);
   }
-  // What stands behind the records is half a one.
-  disk.state.content = ours + "T$-0";
+  disk.state.content = ours;
   file.service();
+  // Half a record behind ours, of a write that failed, is cut off.
+  disk.state.content += "T$-0";
+  file.closeAndReopen();
   EXPECT_EQ(disk.content(), ours + record(3));
   EXPECT_EQ(file.problem(), "");
 }
@@ -144,8 +146,11 @@ TEST_F(CreationTest, ExistingFileIsRefusedAndLeftAlone) {
 }
 
 TEST_F(CreationTest, WhatCannotBeWrittenIsToldWithItsCauseAndLeavesNoFile) {
-  const auto at = [](std::filesystem::path path) {
-    return [path](const std::string&) { return std::optional(path); };
+  // Chosen once; asked again, the operator gives up.
+  const auto at = [](const std::filesystem::path& path) {
+    return [path, asked = 0](const std::string&) mutable {
+      return asked++ == 0 ? std::optional(path) : std::nullopt;
+    };
   };
   auto outcome = create(at(root.path() / "missing" / "x.NTS"));
   EXPECT_EQ(outcome.how, CreateOutcome::How::failed);

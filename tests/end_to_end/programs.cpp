@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <poll.h>
+#include <spawn.h>
 #include <sys/wait.h>
 #include <termios.h>
 
@@ -31,28 +32,9 @@ class Deadline {
   steady_clock::time_point end_ = steady_clock::now() + std::chrono::milliseconds(kPatienceMs);
 };
 
-struct Pipe {
-  int reading = -1, writing = -1;
-  Pipe() {
-    std::array<int, 2> ends{};
-    if (::pipe2(ends.data(), O_CLOEXEC) != 0) throw std::runtime_error("pipe");
-    reading = ends[0];
-    writing = ends[1];
-  }
-};
-
 void closeFd(int& fd) {
   if (fd >= 0) ::close(fd);
   fd = -1;
-}
-
-// In the new process: nothing but calls that may stand between fork and exec.
-[[noreturn]] void become(char* const* arguments, int in, int out, int err) {
-  ::dup2(in, STDIN_FILENO);
-  ::dup2(out, STDOUT_FILENO);
-  ::dup2(err, STDERR_FILENO);
-  ::execv(arguments[0], arguments);
-  ::_exit(127);
 }
 
 // Takes what there is; false at its end.
@@ -91,19 +73,25 @@ Program::Program(const std::string& program, const std::string& arguments) {
   std::vector<char*> pointers;
   for (auto& word : words) pointers.push_back(word.data());
   pointers.push_back(nullptr);
-  Pipe in;
-  Pipe out;
-  Pipe err;
-  process_ = ::fork();
-  if (process_ == 0) become(pointers.data(), in.reading, out.writing, err.writing);
-  for (int* fd : {&in.reading, &out.writing, &err.writing}) closeFd(*fd);
-  input_ = in.writing;
-  output_fd_ = out.reading;
-  errors_fd_ = err.reading;
+  std::array<std::array<int, 2>, 3> pipes{};
+  posix_spawn_file_actions_t actions;
+  ::posix_spawn_file_actions_init(&actions);
+  for (int fd = 0; fd < 3; ++fd) {
+    auto& ends = pipes.at(static_cast<std::size_t>(fd));
+    EXPECT_EQ(::pipe2(ends.data(), O_CLOEXEC), 0);
+    if (fd > 0) std::swap(ends[0], ends[1]);  // the program's end first
+    ::posix_spawn_file_actions_adddup2(&actions, ends[0], fd);
+  }
+  EXPECT_EQ(::posix_spawn(&process_, pointers[0], &actions, nullptr, pointers.data(), environ), 0) << program;
+  ::posix_spawn_file_actions_destroy(&actions);
+  for (auto& ends : pipes) ::close(ends[0]);
+  input_ = pipes[0][1];
+  output_fd_ = pipes[1][1];
+  errors_fd_ = pipes[2][1];
 }
 
 Program::~Program() {
-  if (!ended_) {
+  if (!ended_ && process_ > 0) {
     ::kill(process_, SIGKILL);
     ::waitpid(process_, nullptr, 0);
   }
@@ -120,6 +108,7 @@ void Program::closeInput() {
 }
 
 void Program::signal(int number) const {
+  ASSERT_GT(process_, 0);
   ASSERT_EQ(::kill(process_, number), 0);
 }
 
@@ -155,7 +144,7 @@ std::string Program::nextLine(std::string_view start, const std::function<void()
 int Program::end() {
   for (const Deadline deadline; !ended_ && !deadline.passed();) {
     if (!gather(kStepMs)) ::poll(nullptr, 0, 5);
-    ended_ = ::waitpid(process_, &status_, WNOHANG) == process_;
+    ended_ = process_ > 0 && ::waitpid(process_, &status_, WNOHANG) == process_;
   }
   if (!ended_) return -1;
   while ((output_fd_ >= 0 || errors_fd_ >= 0) && gather(0)) {

@@ -54,7 +54,9 @@ void expectPrompt(const Action& action) {
 }
 
 void waitUntil(const std::function<bool()>& happened) {
-  while (!happened()) std::this_thread::yield();
+  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+  while (!happened() && std::chrono::steady_clock::now() < end) std::this_thread::yield();
+  EXPECT_TRUE(happened());
 }
 
 TEST_F(PortThreadsTest, ClosingIsPromptWhateverTheReadersDo) {

@@ -253,8 +253,7 @@ TEST(Panel, WordsOfTheModes) {
 
 TEST(Watchdog, NoEndsTheSessionWithItsRecord) {
   TestSession test(Kind::vardo);
-  test.begin();
-  startRecording(test.session);
+  test.go();
   test.view.answer = false;
   silence(test, 6);
   EXPECT_EQ(test.view.questions.at(0).title, "VARDO Battery Save Mode");
@@ -279,27 +278,6 @@ TEST(Watchdog, PeriodsOfTheKinds) {
     takeRecordRates(orla.session);
     EXPECT_GE(orla.session.connectionTimeoutMs, 1000U);
     EXPECT_GE(orla.session.recordInterval, 1);
-  }
-}
-
-// Two samples: each field that the kind has is averaged, towards zero, and nothing else is touched.
-TEST(Averaging, PutsTheFieldsOfItsKindIntoTheRecord) {
-  struct Case {
-    Kind kind;
-    std::string first, second, written;
-  };
-  for (const auto& item : {Case{Kind::orla, "T`-0100-0400", "T -0201+0501", "T -0150+0050"},
-                           Case{Kind::teskb, "T`+9999-0003", "T +9999-0002", "T +9999-0002"},
-                           Case{Kind::mirka, "T`-0100-0400", "T -0201-0501", "T -0150-0450"},
-                           Case{Kind::tesk, "T`-0100", "T -0201", "T -0150     "},
-                           Case{Kind::tesk, "T`-0100-0400", "T -0201-0501", "T -0150-0501"}}) {
-    TestSession test(item.kind);
-    test.settings.surveyMode = kModeManual;
-    test.settings.readingsCount = 2;
-    test.begin();
-    startRecording(test.session);
-    for (const auto& text : {item.first, item.second}) test.record(text);
-    EXPECT_THAT(test.readings(), ElementsAre(item.written)) << instrumentOf(item.kind).name;
   }
 }
 
@@ -337,9 +315,7 @@ TEST(GpsHandler, AutoModeWritesEachLineAsItComes) {
 TEST(GpsHandler, ManualModeTiesOnePositionToEachReading) {
   TestSession test(Kind::orla);
   test.settings.gpsInput = 1;
-  test.settings.surveyMode = kModeManual;
-  test.begin();
-  startRecording(test.session);
+  test.go(kModeManual);
   const auto press = [&test] {
     test.record("T`-0100-0400");
     test.record("T -0100-0400");

@@ -42,7 +42,7 @@ struct FakeDevice {
   bool isOpen = false;
   LineSettings line{};
   unsigned status = 0;
-  // With a clock: what was done, with its milliseconds: "0 purge", "6 write $X", "50 read".
+  // What was done: "purge", "write $X"; with a clock the reads as well, and the milliseconds: "50 read".
   std::vector<std::string> trace{};
   std::uint32_t start = clock == nullptr ? 0 : clock->tick();
 
@@ -65,8 +65,9 @@ struct FakeDevice {
     const std::scoped_lock lock(mutex);
     return this->*member;
   }
-  void note(std::string_view what) {
+  void note(const std::string& what) {
     if (clock != nullptr) trace.push_back(fmt::format("{} {}", ticksSince(clock->tick(), start), what));
+    if (clock == nullptr && what != "read") trace.push_back(what);
   }
 };
 using FakeDevices = std::map<std::string, FakeDevice>;

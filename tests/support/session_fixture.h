@@ -95,6 +95,12 @@ struct TestSession {
     ASSERT_EQ(outcome.how, CreateOutcome::How::created) << outcome.cause;
     opening = disk.content().size();
   }
+  // The same, and records.
+  void go(int mode = kModeAuto) {
+    settings.surveyMode = mode;
+    begin();
+    startRecording(session);
+  }
   // What a reader does with a good record that is handed over.
   void record(std::string_view text) {
     std::copy(text.begin(), text.end(), link.recordText.begin());

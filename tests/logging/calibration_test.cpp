@@ -21,45 +21,6 @@ std::string record(char mode, std::array<unsigned, 6> words) {
   return text;
 }
 
-const std::array<unsigned, 6> kZero{32768, 32768, 32768, 32768, 311, 311};
-
-TEST(Tesk2Handler, WritesTheFourteenBytesAsTheyAre) {
-  TestSession test(Kind::tesk2);
-  test.begin();
-  startRecording(test.session);
-  const auto bytes = record(kVertical, {33792, 32768, 0x0A0A, 33792, 311, 0});
-  test.record(bytes);
-  EXPECT_THAT(test.readings(), ElementsAre(bytes));
-  EXPECT_EQ(test.view.texts[PanelField::value2], "I:1.15    ppt");
-  EXPECT_EQ(test.view.texts[PanelField::value3], "c:40.00   mS/m");
-  EXPECT_EQ(test.view.texts[PanelField::value5], "T:50.06   ");
-  EXPECT_EQ(test.view.texts[PanelField::value6], "t:-50.00  ");
-}
-
-TEST(Tesk2Handler, MarkerRecordsOneReadingInManualMode) {
-  TestSession test(Kind::tesk2);
-  test.settings.surveyMode = kModeManual;
-  test.begin();
-  startRecording(test.session);
-  test.record(record(kVertical, kZero));
-  EXPECT_EQ(test.session.counts.readings, 0U);
-  for (int i = 0; i < 3; ++i) test.record(record(kVertical + 8, kZero));
-  EXPECT_EQ(test.session.counts.readings, 1U);
-}
-
-TEST(Tesk2Handler, AverageIsBuiltOfTheAveragedWords) {
-  TestSession test(Kind::tesk2);
-  test.settings.surveyMode = kModeManual;
-  test.settings.readingsCount = 2;
-  test.begin();
-  startRecording(test.session);
-  test.record(record(kVertical + 8, {32768, 100, 33792, 1, 0, 65535}));
-  test.record(record(kVertical, {32768, 101, 34816, 2, 0, 65535}));
-  EXPECT_THAT(test.readings(), ElementsAre(record(kVertical, {32768, 100, 34304, 1, 0, 65535})));
-  EXPECT_EQ(test.view.texts[PanelField::value1], "C:60.00   mS/m");
-  EXPECT_EQ(test.session.triggerMode, kModeManual);
-}
-
 struct CalibrationTest : testing::Test {
   TestSession test{Kind::tesk2};
   Calibration& calibration = test.session.calibration;

@@ -2,10 +2,11 @@
 
 #include <gmock/gmock.h>
 
-#include <Qt>
+#include <QFontMetrics>
 
 #include "support/session_fixture.h"
 #include "ui/screen/key_table.h"
+#include "ui/screen/touch_button.h"
 
 namespace kalmira {
 namespace {
@@ -13,11 +14,7 @@ namespace {
 using testing::ElementsAre;
 
 TEST(ButtonTexts, RowsOfEveryState) {
-  TestSession orla(Kind::orla);
   TestSession tesk2(Kind::tesk2);
-  EXPECT_THAT(buttonTexts(orla.session, {}), ElementsAre("&Create File", "E&xit"));
-  EXPECT_THAT(buttonTexts(tesk2.session, {}),
-              ElementsAre("&Create File", "C&alibrate", "D&el Calibr.", "E&xit"));
   tesk2.session.setup.smallScreen = true;
   EXPECT_THAT(buttonTexts(tesk2.session, {}), ElementsAre("&Cr. File", "C&alib.", "D&el Cal.", "E&xit"));
   tesk2.session.loggingState = kStandBy;
@@ -25,15 +22,13 @@ TEST(ButtonTexts, RowsOfEveryState) {
               ElementsAre("&Go", "&Line", "&NStn", "&Cmnt", "&Menu", "E&xit"));
 }
 
-struct PromptCase {
-  Keypad keypad;
-  int pauseKey;
-  bool manual;
-  std::string_view text;
-};
-
 TEST(ButtonTexts, PromptsNameTheKeyThatPauses) {
-  const std::vector<PromptCase> cases{
+  const struct {
+    Keypad keypad;
+    int pauseKey;
+    bool manual;
+    std::string_view text;
+  } cases[]{
       {Keypad::full, 0, false, "TAP ME or press any key to Pause"},
       {Keypad::full, 1, false, "TAP ME or press SPACE bar to Pause"},
       {Keypad::full, 2, true, "Trigger to Log, Tap or press ENTER key to Pause"},
@@ -55,62 +50,100 @@ TEST(ButtonTexts, PromptsNameTheKeyThatPauses) {
   for (const auto& item : cases) EXPECT_EQ(pausePrompt(item.keypad, item.pauseKey, item.manual), item.text);
 }
 
-// What a key of the keyboard asks for in each state, pause key "any". -1: nothing.
-struct KeyboardCase {
-  int qtKey;
-  int noFile;
-  int standBy;
-  int logging;
-};
-
-TEST(KeyTable, FromTheKeyboardToTheCodes) {
-  const std::vector<KeyboardCase> cases{
-      {Qt::Key_C, 0, 3, 0},          {Qt::Key_G, -1, 0, 0},         {Qt::Key_L, -1, 1, 0},
-      {Qt::Key_N, 2, 2, 0},          {Qt::Key_M, 4, 4, 0},          {Qt::Key_X, 4, 5, 0},
-      {Qt::Key_U, 1, -1, 0},         {Qt::Key_A, -1, -1, 0},        {Qt::Key_E, -1, -1, 0},
-      {Qt::Key_B, -1, -1, 0},        {Qt::Key_0, -1, -1, 0},        {Qt::Key_5, -1, -1, 0},
-      {Qt::Key_Return, 0, 0, 0},     {Qt::Key_Enter, 0, 0, 0},      {Qt::Key_Tab, -1, -1, 0},
-      {Qt::Key_Space, -1, -1, 0},    {Qt::Key_Left, -1, -1, 0},     {Qt::Key_F5, -1, -1, 0},
-      {Qt::Key_Escape, -1, -1, 0},   {Qt::Key_Minus, -1, -1, 0},    {Qt::Key_Shift, -1, -1, -1},
-      {Qt::Key_Control, -1, -1, -1}, {Qt::Key_VolumeUp, -1, -1, -1}};
-  TestSession test(Kind::orla);
-  test.session.inputEnabled = true;
-  for (const auto& item : cases) {
-    for (const auto& [state, expected] : {std::pair{kNoFile, item.noFile}, std::pair{kStandBy, item.standBy},
-                                          std::pair{kLogging, item.logging}}) {
-      test.session.loggingState = state;
-      Focus focus;
-      const int keyCode = keyCodeOf(item.qtKey, 0);
-      const int code = keyCode == kNoKey ? kNoCode : codeOfKey(test.session, focus, {}, keyCode);
-      EXPECT_EQ(code, expected) << "key " << item.qtKey << " state " << state;
+// A row is 240 units wide.
+TEST(ButtonTexts, NoneIsCutInItsRow) {
+  std::vector<std::pair<std::string_view, std::size_t>> texts;
+  for (const auto keypad : {Keypad::full, Keypad::narrow, Keypad::tesk2, Keypad::numeric}) {
+    for (int i = 0; i < 8; ++i) texts.emplace_back(pausePrompt(keypad, i / 2, i % 2 == 0), 1);
+  }
+  TestSession tesk2(Kind::tesk2);
+  for (const auto state : {kNoFile, kStandBy}) {
+    tesk2.session.loggingState = state;
+    const auto row = buttonTexts(tesk2.session, {});
+    for (const auto text : row) texts.emplace_back(text, row.size());
+  }
+  for (const double scale : {1.0, 1.5, 2.0, 3.0}) {
+    for (const auto& [bytes, inRow] : texts) {
+      SCOPED_TRACE(testing::Message() << bytes << " at " << scale);
+      const auto text = QString::fromUtf8(bytes.data(), static_cast<qsizetype>(bytes.size()));
+      TouchButton button(text, dayTheme());
+      QFont wished;
+      wished.setPixelSize(static_cast<int>(12 * scale));
+      button.setDefault(true);  // the thicker frame
+      button.resize(static_cast<int>(240 * scale) / static_cast<int>(inRow), static_cast<int>(34 * scale));
+      const QSize room = button.textRoom().size();
+      const QFont font = fittedFont(text, wished, room);
+      const QRect needed = QFontMetrics(font).boundingRect(
+          QRect(QPoint(0, 0), room), Qt::AlignCenter | Qt::TextWordWrap | Qt::TextShowMnemonic, text);
+      EXPECT_LE(needed.width(), room.width());
+      EXPECT_LE(needed.height(), room.height());
+      EXPECT_GE(font.pixelSize(), static_cast<int>(8 * scale));
     }
   }
 }
 
-TEST(KeyTable, PauseKeys) {
+// What a key of the keyboard asks for in each state, pause key "any". -1: nothing.
+TEST(KeyTable, FromTheKeyboardToTheCodes) {
+  const struct {
+    std::vector<int> qtKeys;
+    int noFile, standBy, logging;
+  } cases[]{{{Qt::Key_C}, 0, 3, 0},
+            {{Qt::Key_G}, -1, 0, 0},
+            {{Qt::Key_L}, -1, 1, 0},
+            {{Qt::Key_N}, 2, 2, 0},
+            {{Qt::Key_M}, 4, 4, 0},
+            {{Qt::Key_X}, 4, 5, 0},
+            {{Qt::Key_U}, 1, -1, 0},
+            {{Qt::Key_A, Qt::Key_E, Qt::Key_B, Qt::Key_0, Qt::Key_5, Qt::Key_Tab, Qt::Key_Space, Qt::Key_Left,
+              Qt::Key_F5, Qt::Key_Escape, Qt::Key_Minus},
+             -1,
+             -1,
+             0},
+            {{Qt::Key_Return, Qt::Key_Enter, Qt::Key_Select}, 0, 0, 0},
+            {{Qt::Key_Shift, Qt::Key_Control, Qt::Key_VolumeUp}, -1, -1, -1}};
+  TestSession test(Kind::orla);
+  test.session.inputEnabled = true;
+  for (const auto& item : cases) {
+    for (const int qtKey : item.qtKeys) {
+      for (const auto& [state, expected] :
+           {std::pair{kNoFile, item.noFile}, {kStandBy, item.standBy}, {kLogging, item.logging}}) {
+        test.session.loggingState = state;
+        Focus focus;
+        const int keyCode = keyCodeOf(qtKey, 0);
+        const int code = keyCode == kNoKey ? kNoCode : codeOfKey(test.session, focus, {}, keyCode);
+        EXPECT_EQ(code, expected) << "key " << qtKey << " state " << state;
+      }
+    }
+  }
+  test.session.inputEnabled = false;
+  Focus focus;
+  EXPECT_EQ(codeOfKey(test.session, focus, {}, 'C'), kNoCode);
+}
+
+TEST(KeyTable, PauseKeysAlsoStartButForEnterWhichPressesTheFocusedButton) {
   TestSession test(Kind::orla);
   auto& session = test.session;
   session.inputEnabled = true;
+  const std::vector<int> enters{Qt::Key_Return, Qt::Key_Enter, Qt::Key_Select};
+  const auto has = [](const std::vector<int>& keys, int key) {
+    return std::find(keys.begin(), keys.end(), key) != keys.end();
+  };
   const std::vector<std::pair<int, std::vector<int>>> pauses{
       {1, {Qt::Key_Space, Qt::Key_Minus, Qt::Key_Period, Qt::Key_0}},
-      {2, {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Select}},
+      {2, enters},
       {3, {Qt::Key_S, Qt::Key_0}}};
   for (const auto& [pauseKey, keys] : pauses) {
     session.settings.pauseKey = pauseKey;
     for (const int qtKey : {Qt::Key_Space, Qt::Key_Minus, Qt::Key_Period, Qt::Key_0, Qt::Key_Return,
-                            Qt::Key_Enter, Qt::Key_Select, Qt::Key_S, Qt::Key_G, Qt::Key_5, Qt::Key_Left}) {
-      const bool named = std::find(keys.begin(), keys.end(), qtKey) != keys.end();
+                            Qt::Key_Enter, Qt::Key_Select, Qt::Key_S, Qt::Key_5, Qt::Key_Left}) {
+      SCOPED_TRACE(testing::Message() << pauseKey << " key " << qtKey);
       Focus focus;
       session.loggingState = kLogging;
-      EXPECT_EQ(codeOfKey(session, focus, {}, keyCodeOf(qtKey, pauseKey)), named ? 0 : kNoCode)
-          << pauseKey << " key " << qtKey;
-      // The same keys start, but for Enter, which presses the focused button anyhow.
+      EXPECT_EQ(codeOfKey(session, focus, {}, keyCodeOf(qtKey, pauseKey)), has(keys, qtKey) ? 0 : kNoCode);
+      if (pauseKey == 2) continue;
       session.loggingState = kStandBy;
-      const int starts = codeOfKey(session, focus, {}, keyCodeOf(qtKey, pauseKey));
-      if (qtKey != Qt::Key_G && pauseKey != 2) {
-        const bool enter = qtKey == Qt::Key_Return || qtKey == Qt::Key_Enter || qtKey == Qt::Key_Select;
-        EXPECT_EQ(starts, named || enter ? 0 : kNoCode) << pauseKey << " key " << qtKey;
-      }
+      EXPECT_EQ(codeOfKey(session, focus, {}, keyCodeOf(qtKey, pauseKey)),
+                has(keys, qtKey) || has(enters, qtKey) ? 0 : kNoCode);
     }
   }
 }

@@ -84,7 +84,7 @@ TEST_F(CurveTest, LongLimitsAreMadeToFit) {
   EXPECT_EQ(screen.copy(0, 0, 302, 200), picture.copy(0, 0, 302, 200));
 }
 
-TEST_F(CurveTest, ALostLinkIsRedrawnWhenPainted) {
+TEST_F(CurveTest, ALostLinkIsRedrawnWhenPaintedAndNothingIsShownWithoutASession) {
   startRecording(test.session);
   readings(20);
   const auto live = chart.picture();
@@ -94,11 +94,6 @@ TEST_F(CurveTest, ALostLinkIsRedrawnWhenPainted) {
   shown();
   EXPECT_FALSE(test.session.linkLost);
   EXPECT_EQ(chart.picture(), live);
-}
-
-TEST_F(CurveTest, IsEmptyWithoutASession) {
-  startRecording(test.session);
-  readings(20);
   chart.setSession(nullptr);
   chart.addPoint({});
   const auto picture = chart.picture();

@@ -2,20 +2,9 @@
 
 #include <gmock/gmock.h>
 
-#include <QComboBox>
-#include <QLabel>
-#include <QLineEdit>
-#include <QMessageBox>
-#include <QPushButton>
-#include <QScrollArea>
-#include <QScrollBar>
-#include <QTest>
-
 #include "datafile/record_format.h"
 #include "settings/comment_hint.h"
-#include "support/dialog_actor.h"
-#include "ui/screen/template_dialog.h"
-#include "ui/screen/touch_button.h"
+#include "support/dialogs.h"
 
 namespace kalmira {
 namespace {
@@ -23,103 +12,64 @@ namespace {
 using ::testing::ElementsAre;
 using How = CommentOutcome::How;
 
-constexpr QSize kUpright{240, 320};
-constexpr QSize kLying{320, 240};
-
-class SessionDialogs : public ::testing::Test {
- protected:
-  SessionDialogs() {
-    window.resize(kUpright);
-    window.show();
+struct SessionDialogs : DialogTest {
+  std::optional<LineEntry> newLine(double station, const DialogActor::Act& act) {
+    return in("New Line", act, [&] { return runNewLineDialog(&window, settings, station); });
   }
-
-  std::optional<LineEntry> newLine(double station, const std::function<void(QDialog&)>& act) {
-    const DialogActor actor(window, "New Line", act);
-    return runNewLineDialog(&window, settings, station);
+  std::optional<double> newStation(const DialogActor::Act& act) {
+    return in("New Station", act,
+              [&] { return runNewStationDialog(&window, "GetNewStation", settings, 12.5); });
   }
-  std::optional<double> newStation(const std::function<void(QDialog&)>& act) {
-    const DialogActor actor(window, "New Station", act);
-    return runNewStationDialog(&window, "GetNewStation", settings, 12.5);
+  CommentOutcome comment(const DialogActor::Act& act) {
+    return in("Enter Comment", act, [&] { return runCommentDialog(&window); });
   }
-  CommentOutcome comment(const std::function<void(QDialog&)>& act) {
-    const DialogActor actor(window, "Enter Comment", act);
-    return runCommentDialog(&window);
+  std::optional<Settings> scale(const char* templateName, Kind kind, bool ice, const DialogActor::Act& act) {
+    return in("Enter Scale", act,
+              [&] { return runProfileScaleDialog(&window, templateName, kind, ice, settings); });
   }
-  std::optional<Settings> scale(const char* templateName, Kind kind, bool ice,
-                                const std::function<void(QDialog&)>& act) {
-    const DialogActor actor(window, "Enter Scale", act);
-    return runProfileScaleDialog(&window, templateName, kind, ice, settings);
-  }
-
-  QWidget window;
   Settings settings;
 };
 
-void press(QDialog& dialog, Qt::Key key) {
-  QTest::keyClick(dialog.focusWidget(), key);
-}
-
-void tap(QDialog& dialog, const char* button) {
-  QTest::mouseClick(&part<QPushButton>(dialog, button), Qt::LeftButton);
-}
-
 // As an operator does: over what is selected there, and on to the next field.
-void type(QDialog& dialog, const QString& text) {
+void typeOn(QDialog& dialog, const char* text) {
   QTest::keyClicks(dialog.focusWidget(), text);
   press(dialog, Qt::Key_Tab);
 }
 
-std::string fieldText(const QDialog& dialog, const char* field) {
-  return typedText(part<QLineEdit>(dialog, field));
-}
-
-std::string labelText(const QDialog& dialog, const char* label) {
-  return part<QLabel>(dialog, label).text().toStdString();
-}
-
-struct LineFields {
+std::vector<std::string> fields(const QDialog& dialog, std::initializer_list<const char*> names) {
   std::vector<std::string> texts;
-  int direction = -1;
-};
-
-LineFields lineFields(const QDialog& dialog) {
-  return {{labelText(dialog, "currentLine"), labelText(dialog, "lastStation"), fieldText(dialog, "newLine"),
-           fieldText(dialog, "lineIncrement"), fieldText(dialog, "startStation"),
-           fieldText(dialog, "stationIncrement")},
-          part<QComboBox>(dialog, "direction").currentIndex()};
+  for (const char* name : names) texts.push_back(fieldText(dialog, name));
+  return texts;
 }
 
-TEST_F(SessionDialogs, NewLineProposesTheWayBackOrTheSameAgain) {
+TEST_F(SessionDialogs, NewLineShowsTheProposalAndIsTypedFieldByField) {
   settings.lineName = "A7";
   settings.lineIncrement = 2.0F;
   settings.stationIncrement = 2.5F;
   settings.direction = 2;
   settings.startStation = 5.0;
-  LineFields shown;
-  const auto look = [&shown](QDialog& dialog) {
-    shown = lineFields(dialog);
-    press(dialog, Qt::Key_Escape);
+  const auto look = [](const QDialog& dialog) {
+    EXPECT_EQ(labelText(dialog, "currentLine"), "A7");
+    EXPECT_EQ(labelText(dialog, "lastStation"), "50.000");
+    EXPECT_THAT(fields(dialog, {"newLine", "lineIncrement", "startStation", "stationIncrement"}),
+                ElementsAre("2.00", "2.00", "50.000", "-2.500"));
+    EXPECT_EQ(list(dialog, "sequence").currentIndex(), 0);
+    EXPECT_EQ(list(dialog, "direction").currentText(), "South");
   };
-  EXPECT_FALSE(newLine(50.0, look));
-  EXPECT_THAT(shown.texts, ElementsAre("A7", "50.000", "2.00", "2.00", "50.000", "-2.500"));
-  EXPECT_EQ(shown.direction, 1);
-
-  settings.sequenceMode = kSequenceOneWay;
-  EXPECT_FALSE(newLine(50.0, look));
-  EXPECT_THAT(shown.texts, ElementsAre("A7", "50.000", "2.00", "2.00", "5.000", "2.500"));
-  EXPECT_EQ(shown.direction, 2);
-}
-
-TEST_F(SessionDialogs, NewLineIsTypedFieldByFieldAndConfirmedByEnter) {
-  const auto entry = newLine(1.0, [](QDialog& dialog) {
-    type(dialog, "Bach 7, West");
-    type(dialog, "2,5");
+  EXPECT_FALSE(newLine(50.0, [&](QDialog& dialog) {
+    look(dialog);
+    press(dialog, Qt::Key_Escape);
+  }));
+  const auto entry = newLine(50.0, [&](QDialog& dialog) {
+    look(dialog);
+    typeOn(dialog, "Bach 7, West");
+    typeOn(dialog, "2,5");
     EXPECT_EQ(fieldText(dialog, "lineIncrement"), "2.5") << "a comma is a full stop to be seen";
-    QTest::keyClick(dialog.focusWidget(), Qt::Key_Down);
+    press(dialog, Qt::Key_Down);
     press(dialog, Qt::Key_Tab);
-    QTest::keyClick(dialog.focusWidget(), Qt::Key_End);
+    press(dialog, Qt::Key_End);
     press(dialog, Qt::Key_Tab);
-    type(dialog, "12.75x9");
+    typeOn(dialog, "12.75x9");
     QTest::keyClicks(dialog.focusWidget(), "-1,25");
     press(dialog, Qt::Key_Return);
   });
@@ -139,10 +89,10 @@ TEST_F(SessionDialogs, NumbersBeyondReasonAreBroughtToWhatAFieldHolds) {
   const auto entry = newLine(-1e300, [](QDialog& dialog) {
     part<QLineEdit>(dialog, "newLine").setText(QString(40, QChar(0x00E4)));
     press(dialog, Qt::Key_Tab);
-    type(dialog, "1e300");
+    typeOn(dialog, "1e300");
     part<QLineEdit>(dialog, "startStation").setText("inf");
     part<QLineEdit>(dialog, "stationIncrement").setText("nan");
-    tap(dialog, "ok");
+    tapOk(dialog);
   });
   ASSERT_TRUE(entry);
   EXPECT_EQ(entry->lineName.size(), 2 * kLineNameCharacters);
@@ -153,23 +103,19 @@ TEST_F(SessionDialogs, NumbersBeyondReasonAreBroughtToWhatAFieldHolds) {
 
 TEST_F(SessionDialogs, NewStationStartsEmptyAndReadsWhatIsANumber) {
   settings.startStation = 3;
-  struct Case {
-    const char* typed;
-    double station;
-  };
-  for (const auto& c :
-       {Case{"", 0}, Case{"abc", 0}, Case{" 17.25m", 17.25}, Case{"-3,5", -3.5}, Case{"1e999", 0}}) {
-    const auto station = newStation([&c](QDialog& dialog) {
+  for (const auto& [typed, wanted] :
+       {std::pair{"", 0.0}, {"abc", 0.0}, {" 17.25m", 17.25}, {"-3,5", -3.5}, {"1e999", 0.0}}) {
+    const auto station = newStation([typed = typed](QDialog& dialog) {
       EXPECT_EQ(labelText(dialog, "startStation"), "3.000");
       EXPECT_EQ(labelText(dialog, "lastStation"), "12.500");
       EXPECT_EQ(fieldText(dialog, "newStation"), "");
-      QTest::keyClicks(dialog.focusWidget(), c.typed);
+      QTest::keyClicks(dialog.focusWidget(), typed);
       press(dialog, Qt::Key_Enter);
     });
-    ASSERT_TRUE(station) << c.typed;
-    EXPECT_EQ(*station, c.station) << c.typed;
+    ASSERT_TRUE(station) << typed;
+    EXPECT_EQ(*station, wanted) << typed;
   }
-  EXPECT_FALSE(newStation([](QDialog& dialog) { tap(dialog, "cancel"); }));
+  EXPECT_FALSE(newStation(tapCancel));
 }
 
 TEST_F(SessionDialogs, CommentIsConfirmedOrCancelledWithAndWithoutText) {
@@ -189,10 +135,7 @@ TEST_F(SessionDialogs, CommentIsConfirmedOrCancelledWithAndWithoutText) {
     EXPECT_EQ(outcome.how, c.how) << c.typed;
     EXPECT_EQ(outcome.text, c.typed);
   }
-}
-
-TEST_F(SessionDialogs, CommentTakes512CharactersAndShowsWhatIsKept) {
-  const auto outcome = comment([](QDialog& dialog) {
+  const auto longest = comment([](QDialog& dialog) {
     EXPECT_EQ(labelText(dialog, "hint"), "11 characters fit");
     QTest::keyClicks(dialog.focusWidget(), "Bridge");
     EXPECT_EQ(labelText(dialog, "hint"), "5 more fit");
@@ -200,7 +143,7 @@ TEST_F(SessionDialogs, CommentTakes512CharactersAndShowsWhatIsKept) {
     EXPECT_EQ(labelText(dialog, "hint"), "Kept: Br?cke ?ber");
     press(dialog, Qt::Key_Return);
   });
-  EXPECT_EQ(outcome.text.size(), 512U + 2U);
+  EXPECT_EQ(longest.text.size(), 512U + 2U);
 }
 
 TEST(CommentHint, CountsAsTheRecordDoes) {
@@ -213,68 +156,75 @@ TEST(CommentHint, CountsAsTheRecordDoes) {
   }
 }
 
+// What the scales of the settings are shown as, and become when something is typed. What a dialog does not
+// show it leaves as it is, and does not round.
 TEST_F(SessionDialogs, ScalesAreShownAndLimitedAsTheKindHasThem) {
+  const struct {
+    const char* name;
+    Kind kind;
+    bool ice;
+    const char* firstLabel;
+    std::vector<std::string> shown;
+    std::vector<const char*> typed;
+    std::vector<float> saved;
+  } cases[]{{"GetNewProfileScaleICE",
+             Kind::orla,
+             true,
+             "Conductivity",
+             {"3", "10", "-10", "0", "9", "10"},
+             {"50", "20", "-12000", "1e30", "12", "15"},
+             {50, 150, -9000, 9000, 9, 10}},
+            {"GetNewProfileScaleICE",
+             Kind::orla,
+             false,
+             "Conductivity",
+             {"3", "10", "-10", "0"},
+             {},
+             {3, 10, -10, 0, 8.7F, 10}},
+            {"GetNewProfileScaleOrla",
+             Kind::glaco,
+             false,
+             "Thickness",
+             {"2.6", "10.0", "-10", "0"},
+             {"3", "3"},
+             {3, 4, -10, 0, 8.7F, 10}},
+            {"GetNewProfileScaleVardo",
+             Kind::vardo,
+             false,
+             "Conductivity",
+             {"3", "10"},
+             {},
+             {3, 10, -10, 0.4F, 8.7F, 10}}};
   settings.conductivityMinimum = 2.6F;
-  settings.iceMinimum = 3;
-  std::vector<std::string> shown;
-  const auto changed = scale("GetNewProfileScaleICE", Kind::orla, true, [&shown](QDialog& dialog) {
-    for (const char* field :
-         {"firstMinimum", "firstMaximum", "inphaseMinimum", "inphaseMaximum", "iceMinimum", "iceMaximum"}) {
-      shown.push_back(fieldText(dialog, field));
-    }
-    for (const char* text : {"50", "20", "-12000", "1e30", "12"}) type(dialog, text);
-    QTest::keyClicks(dialog.focusWidget(), "15");
-    press(dialog, Qt::Key_Return);
-  });
-  EXPECT_THAT(shown, ElementsAre("3", "10", "-10", "10", "3", "10"));
-  ASSERT_TRUE(changed);
-  EXPECT_THAT(
-      (std::vector{changed->conductivityMinimum, changed->conductivityMaximum, changed->inphaseMinimum,
-                   changed->inphaseMaximum, changed->iceMinimum, changed->iceMaximum}),
-      ElementsAre(50, 150, -9000, 9000, 9, 10));
-}
-
-TEST_F(SessionDialogs, GlacoHasThicknessWithADecimalAndVardoNoInphase) {
-  settings.conductivityMinimum = 1.25F;
-  const auto ice = scale("GetNewProfileScaleOrla", Kind::glaco, false, [](QDialog& dialog) {
-    EXPECT_EQ(labelText(dialog, "firstLabel"), "Thickness");
-    EXPECT_EQ(fieldText(dialog, "firstMinimum"), "1.2");
-    type(dialog, "3");
-    type(dialog, "3");
-    press(dialog, Qt::Key_Return);
-  });
-  ASSERT_TRUE(ice);
-  EXPECT_EQ(ice->conductivityMinimum, 3.0F);
-  EXPECT_EQ(ice->conductivityMaximum, 4.0F);
-
-  settings.inphaseMinimum = 0.4F;  // would be rounded if it were read back
-  const auto vardo = scale("GetNewProfileScaleVardo", Kind::vardo, false, [](QDialog& dialog) {
-    EXPECT_EQ(labelText(dialog, "firstLabel"), "Conductivity");
-    EXPECT_EQ(dialog.findChildren<QLineEdit*>().size(), 2);
-    press(dialog, Qt::Key_Return);
-  });
-  ASSERT_TRUE(vardo);
-  EXPECT_EQ(vardo->inphaseMinimum, 0.4F);
-  EXPECT_EQ(vardo->conductivityMinimum, 1.0F);
-  EXPECT_FALSE(
-      scale("GetNewProfileScaleOrla", Kind::orla, false, [](QDialog& dialog) { tap(dialog, "cancel"); }));
-}
-
-TEST_F(SessionDialogs, IceScaleIsNeitherShownNorReadWhileTheIceDisplayIsOff) {
+  settings.inphaseMaximum = 0.4F;
   settings.iceMinimum = 8.7F;
-  const auto changed = scale("GetNewProfileScaleICE", Kind::orla, false, [](QDialog& dialog) {
-    EXPECT_FALSE(part<QLineEdit>(dialog, "iceMinimum").isVisible());
-    EXPECT_FALSE(part<QLabel>(dialog, "iceLabel").isVisible());
-    press(dialog, Qt::Key_Return);
-  });
-  ASSERT_TRUE(changed);
-  EXPECT_EQ(changed->iceMinimum, 8.7F);
+  for (const auto& c : cases) {
+    SCOPED_TRACE(testing::Message() << c.name << c.firstLabel << c.ice);
+    const auto changed = scale(c.name, c.kind, c.ice, [&c](QDialog& dialog) {
+      std::vector<std::string> shown;
+      for (const char* field :
+           {"firstMinimum", "firstMaximum", "inphaseMinimum", "inphaseMaximum", "iceMinimum", "iceMaximum"}) {
+        const auto* edit = dialog.findChild<QLineEdit*>(QLatin1String(field));
+        if (edit != nullptr && edit->isVisible()) shown.push_back(edit->text().toStdString());
+      }
+      EXPECT_EQ(shown, c.shown);
+      EXPECT_EQ(labelText(dialog, "firstLabel"), c.firstLabel);
+      for (const char* text : c.typed) typeOn(dialog, text);
+      tapOk(dialog);
+    });
+    ASSERT_TRUE(changed);
+    EXPECT_EQ(
+        (std::vector{changed->conductivityMinimum, changed->conductivityMaximum, changed->inphaseMinimum,
+                     changed->inphaseMaximum, changed->iceMinimum, changed->iceMaximum}),
+        c.saved);
+    EXPECT_FALSE(scale(c.name, c.kind, c.ice, tapCancel));
+  }
 }
 
 TEST_F(SessionDialogs, CanBeClosedFromOutsideUnderAMessageBox) {
-  const auto outcome = comment([this](QDialog& dialog) {
+  const auto outcome = comment([](QDialog& dialog) {
     QTest::keyClicks(dialog.focusWidget(), "half a wo");
-    const DialogActor closer(window, "Note", [&dialog](QDialog& box) {
+    const DialogActor closer("Note", [&dialog](QDialog& box) {
       dialog.reject();
       EXPECT_TRUE(box.isVisible());
       box.reject();
@@ -288,69 +238,11 @@ TEST_F(SessionDialogs, CanBeClosedFromOutsideUnderAMessageBox) {
 
 TEST_F(SessionDialogs, DialogFollowsAWindowThatIsTurned) {
   EXPECT_FALSE(newLine(0, [this](QDialog& dialog) {
-    window.resize(kLying);
+    window.resize(320, 240);
     QApplication::processEvents();
-    EXPECT_LE(dialog.height(), kLying.height());
-    EXPECT_TRUE(part<QPushButton>(dialog, "ok").visibleRegion().boundingRect().contains(QPoint(5, 30)));
-    part<QLineEdit>(dialog, "startStation").setFocus();
-    press(dialog, Qt::Key_Tab);
-    EXPECT_FALSE(part<QLineEdit>(dialog, "stationIncrement").visibleRegion().isEmpty())
-        << "scrolled into view";
+    expectFits(dialog);
     dialog.reject();
   }));
-}
-
-struct Template {
-  std::string name;
-  QSize window;
-};
-
-class Templates : public ::testing::TestWithParam<Template> {};
-
-// At the smallest scale, with the fingers of a screen of 96 dots an inch.
-TEST_P(Templates, LoadFitTheWindowAndFitFingers) {
-  QWidget window;
-  window.resize(GetParam().window);
-  window.show();
-  const auto dialog = makeDialog(GetParam().name, &window);
-  ASSERT_NE(dialog, nullptr);
-  const DialogActor actor(window, dialog->windowTitle(), [](QDialog& open) {
-    EXPECT_TRUE(open.parentWidget()->frameGeometry().contains(open.frameGeometry()));
-    for (auto* bar : open.findChildren<QScrollBar*>()) EXPECT_FALSE(bar->isVisible()) << "does not fit";
-    for (auto* control : open.findChildren<QWidget*>()) {
-      if (qobject_cast<QLineEdit*>(control) == nullptr && qobject_cast<QPushButton*>(control) == nullptr)
-        continue;
-      EXPECT_GE(control->height(), touchHeight(nullptr)) << control->objectName().toStdString();
-      EXPECT_FALSE(control->visibleRegion().isEmpty()) << control->objectName().toStdString();
-    }
-    for (auto* label : open.findChildren<QLabel*>()) {
-      EXPECT_GE(label->width(), label->sizeHint().width()) << label->text().toStdString();
-    }
-    EXPECT_NE(open.focusWidget(), nullptr);
-    open.accept();
-  });
-  EXPECT_TRUE(runDialog(*dialog));
-}
-
-std::string templateCase(const ::testing::TestParamInfo<Template>& info) {
-  return info.param.name + (info.param.window == kLying ? "Lying" : "Upright");
-}
-
-INSTANTIATE_TEST_SUITE_P(All, Templates,
-                         ::testing::Values(Template{"GetNewLine", kUpright}, Template{"GetNewLine", kLying},
-                                           Template{"GetNewStation", kUpright},
-                                           Template{"GetNewStationwm6", kLying},
-                                           Template{"GetComment", kUpright}, Template{"GetComment", kLying},
-                                           Template{"GetNewProfileScaleOrla", kUpright},
-                                           Template{"GetNewProfileScaleOrlaH", kLying},
-                                           Template{"GetNewProfileScaleVardo", kUpright},
-                                           Template{"GetNewProfileScaleVardo", kLying},
-                                           Template{"GetNewProfileScaleICE", kUpright},
-                                           Template{"GetNewProfileScaleICE", kLying}),
-                         templateCase);
-
-TEST(TemplateDialog, UnknownNameIsNoDialog) {
-  EXPECT_EQ(makeDialog("GetNothing", nullptr), nullptr);
 }
 
 }  // namespace

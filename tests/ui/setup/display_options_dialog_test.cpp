@@ -4,41 +4,24 @@
 
 #include <QCheckBox>
 #include <QColorDialog>
-#include <QComboBox>
-#include <QPushButton>
-#include <QScrollArea>
-#include <QTest>
 
-#include "support/dialog_actor.h"
-#include "ui/screen/template_dialog.h"
-#include "ui/screen/touch_button.h"
-#include "ui/setup/line_sample.h"
+#include "settings/settings_file.h"
+#include "support/dialogs.h"
 
 namespace kalmira {
 namespace {
 
-class DisplayOptionsDialog : public ::testing::Test {
- protected:
-  DisplayOptionsDialog() {
-    window.resize(240, 320);
-    window.show();
-  }
-
-  std::optional<Settings> run(Kind kind, bool ice, const std::function<void(QDialog&)>& act,
+struct DisplayOptionsDialog : DialogTest {
+  std::optional<Settings> run(Kind kind, bool ice, const DialogActor::Act& act,
                               const Theme& theme = dayTheme()) {
-    const DialogActor actor(window, "Display Options", act);
-    return runDisplayOptionsDialog(&window, {kind, ice, true, 1}, theme, settings);
+    return in("Display Options", act, [&] {
+      return runDisplayOptionsDialog(&window, {kind, ice, true, 1}, theme, settings);
+    });
   }
-
-  QWidget window;
   Settings settings;
 };
 
-void tap(QDialog& dialog, const char* button) {
-  QTest::mouseClick(&part<QPushButton>(dialog, button), Qt::LeftButton);
-}
-
-void press(QDialog& dialog, const char* control, Qt::Key key) {
+void pressOn(const QDialog& dialog, const char* control, Qt::Key key) {
   auto& widget = part<QWidget>(dialog, control);
   widget.setFocus();
   QTest::keyClick(&widget, key);
@@ -54,16 +37,15 @@ std::string tracesOf(const QDialog& dialog) {
       if (widget != nullptr && widget->isVisible()) ++visible;
     }
     EXPECT_TRUE(visible == 0 || visible == 4) << slot;
-    if (visible == 4) {
-      const auto name = "traceShown" + std::to_string(slot);
-      text += part<QCheckBox>(dialog, name.c_str()).text().toStdString() + ",";
-    }
+    if (visible == 0) continue;
+    const auto name = "traceShown" + std::to_string(slot);
+    text += std::to_string(slot) + part<QCheckBox>(dialog, name.c_str()).text().toStdString() + ",";
   }
   return text;
 }
 
 std::string axisOf(const QDialog& dialog) {
-  const auto& axis = part<QComboBox>(dialog, "axis");
+  const auto& axis = list(dialog, "axis");
   return axis.currentText().toStdString() + (axis.isEnabled() ? "" : " (greyed)");
 }
 
@@ -77,44 +59,47 @@ int countPixels(const QDialog& dialog, const char* place, QRgb colour) {
   return count;
 }
 
-TEST_F(DisplayOptionsDialog, HasTheTracesAndScalesOfTheKindInReach) {
+TEST_F(DisplayOptionsDialog, HasTheTracesOfTheKindAndKeepsGridAndAxisAsOneNumber) {
   struct Case {
     Kind kind;
     bool ice;
-    int iceDisplay;
-    const char* traces;
+    int iceDisplay, stored;
+    std::string traces;
     const char* axis;
+    int saved;
   };
-  const auto* dipoles = "Conductivity V,Conductivity H,Inphase V,Inphase H,";
+  const std::string dipoles = "0Conductivity V,1Conductivity H,2Inphase V,3Inphase H,";
   for (const auto& c :
-       {Case{Kind::orla, false, 1, dipoles, "Conductivity"},
-        Case{Kind::orla, true, 0, "Conductivity V,Conductivity H,Inphase V,Inphase H,Ice Thickness,",
-             "Conductivity"},
-        Case{Kind::orla, true, 1, "Conductivity V,Conductivity H,Inphase V,Inphase H,Ice Thickness,",
-             "Ice Thickness (greyed)"},
-        Case{Kind::teskb, false, 0, dipoles, "Conductivity"},
-        Case{Kind::teskdd, false, 0, dipoles, "Conductivity"},
-        Case{Kind::tesk, false, 0, dipoles, "Conductivity"},
-        Case{Kind::vardo, false, 0, "Cond. V10,Cond. V20,Cond. V40,Cond. H10,Cond. H20,Cond. H40,",
-             "Conductivity (greyed)"},
-        Case{Kind::mirka, false, 0, "Conductivity,Inphase,", "Conductivity (greyed)"},
-        Case{Kind::glaco, false, 0, "Thickness,Inphase,", "Thickness"},
-        Case{Kind::tesk2, false, 0,
-             "Conductivity 1 V,Conductivity 1 H,Inphase 1 V,Inphase 1 H,Conductivity 2 V,Conductivity 2 H,"
-             "Inphase 2 V,Inphase 2 H,",
-             "Conductivity"}}) {
+       {Case{Kind::orla, false, 1, 3, dipoles, "Conductivity", 1},
+        Case{Kind::orla, true, 0, 2, dipoles + "4Ice Thickness,", "Inphase", 2},
+        Case{Kind::orla, true, 1, 2, dipoles + "4Ice Thickness,", "Ice Thickness (greyed)", 3},
+        Case{Kind::teskb, false, 0, 1, dipoles, "Conductivity", 1},
+        Case{Kind::teskdd, false, 0, 0, dipoles, "Conductivity (greyed)", 0},
+        Case{Kind::tesk, false, 0, 2, dipoles, "Inphase", 2},
+        Case{Kind::vardo, false, 0, 2, "0Cond. V10,1Cond. V20,2Cond. V40,3Cond. H10,4Cond. H20,5Cond. H40,",
+             "Conductivity (greyed)", 1},
+        Case{Kind::mirka, false, 0, 1, "0Conductivity,2Inphase,", "Conductivity (greyed)", 1},
+        Case{Kind::glaco, false, 0, 2, "0Thickness,2Inphase,", "Inphase", 2},
+        Case{Kind::tesk2, false, 0, -4,
+             "0Conductivity 1 V,1Conductivity 1 H,2Inphase 1 V,3Inphase 1 H,4Conductivity 2 V,"
+             "5Conductivity 2 H,6Inphase 2 V,7Inphase 2 H,",
+             "Conductivity", 1}}) {
+    SCOPED_TRACE(testing::Message() << instrumentOf(c.kind).name << c.stored);
     settings.iceDisplay = c.iceDisplay;
-    EXPECT_FALSE(run(c.kind, c.ice, [&c](QDialog& dialog) {
+    settings.profileGrid = c.stored;
+    const auto look = [&c](QDialog& dialog) {
       EXPECT_EQ(tracesOf(dialog), c.traces);
       EXPECT_EQ(axisOf(dialog), c.axis);
-      auto& area = *dialog.findChild<QScrollArea*>();
-      EXPECT_LE(area.widget()->width(), area.viewport()->width()) << "nothing is cut at the right";
-      for (auto* control : dialog.findChildren<QPushButton*>()) {
-        if (!control->isVisible()) continue;
-        EXPECT_GE(control->height(), touchHeight(nullptr));
-      }
-      tap(dialog, "cancel");
-    }));
+    };
+    const auto kept = run(c.kind, c.ice, [&](QDialog& dialog) {
+      look(dialog);
+      tapOk(dialog);
+    });
+    ASSERT_TRUE(kept);
+    Settings expected = settings;
+    expected.profileGrid = c.saved;
+    EXPECT_EQ(formatSettings(*kept, c.kind, c.ice), formatSettings(expected, c.kind, c.ice));
+    EXPECT_FALSE(run(c.kind, c.ice, tapCancel));
   }
 }
 
@@ -124,12 +109,12 @@ TEST_F(DisplayOptionsDialog, TraceIsHiddenThickenedAndShownInItsSample) {
   const auto saved = run(Kind::orla, false, [](QDialog& dialog) {
     const int thin = countPixels(dialog, "traceSample1", 0xFF0000);
     EXPECT_GT(thin, 20);
-    press(dialog, "traceWidth1", Qt::Key_End);
-    EXPECT_EQ(part<QComboBox>(dialog, "traceWidth1").currentText(), "4 pixels");
+    pressOn(dialog, "traceWidth1", Qt::Key_End);
+    EXPECT_EQ(list(dialog, "traceWidth1").currentText(), "4 pixels");
     EXPECT_GT(countPixels(dialog, "traceSample1", 0xFF0000), 2 * thin);
-    press(dialog, "traceShown1", Qt::Key_Space);
+    pressOn(dialog, "traceShown1", Qt::Key_Space);
     EXPECT_EQ(countPixels(dialog, "traceSample1", 0xFF0000), 0);
-    tap(dialog, "ok");
+    tapOk(dialog);
   });
   ASSERT_TRUE(saved);
   EXPECT_EQ(saved->traceShown, (std::array<int, kTraces>{1, 0, 1, 1, 1, 1, 1, 1}));
@@ -139,29 +124,32 @@ TEST_F(DisplayOptionsDialog, TraceIsHiddenThickenedAndShownInItsSample) {
 
 TEST_F(DisplayOptionsDialog, ColourIsChosenByTouchTypedOrLeft) {
   settings.traceColour[2] = 0x00123456;
-  const auto saved = run(Kind::glaco, false, [this](QDialog& dialog) {
-    const auto pick = [&](const char* button, const std::function<void(QDialog&)>& act) {
-      const DialogActor actor(window, "Trace Colour", act);
-      tap(dialog, button);
+  const auto saved = run(Kind::glaco, false, [](QDialog& dialog) {
+    const auto pick = [&](const char* button, const DialogActor::Act& act) {
+      in("Trace Colour", act, [&] { tap(dialog, button); });
       return part<QPushButton>(dialog, button).text().toStdString();
     };
+    const auto paint = [](QDialog& colours, const QColor& before, const QColor& now) {
+      auto& picker = *colours.findChild<QColorDialog*>();
+      EXPECT_EQ(picker.currentColor(), before);
+      picker.setCurrentColor(now);
+      return &picker;
+    };
+    const QColor brown(0x56, 0x34, 0x12);
     EXPECT_EQ(part<QPushButton>(dialog, "traceColour0").text(), "Blue #0072B2");
     EXPECT_EQ(pick("traceColour0", [](QDialog& colours) { tap(colours, "colour6"); }), "Orange #E69F00");
     EXPECT_EQ(pick("traceColour2",
-                   [](QDialog& colours) {
-                     auto& picker = *colours.findChild<QColorDialog*>();
-                     EXPECT_EQ(picker.currentColor(), QColor(0x56, 0x34, 0x12));
-                     picker.setCurrentColor(QColor(0x00, 0xFF, 0x80));
-                     QTest::keyClick(&picker, Qt::Key_Escape);
+                   [&](QDialog& colours) {
+                     QTest::keyClick(paint(colours, brown, QColor(0x00, 0xFF, 0x80)), Qt::Key_Escape);
                    }),
               "Brown #563412");
     EXPECT_EQ(pick("traceColour2",
-                   [](QDialog& colours) {
-                     colours.findChild<QColorDialog*>()->setCurrentColor(QColor(0x00, 0x96, 0x3C));
-                     tap(colours, "ok");
+                   [&](QDialog& colours) {
+                     paint(colours, brown, QColor(0x00, 0x96, 0x3C));
+                     tapOk(colours);
                    }),
               "Green #00963C");
-    tap(dialog, "ok");
+    tapOk(dialog);
   });
   ASSERT_TRUE(saved);
   EXPECT_EQ(saved->traceColour[0], 0x00009FE6);
@@ -170,24 +158,20 @@ TEST_F(DisplayOptionsDialog, ColourIsChosenByTouchTypedOrLeft) {
 
 TEST_F(DisplayOptionsDialog, AxisIsFixedWhileThereIsNoGrid) {
   settings.profileGrid = 2;
-  const auto without = run(Kind::tesk, false, [](QDialog& dialog) {
-    EXPECT_EQ(axisOf(dialog), "Inphase");
-    press(dialog, "grid", Qt::Key_Space);
-    EXPECT_EQ(axisOf(dialog), "Conductivity (greyed)");
-    tap(dialog, "ok");
-  });
-  ASSERT_TRUE(without);
-  EXPECT_EQ(without->profileGrid, 0);
-
-  const auto with = run(Kind::tesk, false, [](QDialog& dialog) {
-    press(dialog, "grid", Qt::Key_Space);
-    press(dialog, "grid", Qt::Key_Space);
-    EXPECT_EQ(axisOf(dialog), "Inphase") << "chosen before";
-    press(dialog, "axis", Qt::Key_Up);
-    tap(dialog, "ok");
-  });
-  ASSERT_TRUE(with);
-  EXPECT_EQ(with->profileGrid, 1);
+  for (const bool again : {false, true}) {
+    const auto saved = run(Kind::tesk, false, [again](QDialog& dialog) {
+      pressOn(dialog, "grid", Qt::Key_Space);
+      EXPECT_EQ(axisOf(dialog), "Conductivity (greyed)");
+      if (again) {
+        pressOn(dialog, "grid", Qt::Key_Space);
+        EXPECT_EQ(axisOf(dialog), "Inphase") << "chosen before";
+        pressOn(dialog, "axis", Qt::Key_Up);
+      }
+      tapOk(dialog);
+    });
+    ASSERT_TRUE(saved);
+    EXPECT_EQ(saved->profileGrid, again ? 1 : 0);
+  }
 }
 
 TEST_F(DisplayOptionsDialog, DarkColoursAreShownAsTheNightDrawsThem) {

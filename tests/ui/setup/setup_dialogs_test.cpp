@@ -1,350 +1,301 @@
 #include <gmock/gmock.h>
 
-#include <QComboBox>
-#include <QLabel>
-#include <QPushButton>
-#include <QScrollBar>
-#include <QTest>
-
 #include "platform/clock.h"
-#include "settings/setup_lists.h"
-#include "support/dialog_actor.h"
-#include "ui/screen/template_dialog.h"
-#include "ui/screen/touch_button.h"
+#include "settings/settings_file.h"
+#include "support/dialogs.h"
+#include "support/fake_port.h"
 #include "ui/setup/setup_dialogs.h"
 
 namespace kalmira {
 namespace {
 
 using ::testing::ElementsAre;
-using ::testing::HasSubstr;
 
-constexpr QSize kUpright{480, 640};
-constexpr QSize kLying{640, 480};
-
-struct FrameCase {
-  Kind kind;
-  bool ice;
-  const char* label;
+// What the lists offer, and which setting each one is: its first entry stands for `first`. Some lists offer
+// something else on another screen; those have a letter.
+struct ListCase {
+  std::string name;
+  std::string entries;
+  int Settings::*field;
+  int first = 0;
 };
-const FrameCase kFrames[] = {{Kind::orla, false, "ORLA Port"},        {Kind::orla, true, "ORLA Port"},
-                             {Kind::teskb, false, "TESKB Port"},      {Kind::teskdd, false, "TESK-DD Port"},
-                             {Kind::tesk, false, "TESK Port"},        {Kind::vardo, false, "VARDO Port"},
-                             {Kind::mirka, false, "Instrument Port"}, {Kind::glaco, false, "GLACO Port"},
-                             {Kind::tesk2, false, "TESK-2 Port"}};
+const std::string kComs = "COM1:|COM2:|COM3:|COM4:|COM5:|COM6:|COM7:|COM8:|COM9:|COM10:|COM11:|COM12:";
+const ListCase kLists[]{
+    {"instrumentPort", kComs, &Settings::instrumentPortIndex},
+    {"lengthUnits", "meters|feet", &Settings::lengthUnits},
+    {"audio", "No|Yes", &Settings::audio},
+    {"pauseKey", "Any key", &Settings::pauseKey},
+    {"pauseKey/f", "Any key|SPACE bar|ENTER key|Key S", &Settings::pauseKey},
+    {"pauseKey/n", "Non numeric key|<-> <0> <.>|ENTER key|Key <0>", &Settings::pauseKey},
+    {"instrumentLength", "Standard|Short", &Settings::instrumentLength},
+    {"iceDisplay", "Disabled|Enabled", &Settings::iceDisplay},
+    {"iceQuantity", "Cond./Inphase|Ice Thickness", &Settings::iceQuantity},
+    {"seaWater",
+     "2000 mS/m|2100 mS/m|2200 mS/m|2300 mS/m|2400 mS/m|2500 mS/m|2600 mS/m|2700 mS/m|2800 mS/m|2900 mS/m|"
+     "3000 mS/m",
+     &Settings::seaWaterChoice},
+    {"tesk2Variant", "TESK-2-1|TESK-2", &Settings::tesk2Variant, 1},
+    {"markerPort", "Disabled|COM1:|COM2:|COM3:|COM4:|COM5:|COM7:|COM8:|COM9:|COM10:|COM11:|COM12:",
+     &Settings::markerPortChoice},
+    {"softMarker/d", "No|Digit keys", &Settings::softMarker},
+    {"softMarker/a", "No|Arrow keys", &Settings::softMarker},
+    {"gpsInput", "Disabled|Enabled", &Settings::gpsInput},
+    {"gpsPort", kComs, &Settings::gpsPortIndex},
+    {"gpsBaud", "4800|9600|19200|38400|57600|115200|230400|460800", &Settings::gpsBaudIndex},
+    {"gpsDataBits", "7|8", &Settings::gpsDataBitsIndex},
+    {"gpsParity", "No|Even|Odd", &Settings::gpsParityIndex},
+    {"gpsStopBits", "1|2", &Settings::gpsStopBitsIndex}};
+const char* const kGps = "gpsInput gpsPort gpsBaud gpsDataBits gpsParity gpsStopBits";
 
-QComboBox& box(QDialog& dialog, const char* name) {
-  return part<QComboBox>(dialog, name);
+std::vector<ListCase> listsOf(const std::string& names) {
+  std::vector<ListCase> found;
+  for (const auto& name : QString::fromStdString(names).split(' ')) {
+    for (const auto& each : kLists) {
+      if (each.name == name.toStdString()) found.push_back(each);
+    }
+    found.back().name = name.section('/', 0, 0).toStdString();
+  }
+  return found;
 }
 
-void tap(QDialog& dialog, const char* button) {
-  QTest::mouseClick(&part<QPushButton>(dialog, button), Qt::LeftButton);
+struct LoggerCase {
+  Kind kind;
+  const char* label;
+  std::string lists;  // and what every kind has
+  bool portrait = true;
+  bool ice = false;
+  int storageClass = 1;
+};
+const LoggerCase kLoggers[]{
+    {Kind::orla, "ORLA Port", "instrumentLength pauseKey"},
+    {Kind::orla, "ORLA Port", "instrumentLength pauseKey/f", false},
+    {Kind::orla, "ORLA Port", "seaWater iceQuantity instrumentLength pauseKey iceDisplay", true, true},
+    {Kind::orla, "ORLA Port", "seaWater iceQuantity instrumentLength pauseKey/f iceDisplay", false, true},
+    {Kind::teskb, "TESKB Port", "pauseKey"},
+    {Kind::teskdd, "TESK-DD Port", "pauseKey"},
+    {Kind::tesk, "TESK Port", "pauseKey/f", false},
+    {Kind::vardo, "VARDO Port", "pauseKey", true, true},
+    {Kind::mirka, "Instrument Port", "pauseKey"},
+    {Kind::glaco, "GLACO Port", "pauseKey/f", false},
+    {Kind::tesk2, "TESK-2 Port", "tesk2Variant markerPort softMarker/a pauseKey/n", false},
+    {Kind::tesk2, "TESK-2 Port", "tesk2Variant markerPort softMarker/a pauseKey/n", true, false, 0},
+    {Kind::tesk2, "TESK-2 Port", "tesk2Variant markerPort softMarker/d pauseKey/n"}};
+
+std::string everything(const Settings& settings) {
+  return formatSettings(settings, Kind::orla, true) + formatSettings(settings, Kind::tesk2, false);
 }
 
-class SetupDialogs : public ::testing::Test {
- protected:
-  SetupDialogs() { turn(kUpright); }
-  void turn(QSize size) {
-    window.resize(size);
-    window.show();
+struct SetupDialogs : DialogTest {
+  std::optional<Settings> logger(const LoggerCase& of, const DialogActor::Act& act) {
+    window.resize(of.portrait ? QSize(480, 640) : QSize(640, 480));
+    return in("Logger Setup", act, [&] {
+      return runLoggerSetupDialog(&window, {of.kind, of.ice, of.portrait, of.storageClass}, settings, ports);
+    });
   }
-  SetupFrame frame(const FrameCase& of) const {
-    return {.kind = of.kind, .iceOption = of.ice, .portrait = window.height() > window.width()};
+  GpsSetupOutcome gps(const DialogActor::Act& act) {
+    return in("Set GPS Port", act, [&] { return runGpsPortSetupDialog(&window, settings, ports, access); });
   }
-  std::optional<Settings> logger(const SetupFrame& frameOf, const std::function<void(QDialog&)>& act) {
-    const DialogActor actor(window, "Logger Setup", act);
-    return runLoggerSetupDialog(&window, frameOf, settings, ports);
+  // All at their last entries in the settings, shown so, and brought to their first ones.
+  void fillLast(const std::vector<ListCase>& lists) {
+    settings = {};
+    for (const auto& each : lists) {
+      const auto last = std::count(each.entries.begin(), each.entries.end(), '|');
+      settings.*each.field = each.first + static_cast<int>(last);
+    }
   }
-  GpsSetupOutcome gps(const std::function<void(QDialog&)>& act) {
-    const DialogActor actor(window, "Set GPS Port", act);
-    return runGpsPortSetupDialog(&window, settings, ports, access);
+  static void lookAndGoHome(QDialog& dialog, const std::vector<ListCase>& lists) {
+    std::size_t shown = 0;
+    for (auto* found : dialog.findChildren<QComboBox*>()) shown += found->isVisible() ? 1U : 0U;
+    EXPECT_EQ(shown, lists.size());
+    for (const auto& each : lists) {
+      const auto* name = each.name.c_str();
+      auto& box = list(dialog, name);
+      QStringList entries;
+      for (int i = 0; i < box.count(); ++i) entries << box.itemText(i);
+      EXPECT_EQ(entries.join('|').toStdString(), each.entries) << name;
+      EXPECT_EQ(box.currentText(), entries.back()) << name;
+      choose(dialog, name, 0);
+    }
+  }
+  Settings home(const std::vector<ListCase>& lists) const {
+    Settings expected = settings;
+    for (const auto& each : lists) expected.*each.field = each.first;
+    return expected;
   }
 
-  QWidget window;
   Settings settings;
   PortLists ports;
   ReceiverAccess access;
 };
 
-TEST_F(SetupDialogs, LoggerSetupOfEveryKindIsFilledSavedAndCancelled) {
-  for (const QSize size : {kUpright, kLying}) {
-    turn(size);
-    for (const auto& each : kFrames) {
-      SCOPED_TRACE(::testing::Message() << each.label << (each.ice ? " ice " : " ") << size.width());
-      const auto lists = loggerSetupLists(frame(each));
-      settings = {};
-      for (const auto& list : lists) takePosition(list, static_cast<int>(list.entries.size()) - 1, settings);
-      const auto homed = logger(frame(each), [&](QDialog& dialog) {
-        EXPECT_EQ(part<QLabel>(dialog, "instrumentPortLabel").text(), each.label);
-        std::size_t shown = 0;
-        for (auto* found : dialog.findChildren<QComboBox*>()) shown += found->isVisible() ? 1U : 0U;
-        EXPECT_EQ(shown, lists.size());
-        for (const auto& list : lists) {
-          EXPECT_EQ(box(dialog, list.name).count(), static_cast<int>(list.entries.size())) << list.name;
-          EXPECT_EQ(box(dialog, list.name).currentText().toStdString(), list.entries.back());
-          QTest::keyClick(&box(dialog, list.name), Qt::Key_Home);
-        }
-        QTest::keyClick(&dialog, Qt::Key_Return);
-      });
-      ASSERT_TRUE(homed);
-      for (const auto& list : lists) {
-        const bool greyed = list.needsIceDisplay;  // the first entry of the ice display greys them at once
-        EXPECT_EQ((*homed).*list.field, greyed ? settings.*list.field : list.firstValue) << list.name;
-      }
-      EXPECT_FALSE(logger(frame(each), [&](QDialog& dialog) {
-        QTest::keyClick(&box(dialog, "lengthUnits"), Qt::Key_Home);
-        tap(dialog, "cancel");
-      }));
-    }
+TEST_F(SetupDialogs, ListsOfTheLoggerSetupAreThoseOfTheKindAndTheScreen) {
+  for (const auto& each : kLoggers) {
+    SCOPED_TRACE(testing::Message() << each.label << each.ice << each.portrait);
+    const auto lists = listsOf("instrumentPort lengthUnits audio " + each.lists);
+    fillLast(lists);
+    const auto look = [&](QDialog& dialog) {
+      EXPECT_EQ(labelText(dialog, "instrumentPortLabel"), each.label);
+      lookAndGoHome(dialog, lists);
+    };
+    const auto changed = logger(each, [&](QDialog& dialog) {
+      look(dialog);
+      press(dialog, Qt::Key_Return);
+    });
+    ASSERT_TRUE(changed);
+    EXPECT_EQ(everything(*changed), everything(home(lists)));
+    EXPECT_FALSE(logger(each, [&](QDialog& dialog) {
+      look(dialog);
+      tapCancel(dialog);
+    }));
+  }
+}
+
+TEST_F(SetupDialogs, GpsSetupHasThreeWaysOut) {
+  const auto lists = listsOf(kGps);
+  fillLast(lists);
+  using How = GpsSetupOutcome::How;
+  for (const auto& [button, how] : {std::pair{"ok", How::saved}, std::pair{"cancel", How::cancelled},
+                                    std::pair{"monitor", How::monitor}}) {
+    SCOPED_TRACE(button);
+    const auto outcome = gps([&, button = button](QDialog& dialog) {
+      lookAndGoHome(dialog, lists);
+      EXPECT_FALSE(part<QPushButton>(dialog, "find").isVisible()) << "nothing to find with";
+      tap(dialog, button);
+    });
+    EXPECT_EQ(outcome.how, how);
+    EXPECT_EQ(everything(outcome.settings), everything(how == How::cancelled ? settings : home(lists)));
   }
 }
 
 TEST_F(SetupDialogs, IceListsAreGreyedWithoutTheIceDisplayAndSavedAsTheyStand) {
   settings.seaWaterChoice = 7;
-  const auto changed = logger(frame(kFrames[1]), [](QDialog& dialog) {
+  const auto changed = logger(kLoggers[2], [](QDialog& dialog) {
     const auto usable = [&dialog] {
-      return std::vector{box(dialog, "seaWater").isEnabled(), box(dialog, "iceQuantity").isEnabled()};
+      return std::vector{list(dialog, "seaWater").isEnabled(), list(dialog, "iceQuantity").isEnabled()};
     };
     EXPECT_THAT(usable(), ElementsAre(false, false));
-    QTest::keyClick(&box(dialog, "iceDisplay"), Qt::Key_Down);
+    choose(dialog, "iceDisplay", 1);
     EXPECT_THAT(usable(), ElementsAre(true, true));
-    QTest::keyClick(&box(dialog, "seaWater"), Qt::Key_Down);
-    QTest::keyClick(&box(dialog, "iceQuantity"), Qt::Key_Down);
-    QTest::keyClick(&box(dialog, "iceDisplay"), Qt::Key_Up);
+    choose(dialog, "seaWater", 8);
+    choose(dialog, "iceQuantity", 1);
+    choose(dialog, "iceDisplay", 0);
     EXPECT_THAT(usable(), ElementsAre(false, false));
-    tap(dialog, "ok");
+    tapOk(dialog);
   });
   ASSERT_TRUE(changed);
-  EXPECT_EQ(changed->iceDisplay, 0);
-  EXPECT_EQ(changed->seaWaterChoice, 8);
-  EXPECT_EQ(changed->iceQuantity, 1);
+  EXPECT_THAT((std::vector{changed->iceDisplay, changed->seaWaterChoice, changed->iceQuantity}),
+              ElementsAre(0, 8, 1));
 }
 
 TEST_F(SetupDialogs, TheDeviceLineFollowsTheListAndTheMachine) {
   std::string secondDevice = "/dev/ttyUSB1, adapter";
   int assignments = 0;
-  ports.deviceLine = [&](int com) {
-    if (com == 2) return DeviceText{.text = secondDevice};
-    return DeviceText{.text = "device of " + std::to_string(com), .trouble = true};
+  ports.deviceLine = [&](int com) -> DeviceText {
+    if (com == 2) return {.text = secondDevice};
+    return {.text = "device of " + std::to_string(com), .trouble = true};
   };
   ports.assignDevices = [&](QWidget*) {
     ++assignments;
     secondDevice = "/dev/ttyS4";
   };
-  EXPECT_FALSE(logger(frame(kFrames[8]), [&](QDialog& dialog) {
+  EXPECT_FALSE(logger(kLoggers[10], [&](QDialog& dialog) {
     auto& line = part<QLabel>(dialog, "instrumentDevice");
     auto& marker = part<QLabel>(dialog, "markerDevice");
     EXPECT_EQ(line.text(), "device of 1");
     EXPECT_TRUE(line.font().bold());
     EXPECT_FALSE(marker.isVisible());
-    QTest::keyClick(&box(dialog, "instrumentPort"), Qt::Key_Down);
+    choose(dialog, "instrumentPort", 1);
     EXPECT_EQ(line.text(), "/dev/ttyUSB1, adapter");
     EXPECT_FALSE(line.font().bold());
     tap(dialog, "devices");
     EXPECT_EQ(line.text(), "/dev/ttyS4");
     secondDevice = "unplugged";
     EXPECT_TRUE(QTest::qWaitFor([&] { return line.text() == "unplugged"; }, 3000));
-    for (int i = 0; i < 6; ++i) QTest::keyClick(&box(dialog, "markerPort"), Qt::Key_Down);
-    EXPECT_EQ(marker.text(), "device of 7");  // there is no COM6 in that list
+    choose(dialog, "markerPort", 6);
+    EXPECT_EQ(marker.text(), "device of 7") << "there is no COM6 in that list";
+    expectFits(dialog);
     dialog.reject();
   }));
   EXPECT_EQ(assignments, 1);
 }
 
-TEST_F(SetupDialogs, GpsSetupHasThreeWaysOut) {
-  settings.gpsParityIndex = 99;  // of a file that somebody edited
-  const auto change = [](QDialog& dialog) {
-    std::vector<int> shown;
-    for (const auto& list : gpsSetupLists()) {
-      shown.push_back(box(dialog, list.name).currentIndex());
-      QTest::keyClick(&box(dialog, list.name), Qt::Key_End);
-    }
-    EXPECT_THAT(shown, ElementsAre(0, 1, 0, 1, 0, 0));
-    EXPECT_FALSE(part<QPushButton>(dialog, "find").isVisible()) << "nothing to find with";
-  };
-  using How = GpsSetupOutcome::How;
-  const struct {
-    const char* button;
-    How how;
-  } ways[] = {{"ok", How::saved}, {"cancel", How::cancelled}, {"monitor", How::monitor}};
-  for (const auto& way : ways) {
-    SCOPED_TRACE(way.button);
-    const auto outcome = gps([&](QDialog& dialog) {
-      change(dialog);
-      tap(dialog, way.button);
-    });
-    EXPECT_EQ(outcome.how, way.how);
-    const auto& now = outcome.settings;
-    const std::vector<int> fields{now.gpsInput,         now.gpsPortIndex,   now.gpsBaudIndex,
-                                  now.gpsDataBitsIndex, now.gpsParityIndex, now.gpsStopBitsIndex};
-    if (way.how == How::cancelled) {
-      EXPECT_THAT(fields, ElementsAre(0, 1, 0, 1, 99, 0));
-    } else {
-      EXPECT_THAT(fields, ElementsAre(1, 11, 7, 1, 2, 1));
-    }
+struct FindButton : SetupDialogs {
+  FindButton() {
+    window.resize(480, 640);
+    devices["elsewhere"].plugged = false;
+    listenTo("receiver");
   }
-}
-
-// A receiver that is understood at one baud rate only; how many ports are open is counted.
-class ReceiverPort final : public Port {
- public:
-  ReceiverPort(std::atomic<int>& open, int baud) : open_(open), baud_(baud) {}
-  std::optional<PortError> open(const std::string& device, const LineSettings& line) override {
-    if (device != "receiver") return PortError{.kind = PortErrorKind::held, .text = device + " is held"};
-    ++open_;
-    heard_ = line.baud == baud_ ? "$GPGLL,1,2*53\r\n" : "";
-    return std::nullopt;
-  }
-  ReadResult read(std::span<std::uint8_t> buffer, int) override {
-    std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    const auto count = std::min(buffer.size(), heard_.size());
-    std::copy_n(heard_.begin(), count, buffer.begin());
-    return {.count = count, .gone = heard_.empty()};  // no waiting where nothing will come
-  }
-  void purge() override {}
-  unsigned modemStatus() override { return 0; }
-  bool write(std::span<const std::uint8_t>, int) override { return true; }
-  void close() override { --open_; }
-
- private:
-  std::atomic<int>& open_;
-  int baud_;
-  std::string heard_;
-};
-
-class FindButton : public SetupDialogs {
- protected:
-  FindButton() { listenTo("receiver", 38400); }
-  void listenTo(std::string device, int baud) {
-    access = {.deviceOf = [device = std::move(device)](int) { return device; },
-              .portFactory = [this, baud] { return std::make_unique<ReceiverPort>(openPorts, baud); },
+  void listenTo(const std::string& device) {
+    access = {.deviceOf = [device](int) { return device; },
+              .portFactory = [this] { return std::make_unique<FakePort>(devices); },
               .clock = &clock};
   }
-  static QString found(QDialog& dialog) { return part<QLabel>(dialog, "findLine").text(); }
+  static bool says(const QDialog& dialog, const char* text) {
+    return QTest::qWaitFor([&] { return labelText(dialog, "findLine").find(text) != std::string::npos; },
+                           5000);
+  }
+  // A sentence at one baud rate only; at the others nothing ever comes.
+  void understandAt(int baud) {
+    receiver.onOpen = [this, baud](const LineSettings& line) {
+      receiver.steps = {line.baud == baud ? LineStep{.bytes = "$GPGLL,1,2*53\r\n"} : LineStep{.gone = true}};
+    };
+  }
+  bool isOpen() { return receiver.locked(&FakeDevice::isOpen); }
 
+  FakeDevices devices;
+  FakeDevice& receiver = devices["receiver"];
   SystemClock clock{TickBase::program};
-  std::atomic<int> openPorts{0};
 };
 
 TEST_F(FindButton, ProposesWhatItHeardAndNothingElse) {
   settings.gpsParityIndex = 1;
+  understandAt(38400);
   const auto outcome = gps([](QDialog& dialog) {
-    QTest::mouseClick(&part<QPushButton>(dialog, "find"), Qt::LeftButton);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return found(dialog).startsWith("Found"); }, 5000));
-    EXPECT_EQ(found(dialog), "Found: 38400 baud ($GPGLL)");
-    EXPECT_EQ(box(dialog, "gpsBaud").currentText(), "38400");
-    EXPECT_EQ(box(dialog, "gpsParity").currentText(), "No");
-    EXPECT_EQ(box(dialog, "gpsInput").currentText(), "Enabled");
+    tap(dialog, "find");
+    EXPECT_TRUE(says(dialog, "Found: 38400 baud ($GPGLL)")) << labelText(dialog, "findLine");
+    EXPECT_EQ(list(dialog, "gpsBaud").currentText(), "38400");
+    EXPECT_EQ(list(dialog, "gpsParity").currentText(), "No");
+    EXPECT_EQ(list(dialog, "gpsInput").currentText(), "Enabled");
     EXPECT_TRUE(dialog.isVisible()) << "the operator decides";
-    tap(dialog, "cancel");
+    tapCancel(dialog);
   });
-  EXPECT_EQ(outcome.how, GpsSetupOutcome::How::cancelled);
-  EXPECT_EQ(outcome.settings.gpsBaudIndex, 0);
-  EXPECT_EQ(openPorts, 0);
+  EXPECT_EQ(everything(outcome.settings), everything(settings));
+  EXPECT_FALSE(isOpen());
 }
 
 TEST_F(FindButton, SaysWhatIsInTheWay) {
-  const auto said = [this](const char* wanted) {
-    gps([&](QDialog& dialog) {
+  understandAt(1);
+  for (const auto& [device, text] :
+       {std::pair{"receiver", "Nothing heard"}, std::pair{"elsewhere", "not plugged"},
+        std::pair{"", "There is no device behind COM2:"}}) {
+    listenTo(device);
+    gps([text = text](QDialog& dialog) {
       tap(dialog, "find");
-      EXPECT_TRUE(QTest::qWaitFor([&] { return found(dialog).contains(wanted); }, 5000))
-          << found(dialog).toStdString();
+      EXPECT_TRUE(says(dialog, text)) << labelText(dialog, "findLine");
       EXPECT_EQ(part<QPushButton>(dialog, "find").text(), "&Find");
       dialog.reject();
     });
-  };
-  listenTo("receiver", 1);
-  said("Nothing heard");
-  listenTo("/dev/ttyUSB0", 4800);
-  said("/dev/ttyUSB0 is held");
-  listenTo("", 4800);
-  said("There is no device behind COM2:");
-  EXPECT_EQ(openPorts, 0);
+  }
+  EXPECT_FALSE(isOpen());
 }
 
-TEST_F(FindButton, StopsWhenAskedAndWhenTheDialogIsLeft) {
-  // A port that is silent for as long as it is listened to.
-  class SilentPort final : public Port {
-   public:
-    explicit SilentPort(std::atomic<int>& open) : open_(open) {}
-    std::optional<PortError> open(const std::string&, const LineSettings&) override {
-      ++open_;
-      return std::nullopt;
+TEST_F(FindButton, StopsWhenAskedWhenThePortIsChangedAndWhenTheDialogIsLeft) {
+  const auto outcome = gps([this](QDialog& dialog) {
+    const std::function<void()> stops[] = {[&] { tap(dialog, "find"); },
+                                           [&] { choose(dialog, "gpsPort", 2); }, [&] { tapOk(dialog); }};
+    for (const auto& stop : stops) {
+      tap(dialog, "find");
+      EXPECT_TRUE(QTest::qWaitFor([this] { return isOpen(); }, 2000));
+      EXPECT_EQ(labelText(dialog, "findLine"), "Listening at 4800 baud (1 of 8)");
+      stop();
+      if (!dialog.isVisible()) return;
+      EXPECT_FALSE(isOpen());
+      EXPECT_FALSE(part<QLabel>(dialog, "findLine").isVisible());
     }
-    ReadResult read(std::span<std::uint8_t>, int timeoutMs) override {
-      std::this_thread::sleep_for(std::chrono::milliseconds(timeoutMs));
-      return {};
-    }
-    void purge() override {}
-    unsigned modemStatus() override { return 0; }
-    bool write(std::span<const std::uint8_t>, int) override { return true; }
-    void close() override { --open_; }
-
-   private:
-    std::atomic<int>& open_;
-  };
-  access.portFactory = [this] { return std::make_unique<SilentPort>(openPorts); };
-  const auto search = [this](QDialog& dialog) {
-    tap(dialog, "find");
-    EXPECT_TRUE(QTest::qWaitFor([this] { return openPorts == 1; }, 2000));
-    EXPECT_EQ(found(dialog), "Listening at 4800 baud (1 of 8)");
-  };
-  const auto outcome = gps([&](QDialog& dialog) {
-    search(dialog);
-    tap(dialog, "find");
-    EXPECT_EQ(openPorts, 0);
-    EXPECT_FALSE(part<QLabel>(dialog, "findLine").isVisible());
-    search(dialog);
-    QTest::keyClick(&box(dialog, "gpsPort"), Qt::Key_Down);  // not that port
-    EXPECT_EQ(openPorts, 0);
-    search(dialog);
-    tap(dialog, "ok");
   });
   EXPECT_EQ(outcome.how, GpsSetupOutcome::How::saved);
-  EXPECT_EQ(openPorts, 0);
+  EXPECT_FALSE(isOpen());
 }
-
-struct Template {
-  std::string name;
-  QSize window;
-};
-class SetupTemplates : public ::testing::TestWithParam<Template> {};
-
-// At scale 2 on a screen of 96 dots an inch all is seen at once; smaller screens scroll.
-TEST_P(SetupTemplates, FitTheWindowAndFitFingers) {
-  QWidget window;
-  window.resize(GetParam().window);
-  window.show();
-  const auto dialog = makeDialog(GetParam().name, &window);
-  ASSERT_NE(dialog, nullptr);
-  const DialogActor actor(window, dialog->windowTitle(), [](QDialog& open) {
-    EXPECT_TRUE(open.parentWidget()->frameGeometry().contains(open.frameGeometry()));
-    for (auto* control : open.findChildren<QWidget*>()) {
-      if (qobject_cast<QComboBox*>(control) == nullptr && qobject_cast<QPushButton*>(control) == nullptr)
-        continue;
-      EXPECT_GE(control->height(), touchHeight(nullptr)) << control->objectName().toStdString();
-      EXPECT_FALSE(control->visibleRegion().isEmpty()) << control->objectName().toStdString();
-    }
-    for (auto* label : open.findChildren<QLabel*>()) {
-      EXPECT_GE(label->width(), label->sizeHint().width()) << label->text().toStdString();
-    }
-    open.accept();
-  });
-  EXPECT_TRUE(runDialog(*dialog));
-}
-
-std::vector<Template> templates() {
-  std::vector<Template> all;
-  for (const char* name : {"GetLoggerSetupOrla", "GetLoggerSetupOrlaIce", "GetLoggerSetupTesk",
-                           "GetLoggerSetupTesk2", "GetGPSPortSetup", "Devices"}) {
-    for (const QSize size : {kUpright, kLying}) all.push_back({name, size});
-  }
-  return all;
-}
-
-INSTANTIATE_TEST_SUITE_P(All, SetupTemplates, ::testing::ValuesIn(templates()), [](const auto& tested) {
-  return tested.param.name + (tested.param.window == kLying ? "Lying" : "Upright");
-});
 
 }  // namespace
 }  // namespace kalmira

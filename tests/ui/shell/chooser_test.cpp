@@ -2,41 +2,36 @@
 
 #include <gmock/gmock.h>
 
-#include <QAbstractButton>
-#include <QApplication>
-#include <QDialog>
-#include <QTest>
 #include <QTimer>
 
+#include "support/dialogs.h"
 #include "ui/shell/title.h"
 
 namespace kalmira {
 namespace {
 
-// Shows the chooser and does `what` with it as soon as it is up. Nothing chosen is "".
-std::string choose(std::optional<RememberedKind> current, const std::function<void(QDialog&)>& what,
+// Shows the chooser and does `act` with it as soon as it is up. Nothing chosen is "".
+std::string choose(std::optional<RememberedKind> current, const DialogActor::Act& act,
                    QWidget* parent = nullptr) {
-  QTimer::singleShot(0, [&what] {
+  QTimer::singleShot(0, [&act] {
     auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
     ASSERT_NE(dialog, nullptr);
-    what(*dialog);
+    act(*dialog);
     if (dialog->isVisible()) dialog->reject();
   });
   const auto chosen = runChooserDialog(parent, dayTheme(), current);
   return chosen ? shownName(chosen->kind, chosen->ice) : "";
 }
 
-std::string chooseByKeys(std::optional<RememberedKind> current, const std::vector<Qt::Key>& keys) {
-  return choose(current, [&keys](QDialog& dialog) {
-    for (const auto key : keys) QTest::keyClick(&dialog, key);
-  });
-}
-
-TEST(Chooser, ByKeys) {
+TEST(Chooser, ByKeysAndByTouch) {
   const RememberedKind orla{.kind = Kind::orla, .ice = false};
   const RememberedKind orlaIce{.kind = Kind::orla, .ice = true};
   const RememberedKind vardo{.kind = Kind::vardo, .ice = false};
-  const std::vector<std::tuple<std::optional<RememberedKind>, std::vector<Qt::Key>, std::string>> cases{
+  const struct {
+    std::optional<RememberedKind> current;
+    std::vector<Qt::Key> keys;
+    std::string wanted;
+  } cases[]{
       {std::nullopt, {Qt::Key_Return}, "ORLA"},
       {std::nullopt, {Qt::Key_0}, "ORLA"},
       {orla, {Qt::Key_5}, "MIRKA"},
@@ -52,22 +47,16 @@ TEST(Chooser, ByKeys) {
       {orlaIce, {Qt::Key_Return}, "ORLA ice"},
       {orla, {Qt::Key_Escape}, ""},
   };
-  for (const auto& [current, keys, wanted] : cases) EXPECT_EQ(chooseByKeys(current, keys), wanted);
-}
-
-TEST(Chooser, ByTouchAndCancelled) {
-  for (const auto* name : {"ORLA", "TESKDD", "GLACO", "ORLA ice"}) {
-    EXPECT_EQ(choose({},
-                     [name](QDialog& dialog) {
-                       QTest::mouseClick(dialog.findChild<QAbstractButton*>(name), Qt::LeftButton);
-                     }),
-              name);
+  for (const auto& each : cases) {
+    const auto byKeys = [&each](QDialog& dialog) {
+      for (const auto key : each.keys) QTest::keyClick(&dialog, key);
+    };
+    EXPECT_EQ(choose(each.current, byKeys), each.wanted) << &each - cases;
   }
-  EXPECT_EQ(choose({},
-                   [](QDialog& dialog) {
-                     QTest::mouseClick(dialog.findChild<QAbstractButton*>("cancel"), Qt::LeftButton);
-                   }),
-            "");
+  for (const auto* name : {"ORLA", "TESKDD", "GLACO", "ORLA ice"}) {
+    EXPECT_EQ(choose({}, [name](QDialog& dialog) { tap(dialog, name); }), name);
+  }
+  EXPECT_EQ(choose({}, tapCancel), "");
 }
 
 TEST(Chooser, TheSecondTapOfADoubleTapChoosesNothing) {
@@ -77,11 +66,10 @@ TEST(Chooser, TheSecondTapOfADoubleTapChoosesNothing) {
   EXPECT_EQ(choose(
                 {},
                 [](QDialog& dialog) {
-                  auto* tile = dialog.findChild<QAbstractButton*>("GLACO");
-                  QTest::mouseClick(tile, Qt::LeftButton);
+                  tap(dialog, "GLACO");
                   EXPECT_TRUE(dialog.isVisible());
                   QTest::qWait(QApplication::doubleClickInterval() + 50);
-                  QTest::mouseClick(dialog.findChild<QAbstractButton*>("MIRKA"), Qt::LeftButton);
+                  tap(dialog, "MIRKA");
                 },
                 &parent),
             "MIRKA");

@@ -2,44 +2,29 @@
 
 #include <gmock/gmock.h>
 
-#include <QAbstractButton>
-#include <QApplication>
-#include <QPushButton>
-#include <QTest>
-#include <QTimer>
-
 #include "logging/session_start.h"
-#include "support/fake_clock.h"
-#include "support/fake_disk.h"
-#include "support/temp_folder.h"
+#include "ui/window_fixture.h"
 
 namespace kalmira {
 namespace {
 
-// A port that no device answers on: a session of most instruments starts and hears nothing.
-class SilentPort final : public Port {
- public:
-  std::optional<PortError> open(const std::string& device, const LineSettings&) override {
-    if (device != "silent") return PortError{.kind = PortErrorKind::missing, .text = "not there"};
-    return std::nullopt;
-  }
-  ReadResult read(std::span<std::uint8_t>, int) override {
-    std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    return {};
-  }
-  void purge() override {}
-  unsigned modemStatus() override { return 0; }
-  bool write(std::span<const std::uint8_t>, int) override { return true; }
-  void close() override {}
-};
+using testing::ElementsAre;
 
-class MainWindowTest : public testing::Test {
+class MainWindowTest : public testing::Test, protected SessionGround {
  protected:
   void open(MenuActions actions = {}) {
     window.emplace(MainWindowHost{.clock = clock,
                                   .instrument = {.kind = Kind::vardo, .ice = false},
                                   .night = false,
-                                  .open = [this](RememberedKind kind) { return hostOf(kind); },
+                                  .open =
+                                      [this](RememberedKind kind) {
+                                        ++opened;
+                                        auto given = host(kind.kind, kind.ice);
+                                        given.takeSettingsProblem = [this] {
+                                          return std::exchange(problem, {});
+                                        };
+                                        return given;
+                                      },
                                   .sessionBegins = [this] { ++sessionsBegun; },
                                   .rememberInstrument = [this](RememberedKind kind) { remembered = kind; },
                                   .rememberNight = [this](bool chosen) { night = chosen; },
@@ -49,23 +34,13 @@ class MainWindowTest : public testing::Test {
     window->show();
     QTest::qWait(20);
   }
-  LoggingHost hostOf(RememberedKind kind) {
-    ++opened;
-    SessionSetup setup;
-    setup.kind = kind.kind;
-    setup.iceChosen = kind.ice;
-    setup.root = folder.path();
-    return {.setup = setup,
-            .settings = settings,
-            .clock = clock,
-            .disk = disk,
-            .deviceOf = [this](int) { return device; },
-            .portFactory = [] { return std::make_unique<SilentPort>(); },
-            .saveSettings = [](const Settings&) { return std::string(); },
-            .takeSettingsProblem = [this] { return std::exchange(problem, {}); },
-            .onLeft = {},
-            .endProgram = {},
-            .displayOptions = {}};
+  // Commands 1 to 5 note their numbers.
+  MenuActions noted() {
+    MenuActions actions;
+    for (std::size_t i = 1; i <= 5; ++i) {
+      actions.at(i) = [this, i](QWidget*) { done.push_back(static_cast<int>(i)); };
+    }
+    return actions;
   }
   // Notes the title of the next message and answers it by Enter.
   void answerMessages() {
@@ -77,25 +52,15 @@ class MainWindowTest : public testing::Test {
     });
     answering.start(10);
   }
-  QPushButton& button(const char* name) { return *window->findChild<QPushButton*>(name); }
-  int marked() {
-    int found = -1;
-    for (int i = 0; i < kMenuCommands; ++i) {
-      if (!button(std::to_string(kFirstMenuIdentifier + i).c_str()).isDefault()) continue;
-      EXPECT_EQ(found, -1) << "two buttons are marked";
-      found = i;
-    }
-    return found;
+  void key(Qt::Key pressed, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+    QTest::keyClick(&*window, pressed, modifiers);
   }
-  void key(int qtKey, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
-    QTest::keyClick(&*window, static_cast<Qt::Key>(qtKey), modifiers);
+  void chooseModel(Qt::Key pressed) {
+    QTimer::singleShot(20, [pressed] { QTest::keyClick(QApplication::activeModalWidget(), pressed); });
+    key(Qt::Key_M);
   }
 
-  TempFolder folder;
-  FakeClock clock;
-  FakeDisk disk;
-  Settings settings;
-  std::string device;  // of every COM number
+  std::vector<int> done;
   std::string problem;
   std::vector<std::string> told;
   std::optional<RememberedKind> remembered;
@@ -105,91 +70,96 @@ class MainWindowTest : public testing::Test {
   std::optional<MainWindow> window;
 };
 
+// Keys one after another: which action each does, 0 for none, and which button is marked then.
 TEST_F(MainWindowTest, KeysAndTapsReachTheActions) {
-  std::vector<int> done;
-  MenuActions actions;
-  for (int i = 1; i <= 5; ++i) {
-    actions[static_cast<std::size_t>(i)] = [&done, i](QWidget*) { done.push_back(i); };
-  }
-  open(actions);
+  open(noted());
   EXPECT_EQ(window->windowTitle(), "VARDO");
-  for (const int letter : {Qt::Key_S, Qt::Key_O, Qt::Key_G, Qt::Key_D, Qt::Key_V}) key(letter);
-  key(Qt::Key_S, Qt::ShiftModifier);
-  EXPECT_THAT(done, testing::ElementsAre(1, 2, 3, 4, 5, 1));
+  const struct {
+    Qt::Key key;
+    int action;
+    const char* marked;
+    Qt::KeyboardModifiers modifiers{};
+  } steps[]{{Qt::Key_Up, 0, "E&xit"},
+            {Qt::Key_Down, 0, "Monitor/&Log"},
+            {Qt::Key_Left, 0, "E&xit"},
+            {Qt::Key_Tab, 0, "Monitor/&Log"},
+            {Qt::Key_S, 1, "&Survey Setup"},
+            {Qt::Key_O, 2, "L&ogger Setup"},
+            {Qt::Key_G, 3, "Set &GPS Port"},
+            {Qt::Key_D, 4, "&Display Options"},
+            {Qt::Key_V, 5, "&View Files"},
+            {Qt::Key_S, 1, "&Survey Setup", Qt::ShiftModifier},
+            {Qt::Key_Down, 0, "L&ogger Setup"},
+            {Qt::Key_Right, 0, "Set &GPS Port"},
+            {Qt::Key_Tab, 0, "&Display Options"},
+            {Qt::Key_Return, 4, "&Display Options"},
+            {Qt::Key_Up, 0, "Set &GPS Port"},
+            {Qt::Key_Left, 0, "L&ogger Setup"},
+            {Qt::Key_Enter, 2, "L&ogger Setup"},
+            {Qt::Key_V, 0, "L&ogger Setup", Qt::ControlModifier}};
+  for (const auto& step : steps) {
+    SCOPED_TRACE(&step - steps);
+    done.clear();
+    key(step.key, step.modifiers);
+    EXPECT_EQ(done, step.action == 0 ? std::vector<int>{} : std::vector{step.action});
+    EXPECT_EQ(markedOf(*window), step.marked);
+  }
   done.clear();
-  // The highlight goes by the arrows and Tab, and Enter acts on it.
-  key(Qt::Key_Down);
-  key(Qt::Key_Right);
-  key(Qt::Key_Tab);
-  EXPECT_EQ(marked(), 4);
-  key(Qt::Key_Return);
-  key(Qt::Key_Up);
-  key(Qt::Key_Left);
-  key(Qt::Key_Enter);
-  EXPECT_EQ(marked(), 2);
-  for (const int other : {Qt::Key_A, Qt::Key_Space, Qt::Key_1, Qt::Key_Backtab, Qt::Key_Escape}) key(other);
-  key(Qt::Key_V, Qt::ControlModifier);
-  QTest::mouseClick(&button("425"), Qt::LeftButton);
-  EXPECT_THAT(done, testing::ElementsAre(4, 2, 5));
-  EXPECT_EQ(marked(), 5);
-  EXPECT_EQ(ended, 0);
+  for (int other = Qt::Key_Space; other <= Qt::Key_Z; ++other) {
+    if (!QString("LSOGDVXEMN").contains(QChar(other))) key(static_cast<Qt::Key>(other));
+  }
+  for (const auto other : {Qt::Key_Escape, Qt::Key_Home, Qt::Key_PageDown, Qt::Key_F5}) key(other);
+  EXPECT_EQ(markedOf(*window), "L&ogger Setup");
+  tapButton(*window, "&View Files");
+  EXPECT_EQ(done, std::vector{5});
+  EXPECT_EQ(markedOf(*window), "&View Files");
+  EXPECT_EQ(ended + sessionsBegun, 0);
 }
 
-TEST_F(MainWindowTest, ACommandWithoutAnActionIsGreyed) {
+TEST_F(MainWindowTest, ACommandWithoutAnActionIsGreyedAndPassedOver) {
   open();
-  for (const auto* name : {"421", "422", "423", "424", "425"}) EXPECT_FALSE(button(name).isEnabled());
-  for (const int letter : {Qt::Key_S, Qt::Key_O, Qt::Key_G, Qt::Key_D, Qt::Key_V}) key(letter);
-  EXPECT_EQ(marked(), 0);
+  for (const auto* name : {"421", "422", "423", "424", "425"}) {
+    EXPECT_FALSE(window->findChild<QPushButton*>(name)->isEnabled());
+  }
+  for (const auto letter : {Qt::Key_S, Qt::Key_O, Qt::Key_G, Qt::Key_D, Qt::Key_V}) key(letter);
+  EXPECT_EQ(markedOf(*window), "Monitor/&Log");
+  key(Qt::Key_Up);
+  EXPECT_EQ(markedOf(*window), "E&xit");
+  key(Qt::Key_Down);
+  EXPECT_EQ(markedOf(*window), "Monitor/&Log");
   key(Qt::Key_Tab);
-  EXPECT_EQ(marked(), 6);
   key(Qt::Key_Return);
   EXPECT_EQ(ended, 1);
-}
-
-TEST_F(MainWindowTest, ExitByEveryWay) {
-  for (const int letter : {Qt::Key_X, Qt::Key_E}) {
+  for (const auto letter : {Qt::Key_X, Qt::Key_E}) {
     open();
-    ended = 0;
     key(letter);
-    EXPECT_EQ(ended, 1);
     EXPECT_FALSE(window->isVisible());
   }
-}
-
-TEST_F(MainWindowTest, ARefusedSessionLeavesTheMenu) {
-  open();
-  answerMessages();
-  key(Qt::Key_L);
-  EXPECT_THAT(told, testing::ElementsAre("Serial Port"));
-  EXPECT_EQ(sessionsBegun, 1);
-  EXPECT_FALSE(window->logging().sessionActive());
-  EXPECT_TRUE(button("420").isVisible());
-  EXPECT_EQ(ended, 0);
+  EXPECT_EQ(ended, 3);
 }
 
 TEST_F(MainWindowTest, ASessionCoversTheMenuUntilItIsLeft) {
-  device = "silent";
   open();
-  QTest::mouseClick(&button("420"), Qt::LeftButton);
+  tapButton(*window, "Monitor/&Log");
   ASSERT_TRUE(window->logging().sessionActive());
   EXPECT_TRUE(window->logging().isVisible());
-  EXPECT_EQ(window->logging().size(), window->size());
-  EXPECT_FALSE(button("420").isVisible());
+  EXPECT_FALSE(buttonOf(*window, "Monitor/&Log")->isVisible());
   window->resize(640, 480);
-  EXPECT_EQ(window->logging().size(), QSize(640, 480));
-  // Keys of the menu are the session's now.
-  key(Qt::Key_M);
+  EXPECT_EQ(window->logging().geometry(), window->rect());
+  key(Qt::Key_M);  // a key of the menu, which is not there now
   EXPECT_EQ(opened, 1);
   window->logging().leaveAtOnce();
-  EXPECT_TRUE(button("420").isVisible());
+  EXPECT_TRUE(buttonOf(*window, "Monitor/&Log")->isVisible());
   EXPECT_FALSE(window->logging().isVisible());
   EXPECT_TRUE(window->hasFocus());
+  device.plug(false);  // a session that is refused leaves the menu
+  answerMessages();
+  key(Qt::Key_L);
+  EXPECT_THAT(told, ElementsAre("Serial Port"));
+  EXPECT_EQ(markedOf(*window), "Monitor/&Log");
+  EXPECT_EQ(sessionsBegun, 2);
   EXPECT_EQ(ended, 0);
-}
-
-TEST_F(MainWindowTest, TheMachineEndsASessionAndTheProgram) {
-  device = "silent";
-  open();
+  device.plug(true);
   key(Qt::Key_L);
   ASSERT_TRUE(window->logging().sessionActive());
   window->endAtOnce();
@@ -202,8 +172,7 @@ TEST_F(MainWindowTest, UptimeStopsTheProgramAtItsStartAndAtLog) {
   answerMessages();
   open();
   EXPECT_TRUE(QTest::qWaitFor([this] { return ended == 1; }, 2000));
-  EXPECT_THAT(told, testing::ElementsAre("PROGRAM STOP"));
-
+  EXPECT_THAT(told, ElementsAre("PROGRAM STOP"));
   clock.set(kLongestUptimeMs);
   open();
   QTest::qWait(50);
@@ -216,33 +185,26 @@ TEST_F(MainWindowTest, UptimeStopsTheProgramAtItsStartAndAtLog) {
   EXPECT_EQ(told.size(), 2U);
 }
 
-TEST_F(MainWindowTest, ASettingsProblemIsToldOnce) {
+TEST_F(MainWindowTest, InstrumentAndThemeAreChangedAndRemembered) {
   problem = "Cannot write ORLA.INI";
   answerMessages();
   open();
   EXPECT_TRUE(QTest::qWaitFor([this] { return !told.empty(); }, 2000));
   QTest::qWait(50);
-  EXPECT_THAT(told, testing::ElementsAre("WARNING"));
-}
-
-TEST_F(MainWindowTest, InstrumentAndThemeAreChangedAndRemembered) {
-  open();
-  QTest::mouseClick(&button("theme"), Qt::LeftButton);
+  EXPECT_THAT(told, ElementsAre("WARNING")) << "once";
+  answering.stop();
+  tap(*window, "theme");
   EXPECT_EQ(night, true);
-  EXPECT_EQ(button("theme").text(), "Day");
+  EXPECT_EQ(window->findChild<QPushButton*>("theme")->text(), "Day");
   key(Qt::Key_N);
   EXPECT_EQ(night, false);
-
-  QTimer::singleShot(20, [] { QTest::keyClick(QApplication::activeModalWidget(), Qt::Key_6); });
-  key(Qt::Key_M);
+  chooseModel(Qt::Key_6);
   ASSERT_TRUE(remembered);
   EXPECT_EQ(remembered->kind, Kind::glaco);
   EXPECT_EQ(window->windowTitle(), "GLACO");
   EXPECT_EQ(opened, 2);
-  // The same again loads nothing anew.
-  QTimer::singleShot(20, [] { QTest::keyClick(QApplication::activeModalWidget(), Qt::Key_Return); });
-  key(Qt::Key_M);
-  EXPECT_EQ(opened, 2);
+  chooseModel(Qt::Key_Return);
+  EXPECT_EQ(opened, 2) << "the same again loads nothing anew";
 }
 
 }  // namespace

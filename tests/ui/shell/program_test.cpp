@@ -8,7 +8,6 @@
 #include <QTest>
 #include <QTimer>
 #include <csignal>
-#include <fstream>
 
 #include "support/temp_folder.h"
 #include "ui/shell/main_window.h"
@@ -19,13 +18,14 @@ namespace {
 
 class ProgramTest : public testing::Test {
  protected:
+  using Step = std::function<bool()>;
   ProgramTest() {
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope,
                        QString::fromStdString((folder.path() / "config").string()));
     options.root = folder.path() / "Kalmira";
   }
   // Runs the program and does `steps` in it, one after another, each again until it says that it is done.
-  int run(std::vector<std::function<bool()>> steps) {
+  int run(std::vector<Step> steps) {
     steps_ = std::move(steps);
     next_ = 0;
     nextStep();
@@ -40,11 +40,23 @@ class ProgramTest : public testing::Test {
       if (!steps_[step]()) next_ = step;
     });
   }
-  // False while there is no window yet.
-  static bool press(Qt::Key key) {
-    auto* window = QApplication::activeWindow();
-    if (window != nullptr) QTest::keyClick(window, key);
-    return window != nullptr;
+  // Each false while there is no window yet, or none of that title.
+  static Step press(Qt::Key key) {
+    return [key] {
+      auto* window = QApplication::activeWindow();
+      if (window != nullptr) QTest::keyClick(window, key);
+      return window != nullptr;
+    };
+  }
+  static Step titled(const char* title) {
+    return [title] {
+      const auto* window = QApplication::activeWindow();
+      return window != nullptr && window->windowTitle() == title;
+    };
+  }
+  static bool terminate() { return std::raise(SIGTERM) == 0; }
+  bool hasSettings(const char* name) const {
+    return std::filesystem::exists(options.root / "Storage/KALINI" / name);
   }
 
   TempFolder folder;
@@ -52,79 +64,52 @@ class ProgramTest : public testing::Test {
 
  private:
   QObject context_;
-  std::vector<std::function<bool()>> steps_;
+  std::vector<Step> steps_;
   std::size_t next_ = 0;
 };
 
 TEST_F(ProgramTest, TheFirstStartAsksAndTheNextRemembers) {
-  EXPECT_EQ(run({[] { return press(Qt::Key_6); }, [] { return press(Qt::Key_N); },
-                 [] { return press(Qt::Key_X); }}),
-            0);
-  EXPECT_TRUE(std::filesystem::exists(options.root / "Storage/KALINI/GLACO.INI"));
-  std::string title;
-  EXPECT_EQ(run({[&title] {
-                   if (const auto* window = QApplication::activeWindow())
-                     title = window->windowTitle().toStdString();
-                   return !title.empty();
-                 },
-                 [] { return press(Qt::Key_E); }}),
-            0);
-  EXPECT_EQ(title, "GLACO");
+  EXPECT_EQ(run({press(Qt::Key_Escape)}), 0);
+  EXPECT_FALSE(lastInstrument(QSettings("kalmira", "kalmira")));
+  EXPECT_FALSE(std::filesystem::exists(options.root / "Storage"));
+  EXPECT_EQ(run({press(Qt::Key_6), press(Qt::Key_N), press(Qt::Key_X)}), 0);
+  EXPECT_TRUE(hasSettings("GLACO.INI"));
+  EXPECT_EQ(run({titled("GLACO"), press(Qt::Key_E)}), 0);
   EXPECT_TRUE(rememberedNight(QSettings("kalmira", "kalmira")));
 }
 
-TEST_F(ProgramTest, AFirstStartWithoutAChoiceEnds) {
-  EXPECT_EQ(run({[] { return press(Qt::Key_Escape); }}), 0);
-  EXPECT_FALSE(lastInstrument(QSettings("kalmira", "kalmira")));
-  EXPECT_FALSE(std::filesystem::exists(options.root / "Storage"));
-}
-
+// The message stands open when the machine asks.
 TEST_F(ProgramTest, APortThatIsNotThereIsToldAndTheMachineMayEndIt) {
   options.kind = Kind::orla;
   options.ice = true;
   options.com[0] = "/dev/kalmira-nowhere";
-  std::string told;
-  const auto note = [&told] {
-    if (const auto* modal = QApplication::activeModalWidget()) told = modal->windowTitle().toStdString();
-    return !told.empty();
-  };
-  // The message stands open when the machine asks.
-  EXPECT_EQ(run({[] { return press(Qt::Key_L); }, note, [] { return std::raise(SIGTERM) == 0; }}), 0);
-  EXPECT_EQ(told, "Serial Port");
-  EXPECT_TRUE(std::filesystem::exists(options.root / "Storage/KALINI/ORLICE.INI"));
-  EXPECT_FALSE(std::filesystem::exists(options.root / "Storage/KALINI/ORLA.INI"));
+  EXPECT_EQ(run({press(Qt::Key_L), titled("Serial Port"), terminate}), 0);
+  EXPECT_TRUE(hasSettings("ORLICE.INI"));
+  EXPECT_FALSE(hasSettings("ORLA.INI"));
 }
 
 TEST_F(ProgramTest, AFileIsShownByTheLoggerOfItsInstrument) {
   options.file = folder.path() / "survey.IOR";
-  std::ofstream(options.file) << "GLACO   W210GPS0000   3\nH survey     1.000     \n";
-  std::string title;
-  EXPECT_EQ(run({[&title] {
-                   const auto* window = QApplication::activeWindow();
-                   if (window != nullptr && window->windowTitle().startsWith("survey"))
-                     title = window->windowTitle().toStdString();
-                   return !title.empty();
-                 },
-                 [] {
-                   QTest::keyClick(QApplication::focusWidget(), Qt::Key_X);
-                   return true;
-                 },
-                 [] { return press(Qt::Key_X); }}),
-            0);
-  EXPECT_EQ(title, "survey.IOR  GLACO");
+  writeFile(options.file, "GLACO   W210GPS0000   3\nH survey     1.000     \n");
+  const auto leaveViewer = [] {
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_X);
+    return true;
+  };
+  EXPECT_EQ(run({titled("survey.IOR  GLACO"), leaveViewer, press(Qt::Key_X)}), 0);
   EXPECT_FALSE(lastInstrument(QSettings("kalmira", "kalmira")));
 }
 
 // The settings can be changed all the same; that they cannot be kept is told once.
 TEST_F(ProgramTest, ASettingsFolderThatCannotBeWrittenIsToldOnce) {
   options.kind = Kind::glaco;
-  std::filesystem::create_directories(options.root);
-  std::ofstream(options.root / "Storage") << "a file where a folder is to be";
-  const auto opened = [](const char* title) {
-    auto* modal = QApplication::activeModalWidget();
-    if (modal == nullptr || modal->windowTitle() != title) return false;
-    QTest::keyClick(modal, Qt::Key_Return);
-    return true;
+  writeFile(options.root / "Storage", "a file where a folder is to be");
+  const auto confirm = [](const char* title) {
+    return [title] {
+      auto* modal = QApplication::activeModalWidget();
+      if (modal == nullptr || modal->windowTitle() != title) return false;
+      QTest::keyClick(modal, Qt::Key_Return);
+      return true;
+    };
   };
   bool toldAgain = false;
   QElapsedTimer sinceSaved;
@@ -140,9 +125,7 @@ TEST_F(ProgramTest, ASettingsFolderThatCannotBeWrittenIsToldOnce) {
     }
     return true;
   };
-  EXPECT_EQ(run({[&] { return opened("WARNING"); }, logger, [&] { return opened("Logger Setup"); }, quiet,
-                 [] { return std::raise(SIGTERM) == 0; }}),
-            0);
+  EXPECT_EQ(run({confirm("WARNING"), logger, confirm("Logger Setup"), quiet, terminate}), 0);
   EXPECT_FALSE(toldAgain);
 }
 

@@ -22,12 +22,6 @@ class Remembered : public testing::Test {
   TempFolder folder_;
 };
 
-TEST_F(Remembered, NothingAtFirst) {
-  EXPECT_FALSE(lastInstrument(store()));
-  EXPECT_FALSE(rememberedNight(store()));
-  EXPECT_THAT(rememberedComDevices(store()), testing::Each(testing::IsEmpty()));
-}
-
 TEST_F(Remembered, TheNextRunFindsWhatWasChosen) {
   ComAssignments devices;
   devices[0] = "/dev/serial/by-id/usb, with a comma";
@@ -50,12 +44,15 @@ TEST_F(Remembered, TheNextRunFindsWhatWasChosen) {
 }
 
 TEST_F(Remembered, WhatMakesNoSenseIsNotThere) {
-  write(
-      "[instrument]\nkind=MAGNETOMETER\nice=yes\n[screen]\ntheme=17\n"
-      "[com]\n0=/dev/zero\n1=COM1\n2=@Invalid()\n3=/dev/ttyS1, /dev/ttyS2\n13=/dev/x\n");
-  EXPECT_FALSE(lastInstrument(store()));
-  EXPECT_FALSE(rememberedNight(store()));
-  EXPECT_THAT(rememberedComDevices(store()), testing::Each(testing::IsEmpty()));
+  for (const std::string text :
+       {"",
+        "[instrument]\nkind=MAGNETOMETER\nice=yes\n[screen]\ntheme=17\n"
+        "[com]\n0=/dev/zero\n1=COM1\n2=@Invalid()\n3=/dev/ttyS1, /dev/ttyS2\n13=/dev/x\n"}) {
+    write(text);
+    EXPECT_FALSE(lastInstrument(store()));
+    EXPECT_FALSE(rememberedNight(store()));
+    EXPECT_THAT(rememberedComDevices(store()), testing::Each(testing::IsEmpty()));
+  }
   // Only an ORLA can be for ice work.
   write("[instrument]\nkind=GLACO\nice=yes\n");
   const auto kind = lastInstrument(store());

@@ -38,13 +38,12 @@ TEST(Title, EveryPictureNameIsADrawing) {
 }
 
 TEST(Title, PicturesByTheShapeOfTheScreen) {
-  struct Case {
+  const struct {
     Kind kind;
     bool ice;
     QSize screen;
     std::string_view name;
-  };
-  const std::vector<Case> cases{
+  } cases[]{
       {Kind::orla, false, {480, 640}, "STATICTIT_ORLAVVGA"},
       {Kind::orla, false, {640, 480}, "STATICTIT_ORLAHVGA"},
       {Kind::orla, false, {240, 320}, "STATICTIT_ORLAMX"},

@@ -3,14 +3,11 @@
 #include <gmock/gmock.h>
 
 #include <QAbstractItemView>
-#include <QLineEdit>
-#include <QMessageBox>
-#include <QPushButton>
 #include <QSvgRenderer>
 #include <cmath>
 
 #include "platform/text.h"
-#include "support/dialog_actor.h"
+#include "support/dialogs.h"
 #include "support/viewed_file.h"
 #include "ui/viewer/line_list.h"
 #include "ui/viewer/overview_strip.h"
@@ -56,7 +53,7 @@ class ViewFilesTest : public testing::Test {
   QPushButton& button(int identifier) {
     return *viewer->findChild<QPushButton*>(QString::number(identifier));
   }
-  void tap(QWidget& widget, int x) {
+  static void tapAt(QWidget& widget, int x) {
     QTest::mouseClick(&widget, Qt::LeftButton, {}, QPoint(x, widget.height() / 2));
   }
   std::string readout() { return static_cast<ReadoutView*>(child("Values at the bar"))->text(); }
@@ -71,7 +68,7 @@ class ViewFilesTest : public testing::Test {
   ViewCurveWnd& plot() { return *static_cast<ViewCurveWnd*>(viewer->findChild<QWidget*>("ViewCurveWnd")); }
   // What the next message of that title says; it is answered by Enter.
   DialogActor message(const char* title, std::string& text) {
-    return {main, title, [&text](QDialog& dialog) {
+    return {title, [&text](QDialog& dialog) {
               text = dynamic_cast<QMessageBox&>(dialog).text().toStdString();
               QTest::keyClick(&dialog, Qt::Key_Return);
             }};
@@ -106,12 +103,13 @@ TEST_F(ViewFilesTest, KeysAndTapsWalkAlongTheLine) {
   } steps[] = {{Qt::Key_Right, 483, 1, 51},  {Qt::Key_Down, 483, 1, 52},
                {Qt::Key_Left, 482, 1, 51},   {Qt::Key_PageDown, 484, 81, 51},
                {Qt::Key_PageUp, 481, 1, 51}, {Qt::Key_End, 485, 600 - shown + 1, 51},
-               {Qt::Key_Home, 480, 1, 51},   {Qt::Key_Up, 482, 1, 50}};
+               {Qt::Key_Home, 480, 1, 51},   {Qt::Key_Up, 482, 1, 50},
+               {Qt::Key_Q, 0, 1, 50},        {Qt::Key_Space, 0, 1, 50}};
   for (const bool byKey : {true, false}) {
     for (const auto& step : steps) {
       if (byKey)
         key(step.key);
-      else
+      else if (step.button != 0)
         QTest::mouseClick(&button(step.button), Qt::LeftButton);
       EXPECT_EQ(at.firstRow, step.firstRow) << step.button;
       EXPECT_EQ(at.bar, step.bar) << step.button;
@@ -120,12 +118,12 @@ TEST_F(ViewFilesTest, KeysAndTapsWalkAlongTheLine) {
     }
   }
   key(Qt::Key_End);
-  tap(plot(), shown);  // the last column but the frame
+  tapAt(plot(), shown);  // the last column but the frame
   EXPECT_THAT(readout(), StartsWith("Stn: 908.50\n"));
   auto& overview = *viewer->findChild<QWidget*>("overview");
-  tap(overview, 0);
+  tapAt(overview, 0);
   EXPECT_EQ(rowAtBar(at), 2) << "the middle of the rows in the first column";
-  tap(overview, overview.width() - 1);
+  tapAt(overview, overview.width() - 1);
   EXPECT_EQ(at.lastRow, 600);
 }
 
@@ -168,14 +166,21 @@ TEST_F(ViewFilesTest, TabMovesTheHighlightAndEnterPressesIt) {
     return 0;
   };
   std::vector<int> order;
-  for (int i = 0; i < 5; ++i) {
-    order.push_back(highlighted());
-    key(Qt::Key_Tab);
-  }
+  const auto goRound = [&](std::size_t steps) {
+    order.clear();
+    for (std::size_t i = 0; i < steps; ++i) {
+      order.push_back(highlighted());
+      key(Qt::Key_Tab);
+    }
+  };
+  goRound(5);
   EXPECT_THAT(order, testing::ElementsAre(486, 487, 488, 489, 486)) << "without a file";
   EXPECT_FALSE(button(480).isEnabled());
-  key(Qt::Key_Tab);
-  ASSERT_EQ(highlighted(), 488);
+  ASSERT_TRUE(viewer->openFile(survey(60)));
+  goRound(13);
+  EXPECT_EQ(std::set<int>(order.begin(), order.end()).size(), 12U);
+  EXPECT_EQ(order.front(), order.back());
+  for (int i = 0; i < 12 && highlighted() != 488; ++i) key(Qt::Key_Tab);
   key(Qt::Key_Return);
   EXPECT_EQ(left, 1);
   EXPECT_TRUE(viewer->isHidden());
@@ -185,16 +190,17 @@ TEST_F(ViewFilesTest, HelpAndScale) {
   std::string help;
   {
     const auto actor = message("View Files Help", help);
-    tap(button(489), 10);
+    tapAt(button(489), 10);
   }
   EXPECT_THAT(help, StartsWith("Select Line in box"));
+  EXPECT_THAT(help, HasSubstr("80 right- tap --->"));
   ASSERT_TRUE(viewer->openFile(survey(300)));
   const auto before = plot().picture();
   {
-    const DialogActor actor(main, "Enter Scale", [](QDialog& dialog) {
-      QTest::keyClicks(dialog.findChild<QLineEdit*>("firstMaximum"), "");
-      dialog.findChild<QLineEdit*>("firstMaximum")->setText("40");
-      QTest::keyClick(&dialog, Qt::Key_Return);
+    const DialogActor actor("Enter Scale", [](QDialog& dialog) {
+      expectFits(dialog);
+      type(dialog, "firstMaximum", "40");
+      press(dialog, Qt::Key_Return);
     });
     key(Qt::Key_S);
   }
@@ -207,7 +213,7 @@ TEST_F(ViewFilesTest, HelpAndScale) {
 TEST_F(ViewFilesTest, TheOpenDialogStartsInTheKindsFolder) {
   survey(60);
   {
-    const DialogActor actor(main, "Open Data File", [](QDialog& dialog) {
+    const DialogActor actor("Open Data File", [](QDialog& dialog) {
       QTest::keyClicks(dialog.findChild<QLineEdit*>("fileNameEdit"), "A.ROR");
       QTest::keyClick(&dialog, Qt::Key_Return);
     });
@@ -220,7 +226,7 @@ TEST_F(ViewFilesTest, SavesPicturesAndTablesButNeverOverADataFile) {
   const auto path = survey(300);
   ASSERT_TRUE(viewer->openFile(path));
   const auto saveAs = [this](const char* title, Qt::Key command, const char* name) {
-    const DialogActor actor(main, title, [name](QDialog& dialog) {
+    const DialogActor actor(title, [name](QDialog& dialog) {
       auto& field = *dialog.findChild<QLineEdit*>("fileNameEdit");
       if (name != nullptr) field.setText(name);
       QTest::keyClick(&dialog, Qt::Key_Return);
@@ -241,22 +247,16 @@ TEST_F(ViewFilesTest, SavesPicturesAndTablesButNeverOverADataFile) {
   EXPECT_EQ(std::count(csv.begin(), csv.end(), '\n'), 1 + 303);
   EXPECT_THAT(viewer->caption(), EndsWith("303 readings in A.csv"));
 
+  // After the warning it is asked for again, and then given up.
   std::string warning;
+  std::optional<DialogActor> again;
   {
-    const auto answered = message("WARNING", warning);
-    int times = 0;
-    const DialogActor first(main, "Export CSV", [&](QDialog& dialog) {
-      // The second time, after the warning, it is given up.
-      QObject::connect(&dialog, &QObject::destroyed, &main, [&] {
-        if (++times == 1)
-          QTimer::singleShot(300, &main, [] {
-            if (auto* again = qobject_cast<QDialog*>(QApplication::activeModalWidget())) again->reject();
-          });
-      });
-      dialog.findChild<QLineEdit*>("fileNameEdit")->setText("A.ROR");
+    const DialogActor answered("WARNING", [&](QDialog& dialog) {
+      warning = dynamic_cast<QMessageBox&>(dialog).text().toStdString();
+      again.emplace("Export CSV", Qt::Key_Escape);
       QTest::keyClick(&dialog, Qt::Key_Return);
     });
-    key(Qt::Key_C);
+    saveAs("Export CSV", Qt::Key_C, "A.ROR");
   }
   EXPECT_THAT(warning, HasSubstr("data file"));
   EXPECT_EQ(readFile(path), content);

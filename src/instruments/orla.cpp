@@ -113,7 +113,7 @@ PanelTexts panelTexts(const Reading& reading, const PanelStyle& style) {
 constexpr Reading kWidest{.conductivity = -8888.88F, .inphase = -8888.88F, .orientation = 'H', .range = 1000};
 constexpr Reading kWidestVertical{
     .conductivity = -8888.88F, .inphase = -8888.88F, .orientation = 'V', .range = 1000};
-constexpr Reading kThick{.orientation = 'H', .thickness = 888.88F};
+constexpr Reading kThick{.orientation = 'H', .thickness = 270.9306F};  // 888.88 ft
 constexpr Reading kBattery{.conductivity = -88.88F, .inphase = -88.88F, .batteryLevels = true};
 constexpr std::array kWidestReadings{kWidest, kWidestVertical, kThick, kBattery};
 

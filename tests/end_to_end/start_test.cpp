@@ -86,7 +86,7 @@ TEST(Usage, IsToldByEveryProgram) {
        {Case{KALMIRA_LOG, "--kind is missing", "kalmira-log --help shows the usage\n"},
         Case{KALMIRA_SIM, "--kind is missing", "usage: kalmira-sim --kind NAME|0..7 [options]\n"},
         Case{KALMIRA_EXPORT, "no data file was named",
-             "kalmira-export: usage: kalmira-export FILE... [-o OUT]\n"}}) {
+             "kalmira-export: usage: kalmira-export FILE... [-o OUT] [--tesk-x10]\n"}}) {
     const auto name = std::filesystem::path(program).filename().string();
     const auto wrong = run(program);
     EXPECT_EQ(wrong.status, 2);

@@ -147,6 +147,8 @@ TEST(Average, OfSamplesIsOneRecordAndEndsInManualMode) {
     EXPECT_TRUE(item.samples.size() != 3 || test.view.points[0].channels.value[0] == 50.0F);
     test.record(item.samples.back());
     EXPECT_EQ(test.session.counts.readings, 1U) << "the next average waits for a press";
+    for (const auto& sample : item.samples) test.record(sample);
+    EXPECT_THAT(test.readings(), ElementsAre(item.written, item.written)) << "and begins at nothing";
   }
 }
 

@@ -8,8 +8,8 @@
 #include <span>
 #include <string>
 
-#include "settings/settings.h"
 #include "instruments/catalogue.h"
+#include "settings/settings.h"
 
 // Serial ports as the readers see them, and how each of a session's three lines is set up.
 namespace kalmira {

@@ -3,11 +3,11 @@
 #include <atomic>
 #include <functional>
 
-#include "link/link_state.h"
+#include "instruments/catalogue.h"
 #include "instruments/framing.h"
+#include "link/link_state.h"
 #include "link/port.h"
 #include "platform/clock.h"
-#include "instruments/catalogue.h"
 
 // The loops that run on the ports' threads: bytes from a port through a framer to the session.
 namespace kalmira {
@@ -24,8 +24,8 @@ enum class ReaderEnd {
   gone,     // the device has vanished
 };
 
-// Calls `onBlock` with what arrives until it returns false, `stop` is set or the device vanishes. Nothing arriving
-// within `sliceMs` is an empty block. On the thread of `port`.
+// Calls `onBlock` with what arrives until it returns false, `stop` is set or the device vanishes. Nothing
+// arriving within `sliceMs` is an empty block. On the thread of `port`.
 ReaderEnd readBlocks(Port& port, const std::atomic<bool>& stop, int sliceMs,
                      const std::function<bool(Bytes)>& onBlock);
 

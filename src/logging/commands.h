@@ -4,8 +4,8 @@
 #include <string_view>
 
 #include "datafile/creation.h"
-#include "logging/session_ports.h"
 #include "logging/session.h"
+#include "logging/session_ports.h"
 #include "settings/line_entry.h"
 
 // What the operator can do in a session. Each command is for the states its comment names; who calls it has

@@ -5,8 +5,8 @@
 #include <string_view>
 #include <vector>
 
-#include "logging/session_view.h"
 #include "instruments/catalogue.h"
+#include "logging/session_view.h"
 
 // Where the panel's fields stand, worked out from the width, the scale and the font: nothing overlaps, and
 // every field has room for the widest text that its kind of instrument can show in it.

@@ -5,13 +5,13 @@
 
 #include "gps/gps_reader.h"
 #include "gps/nmea.h"
+#include "instruments/catalogue.h"
 #include "link/link_state.h"
 #include "link/port_thread.h"
 #include "logging/session_ports.h"
 #include "platform/clock.h"
 #include "platform/hand_over.h"
 #include "settings/settings.h"
-#include "instruments/catalogue.h"
 
 namespace kalmira {
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "settings/settings.h"
 #include "instruments/catalogue.h"
+#include "settings/settings.h"
 
 // The vertical scales of the profile, as the profile scale dialog changes them. Conductivity is in mS/m,
 // inphase in parts per thousand, ice thickness (the first scale of a GLACO, too) in metres.

@@ -4,8 +4,8 @@
 #include <string>
 #include <string_view>
 
-#include "settings/settings.h"
 #include "instruments/catalogue.h"
+#include "settings/settings.h"
 
 namespace kalmira {
 

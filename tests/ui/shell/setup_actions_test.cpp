@@ -163,7 +163,7 @@ TEST_F(SetupActionsTest, DevicesAreAssignedFromWithinTheDialogs) {
   open(Kind::mirka);
   command(Qt::Key_O, "Logger Setup", [](QDialog& dialog) {
     EXPECT_EQ(labelText(dialog, "instrumentDevice"), "gps");
-    const DialogActor assigned("Devices", [](QDialog& open) {
+    const DialogActor assigning("Devices", [](QDialog& open) {
       QTest::keyClick(&list(open, "device"), Qt::Key_End);
       tapOk(open);
     });

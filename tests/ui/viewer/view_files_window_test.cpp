@@ -181,6 +181,7 @@ TEST_F(ViewFilesTest, TabMovesTheHighlightAndEnterPressesIt) {
   EXPECT_EQ(std::set<int>(order.begin(), order.end()).size(), 12U);
   EXPECT_EQ(order.front(), order.back());
   for (int i = 0; i < 12 && highlighted() != 488; ++i) key(Qt::Key_Tab);
+  ASSERT_EQ(highlighted(), 488);
   key(Qt::Key_Return);
   EXPECT_EQ(left, 1);
   EXPECT_TRUE(viewer->isHidden());

@@ -12,8 +12,6 @@ namespace {
 // Columns of a record that end in a tick: the tick and the line feed take the last 11.
 constexpr int kTickColumns = 10;
 
-constexpr int kManualSurvey = 2;  // column 18 of header 1
-
 std::size_t widthOf(int columns) {
   return static_cast<std::size_t>(std::max(columns, 0));
 }

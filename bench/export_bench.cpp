@@ -35,8 +35,7 @@ std::string readingOf(Kind kind, unsigned number) {
     return formatReading(26, text, number * 50);
   }
   return formatReading(
-      24,
-      fmt::format("T${:+05}{:+05}", static_cast<int>(number % 9000) - 4500, static_cast<int>(number % 700)),
+      24, fmt::format("T${:+05}{:+05}", static_cast<int>(number % 9000) - 4500, static_cast<int>(number % 700)),
       number * 91);
 }
 

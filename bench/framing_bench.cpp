@@ -31,9 +31,7 @@ std::string asciiStream() {
   return repeated(records);
 }
 
-std::string tesk2Record() {
-  return std::string("T\x06\x80\x10\x84\x00\x90\xFF\x7F\xF0\x0C\x24\x00\xFF", 14);
-}
+std::string tesk2Record() { return std::string("T\x06\x80\x10\x84\x00\x90\xFF\x7F\xF0\x0C\x24\x00\xFF", 14); }
 
 std::string noise() {
   std::mt19937 generator(1);  // NOLINT: the same noise in every run
@@ -61,26 +59,17 @@ void frameAll(benchmark::State& state, const Framer& fresh, const std::string& s
       }
     }
   }
-  state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations()) *
-                          static_cast<std::int64_t>(all.size()));
+  state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations()) * static_cast<std::int64_t>(all.size()));
   state.counters["records"] = benchmark::Counter(static_cast<double>(good), benchmark::Counter::kIsRate);
 }
 
-void frameAsciiClean(benchmark::State& state) {
-  frameAll(state, AsciiFramer(12), asciiStream());
-}
-void frameAsciiNoise(benchmark::State& state) {
-  frameAll(state, AsciiFramer(12), noise());
-}
-void frameIceClean(benchmark::State& state) {
-  frameAll(state, IceFramer(), repeated({"T123I045", "T045I999"}));
-}
+void frameAsciiClean(benchmark::State& state) { frameAll(state, AsciiFramer(12), asciiStream()); }
+void frameAsciiNoise(benchmark::State& state) { frameAll(state, AsciiFramer(12), noise()); }
+void frameIceClean(benchmark::State& state) { frameAll(state, IceFramer(), repeated({"T123I045", "T045I999"})); }
 void frameTesk2Clean(benchmark::State& state) {
   frameAll(state, Tesk2Framer(), repeated({tesk2Record() + "\xFF\xFF"}));
 }
-void frameTesk2Noise(benchmark::State& state) {
-  frameAll(state, Tesk2Framer(), noise());
-}
+void frameTesk2Noise(benchmark::State& state) { frameAll(state, Tesk2Framer(), noise()); }
 BENCHMARK(frameAsciiClean);
 BENCHMARK(frameAsciiNoise);
 BENCHMARK(frameIceClean);

@@ -141,19 +141,18 @@ void compare(const Options& options) {
       add(totals[i], measureRun(loggers[i], {}, options.seconds));
     }
   }
-  fmt::print("{:22}{:>28}{:>10}{:>10}{:>10}{:>12}\n", "", "latency byte to file, ms", "CPU", "peak",
-             "records", "lost at");
-  fmt::print("{:22}{:>10}{:>9}{:>9}{:>10}{:>10}{:>10}{:>12}\n", "logger", "median", "99 %", "worst", "s/h",
-             "MB", "sent", "SIGKILL");
+  fmt::print("{:22}{:>28}{:>10}{:>10}{:>10}{:>12}\n", "", "latency byte to file, ms", "CPU", "peak", "records",
+             "lost at");
+  fmt::print("{:22}{:>10}{:>9}{:>9}{:>10}{:>10}{:>10}{:>12}\n", "logger", "median", "99 %", "worst", "s/h", "MB",
+             "sent", "SIGKILL");
   for (std::size_t i = 0; i < loggers.size(); ++i) {
     const auto& total = totals[i];
     const auto latency = [&](double share) {
       // Nothing has arrived: all of it was still in the logger's buffers.
       return total.latency_ms.empty() ? "-" : fmt::format("{:.3f}", quantile(total.latency_ms, share));
     };
-    fmt::print("{:22}{:>10}{:>9}{:>9}{:>10.2f}{:>10.1f}{:>10}{:>12}\n", loggers[i].name, latency(0.5),
-               latency(0.99), latency(1), quantile(total.cpuSecondsPerHour, 0.5), total.peakMegabytes,
-               total.sent, total.lost);
+    fmt::print("{:22}{:>10}{:>9}{:>9}{:>10.2f}{:>10.1f}{:>10}{:>12}\n", loggers[i].name, latency(0.5), latency(0.99),
+               latency(1), quantile(total.cpuSecondsPerHour, 0.5), total.peakMegabytes, total.sent, total.lost);
   }
   fmt::print("-: nothing reached the file during the run, all of it was in the logger's own buffer\n");
   fmt::print("11 records/s (GPS 10 sentences/s), {} runs of {:g} s each, in turns; load average {:.1f}\n",

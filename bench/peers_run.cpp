@@ -22,9 +22,7 @@ namespace {
 constexpr Nanoseconds kMillisecond = 1'000'000;
 constexpr Nanoseconds kStartLimit = 10'000 * kMillisecond;
 
-double inMilliseconds(Nanoseconds time) {
-  return static_cast<double>(time) * 1e-6;
-}
+double inMilliseconds(Nanoseconds time) { return static_cast<double>(time) * 1e-6; }
 
 // Where the logger writes; removed with all that is in it.
 class WorkFolder {

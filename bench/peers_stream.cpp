@@ -25,19 +25,13 @@ namespace {
 constexpr std::string_view kRecordStart = "T\x04";
 constexpr std::size_t kNumbers = 10000;
 
-Nanoseconds inNanoseconds(double seconds) {
-  return std::llround(seconds * 1e9);
-}
+Nanoseconds inNanoseconds(double seconds) { return std::llround(seconds * 1e9); }
 
 }  // namespace
 
-Nanoseconds now() {
-  return std::chrono::nanoseconds(std::chrono::steady_clock::now().time_since_epoch()).count();
-}
+Nanoseconds now() { return std::chrono::nanoseconds(std::chrono::steady_clock::now().time_since_epoch()).count(); }
 
-void sleepUntil(Nanoseconds time) {
-  std::this_thread::sleep_for(std::chrono::nanoseconds(time - now()));
-}
+void sleepUntil(Nanoseconds time) { std::this_thread::sleep_for(std::chrono::nanoseconds(time - now())); }
 
 std::string numberedRecord(std::size_t number) {
   return fmt::format("{}+{:04}+{:04}", kRecordStart, number % kNumbers, number / kNumbers % kNumbers);
@@ -56,8 +50,7 @@ Sending recordToSend(std::size_t number) {
   return {.due = 0, .gps = false, .number = number, .bytes = numberedRecord(number) + '\r'};
 }
 
-std::vector<Sending> surveyStream(double seconds, double recordRate, double gpsRate,
-                                  std::size_t firstNumber) {
+std::vector<Sending> surveyStream(double seconds, double recordRate, double gpsRate, std::size_t firstNumber) {
   constexpr std::uint64_t kSeed = 1;
   std::vector<Sending> stream;
   const auto records = static_cast<std::size_t>(seconds * recordRate);
@@ -73,8 +66,7 @@ std::vector<Sending> surveyStream(double seconds, double recordRate, double gpsR
                       .number = i,
                       .bytes = sim::withChecksum(sim::nmeaBody(kSeed, i, time_s), 0) + "\r\n"});
   }
-  std::stable_sort(stream.begin(), stream.end(),
-                   [](const Sending& a, const Sending& b) { return a.due < b.due; });
+  std::stable_sort(stream.begin(), stream.end(), [](const Sending& a, const Sending& b) { return a.due < b.due; });
   return stream;
 }
 

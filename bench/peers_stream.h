@@ -41,8 +41,7 @@ std::vector<Sending> surveyStream(double seconds, double recordRate, double gpsR
 class GrowingFile {
  public:
   // In the file a record's first kRecordBytes are followed by others, until it has `wholeBytes`.
-  GrowingFile(std::filesystem::path path, std::size_t wholeBytes)
-      : path_(std::move(path)), whole_bytes_(wholeBytes) {}
+  GrowingFile(std::filesystem::path path, std::size_t wholeBytes) : path_(std::move(path)), whole_bytes_(wholeBytes) {}
   GrowingFile(const GrowingFile&) = delete;
   GrowingFile& operator=(const GrowingFile&) = delete;
   ~GrowingFile();

@@ -51,8 +51,7 @@ struct Bench {
     settings.audio = 0;
     takeSettings(session);
     const auto outcome = createDataFile(session, [&](const std::string&) { return folder / "BENCH.DAT"; });
-    if (outcome.how != CreateOutcome::How::created)
-      throw std::runtime_error("the data file cannot be created");
+    if (outcome.how != CreateOutcome::How::created) throw std::runtime_error("the data file cannot be created");
     chart.resize(kChartSize);
     chart.setLayoutOf(true, kScale);
     chart.setSession(&session);

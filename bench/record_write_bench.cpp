@@ -25,8 +25,7 @@ void writeReadings(benchmark::State& state, Kind kind, std::string_view text) {
   const Settings settings;
   LocalDisk disk;
   DataFile file;
-  const WriterContext context{
-      .file = file, .settings = settings, .instrument = instrumentOf(kind), .clock = clock};
+  const WriterContext context{.file = file, .settings = settings, .instrument = instrumentOf(kind), .clock = clock};
   const auto length = static_cast<std::uint64_t>(context.instrument.fileRecordLength);
   if (file.create(disk, path, length) != 0) {
     state.SkipWithError("the file cannot be created");

@@ -37,8 +37,7 @@ std::string readingOf(Kind kind, unsigned number) {
     return formatReading(26, text, number * 50);
   }
   return formatReading(
-      24,
-      fmt::format("T${:+05}{:+05}", static_cast<int>(number % 9000) - 4500, static_cast<int>(number % 700)),
+      24, fmt::format("T${:+05}{:+05}", static_cast<int>(number % 9000) - 4500, static_cast<int>(number % 700)),
       number * 91);
 }
 
@@ -52,8 +51,7 @@ class Survey {
     out << formatHeader1({.kind = kind}) << formatHeader2(length, "BENCH", "  1.000");
     for (unsigned number = 0; number < kLines; ++number) {
       out << formatLineName(length, std::to_string(number)) << formatStartStation(length, 0.0)
-          << formatDirection(length, 2, 0.5) << formatDate(length, {.year = 2024})
-          << formatTimeMark(length, {}, 0);
+          << formatDirection(length, 2, 0.5) << formatDate(length, {.year = 2024}) << formatTimeMark(length, {}, 0);
       for (unsigned i = 0; i < kReadingsOfLine; ++i) out << readingOf(kind, i);
     }
     out.close();
@@ -68,9 +66,8 @@ class Survey {
 
   // False when anything is not as it must be.
   bool open() {
-    return reader.open(path).kind == FileErrorKind::none &&
-           ScanDataFile(reader, file).kind == FileErrorKind::none && file.lines.size() == kLines &&
-           ExtractLine(reader, file, 1, rows, {}, line).kind == ViewerErrorKind::none &&
+    return reader.open(path).kind == FileErrorKind::none && ScanDataFile(reader, file).kind == FileErrorKind::none &&
+           file.lines.size() == kLines && ExtractLine(reader, file, 1, rows, {}, line).kind == ViewerErrorKind::none &&
            line.rowCount() == static_cast<int>(kReadingsOfLine);
   }
   bool load(int firstRow) {
@@ -78,8 +75,7 @@ class Survey {
     return !outcome.line1Missing && !outcome.line2Missing && points.front().valid && points.back().valid;
   }
 
-  std::filesystem::path root =
-      std::filesystem::temp_directory_path() / fmt::format("kalmira_viewer_{}", getpid());
+  std::filesystem::path root = std::filesystem::temp_directory_path() / fmt::format("kalmira_viewer_{}", getpid());
   std::filesystem::path path = root / "SURVEY.DAT";
   RowFiles rows = rowFilesOf(root, 1);
   RecordReader reader;

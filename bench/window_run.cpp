@@ -156,8 +156,7 @@ class MeasuredSession {
       after(seconds_ * 1000, [=, this] {
         const std::chrono::duration<double> taken = steady_clock::now() - begun;
         const auto logged = mainWindow()->logging().session()->counts.readings - readings;
-        figure(name + "processor", 100 * (processorSeconds() - processor) / taken.count(), "% of a core",
-               target);
+        figure(name + "processor", 100 * (processorSeconds() - processor) / taken.count(), "% of a core", target);
         figure(name + "readings recorded", static_cast<double>(logged) / taken.count(), "1/s", "> 10");
         next();
       });
@@ -169,12 +168,9 @@ class MeasuredSession {
   QObject context_;
 };
 
-std::string deviceOf(const std::string& line) {
-  return line.substr(line.find(' ') + 1);
-}
+std::string deviceOf(const std::string& line) { return line.substr(line.find(' ') + 1); }
 
-int measureSession(int argc, char** argv, const std::string& simulator, const std::string& root,
-                   int seconds) {
+int measureSession(int argc, char** argv, const std::string& simulator, const std::string& root, int seconds) {
   WindowChild sim({simulator, "--kind", "ORLA", "--gps-rate", "10"});
   Settings settings;
   settings.audio = 0;
@@ -212,8 +208,8 @@ int measureAll(int argc, char** argv) {
            return millisecondsToPainted({self, "--start", root});
          }),
          "ms", "< 100");
-  figure("empty window: start to window painted",
-         medianOf([&] { return millisecondsToPainted({arguments[0]}); }), "ms", "");
+  figure("empty window: start to window painted", medianOf([&] { return millisecondsToPainted({arguments[0]}); }), "ms",
+         "");
   return measureSession(argc, argv, arguments[1], root, seconds);
 }
 

@@ -35,8 +35,7 @@ void mapAndConvert(const Instrument& instrument, Channels& channels, const IceMo
   const ProfileAxes axes{.conductivity = {1e30F, 1e9F}, .inphase = {-5, 0.5F}, .ice = {10, 30}};
   std::array<int, kProfilePoints> points{};
   for (const bool option : {false, true}) {
-    MapProfilePoints(instrument, option, option, axes, channels.value, channels.value[0], channels.value[1],
-                     points);
+    MapProfilePoints(instrument, option, option, axes, channels.value, channels.value[0], channels.value[1], points);
   }
   const float thickness = IceThickness(channels.value[1], model, &channels);
   require(thickness == thickness);
@@ -76,18 +75,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::size_t blockSize = std::size_t{1} + data[1];
   const Bytes stream{data + 2, size - 2};
   switch (data[0] % 4) {
-    case 0:
-      check(AsciiFramer(12), stream, blockSize);
-      break;
-    case 1:
-      check(AsciiFramer(7), stream, blockSize);
-      break;
-    case 2:
-      check(IceFramer(), stream, blockSize);
-      break;
-    default:
-      check(Tesk2Framer(), stream, blockSize);
-      break;
+    case 0: check(AsciiFramer(12), stream, blockSize); break;
+    case 1: check(AsciiFramer(7), stream, blockSize); break;
+    case 2: check(IceFramer(), stream, blockSize); break;
+    default: check(Tesk2Framer(), stream, blockSize); break;
   }
   return 0;
 }

@@ -23,8 +23,7 @@ void checkUse(const Settings& settings) {
   require(std::isfinite(interval) && interval > 0 && interval <= 86400);
   require(readingsCountOf(settings) >= 1 && readingsCountOf(settings) <= 100);
   const auto entry = proposeLine(settings, settings.startStation);
-  require(entry.direction >= 0 && entry.direction <= 3 &&
-          (entry.sequenceMode == 0 || entry.sequenceMode == 1));
+  require(entry.direction >= 0 && entry.direction <= 3 && (entry.sequenceMode == 0 || entry.sequenceMode == 1));
 }
 
 }  // namespace

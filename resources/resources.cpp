@@ -2,6 +2,4 @@
 
 #include <QDir>
 
-void initResources() {
-  Q_INIT_RESOURCE(kalmira);
-}
+void initResources() { Q_INIT_RESOURCE(kalmira); }

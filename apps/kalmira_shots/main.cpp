@@ -16,8 +16,8 @@ int main(int argc, char** argv) {
     const auto sides = QString(argv[i]).split('x');
     sizes.emplace_back(sides.value(0).toInt(), sides.value(1).toInt());
   }
-  const bool sizesRight = std::all_of(sizes.begin(), sizes.end(),
-                                      [](QSize size) { return size.width() > 0 && size.height() > 0; });
+  const bool sizesRight =
+      std::all_of(sizes.begin(), sizes.end(), [](QSize size) { return size.width() > 0 && size.height() > 0; });
   if (argc < 2 || argv[1][0] == '-' || !sizesRight) {
     kalmira::printError("usage: kalmira-shots DIR [WIDTHxHEIGHT]...");
     return 2;

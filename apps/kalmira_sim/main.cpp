@@ -47,9 +47,9 @@ int runReplay(const sim::Options& options) {
   sim::Replay replay(options.speed.value_or(1));
   if (const auto error = replay.open(options.replay); !error.empty()) return fail(kFailed, error);
   if (options.kind && *options.kind != replay.kind()) {
-    return fail(kWrongUsage, fmt::format("--kind {} does not fit {}, whose instrument is {}",
-                                         instrumentOf(*options.kind).name, options.replay,
-                                         instrumentOf(replay.kind()).name));
+    return fail(kWrongUsage,
+                fmt::format("--kind {} does not fit {}, whose instrument is {}", instrumentOf(*options.kind).name,
+                            options.replay, instrumentOf(replay.kind()).name));
   }
   const int status = run(options, [&replay] { return replay.next(); });
   if (!replay.error().empty()) return fail(kFailed, fmt::format("{}: {}", options.replay, replay.error()));

@@ -9,13 +9,9 @@ namespace {
 constexpr double kLeastContrast = 3.0;  // to be told from the ground by weak eyes
 constexpr int kLighteningSteps = 32;    // from the colour to white
 
-double channel(std::uint32_t colour, int shift) {
-  return static_cast<double>((colour >> shift) & 0xFFU) / 255.0;
-}
+double channel(std::uint32_t colour, int shift) { return static_cast<double>((colour >> shift) & 0xFFU) / 255.0; }
 
-double linear(double value) {
-  return value <= 0.04045 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
-}
+double linear(double value) { return value <= 0.04045 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4); }
 
 double luminance(std::uint32_t colour) {
   return 0.2126 * linear(channel(colour, 16)) + 0.7152 * linear(channel(colour, 8)) +

@@ -39,8 +39,7 @@ void ChartPicture::scrollLeft(int /*x*/) {
   if (origin_ + 2 + width_ > stride_) backToStart();
   origin_ += 2;
   for (int y = 0; y < height_; ++y) {
-    const auto end =
-        pixels_.begin() + static_cast<std::ptrdiff_t>(place(0, y) + static_cast<std::size_t>(width_));
+    const auto end = pixels_.begin() + static_cast<std::ptrdiff_t>(place(0, y) + static_cast<std::size_t>(width_));
     std::fill(end - 2, end, *(end - 3));  // on a very narrow picture part of these is left of it
   }
 }
@@ -61,9 +60,7 @@ void ChartPicture::gridPiece(int left, int right, int y, int pixels) {
   fill(left, right, y, std::int64_t{y} + pixels - 1, kOpaque | ground_.grid);
 }
 
-void ChartPicture::point(int x, int y, int colour, int width) {
-  dab(x, y, traceColour(colour), width);
-}
+void ChartPicture::point(int x, int y, int colour, int width) { dab(x, y, traceColour(colour), width); }
 
 // Steps along the longer side and rounds the other coordinate anew at each step: whatever part of a line is
 // left out for lying outside, the rest stays where it was.
@@ -103,15 +100,14 @@ void ChartPicture::fill(std::int64_t left, std::int64_t right, std::int64_t top,
   bottom = std::min<std::int64_t>(bottom, height_ - 1);
   if (left > right) return;
   for (std::int64_t y = top; y <= bottom; ++y) {
-    const auto from =
-        pixels_.begin() + static_cast<std::ptrdiff_t>(place(static_cast<int>(left), static_cast<int>(y)));
+    const auto from = pixels_.begin() + static_cast<std::ptrdiff_t>(place(static_cast<int>(left), static_cast<int>(y)));
     std::fill(from, from + (right - left + 1), colour);
   }
 }
 
 std::uint32_t ChartPicture::traceColour(int colour) {
-  const auto known = std::find_if(colours_.begin(), colours_.end(),
-                                  [&](const auto& entry) { return entry.first == colour; });
+  const auto known =
+      std::find_if(colours_.begin(), colours_.end(), [&](const auto& entry) { return entry.first == colour; });
   if (known != colours_.end()) return known->second;
   colours_.emplace_back(colour, kOpaque | traceColourOn(ground_, colour));
   return colours_.back().second;

@@ -34,12 +34,10 @@ class ChartPicture final : public ChartCanvas {
 
  private:
   std::size_t place(int x, int y) const {
-    return static_cast<std::size_t>(y) * static_cast<std::size_t>(stride_) +
-           static_cast<std::size_t>(origin_ + x);
+    return static_cast<std::size_t>(y) * static_cast<std::size_t>(stride_) + static_cast<std::size_t>(origin_ + x);
   }
   void backToStart();
-  void fill(std::int64_t left, std::int64_t right, std::int64_t top, std::int64_t bottom,
-            std::uint32_t colour);
+  void fill(std::int64_t left, std::int64_t right, std::int64_t top, std::int64_t bottom, std::uint32_t colour);
   void dab(std::int64_t x, std::int64_t y, std::uint32_t colour, int width);
   std::uint32_t traceColour(int colour);
 

@@ -75,16 +75,13 @@ void takeScales(const Settings& settings, ProfileSetup& setup) {
   setup.axes = {.conductivity = axisOf(scales[0], setup.height),
                 .inphase = axisOf(scales[1], setup.height),
                 .ice = axisOf(scales[2], setup.height)};
-  const auto& shown =
-      scales.at(static_cast<std::size_t>(displayGroup(setup.kind, setup.iceOption, settings)));
+  const auto& shown = scales.at(static_cast<std::size_t>(displayGroup(setup.kind, setup.iceOption, settings)));
   setup.axisMinimum = shown.minimum;
   setup.axisMaximum = shown.maximum;
   setup.grid = profileGrid(setup.height, shown.minimum, shown.maximum, axisOf(shown, setup.height).scale);
 }
 
-std::size_t penOf(std::size_t trace) {
-  return trace < kFirstExtra ? trace : kExtraPens.at(trace - kFirstExtra);
-}
+std::size_t penOf(std::size_t trace) { return trace < kFirstExtra ? trace : kExtraPens.at(trace - kFirstExtra); }
 
 void drawGrid(ChartCanvas& canvas, const ProfileSetup& setup, int left, int right) {
   if (!setup.showGrid) return;
@@ -101,9 +98,7 @@ ProfileGrid profileGrid(int height, float minimum, float maximum, float pixelsPe
   const bool spansZero = minimum < 0.0F && maximum > 0.0F;
   const bool usable = std::isfinite(minimum) && std::isfinite(maximum) && pixelsPerUnit > 0.0F;
   if (!spansZero || !usable) return fixedGrid(height);
-  const auto rowOf = [&](float unitsBelowTop) {
-    return pixel(static_cast<double>(unitsBelowTop * pixelsPerUnit));
-  };
+  const auto rowOf = [&](float unitsBelowTop) { return pixel(static_cast<double>(unitsBelowTop * pixelsPerUnit)); };
   ProfileGrid grid{.gridCount = 1, .spansZero = true};
   grid.gridY[1] = std::clamp(rowOf(maximum), -1, height + 1);
   const float step = gridStep(height, grid.gridY[1], minimum, maximum);
@@ -124,28 +119,24 @@ ProfileGrid profileGrid(int height, float minimum, float maximum, float pixelsPe
   return grid;
 }
 
-bool gridShown(const Settings& settings) {
-  return indexOr(settings.profileGrid, 4, 1) != 0;
-}
+bool gridShown(const Settings& settings) { return indexOr(settings.profileGrid, 4, 1) != 0; }
 
 int displayGroup(Kind kind, bool iceOption, const Settings& settings) {
   const auto& instrument = instrumentOf(kind);
   if (instrument.hasIce() && iceOption) return kIceAxis;
-  return instrument.axes.size() > 1 && settings.profileGrid == 1 + kInphaseAxis ? kInphaseAxis
-                                                                                : kConductivityAxis;
+  return instrument.axes.size() > 1 && settings.profileGrid == 1 + kInphaseAxis ? kInphaseAxis : kConductivityAxis;
 }
 
-ProfileSetup profileSetup(Kind kind, bool iceOption, const Settings& settings, bool wideLayout, double scale,
-                          int width, int height) {
+ProfileSetup profileSetup(Kind kind, bool iceOption, const Settings& settings, bool wideLayout, double scale, int width,
+                          int height) {
   ProfileSetup setup{.kind = kind,
                      .iceOption = iceOption,
                      .secondCoil = instrumentOf(kind).unscaledInphase && settings.surveyListA == 1,
                      .width = std::max(width, 1),
                      .height = std::max(height, 1)};
   // On a screen wider than the layout the chart's left part grows: more of the line is seen.
-  const int column =
-      pixel((wideLayout ? kPortraitColumn : kLandscapeColumn) * scale) +
-      std::max(0, setup.width - pixel((wideLayout ? kPortraitWidth : kLandscapeWidth) * scale));
+  const int column = pixel((wideLayout ? kPortraitColumn : kLandscapeColumn) * scale) +
+                     std::max(0, setup.width - pixel((wideLayout ? kPortraitWidth : kLandscapeWidth) * scale));
   setup.pointColumn = std::clamp(column, 0, std::max(0, setup.width - 3));
   takeScales(settings, setup);
   setup.showGrid = gridShown(settings);
@@ -162,8 +153,8 @@ TracePoints tracePointsOf(const ProfileSetup& setup, const ProfilePoint& point) 
   const auto& instrument = instrumentOf(setup.kind);
   const bool ice = setup.iceOption && instrument.hasIce();
   const auto mapped = drawnTraces(instrument, ice, setup.secondCoil);
-  MapProfilePoints(instrument, ice, setup.secondCoil, setup.axes, point.channels.value, point.extra1,
-                   point.extra2, points.y);
+  MapProfilePoints(instrument, ice, setup.secondCoil, setup.axes, point.channels.value, point.extra1, point.extra2,
+                   points.y);
   for (std::size_t i = 0; i < kProfilePoints; ++i) {
     // The auxiliary values are in every reading, and have no setting to hide them.
     const bool wanted = i >= kFirstExtra || (point.channels.present[i] != 0 && setup.traceShown[i] == 1);
@@ -172,12 +163,9 @@ TracePoints tracePointsOf(const ProfileSetup& setup, const ProfilePoint& point) 
   return points;
 }
 
-void DrawProfileAxes(ChartCanvas& canvas, const ProfileSetup& setup) {
-  drawGrid(canvas, setup, 0, setup.width - 1);
-}
+void DrawProfileAxes(ChartCanvas& canvas, const ProfileSetup& setup) { drawGrid(canvas, setup, 0, setup.width - 1); }
 
-void DrawProfilePoint(ChartCanvas& canvas, const ProfileSetup& setup, TraceState& traces,
-                      const ProfilePoint& point) {
+void DrawProfilePoint(ChartCanvas& canvas, const ProfileSetup& setup, TraceState& traces, const ProfilePoint& point) {
   const int x = setup.pointColumn;
   if (point.newStation) {
     canvas.scrollLeft(x);

@@ -65,8 +65,8 @@ struct ProfileSetup {
 // `scale`: screen pixels a unit. The newest point stands at 200 units in the wide layout (portrait), else
 // 270, but always with two columns right of it. A scale whose maximum is not above its minimum is taken to be
 // one unit high.
-ProfileSetup profileSetup(Kind kind, bool iceOption, const Settings& settings, bool wideLayout, double scale,
-                          int width, int height);
+ProfileSetup profileSetup(Kind kind, bool iceOption, const Settings& settings, bool wideLayout, double scale, int width,
+                          int height);
 
 // Where the traces stand. traceStarted is the session's own: commands and the watchdog clear it.
 struct TraceState {
@@ -84,7 +84,6 @@ TracePoints tracePointsOf(const ProfileSetup& setup, const ProfilePoint& point);
 // Draws the whole grid; labels are the window's.
 void DrawProfileAxes(ChartCanvas& canvas, const ProfileSetup& setup);
 // One reading: scrolls first when it begins a new station.
-void DrawProfilePoint(ChartCanvas& canvas, const ProfileSetup& setup, TraceState& traces,
-                      const ProfilePoint& point);
+void DrawProfilePoint(ChartCanvas& canvas, const ProfileSetup& setup, TraceState& traces, const ProfilePoint& point);
 
 }  // namespace kalmira

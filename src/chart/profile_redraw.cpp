@@ -48,8 +48,7 @@ class LineBackwards {
   explicit LineBackwards(const Session& session) : session_(session), factors_(session.factorsThatHold()) {}
 
   bool open() {
-    if (!session_.file.isOpen() || reader_.open(session_.file.path()).kind != FileErrorKind::none)
-      return false;
+    if (!session_.file.isOpen() || reader_.open(session_.file.path()).kind != FileErrorKind::none) return false;
     if (reader_.recordLength() != session_.instrument.fileRecordLength) return false;
     decoder_ = ReadingDecoder(reader_.header(), session_.setup.teskRangeTimes10);
     reader_.seekToEnd();
@@ -62,21 +61,14 @@ class LineBackwards {
     while (recordsRead < most && reader_.previous(record)) {
       ++recordsRead;
       switch (recordTypeOf(record.bytes)) {
-        case RecordType::reading:
-          return Step{.point = pointOf(record.bytes)};
+        case RecordType::reading: return Step{.point = pointOf(record.bytes)};
         case RecordType::event:
           if (auto step = eventStep(parseNote(record.bytes))) return step;
           break;
-        case RecordType::station:
-          return Step{.what = Step::What::tracesCleared};
-        case RecordType::calibration:
-          goBackTo(record.bytes);
-          break;
-        case RecordType::lineName:
-          lineBegins = true;
-          return std::nullopt;
-        default:
-          break;
+        case RecordType::station: return Step{.what = Step::What::tracesCleared};
+        case RecordType::calibration: goBackTo(record.bytes); break;
+        case RecordType::lineName: lineBegins = true; return std::nullopt;
+        default: break;
       }
     }
     lineBegins = recordsRead < most;
@@ -152,8 +144,7 @@ Found findSteps(const ProfileSetup& setup, LineBackwards& line) {
 }
 
 // Traces whose last point lies further back than what is drawn, but shows in it or in what comes next.
-Traces openTraces(const ProfileSetup& setup, const Found& found,
-                  const std::array<int, kProfilePoints>& started) {
+Traces openTraces(const ProfileSetup& setup, const Found& found, const std::array<int, kProfilePoints>& started) {
   Traces open;
   if (found.lineBegins) return open;
   const int lastVisible = setup.pointColumn / 2 + kMarginColumns / 2;
@@ -181,8 +172,7 @@ void findOlderPoints(const ProfileSetup& setup, Traces open, LineBackwards& line
   }
 }
 
-int drawSteps(const ProfileSetup& setup, const std::vector<Step>& steps, ChartCanvas& canvas,
-              TraceState& traces) {
+int drawSteps(const ProfileSetup& setup, const std::vector<Step>& steps, ChartCanvas& canvas, TraceState& traces) {
   int drawn = 0;
   bool anyPoint = false;  // since recording was started
   for (const auto& step : steps) {
@@ -202,8 +192,7 @@ int drawSteps(const ProfileSetup& setup, const std::vector<Step>& steps, ChartCa
 
 }  // namespace
 
-RedrawCost RedrawProfileFromFile(Session& session, const ProfileSetup& setup, ChartCanvas& canvas,
-                                 TraceState& traces) {
+RedrawCost RedrawProfileFromFile(Session& session, const ProfileSetup& setup, ChartCanvas& canvas, TraceState& traces) {
   const auto startedBefore = traces.traceStarted;
   traces.traceStarted.fill(0);
   canvas.clear();

@@ -16,7 +16,6 @@ struct RedrawCost {
 // costs what is shown, not what the file holds. Leaves the session's traceStarted and `traces` as the last
 // reading left them. Without a file, or when it cannot be read, the chart is left empty. Records that wait in
 // memory for room on the disk are not drawn.
-RedrawCost RedrawProfileFromFile(Session& session, const ProfileSetup& setup, ChartCanvas& canvas,
-                                 TraceState& traces);
+RedrawCost RedrawProfileFromFile(Session& session, const ProfileSetup& setup, ChartCanvas& canvas, TraceState& traces);
 
 }  // namespace kalmira

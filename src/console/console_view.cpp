@@ -35,8 +35,6 @@ bool ConsoleView::ask(Question question, const Message& message) {
   return yes;
 }
 
-void ConsoleView::tell(const Message& message) {
-  notice(message.text);
-}
+void ConsoleView::tell(const Message& message) { notice(message.text); }
 
 }  // namespace kalmira

@@ -54,9 +54,7 @@ EventLoop::EventLoop(bool readInput) : read_input_(readInput) {
   if (catches_hang_up_) catchSignal(SIGHUP, onTerminateSignal);
 }
 
-bool EventLoop::terminateWanted() const {
-  return terminateSignalled != 0;
-}
+bool EventLoop::terminateWanted() const { return terminateSignalled != 0; }
 
 EventLoop::~EventLoop() {
   catchSignal(SIGINT, SIG_DFL);

@@ -64,14 +64,10 @@ FieldValues runValues(const LogOptions& options) {
 
 std::string deviceOf(const LogOptions& options, int comNumber) {
   switch (comNumber) {
-    case kInstrumentCom:
-      return options.port;
-    case kGpsCom:
-      return options.gps;
-    case kMarkerCom:
-      return options.marker;
-    default:
-      return {};
+    case kInstrumentCom: return options.port;
+    case kGpsCom: return options.gps;
+    case kMarkerCom: return options.marker;
+    default: return {};
   }
 }
 
@@ -127,10 +123,7 @@ Run::Run(const LogOptions& options, std::filesystem::path root, const PortFactor
       events_(!options.seconds),
       output_(STDOUT_FILENO, STDERR_FILENO),
       view_([this](std::string line) { output_.line(std::move(line)); }, options.show, options.exitOnSilence),
-      settings_({.kind = *options.kind,
-                 .iceOption = options.ice,
-                 .storageClass = options.storageClass,
-                 .root = root},
+      settings_({.kind = *options.kind, .iceOption = options.ice, .storageClass = options.storageClass, .root = root},
                 runValues(options)),
       session_(setupOf(options, std::move(root)), settings_.settings(), link_, clock_, disk_, view_,
                [this](const Settings& current) {
@@ -152,8 +145,7 @@ Run::Run(const LogOptions& options, std::filesystem::path root, const PortFactor
 
 bool Run::createFile() {
   std::string last;
-  const DataPlace place{
-      .kind = *options_.kind, .storageClass = options_.storageClass, .root = session_.setup.root};
+  const DataPlace place{.kind = *options_.kind, .storageClass = options_.storageClass, .root = session_.setup.root};
   const auto choose = [&](const std::string& proposal) -> std::optional<std::filesystem::path> {
     // The name was taken, and there is nobody to ask for another; a proposal may have been snatched away.
     if (!last.empty() && (!options_.name.empty() || last == proposal)) return std::nullopt;
@@ -224,13 +216,13 @@ void Run::showStatus() {
   if (!terminal_ || ticksSince(clock_.tick(), status_tick_) < kStatusPeriodMs) return;
   status_tick_ = clock_.tick();
   const auto seconds = ticksSince(status_tick_, recording_since_) / 1000;
-  const auto gps = session_.gpsEnabled() ? fmt::format("{} {} sat", view_.text(PanelField::fix),
-                                                       view_.text(PanelField::satellites))
-                                         : std::string("no GPS");
-  output_.status(fmt::format(
-      "{} L{} S{:.2f} {} rec {:02}:{:02}:{:02} {} {} {}", view_.text(PanelField::state),
-      narrow(session_.settings.lineName), session_.station, session_.counts.readings, seconds / 3600,
-      seconds / 60 % 60, seconds % 60, gps, view_.text(PanelField::value1), view_.text(PanelField::value2)));
+  const auto gps = session_.gpsEnabled()
+                       ? fmt::format("{} {} sat", view_.text(PanelField::fix), view_.text(PanelField::satellites))
+                       : std::string("no GPS");
+  output_.status(fmt::format("{} L{} S{:.2f} {} rec {:02}:{:02}:{:02} {} {} {}", view_.text(PanelField::state),
+                             narrow(session_.settings.lineName), session_.station, session_.counts.readings,
+                             seconds / 3600, seconds / 60 % 60, seconds % 60, gps, view_.text(PanelField::value1),
+                             view_.text(PanelField::value2)));
 }
 
 void Run::loop() {
@@ -272,8 +264,7 @@ int Run::run() {
 
 }  // namespace
 
-int runLogProgram(const LogOptions& options, const std::filesystem::path& defaultRoot,
-                  const PortFactory& portFactory) {
+int runLogProgram(const LogOptions& options, const std::filesystem::path& defaultRoot, const PortFactory& portFactory) {
   // A closed pipe or a file size limit is an error of one write, not the end of a survey.
   std::signal(SIGPIPE, SIG_IGN);
 #ifdef SIGXFSZ

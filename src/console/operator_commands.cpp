@@ -176,10 +176,9 @@ void releaseMarkAfterRecord(Session& session) {
 std::string statusText(const Session& session) {
   const std::string_view state = session.loggingState == kLogging ? "Logging" : "Stand By";
   return fmt::format(
-      "state=\"{}\" line=\"{}\" station={:.2f} readings={} gps={} events={} bytes={} waiting={} missed={}",
-      state, session.settings.lineName, session.station, session.counts.readings, session.counts.gpsSentences,
-      session.counts.events, session.file.size(), session.file.waitingRecords(),
-      session.link.missedTicks.load());
+      "state=\"{}\" line=\"{}\" station={:.2f} readings={} gps={} events={} bytes={} waiting={} missed={}", state,
+      session.settings.lineName, session.station, session.counts.readings, session.counts.gpsSentences,
+      session.counts.events, session.file.size(), session.file.waitingRecords(), session.link.missedTicks.load());
 }
 
 std::string summaryText(const Session& session) {

@@ -9,9 +9,7 @@ namespace {
 
 constexpr double kLongest_s = 1e6;
 
-bool isTextField(const SettingsField& field) {
-  return std::holds_alternative<std::string Settings::*>(field.member);
-}
+bool isTextField(const SettingsField& field) { return std::holds_alternative<std::string Settings::*>(field.member); }
 
 bool isIntField(const SettingsField& field) {
   return std::holds_alternative<int Settings::*>(field.member) ||
@@ -54,34 +52,32 @@ std::string contradiction(const LogOptions& options) {
 
 CommandLine logCommandLine(LogOptions& o) {
   constexpr std::string_view kNoDevice = "a device is missing";
-  return {.program = "kalmira-log",
-          .summary = "Logs one instrument without a screen.",
-          .usages = {"--kind NAME|0..7 --port DEVICE [options]"},
-          .groups = {instrumentOptions(o),
-                     {"Ports",
-                      {{"--port", "DEVICE", "the instrument's serial port, such as /dev/ttyUSB0",
-                        takeText(o.port, kNoDevice)},
-                       {"--gps", "DEVICE", "log a GPS receiver too", takeText(o.gps, kNoDevice)},
-                       {"--marker", "DEVICE", "TESK2: the external marker's port",
-                        takeText(o.marker, kNoDevice)}}},
-                     fileOptions(o),
-                     {"This run",
-                      {{"--set", "FIELD=VALUE",
-                        "a setting for this run only, such as surveyMode=2 or traceWidth[2]=3",
-                        [&o](const std::string& value) { return takeSet(o, value); }, "",
-                        CommandOption::Again::allCount},
-                       {"--name", "BASENAME", "name of the data file, without extension",
-                        [&o](const std::string& value) { return takeName(o, value); }},
-                       {"--seconds", "S", "record at once for S seconds, then end",
-                        takeNumber<double>(o.seconds, std::numeric_limits<double>::min(), kLongest_s,
-                                           "--seconds takes a number of seconds above 0")},
-                       eitherOption("--on-silence", "wait|exit", "when the instrument stays silent (wait)",
-                                    o.exitOnSilence, false, true),
-                       {"--show", "", "print every text of the panel", takeFlag(o.show)}}}},
-          .check = [&o] { return contradiction(o); },
-          .notes =
-              "Commands on standard input: go, pause, line [NAME [START [INCREMENT [W|S|N|E]]]], station X,\n"
-              "comment TEXT, calibrate, delete-calibration, mark, status, exit\n"};
+  return {
+      .program = "kalmira-log",
+      .summary = "Logs one instrument without a screen.",
+      .usages = {"--kind NAME|0..7 --port DEVICE [options]"},
+      .groups = {instrumentOptions(o),
+                 {"Ports",
+                  {{"--port", "DEVICE", "the instrument's serial port, such as /dev/ttyUSB0",
+                    takeText(o.port, kNoDevice)},
+                   {"--gps", "DEVICE", "log a GPS receiver too", takeText(o.gps, kNoDevice)},
+                   {"--marker", "DEVICE", "TESK2: the external marker's port", takeText(o.marker, kNoDevice)}}},
+                 fileOptions(o),
+                 {"This run",
+                  {{"--set", "FIELD=VALUE", "a setting for this run only, such as surveyMode=2 or traceWidth[2]=3",
+                    [&o](const std::string& value) { return takeSet(o, value); }, "", CommandOption::Again::allCount},
+                   {"--name", "BASENAME", "name of the data file, without extension",
+                    [&o](const std::string& value) { return takeName(o, value); }},
+                   {"--seconds", "S", "record at once for S seconds, then end",
+                    takeNumber<double>(o.seconds, std::numeric_limits<double>::min(), kLongest_s,
+                                       "--seconds takes a number of seconds above 0")},
+                   eitherOption("--on-silence", "wait|exit", "when the instrument stays silent (wait)", o.exitOnSilence,
+                                false, true),
+                   {"--show", "", "print every text of the panel", takeFlag(o.show)}}}},
+      .check = [&o] { return contradiction(o); },
+      .notes =
+          "Commands on standard input: go, pause, line [NAME [START [INCREMENT [W|S|N|E]]]], station X,\n"
+          "comment TEXT, calibrate, delete-calibration, mark, status, exit\n"};
 }
 
 }  // namespace kalmira

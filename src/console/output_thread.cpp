@@ -81,9 +81,8 @@ void OutputThread::run() {
 // Writes whole items, waiting for room in slices so that finish is never held up by a reader that stands
 // still.
 bool OutputThread::print(const Item& item) {
-  std::string text = item.status
-                         ? std::string(kClearLine) + item.text.substr(0, terminalWidth(status_fd_) - 1)
-                         : item.text + '\n';
+  std::string text =
+      item.status ? std::string(kClearLine) + item.text.substr(0, terminalWidth(status_fd_) - 1) : item.text + '\n';
   const int fd = item.status ? status_fd_ : output_fd_;
   if (!item.status && status_shown_) (void)!::write(status_fd_, kClearLine.data(), kClearLine.size());
   status_shown_ = item.status;

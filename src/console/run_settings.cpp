@@ -27,8 +27,8 @@ RunSettings::RunSettings(SettingsPlace place, const FieldValues& overrides)
 }
 
 void RunSettings::keepLine() {
-  static constexpr std::array<std::string_view, 6> kLineFields{
-      "lineName", "lineIncrement", "sequenceMode", "direction", "startStation", "stationIncrement"};
+  static constexpr std::array<std::string_view, 6> kLineFields{"lineName",  "lineIncrement", "sequenceMode",
+                                                               "direction", "startStation",  "stationIncrement"};
   std::erase_if(overrides_, [](const Override& item) {
     return std::find(kLineFields.begin(), kLineFields.end(), item.field.field->name) != kLineFields.end();
   });

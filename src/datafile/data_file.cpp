@@ -73,9 +73,7 @@ void DataFile::rewriteUncommitted(int error) {
   fail(error != 0 ? error : EIO);
 }
 
-void DataFile::fail(int error) {
-  problem_ = diskErrorText(error);
-}
+void DataFile::fail(int error) { problem_ = diskErrorText(error); }
 
 int DataFile::openAtEnd() {
   auto outcome = disk_->openExisting(path_);

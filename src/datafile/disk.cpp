@@ -35,9 +35,7 @@ class LocalFile final : public DiskFile {
     return {.written = static_cast<std::size_t>(written), .error = 0};
   }
 
-  int truncate(std::uint64_t size) override {
-    return ::ftruncate(fd_, static_cast<off_t>(size)) == 0 ? 0 : errno;
-  }
+  int truncate(std::uint64_t size) override { return ::ftruncate(fd_, static_cast<off_t>(size)) == 0 ? 0 : errno; }
 
   int sync() override { return ::fdatasync(fd_) == 0 ? 0 : errno; }
 
@@ -76,9 +74,7 @@ OpenOutcome LocalDisk::createNew(const std::filesystem::path& path) {
   return outcome;
 }
 
-OpenOutcome LocalDisk::openExisting(const std::filesystem::path& path) {
-  return openFile(path, 0);
-}
+OpenOutcome LocalDisk::openExisting(const std::filesystem::path& path) { return openFile(path, 0); }
 
 std::string diskErrorText(int error) {
   if (error == ENOSPC || error == EDQUOT || error == EFBIG) return "Disk full";

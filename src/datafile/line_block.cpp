@@ -12,9 +12,7 @@ bool SurveyPosition::take(std::string_view record) {
       standOn(std::nullopt);
       return true;
     case RecordType::startStation:
-    case RecordType::station:
-      standOn(parseStation(record));
-      return stated_.has_value();
+    case RecordType::station: standOn(parseStation(record)); return stated_.has_value();
     case RecordType::direction: {
       const auto direction = parseDirection(record);
       increment_ = direction ? std::optional(direction->increment) : std::nullopt;
@@ -24,8 +22,7 @@ bool SurveyPosition::take(std::string_view record) {
       if (reading_seen_ && readingRepeat(record) == 1) ++steps_;
       reading_seen_ = true;
       return true;
-    default:
-      return true;
+    default: return true;
   }
 }
 

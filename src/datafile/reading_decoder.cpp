@@ -7,8 +7,7 @@ constexpr std::size_t kConductivityHorizontal = 1;
 
 }  // namespace
 
-ReadingDecoder::ReadingDecoder(const Header1& header, bool teskRangeTimes10)
-    : instrument_(&instrumentOf(header.kind)) {
+ReadingDecoder::ReadingDecoder(const Header1& header, bool teskRangeTimes10) : instrument_(&instrumentOf(header.kind)) {
   options_.teskRangeTimes10 = teskRangeTimes10 && instrument_->rangeTimes10;
   options_.orlaModelOption = header.shortInstrument;
   options_.listA = header.listA;
@@ -19,8 +18,7 @@ ReadingDecoder::ReadingDecoder(const Header1& header, bool teskRangeTimes10)
 }
 
 void ReadingDecoder::takeCalibration(const CalibrationPair& calibration) {
-  options_.calibration.at(static_cast<std::size_t>(calibration.channel - 1)) =
-      static_cast<float>(calibration.factor);
+  options_.calibration.at(static_cast<std::size_t>(calibration.channel - 1)) = static_cast<float>(calibration.factor);
 }
 
 Reading ReadingDecoder::decode(std::string_view text) const {

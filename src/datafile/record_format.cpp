@@ -12,9 +12,7 @@ namespace {
 // Columns of a record that end in a tick: the tick and the line feed take the last 11.
 constexpr int kTickColumns = 10;
 
-std::size_t widthOf(int columns) {
-  return static_cast<std::size_t>(std::max(columns, 0));
-}
+std::size_t widthOf(int columns) { return static_cast<std::size_t>(std::max(columns, 0)); }
 
 // The text in its columns, cut or padded, and the line feed that ends every record.
 std::string wholeRecord(int recordLength, std::string_view text) {
@@ -26,17 +24,11 @@ std::string recordWithTick(int recordLength, std::string_view text, std::uint32_
 }
 
 // One column holds one digit: a list position that is none is written as the list's first.
-char digit(int value) {
-  return value >= 0 && value <= 9 ? static_cast<char>('0' + value) : '0';
-}
+char digit(int value) { return value >= 0 && value <= 9 ? static_cast<char>('0' + value) : '0'; }
 
-int twoDigits(int value) {
-  return std::clamp(value, 0, 99);
-}
+int twoDigits(int value) { return std::clamp(value, 0, 99); }
 
-bool isPrintable(char byte) {
-  return byte >= ' ' && byte <= '~';
-}
+bool isPrintable(char byte) { return byte >= ' ' && byte <= '~'; }
 
 // A receiver's bytes, each kept in its place; a stray line feed must not look like the end of a record.
 std::string printableBytes(std::string_view text) {
@@ -93,10 +85,9 @@ std::string formatDirection(int recordLength, int direction, double increment) {
 }
 
 std::string formatDate(int recordLength, const LocalTime& time) {
-  return wholeRecord(recordLength,
-                     fmt::format("{}{:02}{:02}{:04} {:02}:{:02}:{:02}", tag::kDate, twoDigits(time.day),
-                                 twoDigits(time.month), std::clamp(time.year, 0, 9999), twoDigits(time.hour),
-                                 twoDigits(time.minute), twoDigits(time.second)));
+  return wholeRecord(recordLength, fmt::format("{}{:02}{:02}{:04} {:02}:{:02}:{:02}", tag::kDate, twoDigits(time.day),
+                                               twoDigits(time.month), std::clamp(time.year, 0, 9999),
+                                               twoDigits(time.hour), twoDigits(time.minute), twoDigits(time.second)));
 }
 
 std::string formatCalibration(int recordLength, int channel, double factor, double replaced) {
@@ -113,10 +104,9 @@ std::string formatTimeMark(int recordLength, const LocalTime& time, std::uint32_
 }
 
 std::string formatStation(int recordLength, double station, const LocalTime& time) {
-  return wholeRecord(recordLength,
-                     fmt::format("{}{} {:02}{:02}{:02}{:02}", tag::kStation, fixedField(station, 11, 2),
-                                 twoDigits(time.hour), twoDigits(time.minute), twoDigits(time.second),
-                                 twoDigits(time.millisecond / 10)));
+  return wholeRecord(recordLength, fmt::format("{}{} {:02}{:02}{:02}{:02}", tag::kStation, fixedField(station, 11, 2),
+                                               twoDigits(time.hour), twoDigits(time.minute), twoDigits(time.second),
+                                               twoDigits(time.millisecond / 10)));
 }
 
 std::string formatReading(int recordLength, std::string_view text, std::uint32_t tick) {
@@ -127,8 +117,7 @@ std::string formatNote(int recordLength, char tag, std::string_view text, std::u
   return recordWithTick(recordLength, tag + textField(narrow(text), 11), tick);
 }
 
-std::string formatGpsSentence(int recordLength, std::string_view sentence, std::uint32_t tick, char first,
-                              char more) {
+std::string formatGpsSentence(int recordLength, std::string_view sentence, std::uint32_t tick, char first, char more) {
   const std::size_t chunk = widthOf(recordLength - 2);
   const std::string text = printableBytes(sentence);
   std::string records = wholeRecord(recordLength, first + text.substr(0, chunk));

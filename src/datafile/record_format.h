@@ -66,14 +66,11 @@ std::string formatReading(int recordLength, std::string_view text, std::uint32_t
 // `tag` is kComment or kEvent.
 std::string formatNote(int recordLength, char tag, std::string_view text, std::uint32_t tick);
 // All records of one sentence with its trailer, one after the other.
-std::string formatGpsSentence(int recordLength, std::string_view sentence, std::uint32_t tick, char first,
-                              char more);
+std::string formatGpsSentence(int recordLength, std::string_view sentence, std::uint32_t tick, char first, char more);
 
 inline constexpr std::array<char, 4> kDirectionLetters{'W', 'S', 'N', 'E'};
 
 // Bytes of the reading text in a reading record: 12, for TESK2 14.
-constexpr int readingTextLength(int recordLength) {
-  return recordLength - 12;
-}
+constexpr int readingTextLength(int recordLength) { return recordLength - 12; }
 
 }  // namespace kalmira

@@ -23,9 +23,7 @@ std::string_view trimmed(std::string_view text) {
   return text.substr(first, text.find_last_not_of(' ') - first + 1);
 }
 
-std::string_view withoutPadding(std::string_view text) {
-  return text.substr(0, text.find_last_not_of(' ') + 1);
-}
+std::string_view withoutPadding(std::string_view text) { return text.substr(0, text.find_last_not_of(' ') + 1); }
 
 // The whole column must be one number.
 template <typename Number>
@@ -66,45 +64,28 @@ std::optional<LocalTime> timeOfDay(std::string_view text) {
 }
 
 // Bytes before the line feed.
-std::string_view textOf(std::string_view record) {
-  return record.substr(0, record.size() - 1);
-}
+std::string_view textOf(std::string_view record) { return record.substr(0, record.size() - 1); }
 
 }  // namespace
 
 RecordType recordTypeOf(std::string_view record) {
   if (record.empty()) return RecordType::unknown;
   switch (record[0]) {
-    case tag::kHeader2:
-      return RecordType::header2;
-    case tag::kLine:
-      return RecordType::lineName;
-    case tag::kStart:
-      return RecordType::startStation;
-    case tag::kDirection:
-      return RecordType::direction;
-    case tag::kDate:
-      return RecordType::date;
-    case tag::kTimeMark:
-      return RecordType::timeMark;
-    case tag::kStation:
-      return RecordType::station;
-    case tag::kComment:
-      return RecordType::comment;
-    case tag::kEvent:
-      return RecordType::event;
-    case tag::kGpsFirst:
-      return RecordType::gpsFirst;
-    case tag::kGpsMore:
-      return RecordType::gpsMore;
-    case tag::kTextFirst:
-      return RecordType::textFirst;
-    case tag::kTextMore:
-      return RecordType::textMore;
-    case tag::kGpsTick:
-      return RecordType::gpsTick;
-    default:
-      break;
+    case tag::kHeader2: return RecordType::header2;
+    case tag::kLine: return RecordType::lineName;
+    case tag::kStart: return RecordType::startStation;
+    case tag::kDirection: return RecordType::direction;
+    case tag::kDate: return RecordType::date;
+    case tag::kTimeMark: return RecordType::timeMark;
+    case tag::kStation: return RecordType::station;
+    case tag::kComment: return RecordType::comment;
+    case tag::kEvent: return RecordType::event;
+    case tag::kGpsFirst: return RecordType::gpsFirst;
+    case tag::kGpsMore: return RecordType::gpsMore;
+    case tag::kTextFirst: return RecordType::textFirst;
+    case tag::kTextMore: return RecordType::textMore;
+    case tag::kGpsTick: return RecordType::gpsTick;
+    default: break;
   }
   if (findInstrumentByHeader(record) != nullptr) return RecordType::header1;
   if (readingRepeat(record) > 0) return RecordType::reading;
@@ -114,15 +95,14 @@ RecordType recordTypeOf(std::string_view record) {
 std::optional<Header1> parseHeader1(std::string_view record) {
   const Instrument* instrument = findInstrumentByHeader(record);
   if (instrument == nullptr) return std::nullopt;
-  Header1 header{
-      .kind = instrument->kind,
-      .shortInstrument = record.substr(0, 5) == headerTag(instrument->kind, true, false).substr(0, 5),
-      .gps = columns(record, 13, 3) == "GPS",
-      .iceOption = columns(record, 8, 1) == "i",
-      .lengthUnits = headerDigit(record, 16),
-      .listB = headerDigit(record, 17),
-      .surveyMode = headerDigit(record, 18),
-      .listA = headerDigit(record, 19)};
+  Header1 header{.kind = instrument->kind,
+                 .shortInstrument = record.substr(0, 5) == headerTag(instrument->kind, true, false).substr(0, 5),
+                 .gps = columns(record, 13, 3) == "GPS",
+                 .iceOption = columns(record, 8, 1) == "i",
+                 .lengthUnits = headerDigit(record, 16),
+                 .listB = headerDigit(record, 17),
+                 .surveyMode = headerDigit(record, 18),
+                 .listA = headerDigit(record, 19)};
   header.shortInstrument = header.shortInstrument && instrument->hasLengths();
   header.iceOption = header.iceOption && instrument->hasIce();
   if (header.iceOption) {
@@ -139,9 +119,7 @@ std::string parseLineName(std::string_view record) {
   return std::string(withoutPadding(columns(textOf(record), 2, 8)));
 }
 
-std::optional<double> parseStation(std::string_view record) {
-  return real(columns(record, 2, 11));
-}
+std::optional<double> parseStation(std::string_view record) { return real(columns(record, 2, 11)); }
 
 std::optional<LineDirection> parseDirection(std::string_view record) {
   const auto increment = real(columns(record, 9, 11));
@@ -155,8 +133,7 @@ std::optional<LocalTime> parseDate(std::string_view record) {
   const auto year = digits(columns(record, 6, 4), 9999);
   auto time = timeOfDay(columns(record, 11, 8));
   if (!day || !month || !year || !time) return std::nullopt;
-  const std::chrono::year_month_day date(std::chrono::year(*year),
-                                         std::chrono::month(static_cast<unsigned>(*month)),
+  const std::chrono::year_month_day date(std::chrono::year(*year), std::chrono::month(static_cast<unsigned>(*month)),
                                          std::chrono::day(static_cast<unsigned>(*day)));
   if (!date.ok()) return std::nullopt;
   time->year = *year;
@@ -201,9 +178,7 @@ int readingRepeat(std::string_view record) {
   return first >= '2' && first <= '6' ? first - '0' : 0;
 }
 
-std::string parseNote(std::string_view record) {
-  return std::string(withoutPadding(columns(textOf(record), 2, 11)));
-}
+std::string parseNote(std::string_view record) { return std::string(withoutPadding(columns(textOf(record), 2, 11))); }
 
 std::optional<SentenceAssembler::Sentence> SentenceAssembler::feed(std::string_view record) {
   const auto type = recordTypeOf(record);
@@ -230,8 +205,7 @@ std::optional<SentenceAssembler::Sentence> SentenceAssembler::feed(std::string_v
       if (whole) return Sentence{std::string(withoutPadding(text_)), checksum_right_, *tick};
       break;
     }
-    default:
-      break;
+    default: break;
   }
   return std::nullopt;
 }

@@ -17,9 +17,7 @@ constexpr std::size_t kWindowBytes = 65536;
 
 constexpr std::size_t kHeaderTagBytes = 15;
 
-std::string systemText(int error) {
-  return std::generic_category().message(error);
-}
+std::string systemText(int error) { return std::generic_category().message(error); }
 
 // Whether these bytes are a record. A line feed inside means that they begin in one record and end in
 // another; only the instrument's bytes of a reading may hold one (any mode byte is possible). Those readings
@@ -66,9 +64,9 @@ bool RecordReader::identify() {
   }
   const Instrument* instrument = findInstrumentByHeader(start);
   if (instrument == nullptr) {
-    error_ = {FileErrorKind::notADataFile,
-              start.size() < kHeaderTagBytes ? "is too short to be a data file"
-                                             : "is no data file: no instrument's header stands at its start"};
+    error_ = {FileErrorKind::notADataFile, start.size() < kHeaderTagBytes
+                                               ? "is too short to be a data file"
+                                               : "is no data file: no instrument's header stands at its start"};
     return false;
   }
   record_length_ = static_cast<std::size_t>(instrument->fileRecordLength);
@@ -80,9 +78,7 @@ bool RecordReader::identify() {
 
 // Up to `count` bytes from `offset` on; fewer at the file's end or when reading failed.
 std::string_view RecordReader::bytesAt(std::uint64_t offset, std::size_t count) {
-  const auto inside = [&] {
-    return offset >= window_start_ && offset + count <= window_start_ + window_.size();
-  };
+  const auto inside = [&] { return offset >= window_start_ && offset + count <= window_start_ + window_.size(); };
   if (!inside()) load(offset, kWindowBytes);
   if (offset < window_start_ || offset >= window_start_ + window_.size()) return {};
   return std::string_view(window_).substr(static_cast<std::size_t>(offset - window_start_), count);
@@ -108,8 +104,8 @@ void RecordReader::load(std::uint64_t offset, std::size_t count) {
   window_.resize(kept + got);
   source_place_ = from + got;
   if (source_->bad()) {
-    error_ = {FileErrorKind::readFailed, fmt::format("cannot be read at byte {}: {}", source_place_,
-                                                     systemText(errno != 0 ? errno : EIO))};
+    error_ = {FileErrorKind::readFailed,
+              fmt::format("cannot be read at byte {}: {}", source_place_, systemText(errno != 0 ? errno : EIO))};
   }
 }
 

@@ -8,9 +8,7 @@ namespace {
 constexpr std::int64_t kHourMs = 3600000;
 constexpr std::int64_t kDayMs = 24 * kHourMs;
 
-std::int64_t dayOf(std::int64_t ms) {
-  return ms >= 0 ? ms / kDayMs : (ms + 1) / kDayMs - 1;
-}
+std::int64_t dayOf(std::int64_t ms) { return ms >= 0 ? ms / kDayMs : (ms + 1) / kDayMs - 1; }
 
 // Milliseconds from `then` to `now`, negative for up to an hour.
 std::int64_t elapsedMs(std::uint32_t now, std::uint32_t then) {
@@ -27,9 +25,9 @@ std::int64_t firstFrom(std::int64_t earliest, std::uint32_t timeOfDayMs) {
 }  // namespace
 
 void RecordTimes::takeDate(const LocalTime& date) {
-  const std::chrono::sys_days day = std::chrono::year_month_day(
-      std::chrono::year(date.year), std::chrono::month(static_cast<unsigned>(date.month)),
-      std::chrono::day(static_cast<unsigned>(date.day)));
+  const std::chrono::sys_days day =
+      std::chrono::year_month_day(std::chrono::year(date.year), std::chrono::month(static_cast<unsigned>(date.month)),
+                                  std::chrono::day(static_cast<unsigned>(date.day)));
   const int seconds = (date.hour * 60 + date.minute) * 60 + date.second;
   date_ms_ = std::int64_t{day.time_since_epoch().count()} * kDayMs + std::int64_t{seconds} * 1000;
 }

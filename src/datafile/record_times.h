@@ -16,9 +16,8 @@ namespace kalmira {
 class RecordTimes {
  public:
   struct Moment {
-    std::optional<std::int64_t>
-        day;  // since 1970-01-01 in the device's time zone; nothing without a date record
-    std::uint32_t timeOfDayMs = 0;  // since midnight
+    std::optional<std::int64_t> day;  // since 1970-01-01 in the device's time zone; nothing without a date record
+    std::uint32_t timeOfDayMs = 0;    // since midnight
   };
 
   void takeDate(const LocalTime& date);

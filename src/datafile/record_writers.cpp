@@ -7,9 +7,7 @@
 namespace kalmira {
 namespace {
 
-int lengthOf(const WriterContext& context) {
-  return context.instrument.fileRecordLength;
-}
+int lengthOf(const WriterContext& context) { return context.instrument.fileRecordLength; }
 
 char screenMark(const WriterContext& context) {
   if (context.storageClass == 0) return ' ';
@@ -19,12 +17,9 @@ char screenMark(const WriterContext& context) {
 // Columns 12 to 18 of header 2: what the survey mode's number is.
 std::string surveyModeValue(const Settings& settings) {
   switch (surveyModeOf(settings)) {
-    case kModeAuto:
-      return fixedField(1.0 / static_cast<double>(readingsIntervalOf(settings)), 7, 3);
-    case kModeWheel:
-      return fixedField(static_cast<double>(settings.stationIncrement), 7, 3);
-    default:
-      return fmt::format("{:>7}", readingsCountOf(settings));
+    case kModeAuto: return fixedField(1.0 / static_cast<double>(readingsIntervalOf(settings)), 7, 3);
+    case kModeWheel: return fixedField(static_cast<double>(settings.stationIncrement), 7, 3);
+    default: return fmt::format("{:>7}", readingsCountOf(settings));
   }
 }
 

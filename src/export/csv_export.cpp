@@ -47,15 +47,13 @@ bool takeIf(const std::optional<Value>& value, Taker take) {
 // False when the record says nothing.
 bool takeRecord(FileState& state, std::string_view record) {
   switch (recordTypeOf(record)) {
-    case RecordType::date:
-      return takeIf(parseDate(record), [&](const LocalTime& date) { state.times.takeDate(date); });
+    case RecordType::date: return takeIf(parseDate(record), [&](const LocalTime& date) { state.times.takeDate(date); });
     case RecordType::timeMark:
       return takeIf(parseTimeMark(record), [&](const TimeMark& mark) { state.times.takeMark(mark); });
     case RecordType::calibration:
       return takeIf(parseCalibration(record),
                     [&](const CalibrationPair& calibration) { state.decoder.takeCalibration(calibration); });
-    default:
-      return state.position.take(record);
+    default: return state.position.take(record);
   }
 }
 

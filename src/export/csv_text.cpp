@@ -27,8 +27,8 @@ void appendDigits(std::string& row, std::uint64_t value, std::size_t width) {
 }  // namespace
 
 void appendText(std::string& row, std::string_view text) {
-  const bool plain = text.find_first_of(",\"\r\n") == std::string_view::npos && !text.starts_with(' ') &&
-                     !text.ends_with(' ');
+  const bool plain =
+      text.find_first_of(",\"\r\n") == std::string_view::npos && !text.starts_with(' ') && !text.ends_with(' ');
   if (plain) {
     row += text;
     return;

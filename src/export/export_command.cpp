@@ -26,9 +26,7 @@ std::string whyNotOverwrite(const ExportRequest& request) {
   return dataFile ? "is a data file, which is never overwritten" : "";
 }
 
-std::string readingsText(std::uint64_t count) {
-  return count == 1 ? "1 reading" : fmt::format("{} readings", count);
-}
+std::string readingsText(std::uint64_t count) { return count == 1 ? "1 reading" : fmt::format("{} readings", count); }
 
 // What the file's reader met on its way. True when there was any damage.
 bool reportDamage(const RecordReader& reader, const ExportResult& result, const Say& report) {
@@ -37,15 +35,13 @@ bool reportDamage(const RecordReader& reader, const ExportResult& result, const 
     damaged = true;
     report(text);
   };
-  if (!reader.headerWhole())
-    damage("the first record is damaged; its settings are taken as far as they can be read");
+  if (!reader.headerWhole()) damage("the first record is damaged; its settings are taken as far as they can be read");
   if (reader.skippedBytes() > 0) damage(fmt::format("{} damaged bytes were left out", reader.skippedBytes()));
   if (result.unreadableRecords > 0) {
     damage(fmt::format("{} records that cannot be understood were left out", result.unreadableRecords));
   }
   if (reader.tornBytes() > 0) {
-    damage(
-        fmt::format("ends in the middle of a record; its last {} bytes were left out", reader.tornBytes()));
+    damage(fmt::format("ends in the middle of a record; its last {} bytes were left out", reader.tornBytes()));
   }
   if (reader.error().kind != FileErrorKind::none) damage(reader.error().text);
   if (result.timelessReadings > 0) {
@@ -103,21 +99,19 @@ CommandLine exportCommandLine(ExportRequest& request) {
     request.out = value;
     return std::string{};
   };
-  return {
-      .program = "kalmira-export",
-      .summary =
-          "Turns data files into comma-separated values, one row a reading, on standard output.\n"
-          "The instrument is recognised from the file; several files of one kind give one table.",
-      .usages = {"FILE... [-o OUT] [--tesk-x10]"},
-      .groups = {{"Table",
-                  {{"-o", "OUT", "write the table to the file OUT; a data file is never overwritten", takeOut,
-                    "a file name", CommandOption::Again::refused},
-                   teskTimes10Option(request.teskTimes10)}}},
-      .operands = {"", "FILE...", "data files", takeFile},
-      .check = [&request] { return std::string(request.files.empty() ? "no data file was named" : ""); },
-      .notes =
-          "Exit status: 0 done, 1 a file gave nothing or the table could not be written, 2 wrong usage.\n",
-      .wording = {.unknown = "unknown option {0}", .then = CommandWording::Then::usage}};
+  return {.program = "kalmira-export",
+          .summary =
+              "Turns data files into comma-separated values, one row a reading, on standard output.\n"
+              "The instrument is recognised from the file; several files of one kind give one table.",
+          .usages = {"FILE... [-o OUT] [--tesk-x10]"},
+          .groups = {{"Table",
+                      {{"-o", "OUT", "write the table to the file OUT; a data file is never overwritten", takeOut,
+                        "a file name", CommandOption::Again::refused},
+                       teskTimes10Option(request.teskTimes10)}}},
+          .operands = {"", "FILE...", "data files", takeFile},
+          .check = [&request] { return std::string(request.files.empty() ? "no data file was named" : ""); },
+          .notes = "Exit status: 0 done, 1 a file gave nothing or the table could not be written, 2 wrong usage.\n",
+          .wording = {.unknown = "unknown option {0}", .then = CommandWording::Then::usage}};
 }
 
 int runExport(const ExportRequest& request, const Say& say) {

@@ -68,12 +68,11 @@ std::vector<ReceiverLine> receiverTrials(const Settings& settings) {
 
 bool isReceiverSentence(std::string_view line) {
   const auto star = line.rfind('*');
-  if (star == std::string_view::npos || star < 1 + kAddressCharacters || line.size() != star + 3)
-    return false;
+  if (star == std::string_view::npos || star < 1 + kAddressCharacters || line.size() != star + 3) return false;
   const auto isHex = [](char c) { return std::isxdigit(static_cast<unsigned char>(c)) != 0; };
   const auto isPrintable = [](char c) { return c >= ' ' && c <= '~'; };
-  return isHex(line[star + 1]) && isHex(line[star + 2]) &&
-         std::all_of(line.begin(), line.end(), isPrintable) && nmeaChecksumOk(line);
+  return isHex(line[star + 1]) && isHex(line[star + 2]) && std::all_of(line.begin(), line.end(), isPrintable) &&
+         nmeaChecksumOk(line);
 }
 
 FindOutcome findReceiver(Port& port, const std::string& device, const std::vector<ReceiverLine>& trials,

@@ -62,8 +62,7 @@ FindOutcome findReceiver(Port& port, const std::string& device, const std::vecto
 class ReceiverSearch {
  public:
   // The clock must outlive it.
-  ReceiverSearch(PortFactory factory, std::string device, std::vector<ReceiverLine> trials,
-                 const Clock& clock);
+  ReceiverSearch(PortFactory factory, std::string device, std::vector<ReceiverLine> trials, const Clock& clock);
   ~ReceiverSearch() { worker_.stop(); }
 
   const std::vector<ReceiverLine>& trials() const { return trials_; }

@@ -20,8 +20,7 @@ constexpr std::size_t kShortestSentence = 6;
 std::string_view fixWord(char quality) {
   static constexpr std::array<std::string_view, 10> kWords{"NO FIX", "AGPS", "DGPS", "RTK",  "CODE",
                                                            "RTK5",   "RTK6", "RTK7", "RTK8", "RTK9"};
-  return quality >= '0' && quality <= '9' ? kWords[static_cast<std::size_t>(quality - '0')]
-                                          : std::string_view{};
+  return quality >= '0' && quality <= '9' ? kWords[static_cast<std::size_t>(quality - '0')] : std::string_view{};
 }
 
 FixTexts fixTexts(std::string_view sentence, bool checksumOk) {
@@ -43,9 +42,8 @@ FixTexts fixTexts(std::string_view sentence, bool checksumOk) {
     texts.fix = field.empty() ? std::string{} : std::string(fixWord(field[0]));
   }
   if (gsa) {
-    texts.pdop = GetNmeaField(sentence, kPdopField, ',', field) != 0
-                     ? fmt::format("{:<4.1f}", parseReal(field))
-                     : std::string("N/A");
+    texts.pdop = GetNmeaField(sentence, kPdopField, ',', field) != 0 ? fmt::format("{:<4.1f}", parseReal(field))
+                                                                     : std::string("N/A");
   }
   return texts;
 }

@@ -4,8 +4,7 @@
 
 namespace kalmira {
 
-ReaderEnd GpsReaderThread(Port& port, const Clock& clock, const std::atomic<bool>& stop,
-                          const LineHandOver& handOver) {
+ReaderEnd GpsReaderThread(Port& port, const Clock& clock, const std::atomic<bool>& stop, const LineHandOver& handOver) {
   // What came before is of unknown age, and would get the tick of this moment.
   port.purge();
   NmeaFramer framer(NmeaFramer::kLoggingLimit);

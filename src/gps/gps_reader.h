@@ -16,7 +16,6 @@ using LineHandOver = std::function<bool(const GpsLine&)>;
 
 // The loop that runs on the GPS port's thread. What is handed in must outlive it. Purges the port when it
 // begins.
-ReaderEnd GpsReaderThread(Port& port, const Clock& clock, const std::atomic<bool>& stop,
-                          const LineHandOver& handOver);
+ReaderEnd GpsReaderThread(Port& port, const Clock& clock, const std::atomic<bool>& stop, const LineHandOver& handOver);
 
 }  // namespace kalmira

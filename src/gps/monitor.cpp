@@ -8,9 +8,7 @@
 namespace kalmira {
 namespace {
 
-constexpr std::size_t indexOf(MonitorCommand command) {
-  return static_cast<std::size_t>(command);
-}
+constexpr std::size_t indexOf(MonitorCommand command) { return static_cast<std::size_t>(command); }
 
 void passDefaultOn(MonitorState& state, MonitorCommand hidden, MonitorCommand shown) {
   if (state.monitorDefaultButton == static_cast<int>(hidden)) {
@@ -34,9 +32,7 @@ constexpr MonitorUnits kLying{320, 240, 316, 178, 104, 2};
 constexpr int kMargin = 2;       // units
 constexpr int kButtonRise = 28;  // units from the lower edge to the upper edge of the buttons
 
-int pixels(double units, double scale) {
-  return static_cast<int>(std::lround(units * scale));
-}
+int pixels(double units, double scale) { return static_cast<int>(std::lround(units * scale)); }
 
 }  // namespace
 
@@ -66,31 +62,21 @@ void showPaused(MonitorState& state) {
 std::optional<MonitorCommand> typeMonitorKey(MonitorState& state, char key) {
   switch (key) {
     case 'G':
-    case 'g':
-      return MonitorCommand::go;
+    case 'g': return MonitorCommand::go;
     case 'P':
-    case 'p':
-      return MonitorCommand::pause;
+    case 'p': return MonitorCommand::pause;
     case 'S':
-    case 's':
-      return MonitorCommand::send;
+    case 's': return MonitorCommand::send;
     case 'X':
-    case 'x':
-      return MonitorCommand::exit;
+    case 'x': return MonitorCommand::exit;
     case '\r':
-    case '\n':
-      return static_cast<MonitorCommand>(state.monitorDefaultButton);
-    case '\t':
-      nextDefault(state);
-      return std::nullopt;
-    default:
-      return std::nullopt;
+    case '\n': return static_cast<MonitorCommand>(state.monitorDefaultButton);
+    case '\t': nextDefault(state); return std::nullopt;
+    default: return std::nullopt;
   }
 }
 
-std::string gpsMessageBytes(std::string_view message) {
-  return narrow(message) + "\r\n";
-}
+std::string gpsMessageBytes(std::string_view message) { return narrow(message) + "\r\n"; }
 
 std::vector<std::string_view> monitorRows(std::string_view line, std::size_t columns, std::size_t indent) {
   std::vector<std::string_view> rows;
@@ -125,9 +111,8 @@ MonitorLayout layOutMonitor(int width, int height, int touchHeight) {
   layout.edit = {left, editTop, listWidth, std::max(1, buttonTop - margin - editTop)};
   for (int i = 0; i < kMonitorCommands; ++i) {
     const int place = std::max(0, i - 1);  // "Go" and "Pause" in the same one
-    layout.buttons[static_cast<std::size_t>(i)] = {
-        pixels(kMargin + place * (units.buttonWidth + units.gap), across), buttonTop,
-        pixels(units.buttonWidth, across), rise - margin};
+    layout.buttons[static_cast<std::size_t>(i)] = {pixels(kMargin + place * (units.buttonWidth + units.gap), across),
+                                                   buttonTop, pixels(units.buttonWidth, across), rise - margin};
   }
   return layout;
 }

@@ -74,8 +74,7 @@ bool MonitorReader::sendMessage(const std::string& bytes) {
   }
   const auto* first = reinterpret_cast<const std::uint8_t*>(bytes.data());
   if (context_.port.write({first, bytes.size()}, kWriteMs)) return true;
-  return hand_over_(
-      {.kind = MonitorNews::Kind::notSent, .text = "Message not sent: the receiver takes none"});
+  return hand_over_({.kind = MonitorNews::Kind::notSent, .text = "Message not sent: the receiver takes none"});
 }
 
 bool MonitorReader::show(std::string text) {
@@ -99,8 +98,7 @@ bool MonitorReader::showSilence() {
 
 ReaderEnd MonitorReader::tellGone() {
   const NewsHandOver& tell = hand_over_;
-  bool open =
-      tell({.kind = MonitorNews::Kind::gone, .text = "Receiver unplugged: trying again every second"});
+  bool open = tell({.kind = MonitorNews::Kind::gone, .text = "Receiver unplugged: trying again every second"});
   for (int dropped = context_.requests.dropMessages(); open && dropped > 0; --dropped) {
     open = tell({.kind = MonitorNews::Kind::notSent, .text = "Message not sent: receiver unplugged"});
   }
@@ -141,8 +139,7 @@ void MonitorRequests::clear() {
   waiting_.clear();
 }
 
-ReaderEnd GpsMonitorReaderThread(const MonitorReaderContext& context, const NewsHandOver& handOver,
-                                 bool cameBack) {
+ReaderEnd GpsMonitorReaderThread(const MonitorReaderContext& context, const NewsHandOver& handOver, bool cameBack) {
   if (cameBack && !handOver({.kind = MonitorNews::Kind::back, .text = "Receiver is back"})) {
     return ReaderEnd::stopped;
   }

@@ -68,7 +68,6 @@ struct MonitorReaderContext {
 // Shows every completed line, whatever its checksum, and "NO DATA" after more than 7 s without one, again and
 // again. All but printable ASCII shows as "?". Runs until it is stopped or the device has gone, which it then
 // has told; `cameBack` has it tell first that the device is there again.
-ReaderEnd GpsMonitorReaderThread(const MonitorReaderContext& context, const NewsHandOver& handOver,
-                                 bool cameBack);
+ReaderEnd GpsMonitorReaderThread(const MonitorReaderContext& context, const NewsHandOver& handOver, bool cameBack);
 
 }  // namespace kalmira

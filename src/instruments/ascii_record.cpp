@@ -20,13 +20,10 @@ constexpr int kConductivityComponent = 2;
 constexpr std::array<std::string_view, 3> kDipoles{"Vertical", "Horizontal", "Both"};
 constexpr std::array<std::string_view, 3> kComponents{"Both", "Inphase", "Conductivity"};
 
-int modeByte(std::string_view record) {
-  return record.size() > 1 ? static_cast<unsigned char>(record[1]) : ' ';
-}
+int modeByte(std::string_view record) { return record.size() > 1 ? static_cast<unsigned char>(record[1]) : ' '; }
 
 float rawField(std::string_view record, std::size_t start) {
-  const auto value =
-      static_cast<float>(parseReal(record.substr(std::min(start, record.size()), kFieldLength)));
+  const auto value = static_cast<float>(parseReal(record.substr(std::min(start, record.size()), kFieldLength)));
   return std::isfinite(value) ? value : 0.0F;  // noise may spell "nan"
 }
 
@@ -77,9 +74,7 @@ bool asciiTriggerPressed(std::string_view record) {
   return (mode >= 128 ? mode - 128 : mode) >= 64;
 }
 
-RawFields asciiFirstField(std::string_view record) {
-  return {.value = {rawField(record, kFirstField)}, .count = 1};
-}
+RawFields asciiFirstField(std::string_view record) { return {.value = {rawField(record, kFirstField)}, .count = 1}; }
 
 RawFields asciiRawFields(std::string_view record) {
   if (record.size() < kTwoFields) return asciiFirstField(record);
@@ -94,13 +89,9 @@ void putAsciiFields(std::span<char> record, const RawFields& fields) {
   }
 }
 
-int dipolesAtStation(int, int listB) {
-  return listB == 2 ? 2 : 1;
-}
+int dipolesAtStation(int, int listB) { return listB == 2 ? 2 : 1; }
 
-SurveyList dipoleList(int) {
-  return {.label = "Dipole Mode", .entries = kDipoles};
-}
+SurveyList dipoleList(int) { return {.label = "Dipole Mode", .entries = kDipoles}; }
 
 // Both components can only be had one after the other, at a station where the operator waits for them.
 SurveyList componentList(int surveyMode) {

@@ -27,22 +27,14 @@ bool takeWeight(int& rest, int weight);
 
 // A numeric field: the text of `width` bytes, up to a NUL. Blanks past the record's end add nothing to it.
 double asciiField(std::string_view record, std::size_t position, std::size_t width);
-inline double firstField(std::string_view record) {
-  return asciiField(record, 2, 5);
-}
-inline double secondField(std::string_view record) {
-  return asciiField(record, 7, 5);
-}
+inline double firstField(std::string_view record) { return asciiField(record, 2, 5); }
+inline double secondField(std::string_view record) { return asciiField(record, 7, 5); }
 
 void put(Channels& channels, std::size_t slot, float value);
 // Of ORLA, TESKB, TESKDD and TESK: slots 0 and 1 hold the conductivity of the vertical and the horizontal
 // dipole, 2 and 3 the inphase.
-inline std::size_t conductivitySlot(const Reading& reading) {
-  return reading.orientation == 'V' ? 0 : 1;
-}
-inline std::size_t inphaseSlot(const Reading& reading) {
-  return reading.orientation == 'V' ? 2 : 3;
-}
+inline std::size_t conductivitySlot(const Reading& reading) { return reading.orientation == 'V' ? 0 : 1; }
+inline std::size_t inphaseSlot(const Reading& reading) { return reading.orientation == 'V' ? 2 : 3; }
 
 struct RangeRow {
   std::int16_t range;

@@ -32,9 +32,7 @@ const Instrument* findInstrument(int kindIndex) {
   return kCatalogue[static_cast<std::size_t>(kindIndex)];
 }
 
-const Instrument& instrumentOf(Kind kind) {
-  return *kCatalogue[static_cast<std::size_t>(kind)];
-}
+const Instrument& instrumentOf(Kind kind) { return *kCatalogue[static_cast<std::size_t>(kind)]; }
 
 const Instrument* findInstrumentByName(std::string_view nameOrIndex) {
   if (nameOrIndex.size() == 1 && nameOrIndex[0] >= '0' && nameOrIndex[0] <= '7') {
@@ -79,14 +77,11 @@ std::string dataFolderForDialog(Kind kind, int storageClass) {
   return prefix.starts_with("C_DRIVE") ? prefix : fmt::format("\\{}", prefix);
 }
 
-std::string filterPattern(Kind kind) {
-  return fmt::format("*{}", instrumentOf(kind).extension);
-}
+std::string filterPattern(Kind kind) { return fmt::format("*{}", instrumentOf(kind).extension); }
 
 std::string headerTag(Kind kind, bool shortInstrument, bool gps) {
   const auto& instrument = instrumentOf(kind);
-  const auto model =
-      instrument.hasLengths() && shortInstrument ? instrument.shortModelTag : instrument.modelTag;
+  const auto model = instrument.hasLengths() && shortInstrument ? instrument.shortModelTag : instrument.modelTag;
   return fmt::format("{:<8}{}{}", model, instrument.programVersion, gps ? "GPS" : "GRD");
 }
 

@@ -56,22 +56,16 @@ struct SurveyList {
   int firstValue = 0;                         // what the settings hold for the first entry
   int usual = 0;                              // what is taken when the settings hold nothing of the list
 
-  bool offers(int value) const {
-    return value >= firstValue && value < firstValue + static_cast<int>(entries.size());
-  }
+  bool offers(int value) const { return value >= firstValue && value < firstValue + static_cast<int>(entries.size()); }
 };
-inline SurveyList noSurveyList(int) {
-  return {};
-}
+inline SurveyList noSurveyList(int) { return {}; }
 
 // Which of the two scales a file's curves stand on, by list A of its header.
 struct CurveScales {
   bool conductivity = true;
   bool inphase = true;
 };
-inline CurveScales bothScales(int) {
-  return {};
-}
+inline CurveScales bothScales(int) { return {}; }
 
 struct Instrument {
   Kind kind = Kind::orla;
@@ -89,9 +83,8 @@ struct Instrument {
   std::string_view extension{};        // of data files, with the full stop
   std::string_view filterText{};       // of the open and save dialogs
   std::string_view modelTag{};         // header 1, columns 1 to 8
-  std::string_view
-      shortModelTag{};  // the same of the instrument length "Short"; empty: there is one length only
-  std::string_view programVersion{};  // header 1: "W230" followed by GRD or GPS
+  std::string_view shortModelTag{};    // the same of the instrument length "Short"; empty: there is one length only
+  std::string_view programVersion{};   // header 1: "W230" followed by GRD or GPS
   // --- dialog templates and title pictures
   std::string_view surveySetup{};         // on a lying screen of storage class 0 or 1
   std::string_view surveySetupUpright{};  // empty: as surveySetup; so the next
@@ -100,8 +93,7 @@ struct Instrument {
   std::string_view loggerSetupIce{};
   std::string_view displayOptions = "GetOptions";
   std::string_view displayOptionsIce{};
-  std::string_view
-      profileScale{};  // empty: "GetNewProfileScaleOrla", small screens "GetNewProfileScaleOrlaH"
+  std::string_view profileScale{};  // empty: "GetNewProfileScaleOrla", small screens "GetNewProfileScaleOrlaH"
   std::span<const std::string_view> titlePictures{};  // largest choice first as the screens came
   std::span<const std::string_view> titlePicturesIce{};
   std::string_view drawing{};  // of the title: a file of resources/titles, without its ending
@@ -137,8 +129,8 @@ struct Instrument {
   CurveScales (*curveScales)(int listA) = bothScales;
   bool inphaseScale = true;           // the scale dialog has one for inphase
   bool firstAxisIsThickness = false;  // metres with one decimal, not mS/m
-  bool unscaledInphase = false;  // list A 1: inphase as the instrument counts it; two further traces then
-  bool drawsAuxiliary = false;   // the two auxiliary values are shown, and drawn where inphase is unscaled
+  bool unscaledInphase = false;       // list A 1: inphase as the instrument counts it; two further traces then
+  bool drawsAuxiliary = false;        // the two auxiliary values are shown, and drawn where inphase is unscaled
   // What `record` says; bytes past its end read as blanks, in a binary one as zero. Any bytes give some
   // values; nothing here fails.
   Reading (*decode)(std::string_view record, const DecodeOptions& options) = nullptr;

@@ -6,9 +6,7 @@ namespace {
 constexpr std::uint8_t kCarriageReturn = 13;
 constexpr std::uint8_t kFrameEnd = 255;  // TESK2: two in a row
 
-bool isDigit(std::uint8_t byte) {
-  return byte >= '0' && byte <= '9';
-}
+bool isDigit(std::uint8_t byte) { return byte >= '0' && byte <= '9'; }
 
 // Whether `byte` may stand at `index` of an ice record such as "T123I045".
 bool fitsIceRecord(std::size_t index, std::uint8_t byte) {

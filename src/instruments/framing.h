@@ -38,9 +38,7 @@ class AsciiFramer {
       : record_length_(static_cast<std::size_t>(std::clamp(recordLength, 1, kMaxRecordLength))) {}
   FrameStep feed(Bytes block);
   // Valid after a good step, until the next feed.
-  std::string_view record() const {
-    return {reinterpret_cast<const char*>(&buffer_[record_start_]), record_length_};
-  }
+  std::string_view record() const { return {reinterpret_cast<const char*>(&buffer_[record_start_]), record_length_}; }
 
  private:
   static constexpr int kMaxRecordLength = static_cast<int>(kFrameBufferBytes) - 1;
@@ -73,9 +71,7 @@ class Tesk2Framer {
   static constexpr std::size_t kRecordLength = 14;
   FrameStep feed(Bytes block);
   // Valid after a good step, until the next feed.
-  std::string_view record() const {
-    return {reinterpret_cast<const char*>(&buffer_[record_start_]), kRecordLength};
-  }
+  std::string_view record() const { return {reinterpret_cast<const char*>(&buffer_[record_start_]), kRecordLength}; }
 
  private:
   std::size_t fill_ = 0;

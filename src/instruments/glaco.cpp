@@ -8,8 +8,8 @@ constexpr std::array kChannels{Channel{0, "Thickness", "thickness", "Th", "m", k
                                Channel{2, "Inphase", "inph", "I", "ppt", kInphaseAxis}};
 constexpr std::array kAxes{AxisChoice{kConductivityAxis, "Thickness"}, AxisChoice{kInphaseAxis, "Inphase"}};
 
-constexpr std::array<std::string_view, 4> kTitles{"STATICTIT_GLACOH_VGA", "STATICTIT_GLACOMX",
-                                                  "STATICTIT_GLACOV_VGA", "STATICTIT_GLACOAR"};
+constexpr std::array<std::string_view, 4> kTitles{"STATICTIT_GLACOH_VGA", "STATICTIT_GLACOMX", "STATICTIT_GLACOV_VGA",
+                                                  "STATICTIT_GLACOAR"};
 
 // "T123I045": no mode byte; thickness in centimetres.
 Reading decode(std::string_view record, const DecodeOptions&) {

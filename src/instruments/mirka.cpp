@@ -12,14 +12,10 @@ constexpr std::array kChannels{Channel{0, "Conductivity", "cond", "C", "mS/m", k
 
 RangeRow rangeOf(int code) {
   switch (code) {
-    case 0:
-      return {1000, -25.0};
-    case 4:
-      return {100, -2.5};
-    case 6:
-      return {1000, -25.0};
-    default:
-      return {10, -0.25};
+    case 0: return {1000, -25.0};
+    case 4: return {100, -2.5};
+    case 6: return {1000, -25.0};
+    default: return {10, -0.25};
   }
 }
 

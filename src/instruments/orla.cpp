@@ -21,31 +21,23 @@ constexpr std::array<std::string_view, 2> kDisplay{"Cond./Inphase", "Inphase"};
 
 constexpr std::array<std::string_view, 5> kTitles{"STATICTIT_ORLA", "STATICTIT_ORLAMX", "STATICTIT_ORLAHVGA",
                                                   "STATICTIT_ORLAVVGA", "STATICTIT_ORLAAR"};
-constexpr std::array<std::string_view, 4> kIceTitles{"STATICTIT_ICEH_VGA", "STATICTIT_ICEMX",
-                                                     "STATICTIT_ICEV_VGA", "STATICTIT_ICEAR"};
+constexpr std::array<std::string_view, 4> kIceTitles{"STATICTIT_ICEH_VGA", "STATICTIT_ICEMX", "STATICTIT_ICEV_VGA",
+                                                     "STATICTIT_ICEAR"};
 
 constexpr std::array kValue1Range{PanelField::value1, PanelField::range};
 constexpr std::array kValue3{PanelField::value3};
 constexpr std::array kIceRows{PanelRow{PanelRow::Shape::flow, kValue1Range},
-                              PanelRow{PanelRow::Shape::flow, rows::kValue2},
-                              PanelRow{PanelRow::Shape::flow, kValue3}};
+                              PanelRow{PanelRow::Shape::flow, rows::kValue2}, PanelRow{PanelRow::Shape::flow, kValue3}};
 
-bool inphaseOnly(int listA) {
-  return listA == 1;
-}
+bool inphaseOnly(int listA) { return listA == 1; }
 
 RangeRow rangeOf(int code) {
   switch (code) {
-    case 0:
-      return {1000, -0.25};
-    case 2:
-      return {10, -0.0025};
-    case 4:
-      return {100, -0.025};
-    case 6:
-      return {1000, -0.25};
-    default:
-      return {1000, -0.0025};  // the odd codes: battery records, in volts
+    case 0: return {1000, -0.25};
+    case 2: return {10, -0.0025};
+    case 4: return {100, -0.025};
+    case 6: return {1000, -0.25};
+    default: return {1000, -0.0025};  // the odd codes: battery records, in volts
   }
 }
 
@@ -82,8 +74,7 @@ std::string thicknessText(const Reading& reading, const PanelStyle& style) {
   if (reading.orientation == 'V') return wide ? "Th: N/A in mode V" : "T:N/A in V";
   if (reading.thickness < 0.0F) return wide ? "T: Out of Range" : "T:Off Range";
   const double metres = static_cast<double>(reading.thickness);
-  if (style.feet)
-    return fmt::format(fmt::runtime(wide ? "Th: {:<8.2f}ft" : "T[ft]:{:<8.2f}"), metres / kMetresPerFoot);
+  if (style.feet) return fmt::format(fmt::runtime(wide ? "Th: {:<8.2f}ft" : "T[ft]:{:<8.2f}"), metres / kMetresPerFoot);
   return fmt::format(fmt::runtime(wide ? "Th: {:<8.2f}m" : "T[m]:{:<8.2f}"), metres);
 }
 
@@ -95,24 +86,21 @@ PanelTexts panelTexts(const Reading& reading, const PanelStyle& style) {
             {PanelField::value3, ""},
             {PanelField::range, "Battery Levels"}};
   }
-  PanelTexts texts{
-      {PanelField::value1,
-       inphaseOnly(style.listA) ? std::string() : valueText("C", reading.conductivity, "mS/m", wide)},
-      {PanelField::value2, valueText("I", reading.inphase, "ppt", wide)}};
+  PanelTexts texts{{PanelField::value1,
+                    inphaseOnly(style.listA) ? std::string() : valueText("C", reading.conductivity, "mS/m", wide)},
+                   {PanelField::value2, valueText("I", reading.inphase, "ppt", wide)}};
   if (!style.iceOption) {
     texts.emplace_back(PanelField::range, dipoleRangeText(reading, wide));
     return texts;
   }
   texts.emplace_back(PanelField::value3, thicknessText(reading, style));
-  texts.emplace_back(PanelField::range,
-                     wide ? fmt::format("Mode:{}  R:{:<4}", reading.orientation, reading.range)
-                          : fmt::format("{} G{:<4}", reading.orientation, reading.range));
+  texts.emplace_back(PanelField::range, wide ? fmt::format("Mode:{}  R:{:<4}", reading.orientation, reading.range)
+                                             : fmt::format("{} G{:<4}", reading.orientation, reading.range));
   return texts;
 }
 
 constexpr Reading kWidest{.conductivity = -8888.88F, .inphase = -8888.88F, .orientation = 'H', .range = 1000};
-constexpr Reading kWidestVertical{
-    .conductivity = -8888.88F, .inphase = -8888.88F, .orientation = 'V', .range = 1000};
+constexpr Reading kWidestVertical{.conductivity = -8888.88F, .inphase = -8888.88F, .orientation = 'V', .range = 1000};
 constexpr Reading kThick{.orientation = 'H', .thickness = 270.9306F};  // 888.88 ft
 constexpr Reading kBattery{.conductivity = -88.88F, .inphase = -88.88F, .batteryLevels = true};
 constexpr std::array kWidestReadings{kWidest, kWidestVertical, kThick, kBattery};
@@ -150,8 +138,7 @@ constexpr Instrument kOrla{
     .readingsAtStation = dipolesAtStation,
     .channels = kChannels,
     .axes = kBothAxes,
-    .curveScales =
-        [](int listA) { return CurveScales{.conductivity = !inphaseOnly(listA), .inphase = true}; },
+    .curveScales = [](int listA) { return CurveScales{.conductivity = !inphaseOnly(listA), .inphase = true}; },
     .decode = decode,
     .triggerPressed = asciiTriggerPressed,
     .rawFields = asciiRawFields,

@@ -6,10 +6,9 @@ namespace kalmira {
 
 std::string_view panelFieldName(PanelField field) {
   static constexpr std::array<std::string_view, kPanelFields> kNames{
-      "file",       "state", "battery", "triggerMode", "stationLabel", "station",     "line",
-      "repeat",     "mode",  "value1",  "value2",      "value3",       "value4",      "value5",
-      "value6",     "range", "marker",  "message",     "calibration",  "gpsActivity", "gpsCount",
-      "satellites", "fix",   "pdop",    "gpsNote"};
+      "file",        "state",       "battery",  "triggerMode", "stationLabel", "station", "line",   "repeat", "mode",
+      "value1",      "value2",      "value3",   "value4",      "value5",       "value6",  "range",  "marker", "message",
+      "calibration", "gpsActivity", "gpsCount", "satellites",  "fix",          "pdop",    "gpsNote"};
   return kNames[static_cast<std::size_t>(field)];
 }
 

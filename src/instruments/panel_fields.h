@@ -83,8 +83,7 @@ inline constexpr std::array kFileRange{F::file, F::range};
 inline constexpr std::array kUpright{PanelRow{Shape::flow, kValue1}, PanelRow{Shape::flow, kValue2},
                                      PanelRow{Shape::flow, kRange}};
 // Two beside each other: for kinds with four values and more.
-inline constexpr std::array kUprightPairs{PanelRow{Shape::columns, kValues12},
-                                          PanelRow{Shape::columns, kValues34},
+inline constexpr std::array kUprightPairs{PanelRow{Shape::columns, kValues12}, PanelRow{Shape::columns, kValues34},
                                           PanelRow{Shape::columns, kValues56}, PanelRow{Shape::flow, kRange}};
 inline constexpr std::array kLying{PanelRow{Shape::band, kBand}, PanelRow{Shape::flow, kStation},
                                    PanelRow{Shape::columns, kValues123}, PanelRow{Shape::flow, kFileRange}};

@@ -21,9 +21,7 @@ const ProfileAxis& axisOf(const ProfileAxes& axes, int axis) {
   return axis == kInphaseAxis ? axes.inphase : axes.conductivity;
 }
 
-bool drawn(const Channel& channel, bool iceOption) {
-  return (channel.axis == kIceAxis) == iceOption;
-}
+bool drawn(const Channel& channel, bool iceOption) { return (channel.axis == kIceAxis) == iceOption; }
 
 }  // namespace
 

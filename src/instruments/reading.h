@@ -23,17 +23,17 @@ inline constexpr float kIceBelowTable = -99.0F;
 
 // What the meaning of a record depends on besides its bytes.
 struct DecodeOptions {
-  bool teskRangeTimes10 = false;  // TESK: the start-up choice
-  bool orlaModelOption = false;   // ORLA: the short instrument
-  int listA = 0;                  // ORLA 1: shows inphase only; TESK2 1: inphase unscaled
-  int gpsLoggingMode = 0;         // the trigger mode; while 2 (Manual) an ASCII kind's second letter is "N"
+  bool teskRangeTimes10 = false;       // TESK: the start-up choice
+  bool orlaModelOption = false;        // ORLA: the short instrument
+  int listA = 0;                       // ORLA 1: shows inphase only; TESK2 1: inphase unscaled
+  int gpsLoggingMode = 0;              // the trigger mode; while 2 (Manual) an ASCII kind's second letter is "N"
   std::array<float, 6> calibration{};  // TESK2: inphase V1, V2, H1, H2, conductivity 1, 2
 };
 
 struct Reading {
   Channels channels{};
   float conductivity = 0;  // TESKDD: the first value, of the vertical dipole; GLACO: thickness
-  float inphase = 0;  // TESKDD: the second value, of the horizontal dipole; VARDO: coil separation, metres
+  float inphase = 0;       // TESKDD: the second value, of the horizontal dipole; VARDO: coil separation, metres
   float conductivity2 = 0, inphase2 = 0;  // TESK2: the second coil
   std::array<float, 2> auxiliary{};       // TESK2
   char orientation = 'H';                 // "V" or "H"

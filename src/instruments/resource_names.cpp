@@ -37,9 +37,7 @@ std::string_view profileScaleTemplate(Kind kind, bool iceOption, bool small) {
   return small ? "GetNewProfileScaleOrlaH" : "GetNewProfileScaleOrla";
 }
 
-std::string_view newStationTemplate(bool small) {
-  return small ? "GetNewStationwm6" : "GetNewStation";
-}
+std::string_view newStationTemplate(bool small) { return small ? "GetNewStationwm6" : "GetNewStation"; }
 
 std::span<const std::string_view> titlePictures(Kind kind, bool iceOption) {
   const auto& row = instrumentOf(kind);
@@ -47,9 +45,9 @@ std::span<const std::string_view> titlePictures(Kind kind, bool iceOption) {
 }
 
 std::span<const std::string_view> commonTitlePictures() {
-  static constexpr std::array<std::string_view, 8> kNames{
-      "STATICBMPA",   "STATICBMPA_VGA",   "STATICBMPAAR", "STATICBMPAARVGA",
-      "STATICLEAD_H", "STATICLEAD_H_VGA", "STATICLEADAR", "STATICLEADARVGA"};
+  static constexpr std::array<std::string_view, 8> kNames{"STATICBMPA",      "STATICBMPA_VGA", "STATICBMPAAR",
+                                                          "STATICBMPAARVGA", "STATICLEAD_H",   "STATICLEAD_H_VGA",
+                                                          "STATICLEADAR",    "STATICLEADARVGA"};
   return kNames;
 }
 

@@ -4,8 +4,8 @@
 namespace kalmira {
 namespace {
 
-constexpr std::array<std::string_view, 4> kTitles{"STATICTIT_TESKHVGA", "STATICTIT_TESKMX",
-                                                  "STATICTIT_TESKVVGA", "STATICTIT_TESKAR"};
+constexpr std::array<std::string_view, 4> kTitles{"STATICTIT_TESKHVGA", "STATICTIT_TESKMX", "STATICTIT_TESKVVGA",
+                                                  "STATICTIT_TESKAR"};
 
 // One component of one dipole. A record has 7 or 12 bytes, by the instrument's age.
 Reading decode(std::string_view record, const DecodeOptions& options) {
@@ -32,11 +32,9 @@ Reading decode(std::string_view record, const DecodeOptions& options) {
 PanelTexts panelTexts(const Reading& reading, const PanelStyle& style) {
   const auto range = dipoleRangeText(reading, style.wide);
   if (reading.recordType == 2) {
-    return {{PanelField::value1, valueText("C", reading.conductivity, "mS/m", style.wide)},
-            {PanelField::range, range}};
+    return {{PanelField::value1, valueText("C", reading.conductivity, "mS/m", style.wide)}, {PanelField::range, range}};
   }
-  return {{PanelField::value2, valueText("I", reading.inphase, "ppt", style.wide)},
-          {PanelField::range, range}};
+  return {{PanelField::value2, valueText("I", reading.inphase, "ppt", style.wide)}, {PanelField::range, range}};
 }
 
 int readingsAtStation(int listA, int listB) {

@@ -23,8 +23,8 @@ constexpr std::array kChannels{Channel{0, "Conductivity 1 V", "cond1_v", "C1 V",
 
 constexpr std::array<std::string_view, 2> kInphaseScaling{"ppt", "Unscaled"};
 
-constexpr std::array<std::string_view, 4> kTitles{"STATICTIT_TESK2H_VGA", "STATICTIT_TESK2MX",
-                                                  "STATICTIT_TESK2ARVGA", "STATICTIT_TESK2AR"};
+constexpr std::array<std::string_view, 4> kTitles{"STATICTIT_TESK2H_VGA", "STATICTIT_TESK2MX", "STATICTIT_TESK2ARVGA",
+                                                  "STATICTIT_TESK2AR"};
 
 // Its two coils one below the other.
 constexpr std::array kBand{F::state, F::triggerMode, F::message, F::battery};
@@ -32,10 +32,9 @@ constexpr std::array kStation{F::stationLabel, F::station, F::repeat, F::file, F
 constexpr std::array kCoil1{F::value1, F::value2, F::value5};
 constexpr std::array kCoil2{F::value3, F::value4, F::value6};
 constexpr std::array kCalibration{F::calibration};
-constexpr std::array kLyingRows{
-    PanelRow{PanelRow::Shape::band, kBand}, PanelRow{PanelRow::Shape::flow, kStation},
-    PanelRow{PanelRow::Shape::columns, kCoil1}, PanelRow{PanelRow::Shape::columns, kCoil2},
-    PanelRow{PanelRow::Shape::flow, kCalibration}};
+constexpr std::array kLyingRows{PanelRow{PanelRow::Shape::band, kBand}, PanelRow{PanelRow::Shape::flow, kStation},
+                                PanelRow{PanelRow::Shape::columns, kCoil1}, PanelRow{PanelRow::Shape::columns, kCoil2},
+                                PanelRow{PanelRow::Shape::flow, kCalibration}};
 
 // The six words of a record in their order, most significant byte first, from byte 2 on.
 enum Word : std::size_t { conductivity2, inphase2, conductivity1, inphase1, auxiliary1, auxiliary2 };
@@ -54,22 +53,16 @@ unsigned wordAt(std::string_view record, std::size_t word) {
 }
 
 // The scale that both quantities share: 0 to 65535 is -1280 to almost 1280, 32768 is 0.
-double scaled(unsigned word) {
-  return (5 * static_cast<int>(word) / 1024.0 - 160.0) * 8.0;
-}
+double scaled(unsigned word) { return (5 * static_cast<int>(word) / 1024.0 - 160.0) * 8.0; }
 
 // Offsets are applied in single precision, to the rounded value.
-float conductivityOf(unsigned word, float offset) {
-  return static_cast<float>(scaled(word)) + offset;
-}
+float conductivityOf(unsigned word, float offset) { return static_cast<float>(scaled(word)) + offset; }
 
 float inphaseOf(unsigned word, double factor, bool unscaled, float offset) {
   return static_cast<float>(unscaled ? scaled(word) : scaled(word) * factor) - offset;
 }
 
-float auxiliaryOf(unsigned word) {
-  return static_cast<float>(word / 3.108 - 50.0);
-}
+float auxiliaryOf(unsigned word) { return static_cast<float>(word / 3.108 - 50.0); }
 
 bool marked(std::string_view record) {
   const unsigned mode = byteAt(record, 1);
@@ -88,10 +81,8 @@ Reading decode(std::string_view record, const DecodeOptions& options) {
   reading.secondMode = marked(record) ? 'M' : 'N';
   reading.conductivity = conductivityOf(word(conductivity1), offset[cond1]);
   reading.conductivity2 = conductivityOf(word(conductivity2), offset[cond2]);
-  reading.inphase =
-      inphaseOf(word(inphase1), kInphaseFactor1, unscaled, offset[vertical ? inphaseV1 : inphaseH1]);
-  reading.inphase2 =
-      inphaseOf(word(inphase2), kInphaseFactor2, unscaled, offset[vertical ? inphaseV2 : inphaseH2]);
+  reading.inphase = inphaseOf(word(inphase1), kInphaseFactor1, unscaled, offset[vertical ? inphaseV1 : inphaseH1]);
+  reading.inphase2 = inphaseOf(word(inphase2), kInphaseFactor2, unscaled, offset[vertical ? inphaseV2 : inphaseH2]);
   reading.auxiliary = {auxiliaryOf(word(auxiliary1)), auxiliaryOf(word(auxiliary2))};
   std::size_t slot = vertical ? 0 : 1;
   for (const float value : {reading.conductivity, reading.inphase, reading.conductivity2, reading.inphase2}) {

@@ -6,8 +6,8 @@
 namespace kalmira {
 namespace {
 
-constexpr std::array<std::string_view, 4> kTitles{"STATICTIT_TESKBHVGA", "STATICTIT_TESKBMX",
-                                                  "STATICTIT_TESKBVVGA", "STATICTIT_TESKBAR"};
+constexpr std::array<std::string_view, 4> kTitles{"STATICTIT_TESKBHVGA", "STATICTIT_TESKBMX", "STATICTIT_TESKBVVGA",
+                                                  "STATICTIT_TESKBAR"};
 
 struct Ranges {
   std::int16_t range;  // of the conductivity
@@ -18,14 +18,10 @@ struct Ranges {
 
 Ranges rangesOf(int code) {
   switch (code >= 4 ? code - 4 : code) {
-    case 1:
-      return {1000, 100, -1.0, -0.00288};
-    case 2:
-      return {100, 1000, -0.1, -0.0288};
-    case 3:
-      return {1000, 1000, -1.0, -0.0288};
-    default:
-      return {100, 100, -0.1, -0.00288};
+    case 1: return {1000, 100, -1.0, -0.00288};
+    case 2: return {100, 1000, -0.1, -0.0288};
+    case 3: return {1000, 1000, -1.0, -0.0288};
+    default: return {100, 100, -0.1, -0.00288};
   }
 }
 
@@ -47,13 +43,13 @@ PanelTexts panelTexts(const Reading& reading, const PanelStyle& style) {
   const std::string_view word = reading.orientation == 'V' ? "Vertical" : "Horizontal";
   return {{PanelField::value1, valueText("C", reading.conductivity, "mS/m", style.wide)},
           {PanelField::value2, valueText("I", reading.inphase, "ppt", style.wide)},
-          {PanelField::range,
-           style.wide ? fmt::format("{}    GnC:{:<4}  GnI:{:<4}", word, reading.range, reading.secondRange)
-                      : fmt::format("{} G{:<4},{:<4}", word, reading.range, reading.secondRange)}};
+          {PanelField::range, style.wide
+                                  ? fmt::format("{}    GnC:{:<4}  GnI:{:<4}", word, reading.range, reading.secondRange)
+                                  : fmt::format("{} G{:<4},{:<4}", word, reading.range, reading.secondRange)}};
 }
 
-constexpr std::array kWidestReadings{Reading{
-    .conductivity = -8888.88F, .inphase = -888.88F, .orientation = 'H', .range = 1000, .secondRange = 1000}};
+constexpr std::array kWidestReadings{
+    Reading{.conductivity = -8888.88F, .inphase = -888.88F, .orientation = 'H', .range = 1000, .secondRange = 1000}};
 
 }  // namespace
 

@@ -8,8 +8,8 @@ namespace {
 
 using F = PanelField;
 
-constexpr std::array<std::string_view, 4> kTitles{"STATICTIT_TESKDHVGA", "STATICTIT_TESKDMX",
-                                                  "STATICTIT_TESKDVVGA", "STATICTIT_TESKDAR"};
+constexpr std::array<std::string_view, 4> kTitles{"STATICTIT_TESKDHVGA", "STATICTIT_TESKDMX", "STATICTIT_TESKDVVGA",
+                                                  "STATICTIT_TESKDAR"};
 
 // Conductivity above inphase.
 constexpr std::array kConductivities{F::value1, F::value2, F::range};
@@ -37,14 +37,10 @@ PanelTexts panelTexts(const Reading& reading, const PanelStyle& style) {
   const bool conductivity = reading.recordType == 2;
   const std::string range =
       conductivity
-          ? fmt::format(fmt::runtime(wide ? "Conductivity [mS/m]  Range:{:<4}" : "Conductivity  G{:<4}"),
-                        reading.range)
-          : fmt::format(fmt::runtime(wide ? "      Inphase [ppt]  Range:{:<4}" : "Inphase  G{:<4}"),
-                        reading.range);
-  return {{conductivity ? F::value1 : F::value3,
-           valueText(conductivity ? "CV" : "IV", reading.conductivity, "", wide)},
-          {conductivity ? F::value2 : F::value4,
-           valueText(conductivity ? "CH" : "IH", reading.inphase, "", wide)},
+          ? fmt::format(fmt::runtime(wide ? "Conductivity [mS/m]  Range:{:<4}" : "Conductivity  G{:<4}"), reading.range)
+          : fmt::format(fmt::runtime(wide ? "      Inphase [ppt]  Range:{:<4}" : "Inphase  G{:<4}"), reading.range);
+  return {{conductivity ? F::value1 : F::value3, valueText(conductivity ? "CV" : "IV", reading.conductivity, "", wide)},
+          {conductivity ? F::value2 : F::value4, valueText(conductivity ? "CH" : "IH", reading.inphase, "", wide)},
           {F::range, range}};
 }
 

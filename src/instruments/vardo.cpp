@@ -18,23 +18,17 @@ constexpr std::size_t kHorizontalBase = 3;
 constexpr std::array<std::string_view, 6> kCoils{"V10", "V20", "V40", "H10", "H20", "H40"};
 constexpr std::array<std::string_view, 6> kReadings{"1", "2", "3", "4", "5", "6"};
 
-constexpr std::array<std::string_view, 4> kTitles{"STATICTIT_VARDOHVGA", "STATICTIT_VARDOMX",
-                                                  "STATICTIT_VARDOVVGA", "STATICTIT_VARDOAR"};
+constexpr std::array<std::string_view, 4> kTitles{"STATICTIT_VARDOHVGA", "STATICTIT_VARDOMX", "STATICTIT_VARDOVVGA",
+                                                  "STATICTIT_VARDOAR"};
 
 RangeRow rangeOf(int code) {
   switch (code) {
-    case 0:
-      return {3, -0.00075};
-    case 2:
-      return {10, -0.0025};
-    case 3:
-      return {30, -0.0075};
-    case 4:
-      return {100, -0.025};
-    case 5:
-      return {300, -0.075};
-    default:
-      return {1000, -0.25};
+    case 0: return {3, -0.00075};
+    case 2: return {10, -0.0025};
+    case 3: return {30, -0.0075};
+    case 4: return {100, -0.025};
+    case 5: return {300, -0.075};
+    default: return {1000, -0.25};
   }
 }
 
@@ -69,9 +63,7 @@ PanelTexts panelTexts(const Reading& reading, const PanelStyle& style) {
           {PanelField::range, dipoleRangeText(reading, style.wide)}};
 }
 
-int coilSetting(int listB) {
-  return listB >= 0 && listB < static_cast<int>(kCoils.size()) ? listB : 0;
-}
+int coilSetting(int listB) { return listB >= 0 && listB < static_cast<int>(kCoils.size()) ? listB : 0; }
 
 std::string modeText(int surveyMode, int, int listB) {
   const int setting = coilSetting(listB);

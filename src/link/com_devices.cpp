@@ -8,9 +8,7 @@
 namespace kalmira {
 namespace {
 
-bool isDigit(char c) {
-  return std::isdigit(static_cast<unsigned char>(c)) != 0;
-}
+bool isDigit(char c) { return std::isdigit(static_cast<unsigned char>(c)) != 0; }
 
 // Takes the run of digits, or the single other character, that `text` begins with.
 std::string_view takePiece(std::string_view& text) {
@@ -51,9 +49,8 @@ bool isDevice(const SerialDevice& device, const std::string& path) {
 
 ComAssignments resolveComDevices(const ComAssignments& assigned, std::vector<SerialDevice> present) {
   std::erase_if(present, [&assigned](const SerialDevice& device) {
-    return std::any_of(assigned.begin(), assigned.end(), [&device](const std::string& path) {
-      return !path.empty() && isDevice(device, path);
-    });
+    return std::any_of(assigned.begin(), assigned.end(),
+                       [&device](const std::string& path) { return !path.empty() && isDevice(device, path); });
   });
   std::sort(present.begin(), present.end(),
             [](const SerialDevice& a, const SerialDevice& b) { return comesBefore(a.path, b.path); });

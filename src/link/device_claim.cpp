@@ -68,13 +68,9 @@ std::string firstLine(const fs::path& file) {
   return line;
 }
 
-Holder holderOf(int pid) {
-  return {pid, firstLine(fmt::format("/proc/{}/comm", pid))};
-}
+Holder holderOf(int pid) { return {pid, firstLine(fmt::format("/proc/{}/comm", pid))}; }
 
-bool isRunning(int pid) {
-  return kill(pid, 0) == 0 || errno == EPERM;
-}
+bool isRunning(int pid) { return kill(pid, 0) == 0 || errno == EPERM; }
 
 // The lock file of the terminal programs: one line with the number of the process. The serial port library
 // writes files of the same name with more lines, and judges those itself. Nothing when no running program
@@ -102,8 +98,7 @@ std::optional<Holder> lockFileHolder(const std::string& path) {
 std::optional<Holder> lockHolder(const std::string& path) {
   struct stat status {};
   if (stat(path.c_str(), &status) != 0) return std::nullopt;
-  const auto file =
-      fmt::format(" {:02x}:{:02x}:{} ", major(status.st_dev), minor(status.st_dev), status.st_ino);
+  const auto file = fmt::format(" {:02x}:{:02x}:{} ", major(status.st_dev), minor(status.st_dev), status.st_ino);
   std::ifstream locks("/proc/locks");
   for (std::string line; std::getline(locks, line);) {
     const auto at = line.find(file);
@@ -119,8 +114,7 @@ std::optional<Holder> lockHolder(const std::string& path) {
 Holder findHolder(const std::string& path) {
   if (const auto holder = lockHolder(path)) return *holder;
   std::error_code error;
-  for (fs::directory_iterator process("/proc", error), end; !error && process != end;
-       process.increment(error)) {
+  for (fs::directory_iterator process("/proc", error), end; !error && process != end; process.increment(error)) {
     const int pid = parseInt(process->path().filename().string());
     if (pid <= 0) continue;
     std::error_code closed;
@@ -141,8 +135,7 @@ std::string userName(uid_t user) {
   std::array<char, 1024> buffer{};
   passwd entry{};
   passwd* found = nullptr;
-  if (getpwuid_r(user, &entry, buffer.data(), buffer.size(), &found) == 0 && found != nullptr)
-    return entry.pw_name;
+  if (getpwuid_r(user, &entry, buffer.data(), buffer.size(), &found) == 0 && found != nullptr) return entry.pw_name;
   return fmt::format("user {}", user);
 }
 
@@ -172,19 +165,14 @@ PortError openingError(const std::string& path, int reason) {
     case ENXIO:
     case EIO:  // a device node with nothing behind it
       return {PortErrorKind::missing, missingText(path)};
-    case EBUSY:
-      return held(path, findHolder(path));
+    case EBUSY: return held(path, findHolder(path));
     case EACCES:
-    case EPERM:
-      return denied(path);
-    default:
-      return {PortErrorKind::other, fmt::format("{}: {}", path, std::generic_category().message(reason))};
+    case EPERM: return denied(path);
+    default: return {PortErrorKind::other, fmt::format("{}: {}", path, std::generic_category().message(reason))};
   }
 }
 
-bool isPseudoTerminal(std::string_view path) {
-  return path.starts_with("/dev/pts/");
-}
+bool isPseudoTerminal(std::string_view path) { return path.starts_with("/dev/pts/"); }
 
 bool isExclusive([[maybe_unused]] int descriptor) {
   int exclusive = 0;
@@ -263,16 +251,10 @@ void dropLastingExclusiveMode(int descriptor, std::string_view path) {
 
 #else
 
-std::optional<PortError> DeviceClaim::take(const std::string&) {
-  return std::nullopt;
-}
-std::optional<PortError> lookAtDevice(const std::string&) {
-  return std::nullopt;
-}
+std::optional<PortError> DeviceClaim::take(const std::string&) { return std::nullopt; }
+std::optional<PortError> lookAtDevice(const std::string&) { return std::nullopt; }
 void DeviceClaim::release() {}
-LineSettings DeviceClaim::found() const {
-  return {};
-}
+LineSettings DeviceClaim::found() const { return {}; }
 void dropLastingExclusiveMode(int, std::string_view) {}
 
 #endif

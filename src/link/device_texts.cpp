@@ -8,9 +8,7 @@
 namespace kalmira {
 namespace {
 
-std::string lastPart(const std::string& path) {
-  return std::filesystem::path(path).filename().string();
-}
+std::string lastPart(const std::string& path) { return std::filesystem::path(path).filename().string(); }
 
 // Two names of one device.
 bool sameDevice(const std::string& a, const std::string& b) {
@@ -25,10 +23,8 @@ std::string named(const std::string& name, const std::string& description) {
 
 }  // namespace
 
-DeviceText deviceText(const std::string& path, const std::vector<SerialDevice>& present,
-                      const DeviceLook& look) {
-  if (path.empty())
-    return {.text = "No device: connect one, or choose it at \"Devices...\"", .trouble = true};
+DeviceText deviceText(const std::string& path, const std::vector<SerialDevice>& present, const DeviceLook& look) {
+  if (path.empty()) return {.text = "No device: connect one, or choose it at \"Devices...\"", .trouble = true};
   const auto* device = findDevice(present, path);
   // The system's own name is the shorter one.
   const auto& shortest = device == nullptr ? path : device->path;
@@ -36,8 +32,7 @@ DeviceText deviceText(const std::string& path, const std::vector<SerialDevice>& 
   return {.text = device == nullptr ? path : named(device->path, device->description)};
 }
 
-std::vector<DeviceChoice> deviceChoices(const ComAssignments& assigned,
-                                        const std::vector<SerialDevice>& present) {
+std::vector<DeviceChoice> deviceChoices(const ComAssignments& assigned, const std::vector<SerialDevice>& present) {
   std::vector<DeviceChoice> choices{{.path = {}, .text = "Automatic"}};
   for (const auto& device : present) {
     choices.push_back({.path = device.stablePath.empty() ? device.path : device.stablePath,
@@ -56,9 +51,8 @@ std::vector<DeviceChoice> deviceChoices(const ComAssignments& assigned,
 }
 
 std::size_t choiceOf(const std::vector<DeviceChoice>& choices, const std::string& assigned) {
-  const auto found = std::find_if(choices.begin(), choices.end(), [&assigned](const DeviceChoice& choice) {
-    return choice.path == assigned;
-  });
+  const auto found = std::find_if(choices.begin(), choices.end(),
+                                  [&assigned](const DeviceChoice& choice) { return choice.path == assigned; });
   return found == choices.end() ? 0 : static_cast<std::size_t>(found - choices.begin());
 }
 

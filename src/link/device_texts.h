@@ -20,8 +20,7 @@ struct DeviceText {
 
 // About the device at `path`, empty for none: where it is and what the system calls it, or what is in the
 // way and what helps.
-DeviceText deviceText(const std::string& path, const std::vector<SerialDevice>& present,
-                      const DeviceLook& look);
+DeviceText deviceText(const std::string& path, const std::vector<SerialDevice>& present, const DeviceLook& look);
 
 // An entry of the list from which a COM number's device is chosen.
 struct DeviceChoice {
@@ -29,8 +28,7 @@ struct DeviceChoice {
   std::string text;
 };
 // "Automatic", the machine's ports in the order given, then what is assigned to a number and not there.
-std::vector<DeviceChoice> deviceChoices(const ComAssignments& assigned,
-                                        const std::vector<SerialDevice>& present);
+std::vector<DeviceChoice> deviceChoices(const ComAssignments& assigned, const std::vector<SerialDevice>& present);
 // The position of a COM number's device among the choices.
 std::size_t choiceOf(const std::vector<DeviceChoice>& choices, const std::string& assigned);
 

@@ -61,16 +61,13 @@ int markerComNumber(int markerPortChoice) {
   return position >= 6 ? position + 1 : position;
 }
 
-std::string comName(int comNumber) {
-  return fmt::format("COM{}:", comNumber);
-}
+std::string comName(int comNumber) { return fmt::format("COM{}:", comNumber); }
 
 MarkerPlace markerPlace(Kind kind, const Settings& settings) {
   const int position = indexOr(settings.markerPortChoice, kComPorts, 0);
   if (!instrumentOf(kind).hasMarker || position < 1) return MarkerPlace::none;
   // The list position is compared as it stands, not the COM number behind it.
-  return position - 1 == instrumentComNumber(settings) - 1 ? MarkerPlace::instrumentPort
-                                                           : MarkerPlace::ownPort;
+  return position - 1 == instrumentComNumber(settings) - 1 ? MarkerPlace::instrumentPort : MarkerPlace::ownPort;
 }
 
 }  // namespace kalmira

@@ -23,12 +23,9 @@ namespace {
 
 QSerialPort::Parity qtParity(Parity parity) {
   switch (parity) {
-    case Parity::even:
-      return QSerialPort::EvenParity;
-    case Parity::odd:
-      return QSerialPort::OddParity;
-    case Parity::none:
-      break;
+    case Parity::even: return QSerialPort::EvenParity;
+    case Parity::odd: return QSerialPort::OddParity;
+    case Parity::none: break;
   }
   return QSerialPort::NoParity;
 }
@@ -84,8 +81,7 @@ std::optional<PortError> QtSerialPort::open(const std::string& device, const Lin
 PortError QtSerialPort::openingError(const std::string& path) const {
   // The claim has seen to the device itself; what remains is a lock file of another user's program.
   if (port_->error() == QSerialPort::PermissionError) {
-    return {PortErrorKind::held,
-            fmt::format("{} is held by another program: its lock file is in /var/lock", path)};
+    return {PortErrorKind::held, fmt::format("{} is held by another program: its lock file is in /var/lock", path)};
   }
   return {PortErrorKind::other, fmt::format("{}: {}", path, port_->errorString().toStdString())};
 }
@@ -135,8 +131,7 @@ ReadResult QtSerialPort::read(std::span<std::uint8_t> buffer, int timeoutMs) {
       return {.count = 0, .gone = port_->error() != QSerialPort::TimeoutError};
     }
   }
-  const qint64 count =
-      port_->read(reinterpret_cast<char*>(buffer.data()), static_cast<qint64>(buffer.size()));
+  const qint64 count = port_->read(reinterpret_cast<char*>(buffer.data()), static_cast<qint64>(buffer.size()));
   return {.count = count > 0 ? static_cast<std::size_t>(count) : 0, .gone = count < 0};
 }
 
@@ -181,8 +176,6 @@ void QtSerialPort::close() {
 
 }  // namespace
 
-std::unique_ptr<Port> makeQtSerialPort() {
-  return std::make_unique<QtSerialPort>();
-}
+std::unique_ptr<Port> makeQtSerialPort() { return std::make_unique<QtSerialPort>(); }
 
 }  // namespace kalmira

@@ -77,8 +77,7 @@ ReaderEnd readBlocks(Port& port, const std::atomic<bool>& stop, int sliceMs,
 
 ReaderEnd InstrumentReaderAscii(const ReaderContext& context, Kind kind, const RecordHandOver& handOver) {
   const auto& instrument = instrumentOf(kind);
-  beginReading(context,
-               instrument.asksRecordLength ? context.link.recordLength : instrument.instrumentLength);
+  beginReading(context, instrument.asksRecordLength ? context.link.recordLength : instrument.instrumentLength);
   AsciiFramer framer(context.link.recordLength);
   return readBlocks(context.port, context.stop, kReadSliceMs, [&](Bytes block) {
     return feedBlock(framer, block, context.link,

@@ -26,8 +26,7 @@ enum class ReaderEnd {
 
 // Calls `onBlock` with what arrives until it returns false, `stop` is set or the device vanishes. Nothing
 // arriving within `sliceMs` is an empty block. On the thread of `port`.
-ReaderEnd readBlocks(Port& port, const std::atomic<bool>& stop, int sliceMs,
-                     const std::function<bool(Bytes)>& onBlock);
+ReaderEnd readBlocks(Port& port, const std::atomic<bool>& stop, int sliceMs, const std::function<bool(Bytes)>& onBlock);
 
 // What a reader works with; all of it must outlive the reader's loop, and the loop runs on the thread of
 // `port`.

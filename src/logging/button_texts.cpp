@@ -26,10 +26,9 @@ constexpr Prompts withTexts(Prompts prompts, std::size_t first, std::size_t step
   return prompts;
 }
 
-constexpr Prompts kNarrow =
-    withTexts(kFull, 5, 1,
-              {"Trigger to Log, Tap/SPACE to Pause", "Trigger to Log, Tap/ENTER to Pause",
-               "Trigger to Log, Tap/<S> to Pause"});
+constexpr Prompts kNarrow = withTexts(
+    kFull, 5, 1,
+    {"Trigger to Log, Tap/SPACE to Pause", "Trigger to Log, Tap/ENTER to Pause", "Trigger to Log, Tap/<S> to Pause"});
 constexpr Prompts kTesk2 =
     withTexts(kFull, 0, kPauseKeys,
               {"TAP ME or any non numeric key to Pause", "Trigger to Log, Tap or non numeric key to Pause"});
@@ -44,14 +43,10 @@ constexpr Prompts kNumeric{"TAP or non numeric or <0> to Pause",
 
 const Prompts& promptsOf(Keypad keypad) {
   switch (keypad) {
-    case Keypad::narrow:
-      return kNarrow;
-    case Keypad::tesk2:
-      return kTesk2;
-    case Keypad::numeric:
-      return kNumeric;
-    case Keypad::full:
-      break;
+    case Keypad::narrow: return kNarrow;
+    case Keypad::tesk2: return kTesk2;
+    case Keypad::numeric: return kNumeric;
+    case Keypad::full: break;
   }
   return kFull;
 }
@@ -77,8 +72,7 @@ std::string_view pausePrompt(Keypad keypad, int pauseKey, bool manual) {
 
 std::vector<std::string_view> buttonTexts(const Session& session, const KeyContext& context) {
   if (session.loggingState == kLogging) {
-    return {pausePrompt(keypadOf(session, context), session.settings.pauseKey,
-                        session.surveyMode() == kModeManual)};
+    return {pausePrompt(keypadOf(session, context), session.settings.pauseKey, session.surveyMode() == kModeManual)};
   }
   if (session.loggingState == kStandBy) return {"&Go", "&Line", "&NStn", "&Cmnt", "&Menu", "E&xit"};
   if (!session.instrument.calibrated) return {"&Create File", "E&xit"};

@@ -21,9 +21,7 @@ void beepThrice(Session& session, Beep sound) {
   for (int i = 0; i < 3; ++i) session.view.beep(sound);
 }
 
-void showText(Session& session, std::string_view text) {
-  session.view.show(PanelField::calibration, text);
-}
+void showText(Session& session, std::string_view text) { session.view.show(PanelField::calibration, text); }
 
 std::uint32_t sinceTick(const Session& session) {
   return ticksSince(session.clock.tick(), session.calibration.calibrationTick);
@@ -114,12 +112,9 @@ void closeWithSuccess(Session& session) {
 
 std::string_view failureText(int step, bool wide) {
   switch (step) {
-    case kVerticalFailed:
-      return wide ? "Vert. Mode Failed - Wait for Beep" : "Vertical Mode Failed - Wait for Beep";
-    case kHorizontalFailed:
-      return wide ? "Hor. Mode Failed - Wait for Beep" : "Horizontal Mode Failed - Wait for Beep";
-    default:
-      return wide ? "Hor. Mode Not Detected - Wait for Beep" : "Horizontal Mode Not Detected - Wait for Beep";
+    case kVerticalFailed: return wide ? "Vert. Mode Failed - Wait for Beep" : "Vertical Mode Failed - Wait for Beep";
+    case kHorizontalFailed: return wide ? "Hor. Mode Failed - Wait for Beep" : "Horizontal Mode Failed - Wait for Beep";
+    default: return wide ? "Hor. Mode Not Detected - Wait for Beep" : "Horizontal Mode Not Detected - Wait for Beep";
   }
 }
 
@@ -144,12 +139,9 @@ void horizontalStage(Session& session, const Reading& reading) {
       }
       calibration.calibrationCount = 0;
       return enterStep(session, kMeasuring);
-    case kMeasuring:
-      return measureHorizontal(session, reading);
-    case kCompleted:
-      return closeWithSuccess(session);
-    default:
-      return closeWithFailure(session);
+    case kMeasuring: return measureHorizontal(session, reading);
+    case kCompleted: return closeWithSuccess(session);
+    default: return closeWithFailure(session);
   }
 }
 

@@ -13,20 +13,15 @@ bool commandAllowed(const Session& session, Command command) {
   const int state = session.loggingState;
   const bool calibrated = session.instrument.calibrated;
   switch (command) {
-    case Command::createFile:
-      return state == kNoFile;
-    case Command::pause:
-      return state == kLogging;
-    case Command::leave:
-      return state != kLogging;
+    case Command::createFile: return state == kNoFile;
+    case Command::pause: return state == kLogging;
+    case Command::leave: return state != kLogging;
     case Command::calibrate:
     case Command::deleteCalibration:
       return calibrated && state != kLogging && session.calibration.calibrationPhase == 0;
     case Command::newStation:
-    case Command::comment:
-      return state != kLogging;
-    default:
-      return state == kStandBy;
+    case Command::comment: return state != kLogging;
+    default: return state == kStandBy;
   }
 }
 
@@ -34,9 +29,8 @@ CreateOutcome createDataFile(Session& session, const ChooseDataFile& choose) {
   const auto warnExists = [&session] {
     session.view.tell({.title = "WARNING", .text = std::string(kFileExistsText), .icon = Icon::exclamation});
   };
-  const DataPlace place{.kind = session.instrument.kind,
-                        .storageClass = session.setup.storageClass,
-                        .root = session.setup.root};
+  const DataPlace place{
+      .kind = session.instrument.kind, .storageClass = session.setup.storageClass, .root = session.setup.root};
   auto outcome = CreateDataFile(place, session.writer(), session.disk, choose, warnExists);
   if (outcome.how == CreateOutcome::How::failed) {
     session.view.tell({.title = "CRITICAL WARNING",
@@ -109,9 +103,7 @@ void addComment(Session& session, std::string_view text) {
   session.view.redrawProfile();
 }
 
-Message exitQuestion() {
-  return {.title = "Confirm Exit", .text = "Exit Logging?", .icon = Icon::question};
-}
+Message exitQuestion() { return {.title = "Confirm Exit", .text = "Exit Logging?", .icon = Icon::question}; }
 
 bool LeaveLogging(Session& session, bool forced) {
   if (session.file.isOpen()) {
@@ -137,8 +129,7 @@ bool LeaveLogging(Session& session, bool forced) {
 }
 
 void tellPortProblem(Session& session, const PortProblem& problem) {
-  session.view.tell(
-      {.title = "Serial Port", .text = problem.message + "\r\n" + problem.detail, .icon = Icon::none});
+  session.view.tell({.title = "Serial Port", .text = problem.message + "\r\n" + problem.detail, .icon = Icon::none});
 }
 
 }  // namespace kalmira

@@ -8,13 +8,9 @@
 namespace kalmira {
 namespace {
 
-bool recording(const Session& session) {
-  return session.loggingState == kLogging && session.linkActive;
-}
+bool recording(const Session& session) { return session.loggingState == kLogging && session.linkActive; }
 
-bool manual(const Session& session) {
-  return session.surveyMode() == kModeManual;
-}
+bool manual(const Session& session) { return session.surveyMode() == kModeManual; }
 
 void OnGpsSentence(Session& session, const GpsLine& line, bool checksumOk) {
   if (session.calibration.calibrationActive != 0) return;  // the calibration has the panel to itself

@@ -12,18 +12,10 @@ constexpr int kPauseSpace = 1;
 constexpr int kPauseEnter = 2;
 constexpr int kPauseS = 3;
 
-bool isMarkDigit(int keyCode) {
-  return keyCode >= '1' && keyCode <= '9';
-}
-bool isArrow(int keyCode) {
-  return keyCode >= key::kLeft && keyCode <= key::kDown;
-}
-bool isTesk2(const Session& session) {
-  return session.instrument.hasMarker;
-}
-int pauseKeyOf(const Session& session) {
-  return indexOr(session.settings.pauseKey, 4, kPauseAnyKey);
-}
+bool isMarkDigit(int keyCode) { return keyCode >= '1' && keyCode <= '9'; }
+bool isArrow(int keyCode) { return keyCode >= key::kLeft && keyCode <= key::kDown; }
+bool isTesk2(const Session& session) { return session.instrument.hasMarker; }
+int pauseKeyOf(const Session& session) { return indexOr(session.settings.pauseKey, 4, kPauseAnyKey); }
 
 void pressMarker(Session& session) {
   if (session.link.markerKeyPending == 0) session.link.markerKeyPending = 1;
@@ -32,40 +24,26 @@ void pressMarker(Session& session) {
 // State 0: what is left of the keys once a TESK2's row has been told from the others'.
 int letterWithoutFile(const Session& session, int letter) {
   switch (letter) {
-    case 'C':
-      return 0;
-    case 'N':
-      return 2;
+    case 'C': return 0;
+    case 'N': return 2;
     case 'M':
-    case 'X':
-      return 4;
-    case 'U':
-      return 1;
-    case 'A':
-      return isTesk2(session) ? 1 : kNoCode;
-    case 'E':
-      return isTesk2(session) ? 2 : kNoCode;
-    default:
-      return kNoCode;
+    case 'X': return 4;
+    case 'U': return 1;
+    case 'A': return isTesk2(session) ? 1 : kNoCode;
+    case 'E': return isTesk2(session) ? 2 : kNoCode;
+    default: return kNoCode;
   }
 }
 
 int letterStandingBy(int letter) {
   switch (letter) {
-    case 'G':
-      return 0;
-    case 'L':
-      return 1;
-    case 'N':
-      return 2;
-    case 'C':
-      return 3;
-    case 'M':
-      return 4;
-    case 'X':
-      return 5;
-    default:
-      return kNoCode;
+    case 'G': return 0;
+    case 'L': return 1;
+    case 'N': return 2;
+    case 'C': return 3;
+    case 'M': return 4;
+    case 'X': return 5;
+    default: return kNoCode;
   }
 }
 
@@ -82,27 +60,19 @@ int keypadStart(const Session& session, const Focus& focus, int keyCode) {
 int remapTesk2(const Session& session, int code) {
   if (!isTesk2(session) || session.loggingState != kNoFile) return code;
   switch (code) {
-    case 1:
-      return kMenuCalibrate;
-    case 2:
-      return kMenuDeleteCalibration;
-    case 3:
-      return 1;
-    default:
-      return code;
+    case 1: return kMenuCalibrate;
+    case 2: return kMenuDeleteCalibration;
+    case 3: return 1;
+    default: return code;
   }
 }
 
 bool pauses(const Session& session, int keyCode) {
   switch (pauseKeyOf(session)) {
-    case kPauseSpace:
-      return keyCode == key::kMinus || keyCode == key::kPeriod || keyCode == '0';
-    case kPauseEnter:
-      return keyCode == key::kEnter;
-    case kPauseS:
-      return keyCode == '0';
-    default:
-      return !(isTesk2(session) && isMarkDigit(keyCode));
+    case kPauseSpace: return keyCode == key::kMinus || keyCode == key::kPeriod || keyCode == '0';
+    case kPauseEnter: return keyCode == key::kEnter;
+    case kPauseS: return keyCode == '0';
+    default: return !(isTesk2(session) && isMarkDigit(keyCode));
   }
 }
 
@@ -165,18 +135,12 @@ void keyReleased(Session& session, const KeyContext& context, int keyCode) {
 
 std::optional<Command> commandOf(const Session& session, int code) {
   switch (code) {
-    case 101:
-      return Command::scale;
-    case 102:
-      return Command::displayOptions;
-    case 103:
-      return Command::repaint;
-    case kMenuCalibrate:
-      return Command::calibrate;
-    case kMenuDeleteCalibration:
-      return Command::deleteCalibration;
-    default:
-      break;
+    case 101: return Command::scale;
+    case 102: return Command::displayOptions;
+    case 103: return Command::repaint;
+    case kMenuCalibrate: return Command::calibrate;
+    case kMenuDeleteCalibration: return Command::deleteCalibration;
+    default: break;
   }
   if (code < 0 || code > 5) return std::nullopt;
   if (session.loggingState == kLogging) return code == 0 ? std::optional(Command::pause) : std::nullopt;

@@ -16,12 +16,9 @@ std::string_view stateWord(int loggingState) {
 
 std::string_view triggerModeWord(const Session& session) {
   switch (session.triggerMode) {
-    case kModeAuto:
-      return "Auto";
-    case kModeWheel:
-      return session.instrument.hasTrigger ? "Wheel" : "Manual";
-    default:
-      return "Manual";
+    case kModeAuto: return "Auto";
+    case kModeWheel: return session.instrument.hasTrigger ? "Wheel" : "Manual";
+    default: return "Manual";
   }
 }
 
@@ -38,9 +35,7 @@ void showFile(Session& session) {
   session.view.show(PanelField::file, "File:" + name);
 }
 
-void showState(Session& session) {
-  session.view.show(PanelField::state, stateWord(session.loggingState));
-}
+void showState(Session& session) { session.view.show(PanelField::state, stateWord(session.loggingState)); }
 
 void showLineAndStation(Session& session) {
   session.view.show(PanelField::line, session.settings.lineName);
@@ -65,8 +60,7 @@ void showMode(Session& session) {
   const auto& settings = session.settings;
   const auto modeText = session.instrument.modeText;
   if (modeText == nullptr) return;
-  session.view.show(PanelField::mode,
-                    modeText(session.surveyMode(), settings.surveyListA, settings.surveyListB));
+  session.view.show(PanelField::mode, modeText(session.surveyMode(), settings.surveyListA, settings.surveyListB));
 }
 
 void showValues(Session& session, const Reading& reading, bool measuring) {

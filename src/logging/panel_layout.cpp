@@ -48,42 +48,32 @@ int pixels(const PanelSpace& space, double units) {
 
 PanelFont fontOf(PanelField field) {
   switch (field) {
-    case PanelField::state:
-      return PanelFont::state;
+    case PanelField::state: return PanelFont::state;
     case PanelField::station:
     case PanelField::value1:
     case PanelField::value2:
     case PanelField::value3:
     case PanelField::value4:
     case PanelField::value5:
-    case PanelField::value6:
-      return PanelFont::value;
-    default:
-      return PanelFont::text;
+    case PanelField::value6: return PanelFont::value;
+    default: return PanelFont::text;
   }
 }
 
 std::string_view labelOf(PanelField field) {
   switch (field) {
-    case PanelField::pdop:
-      return "PDOP:";
-    case PanelField::satellites:
-      return "Sat:";
-    case PanelField::line:
-      return "L:";
-    default:
-      return {};
+    case PanelField::pdop: return "PDOP:";
+    case PanelField::satellites: return "Sat:";
+    case PanelField::line: return "L:";
+    default: return {};
   }
 }
 
 int sizeOf(const Sizes& sizes, PanelFont font) {
   switch (font) {
-    case PanelFont::text:
-      return sizes.text;
-    case PanelFont::value:
-      return sizes.value;
-    case PanelFont::state:
-      return sizes.state;
+    case PanelFont::text: return sizes.text;
+    case PanelFont::value: return sizes.value;
+    case PanelFont::state: return sizes.state;
   }
   return sizes.text;
 }
@@ -91,9 +81,7 @@ int sizeOf(const Sizes& sizes, PanelFont font) {
 // Which fields stand in which row, from above. Those that the kind does not use are taken out afterwards.
 using F = PanelField;
 
-Row rowOf(const PanelRow& row) {
-  return {row.shape, {row.fields.begin(), row.fields.end()}};
-}
+Row rowOf(const PanelRow& row) { return {row.shape, {row.fields.begin(), row.fields.end()}}; }
 
 std::vector<Row> portraitRows(const PanelSpace& space) {
   std::vector<Row> rows{{RowShape::band, {F::state, F::triggerMode, F::battery}},
@@ -101,8 +89,7 @@ std::vector<Row> portraitRows(const PanelSpace& space) {
                         {RowShape::flow, {F::stationLabel, F::station, F::repeat, F::line}}};
   const auto& instrument = instrumentOf(space.kind);
   const bool ice = space.iceOption && !instrument.uprightIceValues.empty();
-  for (const auto& row : ice ? instrument.uprightIceValues : instrument.uprightValues)
-    rows.push_back(rowOf(row));
+  for (const auto& row : ice ? instrument.uprightIceValues : instrument.uprightValues) rows.push_back(rowOf(row));
   rows.push_back({RowShape::flow, {F::calibration}});
   rows.push_back({RowShape::flow, {F::gpsActivity, F::fix, F::pdop, F::satellites, F::gpsCount, F::gpsNote}});
   rows.push_back({RowShape::flow, {F::message}});
@@ -114,16 +101,14 @@ std::vector<Row> landscapeRows(const PanelSpace& space) {
   std::vector<Row> rows;
   for (const auto& row : instrumentOf(space.kind).lyingFigures) rows.push_back(rowOf(row));
   rows.push_back(
-      {RowShape::flow,
-       {F::gpsActivity, F::fix, F::pdop, F::satellites, F::gpsCount, F::gpsNote, F::mode, F::marker}});
+      {RowShape::flow, {F::gpsActivity, F::fix, F::pdop, F::satellites, F::gpsCount, F::gpsNote, F::mode, F::marker}});
   return rows;
 }
 
 std::vector<Row> usedRows(const Job& job) {
   auto rows = job.space.wideLayout ? portraitRows(job.space) : landscapeRows(job.space);
   for (auto& row : rows) {
-    std::erase_if(row.fields,
-                  [&](PanelField field) { return job.texts[static_cast<std::size_t>(field)].empty(); });
+    std::erase_if(row.fields, [&](PanelField field) { return job.texts[static_cast<std::size_t>(field)].empty(); });
   }
   std::erase_if(rows, [](const Row& row) { return row.fields.empty(); });
   return rows;
@@ -137,9 +122,7 @@ int labelWidthOf(const Job& job, PanelField field, const Sizes& sizes) {
   return widthOf(job, PanelFont::text, sizes, labelOf(field));
 }
 
-int paddingOf(const Job& job, PanelField field) {
-  return field == F::message ? job.gap : 0;
-}
+int paddingOf(const Job& job, PanelField field) { return field == F::message ? job.gap : 0; }
 
 int cellWidth(const Job& job, PanelField field, const Sizes& sizes) {
   if (field == PanelField::battery) return job.batteryWidth - job.margin;
@@ -150,9 +133,7 @@ int cellWidth(const Job& job, PanelField field, const Sizes& sizes) {
   return labelWidthOf(job, field, sizes) + widest + 2 * paddingOf(job, field);
 }
 
-int shapeWidth(const Sizes& sizes) {
-  return static_cast<int>(std::lround(kShapeWidth * sizes.state));
-}
+int shapeWidth(const Sizes& sizes) { return static_cast<int>(std::lround(kShapeWidth * sizes.state)); }
 
 int columnWidth(const Job& job, const Row& row) {
   return (job.space.width - 2 * job.margin) / static_cast<int>(row.fields.size());
@@ -171,8 +152,7 @@ bool fits(const Job& job, const Row& row, const Sizes& sizes) {
 }
 
 bool contains(const Row& row, PanelFont font) {
-  return std::any_of(row.fields.begin(), row.fields.end(),
-                     [font](PanelField field) { return fontOf(field) == font; });
+  return std::any_of(row.fields.begin(), row.fields.end(), [font](PanelField field) { return fontOf(field) == font; });
 }
 
 // Makes the font smaller that can best bear it; false when there is none left.
@@ -222,8 +202,7 @@ PanelCell cellAt(const Job& job, PanelField field, const Sizes& sizes) {
 
 // Whether a field can use what its row leaves over: its texts have no fixed length, or are centred.
 bool stretches(PanelField field) {
-  return field == F::file || field == F::line || field == F::range || field == F::message ||
-         field == F::calibration;
+  return field == F::file || field == F::line || field == F::range || field == F::message || field == F::calibration;
 }
 
 int spareWidth(const Job& job, const Row& row, const Sizes& sizes) {
@@ -268,12 +247,9 @@ void placeColumns(const Job& job, const Row& row, const Sizes& sizes, std::vecto
 
 double PanelLayout::size(PanelFont font) const {
   switch (font) {
-    case PanelFont::text:
-      return textSize;
-    case PanelFont::value:
-      return valueSize;
-    case PanelFont::state:
-      return stateSize;
+    case PanelFont::text: return textSize;
+    case PanelFont::value: return valueSize;
+    case PanelFont::state: return stateSize;
   }
   return textSize;
 }

@@ -30,8 +30,7 @@ bool isSample(const Session& session) {
 bool countSample(Session& session) {
   session.triggerMode = kModeAuto;
   ++session.averaging.sampleCount;
-  showMessage(session,
-              fmt::format("Sample {:<3} of {:<3}", session.averaging.sampleCount, session.samplesPerAverage));
+  showMessage(session, fmt::format("Sample {:<3} of {:<3}", session.averaging.sampleCount, session.samplesPerAverage));
   if (session.averaging.sampleCount < session.samplesPerAverage) return false;
   session.averaging.sampleCount = 0;
   session.triggerMode = kModeManual;
@@ -39,9 +38,7 @@ bool countSample(Session& session) {
   return true;
 }
 
-bool isRecordable(const Session& session) {
-  return session.loggingState == kLogging && session.triggerLatch == 1;
-}
+bool isRecordable(const Session& session) { return session.loggingState == kLogging && session.triggerLatch == 1; }
 
 char countAtStation(Session& session, char startLetter) {
   const int count = ++session.stationReadingCount;

@@ -40,8 +40,8 @@ void closeDataFile(Session& session) {
   if (!rest) return;
   const auto count = rest->records.size() / session.file.recordLength();
   const auto path = writeElsewhere(session, rest->records);
-  const auto what = fmt::format("{}. The last {} records are not safely in {}.", rest->cause, count,
-                                session.file.path().string());
+  const auto what =
+      fmt::format("{}. The last {} records are not safely in {}.", rest->cause, count, session.file.path().string());
   const auto where = path.empty() ? std::string("There was no room for them elsewhere: they are lost.")
                                   : fmt::format("They were saved as {}.", path.string());
   session.view.tell({.title = "CRITICAL WARNING", .text = what + "\r\n" + where, .icon = Icon::stop});

@@ -16,9 +16,9 @@ constexpr int kGpsTries = 10;
 
 }  // namespace
 
-SerialSessionPorts::SerialSessionPorts(Kind kind, const Settings& settings, DeviceResolver deviceOf,
-                                       LinkState& link, HandOver& handOver, const Clock& clock,
-                                       const PortFactory& factory, SessionPortEvents events)
+SerialSessionPorts::SerialSessionPorts(Kind kind, const Settings& settings, DeviceResolver deviceOf, LinkState& link,
+                                       HandOver& handOver, const Clock& clock, const PortFactory& factory,
+                                       SessionPortEvents events)
     : kind_(kind),
       settings_(settings),
       device_of_(std::move(deviceOf)),
@@ -29,9 +29,8 @@ SerialSessionPorts::SerialSessionPorts(Kind kind, const Settings& settings, Devi
       gps_(factory, handOver, kRetryPeriod),
       marker_(factory, handOver, kRetryPeriod) {}
 
-std::optional<PortProblem> SerialSessionPorts::openPort(PortThread& thread, int comNumber,
-                                                        const LineSettings& line, int tries,
-                                                        std::string_view message) {
+std::optional<PortProblem> SerialSessionPorts::openPort(PortThread& thread, int comNumber, const LineSettings& line,
+                                                        int tries, std::string_view message) {
   const std::string device = device_of_(comNumber);
   if (device.empty()) {
     return PortProblem{std::string(message),
@@ -52,9 +51,8 @@ std::optional<PortProblem> SerialSessionPorts::OpenInstrumentPort() {
 }
 
 bool SerialSessionPorts::ProbeTeskRecord() {
-  return instrument_.call([this](const PortThread::Context& context) {
-    return kalmira::ProbeTeskRecord(readerContext(context));
-  });
+  return instrument_.call(
+      [this](const PortThread::Context& context) { return kalmira::ProbeTeskRecord(readerContext(context)); });
 }
 
 void SerialSessionPorts::startInstrumentReader() {
@@ -64,32 +62,22 @@ void SerialSessionPorts::startInstrumentReader() {
   });
 }
 
-ReaderEnd SerialSessionPorts::readInstrument(const PortThread::Context& context,
-                                             bool markerOnInstrumentPort) {
+ReaderEnd SerialSessionPorts::readInstrument(const PortThread::Context& context, bool markerOnInstrumentPort) {
   const HandOver::Work work = [this] { events_.onRecord(); };
   const RecordHandOver handOver = [&] { return context.sender.send(work); };
   switch (instrumentOf(kind_).framing) {
-    case Framing::ice:
-      return InstrumentReaderIce(readerContext(context), handOver);
-    case Framing::tesk2:
-      return InstrumentReaderTesk2(readerContext(context), markerOnInstrumentPort, handOver);
-    case Framing::ascii:
-      break;
+    case Framing::ice: return InstrumentReaderIce(readerContext(context), handOver);
+    case Framing::tesk2: return InstrumentReaderTesk2(readerContext(context), markerOnInstrumentPort, handOver);
+    case Framing::ascii: break;
   }
   return InstrumentReaderAscii(readerContext(context), kind_, handOver);
 }
 
-void SerialSessionPorts::closeInstrumentPort() {
-  instrument_.close();
-}
+void SerialSessionPorts::closeInstrumentPort() { instrument_.close(); }
 
-bool SerialSessionPorts::instrumentGone() const {
-  return instrument_.gone();
-}
+bool SerialSessionPorts::instrumentGone() const { return instrument_.gone(); }
 
-void SerialSessionPorts::reopenInstrumentPort() {
-  instrument_.reopen();
-}
+void SerialSessionPorts::reopenInstrumentPort() { instrument_.reopen(); }
 
 std::optional<PortProblem> SerialSessionPorts::OpenGpsPort() {
   return openPort(gps_, gpsComNumber(settings_), gpsLine(settings_), kGpsTries, "Cannot open GPS port");
@@ -99,15 +87,12 @@ void SerialSessionPorts::startGpsReader() {
   gps_.start([this](const PortThread::Context& context) {
     return GpsReaderThread(context.port, clock_, context.stop, [&](const GpsLine& line) {
       // A copy: the handling may close this very port, and goes on with the line when its reader has ended.
-      return context.sender.send(
-          [this, kept = std::make_shared<const GpsLine>(line)] { events_.onGpsLine(*kept); });
+      return context.sender.send([this, kept = std::make_shared<const GpsLine>(line)] { events_.onGpsLine(*kept); });
     });
   });
 }
 
-void SerialSessionPorts::closeGpsPort() {
-  gps_.close();
-}
+void SerialSessionPorts::closeGpsPort() { gps_.close(); }
 
 std::optional<PortProblem> SerialSessionPorts::OpenMarkerPort() {
   return openPort(marker_, markerComNumber(settings_.markerPortChoice), markerLine(kind_), 1,
@@ -115,12 +100,9 @@ std::optional<PortProblem> SerialSessionPorts::OpenMarkerPort() {
 }
 
 void SerialSessionPorts::startMarkerReader() {
-  marker_.start(
-      [this](const PortThread::Context& context) { return MarkerLineThread(readerContext(context)); });
+  marker_.start([this](const PortThread::Context& context) { return MarkerLineThread(readerContext(context)); });
 }
 
-void SerialSessionPorts::closeMarkerPort() {
-  marker_.close();
-}
+void SerialSessionPorts::closeMarkerPort() { marker_.close(); }
 
 }  // namespace kalmira

@@ -30,9 +30,8 @@ using DeviceResolver = std::function<std::string(int comNumber)>;
 // second.
 class SerialSessionPorts final : public SessionPorts {
  public:
-  SerialSessionPorts(Kind kind, const Settings& settings, DeviceResolver deviceOf, LinkState& link,
-                     HandOver& handOver, const Clock& clock, const PortFactory& factory,
-                     SessionPortEvents events);
+  SerialSessionPorts(Kind kind, const Settings& settings, DeviceResolver deviceOf, LinkState& link, HandOver& handOver,
+                     const Clock& clock, const PortFactory& factory, SessionPortEvents events);
 
   std::optional<PortProblem> OpenInstrumentPort() override;
   bool ProbeTeskRecord() override;

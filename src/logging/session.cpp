@@ -54,9 +54,8 @@ void watchLink(Session& session) {
 
 }  // namespace
 
-Session::Session(SessionSetup setupOfRun, Settings& settingsRecord, LinkState& linkState,
-                 const Clock& clockOfRun, Disk& diskOfRun, SessionView& viewOfRun,
-                 std::function<std::string(const Settings&)> save)
+Session::Session(SessionSetup setupOfRun, Settings& settingsRecord, LinkState& linkState, const Clock& clockOfRun,
+                 Disk& diskOfRun, SessionView& viewOfRun, std::function<std::string(const Settings&)> save)
     : setup(std::move(setupOfRun)),
       instrument(instrumentOf(setup.kind)),
       settings(settingsRecord),
@@ -76,8 +75,7 @@ void takeSettings(Session& session) {
   session.triggerMode = mode;
   session.savedTriggerMode = mode;
   session.samplesPerAverage = readingsCountOf(settings);
-  session.averageOnTrigger =
-      mode == kModeManual && session.samplesPerAverage >= 2 && session.instrument.hasTrigger;
+  session.averageOnTrigger = mode == kModeManual && session.samplesPerAverage >= 2 && session.instrument.hasTrigger;
   session.readingsPerStation =
       readingsPerStationOf(session.instrument.kind, mode, settings.surveyListA, settings.surveyListB);
   session.connectionTimeoutMs = watchPeriod(session);
@@ -100,18 +98,14 @@ DecodeOptions decodeOptions(const Session& session) {
           .calibration = session.settings.calibrationFactors};
 }
 
-std::string stationText(double station) {
-  return fmt::format("{:<11.2f}", station);
-}
+std::string stationText(double station) { return fmt::format("{:<11.2f}", station); }
 
 void showMessage(Session& session, std::string_view text) {
   session.message = text;
   session.view.show(PanelField::message, text);
 }
 
-void clearTraces(Session& session) {
-  session.traceStarted.fill(0);
-}
+void clearTraces(Session& session) { session.traceStarted.fill(0); }
 
 void showBattery(Session& session) {
   const auto percent = session.readBattery();

@@ -19,9 +19,8 @@ bool markerOnGpsPort(const Session& session) {
 
 bool instrumentOnGpsPort(const Session& session) {
   const Settings first;
-  return session.gpsEnabled() &&
-         indexOr(session.settings.instrumentPortIndex, kComPorts, first.instrumentPortIndex) ==
-             indexOr(session.settings.gpsPortIndex, kComPorts, first.gpsPortIndex);
+  return session.gpsEnabled() && indexOr(session.settings.instrumentPortIndex, kComPorts, first.instrumentPortIndex) ==
+                                     indexOr(session.settings.gpsPortIndex, kComPorts, first.gpsPortIndex);
 }
 
 bool ownMarkerPort(const Session& session) {
@@ -108,9 +107,7 @@ void startReaders(Session& session) {
 
 }  // namespace
 
-bool uptimeExceeded(const Clock& clock) {
-  return clock.tick() > kLongestUptimeMs;
-}
+bool uptimeExceeded(const Clock& clock) { return clock.tick() > kLongestUptimeMs; }
 
 Message uptimeMessage() {
   return {.title = "PROGRAM STOP",
@@ -130,8 +127,8 @@ StartOutcome startSession(Session& session) {
   }
   resetCounters(session);
   if (session.iceOption) {
-    LoadIceTable(indexOr(session.settings.seaWaterChoice, kSeaWaterCases, 0),
-                 session.settings.instrumentLength == 1, session.iceModel);
+    LoadIceTable(indexOr(session.settings.seaWaterChoice, kSeaWaterCases, 0), session.settings.instrumentLength == 1,
+                 session.iceModel);
   }
   if (portsConflict(session) || !connectInstrument(session)) return StartOutcome::refused;
   session.linkActive = true;

@@ -11,10 +11,9 @@ constexpr std::uint32_t kReopenPauseMs = 10;
 
 Message linkLostQuestion(const Instrument& instrument) {
   if (instrument.savesBattery) {
-    return {
-        .title = "VARDO Battery Save Mode",
-        .text = "After the instrument is ON\r\npress YES to connect.\r\nPress NO to exit Logging Mode.\r\n",
-        .icon = Icon::exclamation};
+    return {.title = "VARDO Battery Save Mode",
+            .text = "After the instrument is ON\r\npress YES to connect.\r\nPress NO to exit Logging Mode.\r\n",
+            .icon = Icon::exclamation};
   }
   return {.title = "No Connection/Instrument OFF",
           .text = "Fix the problem and\r\npress YES to try.\r\nPress NO to exit Logging Mode.\r\n",
@@ -67,13 +66,9 @@ void connectAgain(Session& session) {
 
 }  // namespace
 
-void startTimer(Session& session) {
-  session.timer = {.running = true, .since = session.clock.tick()};
-}
+void startTimer(Session& session) { session.timer = {.running = true, .since = session.clock.tick()}; }
 
-void stopTimer(Session& session) {
-  session.timer.running = false;
-}
+void stopTimer(Session& session) { session.timer.running = false; }
 
 void onTimer(Session& session) {
   session.timer.since = session.clock.tick();

@@ -14,8 +14,7 @@ std::uint64_t uptimeMs() {
   return static_cast<std::uint64_t>(now.tv_sec) * 1000U + static_cast<std::uint64_t>(now.tv_nsec) / 1000000U;
 #else
   using namespace std::chrono;
-  return static_cast<std::uint64_t>(
-      duration_cast<milliseconds>(steady_clock::now().time_since_epoch()).count());
+  return static_cast<std::uint64_t>(duration_cast<milliseconds>(steady_clock::now().time_since_epoch()).count());
 #endif
 }
 
@@ -23,9 +22,7 @@ std::uint64_t uptimeMs() {
 
 SystemClock::SystemClock(TickBase base) : origin_ms_(base == TickBase::program ? uptimeMs() : 0) {}
 
-std::uint32_t SystemClock::tick() const {
-  return static_cast<std::uint32_t>(uptimeMs() - origin_ms_);
-}
+std::uint32_t SystemClock::tick() const { return static_cast<std::uint32_t>(uptimeMs() - origin_ms_); }
 
 LocalTime SystemClock::localTime() const {
   using namespace std::chrono;

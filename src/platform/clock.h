@@ -32,9 +32,7 @@ class Clock {
   virtual void pause(std::uint32_t milliseconds) const = 0;
 };
 
-inline std::uint32_t ticksSince(std::uint32_t now, std::uint32_t then) {
-  return now - then;
-}
+inline std::uint32_t ticksSince(std::uint32_t now, std::uint32_t then) { return now - then; }
 
 // What tick 0 stands for: the device's start, counting the time it slept, or the program's start.
 enum class TickBase { boot, program };

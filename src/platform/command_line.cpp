@@ -63,10 +63,8 @@ LineAnswer wrongUsage(const CommandLine& line, std::string_view mistake) {
   switch (line.wording.then) {
     case CommandWording::Then::usage:
       return {.status = 2, .text = text + fmt::format("{}: {}", line.program, usageText(line))};
-    case CommandWording::Then::help:
-      return {.status = 2, .text = text + helpText(line) + '\n'};
-    default:
-      return {.status = 2, .text = text + fmt::format("{} --help shows the usage\n", line.program)};
+    case CommandWording::Then::help: return {.status = 2, .text = text + helpText(line) + '\n'};
+    default: return {.status = 2, .text = text + fmt::format("{} --help shows the usage\n", line.program)};
   }
 }
 
@@ -103,9 +101,7 @@ std::optional<LineAnswer> takeCommandLine(const CommandLine& line, Arguments arg
   return wrongUsage(line, mistake);
 }
 
-std::string_view programVersion() {
-  return KALMIRA_VERSION;
-}
+std::string_view programVersion() { return KALMIRA_VERSION; }
 
 std::string usageText(const CommandLine& line) {
   std::string text;
@@ -118,8 +114,7 @@ std::string usageText(const CommandLine& line) {
 std::string helpText(const CommandLine& line) {
   auto groups = line.groups;
   if (line.operands.take) groups.insert(groups.begin(), {"Arguments", {line.operands}});
-  groups.push_back(
-      {"Help", {{"-h, --help", "", "show this", {}}, {"--version", "", "print the version", {}}}});
+  groups.push_back({"Help", {{"-h, --help", "", "show this", {}}, {"--version", "", "print the version", {}}}});
   std::size_t width = 0;
   for (const auto& group : groups) {
     for (const auto& option : group.options) width = std::max(width, optionHead(option).size());
@@ -129,8 +124,7 @@ std::string helpText(const CommandLine& line) {
     text += fmt::format("\n{}:\n", group.heading);
     for (const auto& option : group.options) {
       const bool repeatable = option.again == CommandOption::Again::allCount;
-      text += fmt::format("  {:<{}}  {}{}\n", optionHead(option), width, option.text,
-                          repeatable ? "; repeatable" : "");
+      text += fmt::format("  {:<{}}  {}{}\n", optionHead(option), width, option.text, repeatable ? "; repeatable" : "");
     }
   }
   if (!line.notes.empty()) text += '\n' + std::string(line.notes);

@@ -22,8 +22,7 @@ struct CommandOption {
   std::string_view placeholder;  // of its value; empty: a flag, taken with an empty value
   std::string text;              // what it does
   TakeValue take;
-  std::string_view wants =
-      {};  // "a path": what is said of a missing or wrong value names it; empty: it does not
+  std::string_view wants = {};  // "a path": what is said of a missing or wrong value names it; empty: it does not
   Again again = Again::lastCounts;
 };
 
@@ -37,7 +36,7 @@ struct CommandGroup {
 struct CommandWording {
   std::string_view unknown = "\"{0}\" is no option";  // {0} the argument, {1} the name in it, without dashes
   std::string_view missing = "{0} needs a value";     // {0} the option's name
-  std::string_view unexpected = unknown;  // of a flag with a value: {0} the argument, {1} the option's name
+  std::string_view unexpected = unknown;              // of a flag with a value: {0} the argument, {1} the option's name
   enum class Then { hint, usage, help } then = Then::hint;  // what is shown below a mistake
 };
 
@@ -99,8 +98,8 @@ TakeValue takeNumber(Target& target, Number least, Number most, std::string_view
 }
 // One of the two words that the placeholder "first|second" names.
 template <class Target, class Choice>
-CommandOption eitherOption(std::string_view name, std::string_view placeholder, std::string_view text,
-                           Target& target, Choice first, Choice second) {
+CommandOption eitherOption(std::string_view name, std::string_view placeholder, std::string_view text, Target& target,
+                           Choice first, Choice second) {
   const std::string one(placeholder.substr(0, placeholder.find('|')));
   const std::string other(placeholder.substr(one.size() + 1));
   const auto take = [=, &target](const std::string& value) {

@@ -22,8 +22,8 @@ struct BusLibrary {
   void* handle = nullptr;
   int (*openSystem)(Bus**) = nullptr;
   int (*setCallTimeout)(Bus*, std::uint64_t microseconds) = nullptr;
-  int (*callMethod)(Bus*, const char* destination, const char* path, const char* interface,
-                    const char* member, void* error, Message** reply, const char* types, ...) = nullptr;
+  int (*callMethod)(Bus*, const char* destination, const char* path, const char* interface, const char* member,
+                    void* error, Message** reply, const char* types, ...) = nullptr;
   int (*read)(Message*, const char* types, ...) = nullptr;
   Message* (*unrefMessage)(Message*) = nullptr;
   Bus* (*closeBus)(Bus*) = nullptr;
@@ -39,15 +39,13 @@ bool load(BusLibrary& bus) {
   bus.handle = dlopen("libsystemd.so.0", RTLD_LAZY | RTLD_LOCAL);
   return bus.handle != nullptr && find(bus.handle, "sd_bus_open_system", bus.openSystem) &&
          find(bus.handle, "sd_bus_set_method_call_timeout", bus.setCallTimeout) &&
-         find(bus.handle, "sd_bus_call_method", bus.callMethod) &&
-         find(bus.handle, "sd_bus_message_read", bus.read) &&
+         find(bus.handle, "sd_bus_call_method", bus.callMethod) && find(bus.handle, "sd_bus_message_read", bus.read) &&
          find(bus.handle, "sd_bus_message_unref", bus.unrefMessage) &&
          find(bus.handle, "sd_bus_flush_close_unref", bus.closeBus);
 }
 
 bool systemBusExists() {
-  return std::getenv("DBUS_SYSTEM_BUS_ADDRESS") != nullptr ||
-         access("/run/dbus/system_bus_socket", R_OK | W_OK) == 0;
+  return std::getenv("DBUS_SYSTEM_BUS_ADDRESS") != nullptr || access("/run/dbus/system_bus_socket", R_OK | W_OK) == 0;
 }
 
 // A descriptor that holds the lock while it is open, or -1.
@@ -59,9 +57,9 @@ int inhibit(const BusLibrary& library, const char* who) {
   if (library.openSystem(&bus) < 0) return -1;
   library.setCallTimeout(bus, kAnswerMicroseconds);
   int received = -1;
-  if (library.callMethod(bus, "org.freedesktop.login1", "/org/freedesktop/login1",
-                         "org.freedesktop.login1.Manager", "Inhibit", nullptr, &reply, "ssss", "idle:sleep",
-                         who, "A survey is being logged", "block") >= 0 &&
+  if (library.callMethod(bus, "org.freedesktop.login1", "/org/freedesktop/login1", "org.freedesktop.login1.Manager",
+                         "Inhibit", nullptr, &reply, "ssss", "idle:sleep", who, "A survey is being logged",
+                         "block") >= 0 &&
       library.read(reply, "h", &received) > 0) {
     // The message owns the descriptor it brought.
     lock = fcntl(received, F_DUPFD_CLOEXEC, 3);
@@ -92,9 +90,7 @@ IdleInhibitor::~IdleInhibitor() {
 
 #else
 
-bool IdleInhibitor::renew() {
-  return false;
-}
+bool IdleInhibitor::renew() { return false; }
 IdleInhibitor::~IdleInhibitor() = default;
 
 #endif

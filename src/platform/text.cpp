@@ -21,9 +21,7 @@ std::string_view numberStart(std::string_view text) {
   return text;
 }
 
-bool isContinuation(char byte) {
-  return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
-}
+bool isContinuation(char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U; }
 
 // Bytes of the UTF-8 character at the start of `text` (1 for a malformed one).
 std::size_t characterLength(std::string_view text) {

@@ -34,8 +34,7 @@ constexpr std::array<NamedColour, 19> kNamedColours{{{"Black", {0, 0, 0}},
 
 std::array<int, 3> rgbOf(int colour) {
   const auto bgr = static_cast<unsigned>(colour);
-  return {static_cast<int>(bgr & 0xFFU), static_cast<int>(bgr >> 8U & 0xFFU),
-          static_cast<int>(bgr >> 16U & 0xFFU)};
+  return {static_cast<int>(bgr & 0xFFU), static_cast<int>(bgr >> 8U & 0xFFU), static_cast<int>(bgr >> 16U & 0xFFU)};
 }
 
 int squaredDistance(const std::array<int, 3>& a, const std::array<int, 3>& b) {
@@ -60,13 +59,9 @@ std::size_t axisPosition(std::span<const AxisChoice> choices, const Settings& se
   return 0;
 }
 
-bool gridChosen(const Settings& settings) {
-  return indexOr(settings.profileGrid, 4, 1) != 0;
-}
+bool gridChosen(const Settings& settings) { return indexOr(settings.profileGrid, 4, 1) != 0; }
 
-int profileGridOf(bool grid, int group) {
-  return grid ? 1 + group : 0;
-}
+int profileGridOf(bool grid, int group) { return grid ? 1 + group : 0; }
 
 void takeDisplayOptions(const Settings& from, Settings& to) {
   to.traceShown = from.traceShown;
@@ -83,9 +78,7 @@ int traceWidthOf(const Settings& settings, std::size_t slot) {
   return indexOr(settings.traceWidth.at(slot) - 1, kTraceWidths, 0) + 1;
 }
 
-std::string traceWidthName(int width) {
-  return fmt::format("{} pixel{}", width, width == 1 ? "" : "s");
-}
+std::string traceWidthName(int width) { return fmt::format("{} pixel{}", width, width == 1 ? "" : "s"); }
 
 std::string_view colourName(int colour) {
   const auto rgb = rgbOf(colour);
@@ -105,8 +98,6 @@ std::string colourNumber(int colour) {
   return fmt::format("#{:02X}{:02X}{:02X}", rgb[0], rgb[1], rgb[2]);
 }
 
-int settingsColour(int red, int green, int blue) {
-  return blue << 16 | green << 8 | red;
-}
+int settingsColour(int red, int green, int blue) { return blue << 16 | green << 8 | red; }
 
 }  // namespace kalmira

@@ -20,9 +20,7 @@ inline constexpr int kSequenceAlternate = 0;
 inline constexpr int kSequenceOneWay = 1;
 
 // The opposite of West, South, North, East (0 to 3).
-constexpr int oppositeDirection(int direction) {
-  return 3 - direction;
-}
+constexpr int oppositeDirection(int direction) { return 3 - direction; }
 
 // The next line as the dialog proposes it, `station` being the last one: its number one line increment on
 // and, where lines are walked to and fro, back from there in the opposite direction.

@@ -34,9 +34,8 @@ ScaleFields scaleFieldsOf(Kind kind, bool iceOption) {
 
 ScaleEnds limitedScale(ScaleEnds typed) {
   const ScaleEnds ends = numbersOnly(typed);
-  return apart(
-      {std::clamp(ends.minimum, -kFarthest, kFarthest), std::clamp(ends.maximum, -kFarthest, kFarthest)},
-      kLeastSpan);
+  return apart({std::clamp(ends.minimum, -kFarthest, kFarthest), std::clamp(ends.maximum, -kFarthest, kFarthest)},
+               kLeastSpan);
 }
 
 ScaleEnds limitedThickness(ScaleEnds typed) {

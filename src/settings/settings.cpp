@@ -5,9 +5,7 @@
 
 namespace kalmira {
 
-int surveyModeOf(const Settings& settings) {
-  return indexOr(settings.surveyMode, 3, kModeAuto);
-}
+int surveyModeOf(const Settings& settings) { return indexOr(settings.surveyMode, 3, kModeAuto); }
 
 float readingsIntervalOf(const Settings& settings) {
   const float interval = settings.readingsInterval;
@@ -15,8 +13,6 @@ float readingsIntervalOf(const Settings& settings) {
   return std::min(interval, 86400.0F);
 }
 
-int readingsCountOf(const Settings& settings) {
-  return std::clamp(settings.readingsCount, 1, 100);
-}
+int readingsCountOf(const Settings& settings) { return std::clamp(settings.readingsCount, 1, 100); }
 
 }  // namespace kalmira

@@ -29,7 +29,7 @@ struct Settings {
   // 0x00BBGGRR; dark and bright enough apart for colour-blind eyes on white, in sunlight.
   std::array<int, kTraces> traceColour{0x00B27200, 0x00005ED5, 0x00739E00, 0x00A779CC,
                                        0x00000000, 0x00E9B456, 0x00009FE6, 0x00666666};
-  int profileGrid = 1;  // 0 no grid; else the scale at the axis: 1 conductivity, 2 inphase, 3 ice
+  int profileGrid = 1;               // 0 no grid; else the scale at the axis: 1 conductivity, 2 inphase, 3 ice
   float conductivityMinimum = 0.0F;  // mS/m (GLACO: metres of ice)
   float conductivityMaximum = 10.0F;
   float inphaseMinimum = -10.0F;  // parts per thousand
@@ -60,9 +60,7 @@ struct Settings {
 };
 
 // `value` when it is a position of a list of `count` entries, else `fallback`.
-constexpr int indexOr(int value, int count, int fallback) {
-  return value >= 0 && value < count ? value : fallback;
-}
+constexpr int indexOr(int value, int count, int fallback) { return value >= 0 && value < count ? value : fallback; }
 
 // The survey mode as used: 0 to 2.
 int surveyModeOf(const Settings& settings);

@@ -79,25 +79,17 @@ auto withElement(Record& settings, const SettingsField& field, std::size_t index
 
 }  // namespace
 
-std::span<const SettingsField> settingsFields() {
-  return kFields;
-}
+std::span<const SettingsField> settingsFields() { return kFields; }
 
 bool fieldApplies(const SettingsField& field, Kind kind, bool iceOption) {
   const auto& instrument = instrumentOf(kind);
   switch (field.scope) {
-    case FieldScope::lengths:
-      return instrument.hasLengths();
-    case FieldScope::ice:
-      return instrument.hasIce() && iceOption;
-    case FieldScope::variant:
-      return instrument.writesVariant;
-    case FieldScope::calibration:
-      return instrument.calibrated;
-    case FieldScope::marker:
-      return instrument.hasMarker;
-    case FieldScope::all:
-      break;
+    case FieldScope::lengths: return instrument.hasLengths();
+    case FieldScope::ice: return instrument.hasIce() && iceOption;
+    case FieldScope::variant: return instrument.writesVariant;
+    case FieldScope::calibration: return instrument.calibrated;
+    case FieldScope::marker: return instrument.hasMarker;
+    case FieldScope::all: break;
   }
   return true;
 }

@@ -72,14 +72,13 @@ std::vector<SetupList> loggerSetupLists(const SetupFrame& frame) {
 }
 
 std::vector<SetupList> gpsSetupLists() {
-  return {{"gpsInput", {"Disabled", "Enabled"}, &Settings::gpsInput},
-          {"gpsPort", comEntries(), &Settings::gpsPortIndex},
-          {"gpsBaud",
-           {"4800", "9600", "19200", "38400", "57600", "115200", "230400", "460800"},
-           &Settings::gpsBaudIndex},
-          {"gpsDataBits", {"7", "8"}, &Settings::gpsDataBitsIndex},
-          {"gpsParity", {"No", "Even", "Odd"}, &Settings::gpsParityIndex},
-          {"gpsStopBits", {"1", "2"}, &Settings::gpsStopBitsIndex}};
+  return {
+      {"gpsInput", {"Disabled", "Enabled"}, &Settings::gpsInput},
+      {"gpsPort", comEntries(), &Settings::gpsPortIndex},
+      {"gpsBaud", {"4800", "9600", "19200", "38400", "57600", "115200", "230400", "460800"}, &Settings::gpsBaudIndex},
+      {"gpsDataBits", {"7", "8"}, &Settings::gpsDataBitsIndex},
+      {"gpsParity", {"No", "Even", "Odd"}, &Settings::gpsParityIndex},
+      {"gpsStopBits", {"1", "2"}, &Settings::gpsStopBitsIndex}};
 }
 
 int shownPosition(const SetupList& list, const Settings& settings) {

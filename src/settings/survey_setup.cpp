@@ -21,9 +21,7 @@ constexpr std::size_t kQuotedCharacters = 12;  // of what was typed
 
 constexpr std::array<std::string_view, 3> kModes{"Auto", "Wheel", "Manual"};
 
-bool isSpace(char c) {
-  return std::isspace(static_cast<unsigned char>(c)) != 0;
-}
+bool isSpace(char c) { return std::isspace(static_cast<unsigned char>(c)) != 0; }
 
 std::string_view trimmed(std::string_view text) {
   while (!text.empty() && isSpace(text.front())) text.remove_prefix(1);
@@ -63,9 +61,7 @@ std::string quoted(std::string_view typed) {
 
 }  // namespace
 
-Names surveyModeNames() {
-  return kModes;
-}
+Names surveyModeNames() { return kModes; }
 
 ModeChoices::ModeChoices(ListOf listOf, int stored, int storedMode) : list_of_(listOf) {
   for (int mode = 0; mode < 3; ++mode) values_[static_cast<std::size_t>(mode)] = list(mode).usual;
@@ -83,63 +79,44 @@ void ModeChoices::choose(int mode, int value) {
 
 NumberLimits limitsOf(SurveyNumber number, Kind kind) {
   switch (number) {
-    case SurveyNumber::readingsInterval:
-      return {instrumentOf(kind).recordPeriodMs / 1000.0, kLongestInterval};
-    case SurveyNumber::readingsCount:
-      return {1.0, kMostSamples, true};
-    case SurveyNumber::startStation:
-      return {-kFarthestStation, kFarthestStation};
+    case SurveyNumber::readingsInterval: return {instrumentOf(kind).recordPeriodMs / 1000.0, kLongestInterval};
+    case SurveyNumber::readingsCount: return {1.0, kMostSamples, true};
+    case SurveyNumber::startStation: return {-kFarthestStation, kFarthestStation};
     case SurveyNumber::stationIncrement:
-    case SurveyNumber::lineIncrement:
-      break;
+    case SurveyNumber::lineIncrement: break;
   }
   return {-kFarthestIncrement, kFarthestIncrement};
 }
 
 bool isUsed(SurveyNumber number, Kind kind, int mode) {
   switch (number) {
-    case SurveyNumber::readingsInterval:
-      return mode == kModeAuto;
-    case SurveyNumber::readingsCount:
-      return mode == kModeManual && instrumentOf(kind).hasTrigger;
-    default:
-      return true;
+    case SurveyNumber::readingsInterval: return mode == kModeAuto;
+    case SurveyNumber::readingsCount: return mode == kModeManual && instrumentOf(kind).hasTrigger;
+    default: return true;
   }
 }
 
 std::string surveyNumberText(const Settings& settings, SurveyNumber number, int mode) {
   switch (number) {
-    case SurveyNumber::readingsInterval:
-      return fmt::format("{}", settings.readingsInterval);
+    case SurveyNumber::readingsInterval: return fmt::format("{}", settings.readingsInterval);
     case SurveyNumber::stationIncrement:
       return fmt::format("{}", settings.modeIncrement[static_cast<std::size_t>(mode)]);
-    case SurveyNumber::readingsCount:
-      return fmt::format("{}", settings.readingsCount);
-    case SurveyNumber::lineIncrement:
-      return fmt::format("{}", settings.lineIncrement);
-    case SurveyNumber::startStation:
-      break;
+    case SurveyNumber::readingsCount: return fmt::format("{}", settings.readingsCount);
+    case SurveyNumber::lineIncrement: return fmt::format("{}", settings.lineIncrement);
+    case SurveyNumber::startStation: break;
   }
   return fmt::format("{}", settings.startStation);
 }
 
 void takeSurveyNumber(Settings& settings, SurveyNumber number, int mode, double value) {
   switch (number) {
-    case SurveyNumber::readingsInterval:
-      settings.readingsInterval = static_cast<float>(value);
-      break;
+    case SurveyNumber::readingsInterval: settings.readingsInterval = static_cast<float>(value); break;
     case SurveyNumber::stationIncrement:
       settings.modeIncrement[static_cast<std::size_t>(mode)] = static_cast<float>(value);
       break;
-    case SurveyNumber::readingsCount:
-      settings.readingsCount = static_cast<int>(value);
-      break;
-    case SurveyNumber::lineIncrement:
-      settings.lineIncrement = static_cast<float>(value);
-      break;
-    case SurveyNumber::startStation:
-      settings.startStation = value;
-      break;
+    case SurveyNumber::readingsCount: settings.readingsCount = static_cast<int>(value); break;
+    case SurveyNumber::lineIncrement: settings.lineIncrement = static_cast<float>(value); break;
+    case SurveyNumber::startStation: settings.startStation = value; break;
   }
 }
 

@@ -17,8 +17,7 @@ inline std::uint64_t scramble(std::uint64_t x) {
 }
 
 inline std::uint64_t draw(std::uint64_t seed, Use use, std::uint64_t index, std::uint64_t salt = 0) {
-  return scramble(scramble(scramble(seed ^ scramble(static_cast<std::uint64_t>(use))) ^ index) ^
-                  scramble(salt));
+  return scramble(scramble(scramble(seed ^ scramble(static_cast<std::uint64_t>(use))) ^ index) ^ scramble(salt));
 }
 
 // 0 up to, not including, 1.

@@ -24,12 +24,8 @@ struct Range {
 
 constexpr std::array<Range, 3> kOrlaRanges{{{2, 10, -0.0025}, {4, 100, -0.025}, {6, 1000, -0.25}}};
 constexpr std::array<Range, 3> kMirkaRanges{{{2, 10, -0.25}, {4, 100, -2.5}, {6, 1000, -25.0}}};
-constexpr std::array<Range, 6> kVardoRanges{{{0, 3, -0.00075},
-                                             {2, 10, -0.0025},
-                                             {3, 30, -0.0075},
-                                             {4, 100, -0.025},
-                                             {5, 300, -0.075},
-                                             {1, 1000, -0.25}}};
+constexpr std::array<Range, 6> kVardoRanges{
+    {{0, 3, -0.00075}, {2, 10, -0.0025}, {3, 30, -0.0075}, {4, 100, -0.025}, {5, 300, -0.075}, {1, 1000, -0.25}}};
 // The TESK family counts to 1000 in two ranges, and sends eight times the counts of a value that is small.
 constexpr double kTeskFullScale = 1000;
 
@@ -56,18 +52,14 @@ std::string asciiRecord(Stance stance, int bits, std::string_view field1, std::s
   return fmt::format("T{}{}{}", modeByte(bits, stance.pressed), field1, field2);
 }
 
-int dipoleBit(Stance stance) {
-  return stance.vertical ? kDipole : 0;
-}
+int dipoleBit(Stance stance) { return stance.vertical ? kDipole : 0; }
 
 double teskFactor(Component component, bool highRange) {
   const double low = component == Component::inphase ? -0.00288 : -0.1;
   return highRange ? low * 10 : low;
 }
 
-bool beyond(double value, double factor) {
-  return std::abs(value) > std::abs(factor) * kTeskFullScale;
-}
+bool beyond(double value, double factor) { return std::abs(value) > std::abs(factor) * kTeskFullScale; }
 
 // Range and gain that hold the larger of two values; `code` has the type of the record in it.
 struct TeskScale {
@@ -89,9 +81,7 @@ void appendWord(std::string& record, double word) {
   record += static_cast<char>(static_cast<unsigned char>(whole & 0xFFU));
 }
 
-double tesk2Word(double value, double factor) {
-  return (value / (8 * factor) + 160) * 1024 / 5;
-}
+double tesk2Word(double value, double factor) { return (value / (8 * factor) + 160) * 1024 / 5; }
 
 void appendAuxiliary(std::string& record, double value) {
   record += '\0';
@@ -146,8 +136,7 @@ std::string encodeVardo(Stance stance, int separation_m, double conductivity) {
 
 std::string encodeMirka(Stance stance, double conductivity, double inphase) {
   const auto& range = smallestRange(kMirkaRanges, conductivity);
-  return asciiRecord(stance, dipoleBit(stance) + range.code, field(conductivity, range.factor),
-                     field(inphase, -0.25));
+  return asciiRecord(stance, dipoleBit(stance) + range.code, field(conductivity, range.factor), field(inphase, -0.25));
 }
 
 std::string encodeGlaco(double thickness_m, double inphase) {

@@ -43,12 +43,11 @@ double shareBelow(double depth, bool vertical) {
   return vertical ? 1 / root : root - 2 * depth;
 }
 
-void addBuried(std::uint64_t seed, std::uint64_t stretch, double distance_m, double separation_m,
-               Response& response) {
+void addBuried(std::uint64_t seed, std::uint64_t stretch, double distance_m, double separation_m, Response& response) {
   const auto& thing = kBuried[draw(seed, Use::anomaly, stretch) % kBuried.size()];
   const double span_m = kStretch_m - 2 * kMargin_m;
-  const double middle_m = static_cast<double>(stretch) * kStretch_m + kMargin_m +
-                          span_m * fraction(seed, Use::anomaly, stretch, 1);
+  const double middle_m =
+      static_cast<double>(stretch) * kStretch_m + kMargin_m + span_m * fraction(seed, Use::anomaly, stretch, 1);
   const double strength = 0.7 + 0.3 * fraction(seed, Use::anomaly, stretch, 2);
   // Coils further apart see it wider and weaker.
   const double width_m = thing.halfWidth_m + 0.1 * separation_m;

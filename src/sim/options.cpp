@@ -35,8 +35,7 @@ std::string contradiction(const Options& options) {
     return "--rate, --gps-rate, --tesk-length, --trigger-every and --bad-checksum do not go with --replay: "
            "the file says what is sent";
   }
-  if (!options.link.empty() && options.link == options.gpsLink)
-    return "--link and --gps-link are the same path";
+  if (!options.link.empty() && options.link == options.gpsLink) return "--link and --gps-link are the same path";
   return {};
 }
 
@@ -58,8 +57,7 @@ CommandLine simCommandLine(Options& o) {
       .groups = {{"Devices",
                   {kind,
                    {"--link", "PATH", "symbolic link to the instrument's device", takeText(o.link), "a path"},
-                   {"--gps-link", "PATH", "symbolic link to the receiver's device", takeText(o.gpsLink),
-                    "a path"}}},
+                   {"--gps-link", "PATH", "symbolic link to the receiver's device", takeText(o.gpsLink), "a path"}}},
                  {"Survey",
                   {{"--rate", "HZ", "records a second (the instrument's own rate)",
                     takeNumber(o.rate_hz, kSmall, kFastest_hz), "a number of records a second, above 0"},
@@ -73,26 +71,25 @@ CommandLine simCommandLine(Options& o) {
                    {"--trigger-every", "S", "press the trigger for three records every S seconds",
                     takeNumber(o.triggerEvery_s, kSmall, kLongest_s), "a number of seconds above 0"}}},
                  {"Faults",
-                  {{"--noise", "P", "corrupt each byte with probability P",
-                    takeNumber(o.faults.noise, 0.0, 1.0), kProbability},
+                  {{"--noise", "P", "corrupt each byte with probability P", takeNumber(o.faults.noise, 0.0, 1.0),
+                    kProbability},
                    {"--bad-checksum", "P", "give a sentence a wrong checksum with probability P",
                     takeNumber(o.badChecksum, 0.0, 1.0), kProbability},
-                   {"--silence", "AT,FOR", "send nothing from AT on for FOR seconds",
-                    takeWindow(o.faults.silence), kSpan, kAll},
-                   {"--unplug", "AT,FOR", "take the devices away at AT for FOR seconds",
-                    takeWindow(o.faults.unplug), kSpan, kAll}}},
+                   {"--silence", "AT,FOR", "send nothing from AT on for FOR seconds", takeWindow(o.faults.silence),
+                    kSpan, kAll},
+                   {"--unplug", "AT,FOR", "take the devices away at AT for FOR seconds", takeWindow(o.faults.unplug),
+                    kSpan, kAll}}},
                  {"Replay",
                   {{"--replay", "FILE", "send the readings and sentences of a data file", takeText(o.replay),
                     "a data file"},
-                   {"--speed", "X", "play the file X times as fast (1)",
-                    takeNumber(o.speed, kSmall, kFastest_hz), "a number above 0"}}}},
+                   {"--speed", "X", "play the file X times as fast (1)", takeNumber(o.speed, kSmall, kFastest_hz),
+                    "a number above 0"}}}},
       .check = [&o] { return contradiction(o); },
       .wording = {.unknown = "{0}: there is no such option", .then = CommandWording::Then::help}};
 }
 
 SurveyPlan surveyPlan(const Options& options) {
-  auto plan =
-      naturalPlan(*options.kind, options.teskLength.value_or(instrumentOf(*options.kind).instrumentLength));
+  auto plan = naturalPlan(*options.kind, options.teskLength.value_or(instrumentOf(*options.kind).instrumentLength));
   if (options.rate_hz) plan.recordPeriod_s = 1 / *options.rate_hz;
   const double sentences_hz = options.gpsRate_hz.value_or(kDefaultSentences_hz);
   plan.sentencePeriod_s = sentences_hz > 0 ? 1 / sentences_hz : 0;

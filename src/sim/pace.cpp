@@ -14,9 +14,7 @@ namespace {
 // A day at most in one wait: what a timespec surely holds.
 constexpr double kLongestWait_s = 86400;
 
-double now_s() {
-  return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
-}
+double now_s() { return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count(); }
 
 timespec waitOf(double seconds) {
   const double whole = std::floor(seconds);
@@ -31,13 +29,9 @@ SignalPace::SignalPace() : start_s_(now_s()) {
   pthread_sigmask(SIG_BLOCK, &signals_, &previous_);
 }
 
-SignalPace::~SignalPace() {
-  pthread_sigmask(SIG_SETMASK, &previous_, nullptr);
-}
+SignalPace::~SignalPace() { pthread_sigmask(SIG_SETMASK, &previous_, nullptr); }
 
-double SignalPace::elapsed_s() const {
-  return now_s() - start_s_;
-}
+double SignalPace::elapsed_s() const { return now_s() - start_s_; }
 
 bool SignalPace::waitUntil(double time_s) {
   while (!stopped_) {

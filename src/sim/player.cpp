@@ -5,8 +5,7 @@
 
 namespace kalmira::sim {
 
-std::string play(const TransmissionSource& next, const Faults& faults, double end_s, Pace& pace,
-                 Outlet& outlet) {
+std::string play(const TransmissionSource& next, const Faults& faults, double end_s, Pace& pace, Outlet& outlet) {
   const auto edges = windowEdges(faults.unplug);
   auto edge = edges.begin();
   bool plugged = true;

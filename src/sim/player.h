@@ -41,7 +41,6 @@ class Outlet {
 // Plays `next` until it has no more, until `end_s` or until `pace` says stop. The outlet is plugged when it
 // begins. Silence and unplugging lose what falls into them; the survey walks on meanwhile. Returns an empty
 // text, or why it had to give up.
-std::string play(const TransmissionSource& next, const Faults& faults, double end_s, Pace& pace,
-                 Outlet& outlet);
+std::string play(const TransmissionSource& next, const Faults& faults, double end_s, Pace& pace, Outlet& outlet);
 
 }  // namespace kalmira::sim

@@ -68,8 +68,8 @@ Fix fixAt(std::uint64_t seed, std::uint64_t epoch, double time_s) {
 }
 
 std::string gga(const Fix& fix) {
-  return fmt::format("GPGGA,{},{},{},{:02d},{:.1f},34.2,M,18.0,M,,", fix.time, fix.position,
-                     fix.differential ? 2 : 1, fix.satellites, fix.pdop * 0.6);
+  return fmt::format("GPGGA,{},{},{},{:02d},{:.1f},34.2,M,18.0,M,,", fix.time, fix.position, fix.differential ? 2 : 1,
+                     fix.satellites, fix.pdop * 0.6);
 }
 
 // Twelve places for satellites, then PDOP, HDOP, VDOP.
@@ -80,8 +80,8 @@ std::string gsa(const Fix& fix) {
 }
 
 std::string rmc(const Fix& fix) {
-  return fmt::format("GPRMC,{},A,{},{:.2f},{:.1f},{},,,{}", fix.time, fix.position,
-                     kWalk_mPerS * kKnotsPerMetreS, kHeading_deg, fix.date, fix.differential ? 'D' : 'A');
+  return fmt::format("GPRMC,{},A,{},{:.2f},{:.1f},{},,,{}", fix.time, fix.position, kWalk_mPerS * kKnotsPerMetreS,
+                     kHeading_deg, fix.date, fix.differential ? 'D' : 'A');
 }
 
 }  // namespace
@@ -95,12 +95,9 @@ std::string withChecksum(std::string_view body, unsigned error) {
 std::string nmeaBody(std::uint64_t seed, std::uint64_t number, double time_s) {
   const auto fix = fixAt(seed, number / 3, time_s);
   switch (number % 3) {
-    case 0:
-      return gga(fix);
-    case 1:
-      return gsa(fix);
-    default:
-      return rmc(fix);
+    case 0: return gga(fix);
+    case 1: return gsa(fix);
+    default: return rmc(fix);
   }
 }
 

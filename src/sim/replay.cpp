@@ -13,8 +13,7 @@ constexpr std::size_t kGlaco = 8;
 
 std::size_t sentLength(Kind kind, std::string_view text) {
   if (kind == Kind::glaco) return kGlaco;
-  const bool shortTesk =
-      kind == Kind::tesk && text.find_first_not_of(' ', kShortTesk) == std::string_view::npos;
+  const bool shortTesk = kind == Kind::tesk && text.find_first_not_of(' ', kShortTesk) == std::string_view::npos;
   return shortTesk ? kShortTesk : text.size();
 }
 
@@ -55,8 +54,7 @@ std::optional<Transmission> Replay::next() {
     if (readingRepeat(record.bytes) == 0) continue;
     if (const auto tick = parseTick(record.bytes)) {
       auto text = instrumentRecord(kind(), readingText(record.bytes));
-      return Transmission{timeOf(*tick), Port::instrument,
-                          terminated(instrumentOf(kind()).framing, std::move(text))};
+      return Transmission{timeOf(*tick), Port::instrument, terminated(instrumentOf(kind()).framing, std::move(text))};
     }
   }
   error_ = reader_.error().text;

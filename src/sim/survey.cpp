@@ -31,9 +31,7 @@ struct Moment {
   Stance stance;
 };
 
-double distance_m(const Moment& moment) {
-  return kWalk_mPerS * moment.time_s;
-}
+double distance_m(const Moment& moment) { return kWalk_mPerS * moment.time_s; }
 
 double noise(const Moment& moment, std::uint64_t which) {
   return bell(moment.plan.seed, Use::reading, moment.number, which);
@@ -87,14 +85,12 @@ std::string vardoRecord(const Moment& moment) {
   const int separation_m = kSeparations_m[moment.number % 3];
   const bool vertical = moment.number % 6 < 3;
   const auto response = measure(moment, separation_m, vertical);
-  return encodeVardo({.vertical = vertical, .pressed = moment.stance.pressed}, separation_m,
-                     response.conductivity);
+  return encodeVardo({.vertical = vertical, .pressed = moment.stance.pressed}, separation_m, response.conductivity);
 }
 
 std::string mirkaRecord(const Moment& moment) {
   const auto response = measure(moment, kLongCoils_m, true);
-  return encodeMirka({.vertical = true, .pressed = moment.stance.pressed}, response.conductivity,
-                     response.inphase);
+  return encodeMirka({.vertical = true, .pressed = moment.stance.pressed}, response.conductivity, response.inphase);
 }
 
 std::string glacoRecord(const Moment& moment) {
@@ -115,8 +111,8 @@ std::string tesk2Record(const Moment& moment) {
 }
 
 using RecordMaker = std::string (*)(const Moment&);
-constexpr std::array<RecordMaker, kKindCount> kRecordMakers{
-    orlaRecord, teskbRecord, teskddRecord, teskRecord, vardoRecord, mirkaRecord, glacoRecord, tesk2Record};
+constexpr std::array<RecordMaker, kKindCount> kRecordMakers{orlaRecord,  teskbRecord, teskddRecord, teskRecord,
+                                                            vardoRecord, mirkaRecord, glacoRecord,  tesk2Record};
 
 // Counted in records, so that rounding of times makes no press longer or shorter.
 bool pressedAt(const SurveyPlan& plan, std::uint64_t number) {
@@ -130,8 +126,7 @@ bool pressedAt(const SurveyPlan& plan, std::uint64_t number) {
 
 Stance stanceAt(const SurveyPlan& plan, std::uint64_t number, double time_s) {
   const double turn_s = std::fmod(time_s, kTurnPeriod_s);
-  return {.vertical = turn_s < kTurnAt_s || turn_s >= kTurnAt_s + kTurnFor_s,
-          .pressed = pressedAt(plan, number)};
+  return {.vertical = turn_s < kTurnAt_s || turn_s >= kTurnAt_s + kTurnFor_s, .pressed = pressedAt(plan, number)};
 }
 
 }  // namespace
@@ -147,10 +142,8 @@ SurveyPlan naturalPlan(Kind kind, int recordLength) {
 
 std::string recordAt(const SurveyPlan& plan, std::uint64_t number) {
   const double time_s = static_cast<double>(number) * plan.recordPeriod_s;
-  const Moment moment{
-      .plan = plan, .number = number, .time_s = time_s, .stance = stanceAt(plan, number, time_s)};
-  return terminated(instrumentOf(plan.kind).framing,
-                    kRecordMakers[static_cast<std::size_t>(plan.kind)](moment));
+  const Moment moment{.plan = plan, .number = number, .time_s = time_s, .stance = stanceAt(plan, number, time_s)};
+  return terminated(instrumentOf(plan.kind).framing, kRecordMakers[static_cast<std::size_t>(plan.kind)](moment));
 }
 
 std::string sentenceAt(const SurveyPlan& plan, std::uint64_t number) {

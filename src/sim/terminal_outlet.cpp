@@ -44,8 +44,7 @@ std::string TerminalOutlet::plugLine(Line& line) {
     line.linked = true;
   }
   const auto text = fmt::format("{} {}\n", line.name, line.terminal.device());
-  if (std::fputs(text.c_str(), names_) < 0 || std::fflush(names_) != 0)
-    return "cannot print the devices' names";
+  if (std::fputs(text.c_str(), names_) < 0 || std::fflush(names_) != 0) return "cannot print the devices' names";
   return {};
 }
 

@@ -45,23 +45,16 @@ class Extraction {
       case RecordType::direction:
         if (opening_) takeIncrement(record.bytes);
         break;
-      case RecordType::calibration:
-        takeCalibration(record.bytes);
-        break;
+      case RecordType::calibration: takeCalibration(record.bytes); break;
       case RecordType::date:
         if (const auto date = parseDate(record.bytes)) times_.takeDate(*date);
         break;
       case RecordType::timeMark:
         if (const auto mark = parseTimeMark(record.bytes)) times_.takeMark(*mark);
         break;
-      case RecordType::station:
-        takeStation(record);
-        break;
-      case RecordType::reading:
-        takeReading(record);
-        break;
-      default:
-        break;
+      case RecordType::station: takeStation(record); break;
+      case RecordType::reading: takeReading(record); break;
+      default: break;
     }
   }
 
@@ -159,8 +152,8 @@ ViewerError readError(const FileError& error) {
 
 }  // namespace
 
-ViewerError ExtractLine(RecordReader& reader, const ScannedFile& file, std::size_t line,
-                        const RowFiles& rowFiles, const ExtractOptions& options, ExtractedLine& extracted) {
+ViewerError ExtractLine(RecordReader& reader, const ScannedFile& file, std::size_t line, const RowFiles& rowFiles,
+                        const ExtractOptions& options, ExtractedLine& extracted) {
   extracted = {};
   extracted.line = line;
   RowWriter writer;

@@ -35,7 +35,7 @@ struct ExtractOptions {
 
 // Writes the two row files of line `line` (from 1). On an error (`cannotRead` or `cannotWrite`) the rows that
 // were complete before it are in the files and in `extracted`. The data file is only read.
-ViewerError ExtractLine(RecordReader& reader, const ScannedFile& file, std::size_t line,
-                        const RowFiles& rowFiles, const ExtractOptions& options, ExtractedLine& extracted);
+ViewerError ExtractLine(RecordReader& reader, const ScannedFile& file, std::size_t line, const RowFiles& rowFiles,
+                        const ExtractOptions& options, ExtractedLine& extracted);
 
 }  // namespace kalmira

@@ -13,9 +13,7 @@ void showFrom(Navigation& state, int firstRow) {
 }
 
 // So that the line's last row stands in the last column. Of a line shorter than the view it is below 1.
-int lastView(const Navigation& state) {
-  return state.totalRows - state.pointsInView + 1;
-}
+int lastView(const Navigation& state) { return state.totalRows - state.pointsInView + 1; }
 
 void placeBar(Navigation& state, int bar) {
   state.previousBar = state.bar;
@@ -69,21 +67,14 @@ void setPlotWidth(Navigation& state, int plotWidth) {
 ViewStep moveView(Navigation& state, ViewCommand command) {
   if (!state.fileOpen) return kNothing;
   switch (command) {
-    case ViewCommand::lineStart:
-      showFrom(state, 1);
-      return kViewMoved;
-    case ViewCommand::pageLeft:
-      return pageLeft(state);
-    case ViewCommand::barLeft:
-      return moveBar(state, state.bar > 1, state.bar - 1);
+    case ViewCommand::lineStart: showFrom(state, 1); return kViewMoved;
+    case ViewCommand::pageLeft: return pageLeft(state);
+    case ViewCommand::barLeft: return moveBar(state, state.bar > 1, state.bar - 1);
     case ViewCommand::barRight:
       return moveBar(state, state.bar < state.pointsInView && state.bar < state.totalRows, state.bar + 1);
-    case ViewCommand::pageRight:
-      return pageRight(state);
-    case ViewCommand::lineEnd:
-      return lineEnd(state);
-    default:
-      return kNothing;
+    case ViewCommand::pageRight: return pageRight(state);
+    case ViewCommand::lineEnd: return lineEnd(state);
+    default: return kNothing;
   }
 }
 

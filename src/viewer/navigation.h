@@ -21,9 +21,7 @@ struct Navigation {
 };
 
 // The row that the bar marks; below 1 or above totalRows: there is none.
-constexpr int rowAtBar(const Navigation& state) {
-  return state.firstRow + state.bar - 1;
-}
+constexpr int rowAtBar(const Navigation& state) { return state.firstRow + state.bar - 1; }
 
 // Commands by number; a button's identifier is kFirstCommandId plus the number.
 enum class ViewCommand {

@@ -8,8 +8,7 @@ std::unique_ptr<OpenedFile> openDataFile(const std::filesystem::path& path, std:
   auto file = std::make_unique<OpenedFile>();
   file->path = path;
   const auto tell = [&](const FileError& error) {
-    if (error.kind != FileErrorKind::none)
-      problem = fmt::format("{}: {}", path.filename().string(), error.text);
+    if (error.kind != FileErrorKind::none) problem = fmt::format("{}: {}", path.filename().string(), error.text);
     return error.kind == FileErrorKind::none;
   };
   if (!tell(file->reader.open(path))) return nullptr;
@@ -17,8 +16,7 @@ std::unique_ptr<OpenedFile> openDataFile(const std::filesystem::path& path, std:
   return file;
 }
 
-std::string extractLine(OpenedFile& file, std::size_t index, const RowFiles& rowFiles,
-                        const ExtractOptions& options) {
+std::string extractLine(OpenedFile& file, std::size_t index, const RowFiles& rowFiles, const ExtractOptions& options) {
   file.line = {};
   file.points.clear();
   if (index >= file.scanned.lines.size()) return {};

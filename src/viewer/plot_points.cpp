@@ -13,15 +13,11 @@ namespace {
 // The traces of a TESK2's auxiliary values have the pens of these.
 constexpr std::array<std::size_t, kProfilePoints - kTraces> kExtraPens{1, 5};
 
-std::size_t penOf(std::size_t trace) {
-  return trace < kTraces ? trace : kExtraPens.at(trace - kTraces);
-}
+std::size_t penOf(std::size_t trace) { return trace < kTraces ? trace : kExtraPens.at(trace - kTraces); }
 
 TracePoints tracesOf(const ProfileSetup& setup, const StationPoint& point) {
-  return tracePointsOf(setup, {.newStation = false,
-                               .channels = point.channels,
-                               .extra1 = point.extras[0],
-                               .extra2 = point.extras[1]});
+  return tracePointsOf(
+      setup, {.newStation = false, .channels = point.channels, .extra1 = point.extras[0], .extra2 = point.extras[1]});
 }
 
 // Where each trace was last.
@@ -31,8 +27,7 @@ struct Pens {
   std::array<int, kProfilePoints> y{};
 };
 
-void drawStation(ChartCanvas& canvas, const ProfileSetup& setup, const TracePoints& traces, int column,
-                 Pens& pens) {
+void drawStation(ChartCanvas& canvas, const ProfileSetup& setup, const TracePoints& traces, int column, Pens& pens) {
   for (std::size_t i = 0; i < kProfilePoints; ++i) {
     if (!traces.drawn[i]) continue;
     const int colour = setup.traceColour[penOf(i)];
@@ -60,8 +55,7 @@ void takePoint(const StationPoint& point, Spans& spans) {
   for (std::size_t slot = 0; slot < kSlots; ++slot) {
     if (point.channels.present[slot] != 0) widen(spans[slot], point.channels.value[slot]);
   }
-  for (std::size_t i = 0; point.hasExtras && i < point.extras.size(); ++i)
-    widen(spans[kSlots + i], point.extras[i]);
+  for (std::size_t i = 0; point.hasExtras && i < point.extras.size(); ++i) widen(spans[kSlots + i], point.extras[i]);
 }
 
 // The y of one end of every trace's span.
@@ -140,8 +134,7 @@ std::vector<StationLabel> stationLabels(std::span<const StationPoint> points, in
   return labels;
 }
 
-Overview lineOverview(const RowFiles& rowFiles, const ScannedFile& file, const ExtractedLine& line,
-                      int columns) {
+Overview lineOverview(const RowFiles& rowFiles, const ScannedFile& file, const ExtractedLine& line, int columns) {
   Overview overview{
       .columns = std::max(0, std::min(columns, line.rowCount())), .rowCount = line.rowCount(), .spans = {}};
   overview.spans.resize(static_cast<std::size_t>(overview.columns));

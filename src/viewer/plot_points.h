@@ -43,8 +43,7 @@ struct Overview {
   std::vector<std::array<Span, kProfilePoints>> spans;  // one entry a column
 };
 // One pass over the row files. Of a line shorter than `columns` every row has a column of its own.
-Overview lineOverview(const RowFiles& rowFiles, const ScannedFile& file, const ExtractedLine& line,
-                      int columns);
+Overview lineOverview(const RowFiles& rowFiles, const ScannedFile& file, const ExtractedLine& line, int columns);
 // Clears, then draws the shown traces as upright strokes that touch their neighbours. No grid.
 void DrawOverview(ChartCanvas& canvas, const ProfileSetup& setup, const Overview& overview);
 

@@ -53,20 +53,13 @@ class NoteCollector {
       case RecordType::timeMark:
         if (const auto mark = parseTimeMark(bytes)) times_.takeMark(*mark);
         break;
-      case RecordType::comment:
-        add(NoteKind::comment, parseNote(bytes), timeOf(bytes));
-        break;
-      case RecordType::event:
-        add(NoteKind::event, parseNote(bytes), timeOf(bytes));
-        break;
+      case RecordType::comment: add(NoteKind::comment, parseNote(bytes), timeOf(bytes)); break;
+      case RecordType::event: add(NoteKind::event, parseNote(bytes), timeOf(bytes)); break;
       case RecordType::station:
         add(NoteKind::newStation, std::string(trimmedStation(bytes)), timeOfStation(bytes));
         break;
-      case RecordType::reading:
-        takeReading(record);
-        break;
-      default:
-        break;
+      case RecordType::reading: takeReading(record); break;
+      default: break;
     }
   }
 
@@ -84,8 +77,7 @@ class NoteCollector {
     const auto reading = decoder_.decode(readingText(record.bytes));
     if (reading.batteryLevels) notes_.batteryLevels = true;
     // In the other modes the trigger is what takes every reading.
-    if (reading.secondMode == 'M' && header_.surveyMode == kModeAuto)
-      add(NoteKind::mark, "Mark", timeOf(record.bytes));
+    if (reading.secondMode == 'M' && header_.surveyMode == kModeAuto) add(NoteKind::mark, "Mark", timeOf(record.bytes));
   }
 
   Moment timeOf(std::string_view record) const {
@@ -109,25 +101,21 @@ class NoteCollector {
   RecordTimes times_;
 };
 
-bool hasRow(const ExtractedLine& line, int row) {
-  return row >= 1 && row <= line.rowCount();
-}
+bool hasRow(const ExtractedLine& line, int row) { return row >= 1 && row <= line.rowCount(); }
 
 // Where the next station's records begin. Break rows share one place, and a row that was written late has an
 // earlier one than the break rows before it.
 std::uint64_t endOfRow(const ExtractedLine& line, int row) {
   const auto own = line.rows[static_cast<std::size_t>(row - 1)].offset;
-  const auto next = std::find_if(line.rows.begin() + row, line.rows.end(),
-                                 [&](const RowPlace& place) { return place.offset > own; });
+  const auto next =
+      std::find_if(line.rows.begin() + row, line.rows.end(), [&](const RowPlace& place) { return place.offset > own; });
   return next == line.rows.end() ? line.end : next->offset;
 }
 
 // --- the values ---
 
 // No "-0.00": the sign of what was rounded away says nothing to anybody.
-std::string twoDecimals(double value) {
-  return fmt::format("{:.2f}", std::abs(value) < 0.005 ? 0.0 : value);
-}
+std::string twoDecimals(double value) { return fmt::format("{:.2f}", std::abs(value) < 0.005 ? 0.0 : value); }
 
 std::string timeText(std::uint32_t timeOfDayMs) {
   const std::uint32_t seconds = timeOfDayMs / 1000;
@@ -160,9 +148,7 @@ void addChannels(const ScannedFile& file, const StationPoint& point, std::vector
 
 // --- the scales ---
 
-int whole(float value) {
-  return std::isfinite(value) ? static_cast<int>(std::clamp(value, -1e9F, 1e9F)) : 0;
-}
+int whole(float value) { return std::isfinite(value) ? static_cast<int>(std::clamp(value, -1e9F, 1e9F)) : 0; }
 
 std::string wholeScale(char letter, float minimum, float maximum) {
   return fmt::format("{}:{}/{}", letter, whole(minimum), whole(maximum));
@@ -174,22 +160,17 @@ std::string thicknessScale(float minimum, float maximum) {
 
 std::string_view kindWord(NoteKind kind) {
   switch (kind) {
-    case NoteKind::comment:
-      return "Comment: ";
-    case NoteKind::event:
-      return "Event: ";
-    case NoteKind::newStation:
-      return "New station ";
-    case NoteKind::mark:
-      break;
+    case NoteKind::comment: return "Comment: ";
+    case NoteKind::event: return "Event: ";
+    case NoteKind::newStation: return "New station ";
+    case NoteKind::mark: break;
   }
   return "";
 }
 
 }  // namespace
 
-StationNotes readStationNotes(RecordReader& reader, const ScannedFile& file, const ExtractedLine& line,
-                              int row) {
+StationNotes readStationNotes(RecordReader& reader, const ScannedFile& file, const ExtractedLine& line, int row) {
   StationNotes notes;
   if (!hasRow(line, row)) return notes;
   const auto& place = line.rows[static_cast<std::size_t>(row - 1)];

@@ -27,8 +27,7 @@ struct StationNotes {
 };
 // Found again in the data file: nothing but their places is kept in memory. A row that does not exist has
 // none, nor has one whose records are gone from the file.
-StationNotes readStationNotes(RecordReader& reader, const ScannedFile& file, const ExtractedLine& line,
-                              int row);
+StationNotes readStationNotes(RecordReader& reader, const ScannedFile& file, const ExtractedLine& line, int row);
 
 // One value of the readout.
 struct ReadoutField {

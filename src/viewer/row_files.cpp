@@ -112,8 +112,7 @@ class OutFile {
 
 class InFile {
  public:
-  explicit InFile(const std::filesystem::path& path)
-      : fd_(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC)) {}
+  explicit InFile(const std::filesystem::path& path) : fd_(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC)) {}
   InFile(const InFile&) = delete;
   InFile& operator=(const InFile&) = delete;
   ~InFile() {
@@ -126,8 +125,7 @@ class InFile {
     buffer_.resize(count);
     std::size_t got = 0;
     while (fd_ >= 0 && got < count) {
-      const auto bytes =
-          ::pread(fd_, buffer_.data() + got, count - got, offset + static_cast<std::int64_t>(got));
+      const auto bytes = ::pread(fd_, buffer_.data() + got, count - got, offset + static_cast<std::int64_t>(got));
       if (bytes < 0 && errno == EINTR) continue;
       if (bytes <= 0) break;
       got += static_cast<std::size_t>(bytes);
@@ -220,8 +218,8 @@ RowFiles rowFilesOf(const std::filesystem::path& root, int storageClass) {
   return {.line1 = path / "LINE1.RXX", .line2 = path / "LINE2.RXX"};
 }
 
-LoadOutcome LoadLineRows(const RowFiles& rowFiles, const ScannedFile& file, const ExtractedLine& line,
-                         int firstIndex, int lastIndex, int firstRow, std::vector<StationPoint>& points) {
+LoadOutcome LoadLineRows(const RowFiles& rowFiles, const ScannedFile& file, const ExtractedLine& line, int firstIndex,
+                         int lastIndex, int firstRow, std::vector<StationPoint>& points) {
   PointReader reader(rowFiles, file, line);
   if (firstIndex < 0 || lastIndex < firstIndex) return reader.outcome();
   auto index = static_cast<std::size_t>(firstIndex);
@@ -285,13 +283,9 @@ void RowWriter::appendRow(double station, const Channels& channels) {
   files_->append({row1.data(), row1.size()}, {row2.data(), row2.size()});
 }
 
-void RowWriter::appendBreakRow() {
-  files_->append(kBreakRow1, kBreakRow2);
-}
+void RowWriter::appendBreakRow() { files_->append(kBreakRow1, kBreakRow2); }
 
-bool RowWriter::failed() const {
-  return files_->error.kind != ViewerErrorKind::none;
-}
+bool RowWriter::failed() const { return files_->error.kind != ViewerErrorKind::none; }
 
 ViewerError RowWriter::finish() {
   const bool whole = !failed();

@@ -57,8 +57,8 @@ inline constexpr const char* kInvalidHandle2 = "invalid handle 2";
 // Fills points[firstIndex] to points[lastIndex] (both included; `points` is made long enough) with the rows
 // from `firstRow` on, counted from 1. Rows below 1 and rows past the line's end read as cleared points, so
 // that every row keeps its column.
-LoadOutcome LoadLineRows(const RowFiles& rowFiles, const ScannedFile& file, const ExtractedLine& line,
-                         int firstIndex, int lastIndex, int firstRow, std::vector<StationPoint>& points);
+LoadOutcome LoadLineRows(const RowFiles& rowFiles, const ScannedFile& file, const ExtractedLine& line, int firstIndex,
+                         int lastIndex, int firstRow, std::vector<StationPoint>& points);
 
 // All rows of the line in order, in blocks, with a few dozen kilobytes of memory. `take` gets the row number
 // (from 1) and the point.

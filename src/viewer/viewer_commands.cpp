@@ -33,8 +33,7 @@ std::optional<ViewCommand> viewCommandOfKey(int keyCode) {
   for (const auto& entry : viewEntries()) {
     const auto capital = static_cast<char>(letter ? keyCode & ~0x20 : 0);
     if (letter && entry.keys.find(capital) != std::string_view::npos) return entry.command;
-    const bool isOne =
-        std::find(entry.keyCodes.begin(), entry.keyCodes.end(), keyCode) != entry.keyCodes.end();
+    const bool isOne = std::find(entry.keyCodes.begin(), entry.keyCodes.end(), keyCode) != entry.keyCodes.end();
     if (keyCode != 0 && isOne) return entry.command;
   }
   return std::nullopt;
@@ -70,8 +69,6 @@ std::string viewHelpText(int storageClass) {
   return text;
 }
 
-std::string_view viewScaleTemplate(Kind kind) {
-  return profileScaleTemplate(kind, false, false);
-}
+std::string_view viewScaleTemplate(Kind kind) { return profileScaleTemplate(kind, false, false); }
 
 }  // namespace kalmira

@@ -29,9 +29,7 @@ struct Case {
   bool fineScale = false;
 };
 
-void PrintTo(const Case& item, std::ostream* out) {
-  *out << item.name;
-}
+void PrintTo(const Case& item, std::ostream* out) { *out << item.name; }
 
 // A survey whose profile is drawn as a window would, and redrawn at will.
 class Survey {
@@ -51,8 +49,7 @@ class Survey {
     settings.calibrationFactors = {0.1F, 0.2F, -0.3F, 0.4F, 3.3333F, -4.4444F};
     test_.begin();
     // As wide a layout as the chart, so that the newest point stands near its right edge.
-    setup_ = profileSetup(item.kind, test_.session.iceOption, settings, true, item.width / 240.0, item.width,
-                          kHeight);
+    setup_ = profileSetup(item.kind, test_.session.iceOption, settings, true, item.width / 240.0, item.width, kHeight);
     live_.emplace(ChartColours{}, item.width, kHeight);
     traces_.emplace(TraceState{.traceStarted = test_.session.traceStarted});
     DrawProfileAxes(*live_, setup_);
@@ -67,8 +64,7 @@ class Survey {
       if (pressed) test_.record(encoded(false));  // the trigger is let go; or the next sample
       drawNewPoints();
       if (i % 7 == 3) {
-        WriteGpsSentence(test_.session.writer(), "$GPGGA,101307,4400.0,N,07900.0,W,1,05,1.5,100,M,,,,*42", 5,
-                         '@', '#');
+        WriteGpsSentence(test_.session.writer(), "$GPGGA,101307,4400.0,N,07900.0,W,1,05,1.5,100,M,,,,*42", 5, '@', '#');
       }
     }
   }
@@ -133,26 +129,17 @@ class Survey {
 
   std::string encoded(bool pressed) {
     const sim::Stance stance{.vertical = dipole_.value_or(choice(2) == 0), .pressed = pressed};
-    const double conductivity = choice(50) == 0   ? 5000.0
-                                : case_.fineScale ? value(-23.4, -23.2)
-                                                  : value(-30, 110);
+    const double conductivity = choice(50) == 0 ? 5000.0 : case_.fineScale ? value(-23.4, -23.2) : value(-30, 110);
     const double inphase = value(-9, 9);
     const auto component = choice(2) == 0 ? sim::Component::inphase : sim::Component::conductivity;
     switch (case_.kind) {
-      case Kind::orla:
-        return sim::encodeOrla(stance, case_.ice ? value(20, 900) : conductivity, inphase);
-      case Kind::teskb:
-        return sim::encodeTeskb(stance, conductivity, inphase);
-      case Kind::teskdd:
-        return sim::encodeTeskdd(stance, component, value(-9, 90), value(-9, 90));
-      case Kind::tesk:
-        return sim::encodeTesk(stance, component, conductivity, choice(2) == 0 ? 7 : 12);
-      case Kind::vardo:
-        return sim::encodeVardo(stance, 10 << choice(3), conductivity);
-      case Kind::mirka:
-        return sim::encodeMirka(stance, conductivity, inphase);
-      case Kind::glaco:
-        return sim::encodeGlaco(value(0, 9), value(0, 20));
+      case Kind::orla: return sim::encodeOrla(stance, case_.ice ? value(20, 900) : conductivity, inphase);
+      case Kind::teskb: return sim::encodeTeskb(stance, conductivity, inphase);
+      case Kind::teskdd: return sim::encodeTeskdd(stance, component, value(-9, 90), value(-9, 90));
+      case Kind::tesk: return sim::encodeTesk(stance, component, conductivity, choice(2) == 0 ? 7 : 12);
+      case Kind::vardo: return sim::encodeVardo(stance, 10 << choice(3), conductivity);
+      case Kind::mirka: return sim::encodeMirka(stance, conductivity, inphase);
+      case Kind::glaco: return sim::encodeGlaco(value(0, 9), value(0, 20));
       case Kind::tesk2:
         return sim::encodeTesk2(stance, {.conductivity1 = conductivity,
                                          .inphase1 = inphase,
@@ -217,24 +204,23 @@ TEST_P(RedrawEveryKind, EqualsWhatWasDrawnLive) {
 
 INSTANTIATE_TEST_SUITE_P(
     Kinds, RedrawEveryKind,
-    testing::Values(
-        Case{.name = "orla"}, Case{.name = "orlaInphaseOnly", .listA = 1, .width = 311},
-        Case{.name = "orlaIce", .ice = true},
-        Case{.name = "orlaAverages", .surveyMode = kModeManual, .readingsCount = 2},
-        Case{.name = "orlaIceAverages", .ice = true, .surveyMode = kModeManual, .readingsCount = 2},
-        Case{.name = "teskb", .kind = Kind::teskb},
-        Case{.name = "teskbTwoAStation", .kind = Kind::teskb, .surveyMode = kModeManual, .listB = 2},
-        Case{.name = "teskdd", .kind = Kind::teskdd}, Case{.name = "tesk", .kind = Kind::tesk},
-        Case{.name = "teskFourAStation", .kind = Kind::tesk, .surveyMode = kModeManual, .listB = 2},
-        Case{.name = "vardo", .kind = Kind::vardo},
-        Case{.name = "vardoSixAStation", .kind = Kind::vardo, .surveyMode = kModeManual, .listB = 5},
-        Case{.name = "mirka", .kind = Kind::mirka}, Case{.name = "glaco", .kind = Kind::glaco},
-        Case{.name = "tesk2", .kind = Kind::tesk2},
-        // 1200 pixels a unit: the third decimal of a factor shows.
-        Case{.name = "tesk2FineScale", .kind = Kind::tesk2, .fineScale = true},
-        Case{.name = "tesk2Unscaled", .kind = Kind::tesk2, .listA = 1},
-        Case{.name = "tesk2Averages", .kind = Kind::tesk2, .surveyMode = kModeManual, .readingsCount = 2},
-        Case{.name = "narrow", .width = 3}),
+    testing::Values(Case{.name = "orla"}, Case{.name = "orlaInphaseOnly", .listA = 1, .width = 311},
+                    Case{.name = "orlaIce", .ice = true},
+                    Case{.name = "orlaAverages", .surveyMode = kModeManual, .readingsCount = 2},
+                    Case{.name = "orlaIceAverages", .ice = true, .surveyMode = kModeManual, .readingsCount = 2},
+                    Case{.name = "teskb", .kind = Kind::teskb},
+                    Case{.name = "teskbTwoAStation", .kind = Kind::teskb, .surveyMode = kModeManual, .listB = 2},
+                    Case{.name = "teskdd", .kind = Kind::teskdd}, Case{.name = "tesk", .kind = Kind::tesk},
+                    Case{.name = "teskFourAStation", .kind = Kind::tesk, .surveyMode = kModeManual, .listB = 2},
+                    Case{.name = "vardo", .kind = Kind::vardo},
+                    Case{.name = "vardoSixAStation", .kind = Kind::vardo, .surveyMode = kModeManual, .listB = 5},
+                    Case{.name = "mirka", .kind = Kind::mirka}, Case{.name = "glaco", .kind = Kind::glaco},
+                    Case{.name = "tesk2", .kind = Kind::tesk2},
+                    // 1200 pixels a unit: the third decimal of a factor shows.
+                    Case{.name = "tesk2FineScale", .kind = Kind::tesk2, .fineScale = true},
+                    Case{.name = "tesk2Unscaled", .kind = Kind::tesk2, .listA = 1},
+                    Case{.name = "tesk2Averages", .kind = Kind::tesk2, .surveyMode = kModeManual, .readingsCount = 2},
+                    Case{.name = "narrow", .width = 3}),
     [](const auto& item) { return item.param.name; });
 
 TEST(Redraw, JoinsATraceToItsLastPointFromBeforeTheChart) {
@@ -281,8 +267,7 @@ TEST(Redraw, LeavesTheChartEmptyWithoutAReadableFile) {
   auto& session = survey.test().session;
   EXPECT_EQ(RedrawProfileFromFile(session, survey.setup(), picture, traces).recordsRead, 0) << "no such file";
   writeFile(session.file.path(), "TESKB   W222GRD");
-  EXPECT_EQ(RedrawProfileFromFile(session, survey.setup(), picture, traces).recordsRead, 0)
-      << "another kind's";
+  EXPECT_EQ(RedrawProfileFromFile(session, survey.setup(), picture, traces).recordsRead, 0) << "another kind's";
   for (int y = 0; y < kHeight; ++y) ASSERT_EQ(picture.at(100, y), empty.at(100, y));
   EXPECT_EQ(started[0], 0);
 }

@@ -145,14 +145,12 @@ TEST(DrawProfilePoint, AStationScrollsOnceAndItsReadingsShareAColumn) {
   TraceState traces{.traceStarted = started};
   ListingCanvas canvas;
   DrawProfileAxes(canvas, setup);
-  EXPECT_THAT(canvas.take(),
-              ElementsAre("grid 0 239 160 2", "grid 0 239 120 1", "grid 0 239 80 1", "grid 0 239 40 1"));
+  EXPECT_THAT(canvas.take(), ElementsAre("grid 0 239 160 2", "grid 0 239 120 1", "grid 0 239 80 1", "grid 0 239 40 1"));
   DrawProfilePoint(canvas, setup, traces, reading(30, false));
   EXPECT_THAT(canvas.take(), ElementsAre("point 200 40 3"));
   DrawProfilePoint(canvas, setup, traces, reading(20, true));
-  EXPECT_THAT(canvas.take(),
-              ElementsAre("scroll 200", "erase 199 201", "grid 199 201 160 2", "grid 199 201 120 1",
-                          "grid 199 201 80 1", "grid 199 201 40 1", "line 198 40 200 80 3"));
+  EXPECT_THAT(canvas.take(), ElementsAre("scroll 200", "erase 199 201", "grid 199 201 160 2", "grid 199 201 120 1",
+                                         "grid 199 201 80 1", "grid 199 201 40 1", "line 198 40 200 80 3"));
   DrawProfilePoint(canvas, setup, traces, reading(10, false));
   DrawProfilePoint(canvas, setup, traces, reading(0, false));
   EXPECT_THAT(canvas.take(), ElementsAre("line 198 80 200 120 3", "line 198 120 200 160 3"));
@@ -193,11 +191,9 @@ TEST(ChartPicture, DrawsLinesAndPens) {
   picture.gridPiece(0, 7, 4, 1);
   picture.line(1, 0, 3, 5, 0, 1);
   picture.point(5, 2, 0, 3);
-  EXPECT_THAT(rowsOf(picture),
-              ElementsAre(".#......", ".#..###.", "..#.###.", "..#.###.", "---#----", "...#...."));
+  EXPECT_THAT(rowsOf(picture), ElementsAre(".#......", ".#..###.", "..#.###.", "..#.###.", "---#----", "...#...."));
   picture.scrollLeft(5);
-  EXPECT_THAT(rowsOf(picture),
-              ElementsAre("........", "..###...", "#.###...", "#.###...", "-#------", ".#......"))
+  EXPECT_THAT(rowsOf(picture), ElementsAre("........", "..###...", "#.###...", "#.###...", "-#------", ".#......"))
       << "and grid comes in on the right";
 }
 

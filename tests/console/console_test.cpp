@@ -46,9 +46,9 @@ TEST(LogOptions, GoodAndBadCommandLines) {
 TEST(RunSettings, OverridesNeverReachTheFileWhichIsReplacedWhole) {
   TempFolder root;
   const SettingsPlace place{.kind = Kind::orla, .iceOption = false, .storageClass = 1, .root = root.path()};
-  RunSettings run(place, {{*findField("surveyMode"), "2"},
-                          {*findField("modeIncrement[2]"), "0.5"},
-                          {*findField("lineIncrement"), "7"}});
+  RunSettings run(
+      place,
+      {{*findField("surveyMode"), "2"}, {*findField("modeIncrement[2]"), "0.5"}, {*findField("lineIncrement"), "7"}});
   Settings file;
   const auto saved = [&] {
     run.save(run.settings());
@@ -94,8 +94,8 @@ TEST(OperatorCommands, StatesAndMistakes) {
     EXPECT_NE(error(line), "") << line << " while logging";
   }
   EXPECT_EQ(error("pause"), "");
-  for (const auto* line : {"pause", "pause now", "calibrate", "mark", "station", "station 1 2", "station x",
-                           "comment ", "line 1 2 3 Q", "line 1 two", "line 1 2 3 N 5", "fly"}) {
+  for (const auto* line : {"pause", "pause now", "calibrate", "mark", "station", "station 1 2", "station x", "comment ",
+                           "line 1 2 3 Q", "line 1 two", "line 1 2 3 N 5", "fly"}) {
     EXPECT_NE(error(line), "") << line << " standing by";
   }
   const auto before = test.records().size();
@@ -117,9 +117,7 @@ TEST(OperatorCommands, OfTheTesk2) {
   TestSession test(Kind::tesk2);
   test.settings.calibrationFactors[0] = 1;
   test.begin();
-  const auto command = [&](const char* line) {
-    EXPECT_EQ(runOperatorCommand(test.session, line).error, "") << line;
-  };
+  const auto command = [&](const char* line) { EXPECT_EQ(runOperatorCommand(test.session, line).error, "") << line; };
   const auto record = [&](char mode) { test.record(std::string("T") + mode + std::string(12, '\x40')); };
   command("mark");
   EXPECT_EQ(test.link.markerKeyPending, 1);
@@ -146,12 +144,11 @@ TEST(ConsoleView, NoticesShowLinesAndAnswers) {
     EXPECT_EQ(view.linkGivenUp(), exits);
     EXPECT_TRUE(view.ask(Question::exitLogging, {.title = "Confirm Exit", .text = "Exit Logging?"}));
     if (exits) {
-      EXPECT_THAT(lines,
-                  ElementsAre("notice Please Wait...", "show message Please Wait...", "show value1 C:1.00",
-                              "notice T", "notice a", "notice b", "notice answered NO"));
+      EXPECT_THAT(lines, ElementsAre("notice Please Wait...", "show message Please Wait...", "show value1 C:1.00",
+                                     "notice T", "notice a", "notice b", "notice answered NO"));
     } else {
-      EXPECT_THAT(lines, ElementsAre("notice Please Wait...", "notice T", "notice a", "notice b",
-                                     "notice answered YES"));
+      EXPECT_THAT(lines,
+                  ElementsAre("notice Please Wait...", "notice T", "notice a", "notice b", "notice answered YES"));
     }
   }
 }

@@ -14,9 +14,7 @@
 namespace kalmira {
 namespace {
 
-std::string record(int number) {
-  return "T" + fixedField(number, 22, 0) + "\n";
-}
+std::string record(int number) { return "T" + fixedField(number, 22, 0) + "\n"; }
 
 struct DataFileTest : testing::Test {
   FakeDisk disk;
@@ -54,9 +52,7 @@ TEST_F(DataFileTest, FullDiskLeavesWholeRecordsAndLosesNone) {
 TEST_F(DataFileTest, CommitsFollowWritesAndWhatFailedIsWrittenAgain) {
   disk.state.failingSyncs = 1;
   file.append(record(1));
-  const auto good = [&] {
-    return disk.state.syncs >= 2 && disk.content() == record(1) && file.problem().empty();
-  };
+  const auto good = [&] { return disk.state.syncs >= 2 && disk.content() == record(1) && file.problem().empty(); };
   bool failed = false;
   for (int i = 0; i < 2000 && !good(); ++i) {
     std::this_thread::sleep_for(std::chrono::milliseconds(5));
@@ -148,9 +144,7 @@ TEST_F(CreationTest, ExistingFileIsRefusedAndLeftAlone) {
 TEST_F(CreationTest, WhatCannotBeWrittenIsToldWithItsCauseAndLeavesNoFile) {
   // Chosen once; asked again, the operator gives up.
   const auto at = [](const std::filesystem::path& path) {
-    return [path, asked = 0](const std::string&) mutable {
-      return asked++ == 0 ? std::optional(path) : std::nullopt;
-    };
+    return [path, asked = 0](const std::string&) mutable { return asked++ == 0 ? std::optional(path) : std::nullopt; };
   };
   auto outcome = create(at(root.path() / "missing" / "x.NTS"));
   EXPECT_EQ(outcome.how, CreateOutcome::How::failed);

@@ -68,8 +68,7 @@ TEST(DataRecord, HasTheStatedBytesAtBothLengths) {
              {"TH+0123-0456", "99", formatReading(length, "TH+0123-0456 ", 99)},
              {"TH+0123", "99", formatReading(length, "TH+0123", 99)}}) {
       const auto width = static_cast<std::size_t>(length);
-      EXPECT_EQ(formatted,
-                records(width, {tick.empty() ? text : fmt::format("{:{}}{:>10}", text, length - 11, tick)}));
+      EXPECT_EQ(formatted, records(width, {tick.empty() ? text : fmt::format("{:{}}{:>10}", text, length - 11, tick)}));
     }
   }
   EXPECT_EQ(formatReading(26, binary, 2147483648U), binary + " 2147483648\n");
@@ -85,8 +84,7 @@ TEST(GpsSentence, IsCutIntoRecords) {
             records24({"@$GPAAA,12345678,ABCDEF", "#,87654321,GHIJKLMN*000", "#"})},
            {"", records24({"@", "#"})},
            {"$GP\r\n\xC3\xBC", records24({"@$GP????", "#$GP????"})}}) {
-    EXPECT_EQ(formatGpsSentence(24, sentence, 5000, '@', '#'),
-              bytes + records24({"!                  5000"}));
+    EXPECT_EQ(formatGpsSentence(24, sentence, 5000, '@', '#'), bytes + records24({"!                  5000"}));
   }
   EXPECT_EQ(formatGpsSentence(26, "no sentence of a receiver", 1, '?', '"'),
             records(26, {"?no sentence of a receive", "\"r", "!                       1"}));
@@ -125,14 +123,13 @@ TEST(ParseRecords, RefuseWhatIsNone) {
 
   EXPECT_THAT(parseTick("TH+0001+0002 4294967295\n"), Optional(4294967295U));
   EXPECT_THAT(parseTick("TH+0001+0002         -1\n"), Optional(4294967295U));  // of a signed counter
-  for (const auto* text :
-       {"TH+0001+0002 4294967296\n", "TH+0001+0002       1 2 \n", "TH+0001+0002           \n"})
+  for (const auto* text : {"TH+0001+0002 4294967296\n", "TH+0001+0002       1 2 \n", "TH+0001+0002           \n"})
     EXPECT_EQ(parseTick(text), std::nullopt) << text;
   const auto date = parseDate("Z29022024 23:59:58     \n").value();
   EXPECT_EQ(date.day, 29);
   EXPECT_EQ(date.second, 58);
-  for (const auto* text : {"Z29022023 23:59:58     \n", "Z00012023 23:59:58     \n",
-                           "Z01012023 24:00:00     \n", "Z01012023 23.59.58     \n"})
+  for (const auto* text : {"Z29022023 23:59:58     \n", "Z00012023 23:59:58     \n", "Z01012023 24:00:00     \n",
+                           "Z01012023 23.59.58     \n"})
     EXPECT_EQ(parseDate(text), std::nullopt) << text;
   const auto mark = parseTimeMark("*10:13:07.250        42\n").value();
   EXPECT_EQ(mark.timeOfDayMs, 36787250U);
@@ -166,9 +163,8 @@ TEST(SurveyPosition, AdvancesByReadingNotByRepeat) {
   using Step = std::pair<std::string_view, std::optional<double>>;  // record, station behind it
   for (const auto& [record, station] :
        {Step{"T", {}},  // before any line
-        Step{"L1", {}}, Step{"B      10.00", 10.0}, Step{"AN           -0.100", 10.0}, Step{"T", 10.0},
-        Step{"2", 10.0}, Step{"t", 9.9}, Step{"3", 9.9}, Step{"CNote", 9.9}, Step{"T", 9.8},
-        Step{"S       0.50 10101010", 0.5},
+        Step{"L1", {}}, Step{"B      10.00", 10.0}, Step{"AN           -0.100", 10.0}, Step{"T", 10.0}, Step{"2", 10.0},
+        Step{"t", 9.9}, Step{"3", 9.9}, Step{"CNote", 9.9}, Step{"T", 9.8}, Step{"S       0.50 10101010", 0.5},
         Step{"2", 0.5},  // a repeat of the station before: the first reading here all the same
         Step{"T", 0.4}, Step{"S       ?.?? 10101010", {}}, Step{"T", {}}, Step{"L2", {}},
         Step{"B      50.00", 50.0},  // its direction record is damaged: no increment is known

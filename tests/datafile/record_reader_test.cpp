@@ -15,9 +15,7 @@ namespace {
 const std::string kHeader = "ORLA2   W230GRD0000    \n";
 using Texts = std::vector<std::string>;
 
-std::string reading(unsigned number, std::string_view text = "T$+0001+0002") {
-  return formatReading(24, text, number);
-}
+std::string reading(unsigned number, std::string_view text = "T$+0001+0002") { return formatReading(24, text, number); }
 
 struct ReadBytes : RecordReader {
   explicit ReadBytes(const std::string& bytes) {
@@ -38,10 +36,9 @@ struct ReadBytes : RecordReader {
 
 TEST(RecordReader, NamesWhatIsNoDataFile) {
   using Case = std::pair<std::string, FileErrorKind>;
-  for (const auto& [bytes, kind] :
-       {Case{"", FileErrorKind::empty}, Case{"ORLA2   W230GR", FileErrorKind::notADataFile},
-        Case{std::string(4096, '\0'), FileErrorKind::notADataFile},
-        Case{"ORLA2   W222GRD0000    \n", FileErrorKind::notADataFile}}) {
+  for (const auto& [bytes, kind] : {Case{"", FileErrorKind::empty}, Case{"ORLA2   W230GR", FileErrorKind::notADataFile},
+                                    Case{std::string(4096, '\0'), FileErrorKind::notADataFile},
+                                    Case{"ORLA2   W222GRD0000    \n", FileErrorKind::notADataFile}}) {
     EXPECT_EQ(RecordReader().open(std::make_unique<std::istringstream>(bytes)).kind, kind) << bytes.size();
   }
   RecordReader reader;
@@ -134,9 +131,7 @@ TEST(RecordReader, TellsThatAReadFailed) {
 constexpr std::uint32_t kHour = 3600000;
 constexpr std::uint32_t kDay = 24 * kHour;
 
-constexpr std::uint32_t at(std::uint32_t hour, std::uint32_t minute = 0) {
-  return hour * kHour + minute * 60000;
-}
+constexpr std::uint32_t at(std::uint32_t hour, std::uint32_t minute = 0) { return hour * kHour + minute * 60000; }
 
 // A date record and marks of the eighth of March 2024, day 19790, and what a tick is then.
 struct TimesCase {

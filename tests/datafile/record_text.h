@@ -17,8 +17,6 @@ inline std::string records(std::size_t recordLength, std::initializer_list<std::
   return bytes;
 }
 
-inline std::string records24(std::initializer_list<std::string_view> texts) {
-  return records(24, texts);
-}
+inline std::string records24(std::initializer_list<std::string_view> texts) { return records(24, texts); }
 
 }  // namespace kalmira

@@ -16,9 +16,7 @@ using testing::HasSubstr;
 using testing::Not;
 
 struct Recording : Survey {
-  explicit Recording(const std::string& more = "") : Survey("ORLA", more) {
-    EXPECT_EQ(logger.answer("go"), "ok");
-  }
+  explicit Recording(const std::string& more = "") : Survey("ORLA", more) { EXPECT_EQ(logger.answer("go"), "ok"); }
   bool readings(int from, int to) {
     for (int i = from; i <= to; ++i) EXPECT_TRUE(send(fmt::format("T${:+05d}-0800\r", i)));
     return logger.counted("readings", to);
@@ -84,14 +82,13 @@ TEST(PulledCable, ResumesWithoutAQuestion) {
 TEST(Silence, EndsTheSurveyWhenToldSo) {
   Recording survey("--set readingsInterval=1 --on-silence exit");
   ASSERT_TRUE(survey.readings(1, 1));
-  for (const auto* line : {"Please Wait...", "No Connection/Instrument OFF", "Fix the problem and",
-                           "press YES to try.", "Press NO to exit Logging Mode.", "answered NO"}) {
+  for (const auto* line : {"Please Wait...", "No Connection/Instrument OFF", "Fix the problem and", "press YES to try.",
+                           "Press NO to exit Logging Mode.", "answered NO"}) {
     survey.logger.nextLine(std::string("notice ") + line);
   }
   EXPECT_EQ(survey.logger.end(), 1);
-  EXPECT_THAT(
-      survey.content(),
-      EndsWith(readingRecords(1, 1) + records24({withTick(24, "X$CONN BREAK"), withTick(24, "X$CONN END")})));
+  EXPECT_THAT(survey.content(),
+              EndsWith(readingRecords(1, 1) + records24({withTick(24, "X$CONN BREAK"), withTick(24, "X$CONN END")})));
   EXPECT_THAT(survey.logger.output(), EndsWith("summary readings=1 gps=0 events=3 bytes=264\n"));
 }
 

@@ -28,34 +28,31 @@ const std::array kCases{
     KindCase{"ORLA", "", "34-0567\r", "T$+0400-0800\r", "Td-0412+0796\r", "value1 C:-10.00  mS/m",
              "ORLA2   W230GRD0010   3", ",V,1,100,10.30000,,-1.99000,"},
     // Under a short instrument 106 mS/m over salt water of 2000 mS/m are 2.6 m of ice, 113.6 mS/m are 2.5 m.
-    KindCase{"OrlaIce", "--ice --set instrumentLength=1 --set iceDisplay=1 --set iceQuantity=1", "\r",
-             "TD-4240+0000\r", "TD-4544+0670\r", "value3 Th: 2.60    m", "ORLAS  iW230GRD001010 3",
+    KindCase{"OrlaIce", "--ice --set instrumentLength=1 --set iceDisplay=1 --set iceQuantity=1", "\r", "TD-4240+0000\r",
+             "TD-4544+0670\r", "value3 Th: 2.60    m", "ORLAS  iW230GRD001010 3",
              ",H,1,100,,113.60000,,-0.50000,2.50000", 1, "0"},
-    KindCase{"teskb", "--set surveyListB=1", "T$+010", "T$+0100-0250\r", "T\x07+1000+0012\r",
-             "value1 C:25.00   mS/m", "TESKB   W222GRD0110   3", ",H,0,1000/1000,,-12.00000,,-28.80000"},
+    KindCase{"teskb", "--set surveyListB=1", "T$+010", "T$+0100-0250\r", "T\x07+1000+0012\r", "value1 C:25.00   mS/m",
+             "TESKB   W222GRD0110   3", ",H,0,1000/1000,,-12.00000,,-28.80000"},
     KindCase{"TESKDD", "--set surveyListA=2", "00\r", "T$+0100-0250\r", "T +0500-0250\r", "value2 CH:25.00",
              "TESKD   W222GRD0012   3", ",V,0,100,,,-1.44000,0.72000"},
     KindCase{"TESK", "--set lengthUnits=1", "100\r", "T$+0100\r", "T\x04-0250\r", "value1 C:-10.00  mS/m",
              "TESKS   W222GRD1010   3", ",H,0,100,,25.00000,,"},
     KindCase{"TeskTwelve", "--tesk-x10 --storage-class 0", "0000\r", "T$+0100+0000\r", "T$-0250+0000\r",
              "value1 C:-100.00 mS/m", "TESKS   W222GRD0010    ", ",V,0,100,25.00000,,,", 1, "3"},
-    KindCase{"VARDO", "--set surveyListB=4", "T$+0", "T$+0400+0000\r", "T\x14-0400+0000\r",
-             "value1 C:-10.00  mS/m", "VARDO   W230GRD0410   3", ",V,0,100,10.00000,,,,,"},
-    KindCase{"MIRKA", "", "\r\r", "T$+0004-0008\r", "T$-0004+0012\r", "value1 C:-10.00",
-             "MIRKA   W210GRD0010   3", ",V,0,100,10.00000,-3.00000"},
+    KindCase{"VARDO", "--set surveyListB=4", "T$+0", "T$+0400+0000\r", "T\x14-0400+0000\r", "value1 C:-10.00  mS/m",
+             "VARDO   W230GRD0410   3", ",V,0,100,10.00000,,,,,"},
+    KindCase{"MIRKA", "", "\r\r", "T$+0004-0008\r", "T$-0004+0012\r", "value1 C:-10.00", "MIRKA   W210GRD0010   3",
+             ",V,0,100,10.00000,-3.00000"},
     KindCase{"GLACO", "", "23I045", "T123I045", "T250I007", "value1 Th:1.23", "GLACO   W210GRD0010   3",
              ",V,0,100,2.50000,7.00000", 0},
     // Records may hold line feeds and pairs of 255. The words of the second: conductivities 40 and 80,
     // inphase 40.
-    KindCase{"TESK2", "--set tesk2Variant=2", "\x02\n\xff\xff"s,
-             "T\x06\0\0\x84\0\xff\xff\x84\0\n\n\0\0\xff\xff"s,
-             "t\x02\x84\0\x84\0\x88\0\x84\0\0\n\n\0\xff\xff"s, "value1 C:1279.96 mS/m",
-             "TESK2   W230GRD00102    3", ",H,0,,,80.00000,,1.15276,,40.00000,,0.28819", 2},
+    KindCase{"TESK2", "--set tesk2Variant=2", "\x02\n\xff\xff"s, "T\x06\0\0\x84\0\xff\xff\x84\0\n\n\0\0\xff\xff"s,
+             "t\x02\x84\0\x84\0\x88\0\x84\0\0\n\n\0\xff\xff"s, "value1 C:1279.96 mS/m", "TESK2   W230GRD00102    3",
+             ",H,0,,,80.00000,,1.15276,,40.00000,,0.28819", 2},
 };
 
-void PrintTo(const KindCase& item, std::ostream* out) {
-  *out << item.test;
-}
+void PrintTo(const KindCase& item, std::ostream* out) { *out << item.test; }
 
 class SurveyOf : public testing::TestWithParam<KindCase> {};
 
@@ -84,8 +81,7 @@ TEST_P(SurveyOf, GivesItsFileByteForByteAndItsTable) {
   const std::size_t length = item.header.size() + 1;
   const auto text = [&](const std::string& sent) { return sent.substr(0, sent.size() - item.end); };
   std::string factors;
-  for (int n = 1; length == 26 && n <= 6; ++n)
-    factors += records(26, {fmt::format("O{}     0.000      0.000", n)});
+  for (int n = 1; length == 26 && n <= 6; ++n) factors += records(26, {fmt::format("O{}     0.000      0.000", n)});
   const auto expected =
       bytesOf({.header = item.header,
                .firstPiece = {withTick(length, text(item.first)), withTick(length, text(item.second))},
@@ -93,8 +89,7 @@ TEST_P(SurveyOf, GivesItsFileByteForByteAndItsTable) {
                .comment = "CFence ? by ",
                .length = length,
                .calibration = factors});
-  EXPECT_EQ(logger.nextLine("summary"),
-            fmt::format("summary readings=3 gps=0 events=4 bytes={}", expected.size()));
+  EXPECT_EQ(logger.nextLine("summary"), fmt::format("summary readings=3 gps=0 events=4 bytes={}", expected.size()));
   EXPECT_EQ(logger.end(), 0) << logger.errors();
   EXPECT_EQ(survey.content(), expected);
   const auto table = run(KALMIRA_EXPORT, survey.path);
@@ -104,8 +99,7 @@ TEST_P(SurveyOf, GivesItsFileByteForByteAndItsTable) {
   EXPECT_THAT(table.output, EndsWith(item.row + "\n"));
 }
 
-INSTANTIATE_TEST_SUITE_P(Kinds, SurveyOf, testing::ValuesIn(kCases),
-                         [](const auto& row) { return row.param.test; });
+INSTANTIATE_TEST_SUITE_P(Kinds, SurveyOf, testing::ValuesIn(kCases), [](const auto& row) { return row.param.test; });
 
 TEST(Commands, AreAnsweredAndEndWithTheInput) {
   const TempFolder folder;
@@ -148,9 +142,8 @@ TEST(AutoMode, TakesEveryNthRecord) {
   ASSERT_TRUE(survey.logger.counted("readings", 2));
   survey.logger.leave();
   EXPECT_EQ(survey.content().substr(24, 24).substr(11, 7), "  0.333");
-  EXPECT_THAT(survey.content(),
-              HasSubstr(records24({withTick(24, "X$STARTED"), withTick(24, "T$+0033+0000"),
-                                   withTick(24, "T$+0066+0000"), withTick(24, "X$PAUSED")})));
+  EXPECT_THAT(survey.content(), HasSubstr(records24({withTick(24, "X$STARTED"), withTick(24, "T$+0033+0000"),
+                                                     withTick(24, "T$+0066+0000"), withTick(24, "X$PAUSED")})));
 }
 
 TEST(Marker, KeyMarksOneRecordOfATesk2) {
@@ -169,8 +162,7 @@ TEST(Marker, KeyMarksOneRecordOfATesk2) {
 TEST(Gps, WritesEverySentenceAsItComesOutsideManualMode) {
   Survey survey("ORLA", "--gps {gps}");
   // A receiver is heard once its fix is shown.
-  survey.receiver.wakeUp(survey.logger, "$GPGSA,A,3,10,07,05,02,29,04,08,13,,,,,1.72,1.03,1.38*0A\r\n",
-                         "pdop");
+  survey.receiver.wakeUp(survey.logger, "$GPGSA,A,3,10,07,05,02,29,04,08,13,,,,,1.72,1.03,1.38*0A\r\n", "pdop");
   ASSERT_EQ(survey.logger.answer("go"), "ok");
   ASSERT_TRUE(survey.receiver.send("$GPGGA,101308.00,5057.90,N,00659.10,E,1,08,1.1,50.0,M,46.0,M,,*5D\r\n"));
   ASSERT_TRUE(survey.logger.counted("gps", 1));
@@ -178,22 +170,20 @@ TEST(Gps, WritesEverySentenceAsItComesOutsideManualMode) {
   ASSERT_TRUE(survey.logger.counted("readings", 1));
   // A wrong checksum, none, text of another kind, a short sentence that is right, and a line that never seems
   // to end: its buffer of 201 bytes is begun anew again and again, 182 bytes are left of it.
-  ASSERT_TRUE(
-      survey.receiver.send("$GPGSA,A,3*00\r\n$GPRMC,101309.00,A,5057.90,N\r\nhello Jo\xFF\r\n$A*41\r\n$" +
-                           std::string(4000, 'x') + "\r\n"));
+  ASSERT_TRUE(survey.receiver.send("$GPGSA,A,3*00\r\n$GPRMC,101309.00,A,5057.90,N\r\nhello Jo\xFF\r\n$A*41\r\n$" +
+                                   std::string(4000, 'x') + "\r\n"));
   ASSERT_TRUE(survey.logger.counted("gps", 6));
   survey.logger.leave();
   const std::string tick = withTick(24, "!"), chunk(22, 'x');
   std::string endless = records24({"?" + chunk});
   for (int i = 1; i < 8; ++i) endless += records24({"\"" + chunk});
   EXPECT_THAT(survey.content(), testing::StartsWith("ORLA2   W230GPS"));
-  EXPECT_THAT(
-      survey.content(),
-      EndsWith(records24({withTick(24, "X$STARTED"), "@$GPGGA,101308.00,5057.", "#90,N,00659.10,E,1,08,1",
-                          "#.1,50.0,M,46.0,M,,*5D", tick, withTick(24, "T$+0400-0800"), "?$GPGSA,A,3*00",
-                          "\"$GPGSA,A,3*00", tick, "?$GPRMC,101309.00,A,505", "\"7.90,N", tick, "?hello Jo?",
-                          "\"hello Jo?", tick, "@$A*41", "#$A*41", tick}) +
-               endless + records24({"\"xxxxxx", tick, withTick(24, "X$PAUSED")})));
+  EXPECT_THAT(survey.content(),
+              EndsWith(records24({withTick(24, "X$STARTED"), "@$GPGGA,101308.00,5057.", "#90,N,00659.10,E,1,08,1",
+                                  "#.1,50.0,M,46.0,M,,*5D", tick, withTick(24, "T$+0400-0800"), "?$GPGSA,A,3*00",
+                                  "\"$GPGSA,A,3*00", tick, "?$GPRMC,101309.00,A,505", "\"7.90,N", tick, "?hello Jo?",
+                                  "\"hello Jo?", tick, "@$A*41", "#$A*41", tick}) +
+                       endless + records24({"\"xxxxxx", tick, withTick(24, "X$PAUSED")})));
 }
 
 TEST(Gps, PortThatCannotBeOpenedIsToldAndTheSurveyGoesOn) {

@@ -56,8 +56,7 @@ void wipeTick(std::string& record) {
   const auto at = record.size() - 11;
   const auto text = record.substr(at, 10);
   const auto digits = text.find_first_not_of(' ');
-  const bool number =
-      digits != std::string::npos && text.find_first_not_of("0123456789", digits) == std::string::npos;
+  const bool number = digits != std::string::npos && text.find_first_not_of("0123456789", digits) == std::string::npos;
   if (number && parseInt(text) < 10 * kPatienceMs) record.replace(at, 10, "      tick");
 }
 
@@ -103,9 +102,7 @@ void Program::say(std::string_view line) {
   EXPECT_EQ(::write(input_, text.data(), text.size()), static_cast<ssize_t>(text.size())) << line;
 }
 
-void Program::closeInput() {
-  closeFd(input_);
-}
+void Program::closeInput() { closeFd(input_); }
 
 void Program::signal(int number) const {
   ASSERT_GT(process_, 0);
@@ -113,8 +110,8 @@ void Program::signal(int number) const {
 }
 
 bool Program::gather(int milliseconds) {
-  std::array<pollfd, 2> waits{{{.fd = output_fd_, .events = POLLIN, .revents = 0},
-                               {.fd = errors_fd_, .events = POLLIN, .revents = 0}}};
+  std::array<pollfd, 2> waits{
+      {{.fd = output_fd_, .events = POLLIN, .revents = 0}, {.fd = errors_fd_, .events = POLLIN, .revents = 0}}};
   if (::poll(waits.data(), waits.size(), milliseconds) <= 0) return true;
   if (waits[0].revents != 0 && !take(output_fd_, output_)) closeFd(output_fd_);
   if (waits[1].revents != 0 && !take(errors_fd_, errors_)) closeFd(errors_fd_);
@@ -154,8 +151,8 @@ int Program::end() {
 
 Logger::Logger(const std::string& kind, const std::string& device, const std::filesystem::path& root,
                const std::string& more)
-    : Program(KALMIRA_LOG, fmt::format("--kind {} --port {} --root {} --tick-base program {}", kind, device,
-                                       root.string(), more)) {}
+    : Program(KALMIRA_LOG,
+              fmt::format("--kind {} --port {} --root {} --tick-base program {}", kind, device, root.string(), more)) {}
 
 std::filesystem::path Logger::file(const std::function<void()>& onWait) {
   const auto line = nextLine("file ", onWait);
@@ -218,8 +215,8 @@ void Device::wakeUp(Logger& logger, std::string_view record, std::string_view te
   logger.nextLine(fmt::format("show {}", text), sendAgain);
 }
 
-Survey::Survey(const std::string& kind, const std::string& more, std::string_view record,
-               std::string_view shown, std::string_view fileWaits)
+Survey::Survey(const std::string& kind, const std::string& more, std::string_view record, std::string_view shown,
+               std::string_view fileWaits)
     : logger(kind, instrument.name, folder.path(),
              "--show --set surveyMode=1 --set readingsInterval=60 " +
                  fmt::format(fmt::runtime(more), fmt::arg("gps", receiver.name))) {
@@ -272,8 +269,7 @@ std::string bytesOf(const WrittenSurvey& survey) {
   add("S      42.50 00000000");
   tick("*00:00:00.000");
   bytes += survey.deletion;
-  for (const std::string_view text : {"X$STARTED"sv, std::string_view(survey.lastReading), "X$PAUSED"sv})
-    tick(text);
+  for (const std::string_view text : {"X$STARTED"sv, std::string_view(survey.lastReading), "X$PAUSED"sv}) tick(text);
   return bytes;
 }
 

@@ -94,9 +94,8 @@ struct Survey {
 
   // `more` goes behind the usual options; {gps} in it is the receiver. `fileWaits` is sent until there is a
   // file, then `record` until it is shown, unless it is empty.
-  explicit Survey(const std::string& kind = "ORLA", const std::string& more = "",
-                  std::string_view record = kOrlaRecord, std::string_view shown = "value1 C:-10.00",
-                  std::string_view fileWaits = "");
+  explicit Survey(const std::string& kind = "ORLA", const std::string& more = "", std::string_view record = kOrlaRecord,
+                  std::string_view shown = "value1 C:-10.00", std::string_view fileWaits = "");
   bool send(std::string_view record) const { return instrument.send(record); }
   // The file, wiped.
   std::string content() const;

@@ -15,9 +15,7 @@ struct Stream {
   std::string tag = "?";  // of sentences that must be there
 };
 
-void PrintTo(const Stream& stream, std::ostream* out) {
-  *out << stream.test;
-}
+void PrintTo(const Stream& stream, std::ostream* out) { *out << stream.test; }
 
 class Simulated : public testing::TestWithParam<Stream> {};
 

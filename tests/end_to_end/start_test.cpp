@@ -49,8 +49,8 @@ TEST_F(Start, TakesAPortForItselfAlone) {
   Logger first("ORLA", device.name, folder.path());
   ASSERT_FALSE(first.file().empty());
   fails("TESKB", device.name,
-        fmt::format("Cannot open TESKB port\n{} is held by kalmira-log (process {}): end that program\n",
-                    device.name, first.process()));
+        fmt::format("Cannot open TESKB port\n{} is held by kalmira-log (process {}): end that program\n", device.name,
+                    first.process()));
   // Once it is free again, it can be had.
   first.leave();
   Logger third("TESKB", device.name, folder.path());

@@ -103,18 +103,10 @@ void Operator::sends(const Device& device, std::string_view record, std::string_
   sees(field, start);
 }
 
-void Operator::command(Qt::Key key, const QString& button) {
-  by_touch_ ? tap(button) : press(key);
-}
-void Operator::press(Qt::Key key) {
-  QTest::keyClick(receiver(window_), key);
-}
-void Operator::hold(Qt::Key key) {
-  QTest::keyPress(receiver(window_), key);
-}
-void Operator::release(Qt::Key key) {
-  QTest::keyRelease(receiver(window_), key);
-}
+void Operator::command(Qt::Key key, const QString& button) { by_touch_ ? tap(button) : press(key); }
+void Operator::press(Qt::Key key) { QTest::keyClick(receiver(window_), key); }
+void Operator::hold(Qt::Key key) { QTest::keyPress(receiver(window_), key); }
+void Operator::release(Qt::Key key) { QTest::keyRelease(receiver(window_), key); }
 
 void Operator::tap(const QString& button) {
   for (auto* each : window_.findChildren<QPushButton*>()) {

@@ -43,8 +43,7 @@ class Operator {
   void release(Qt::Key key);
 
   // Gives the command, does `act` in the dialog that opens from it, and fails where that stays open.
-  void answers(const QString& title, const std::function<void()>& open,
-               const std::function<void(QDialog&)>& act);
+  void answers(const QString& title, const std::function<void()>& open, const std::function<void(QDialog&)>& act);
   void answers(const QString& title, const std::function<void()>& open, const QString& button);
   // Types into the fields, over what stands there, and confirms by the button or by Enter.
   using Fields = std::vector<std::pair<const char*, QString>>;

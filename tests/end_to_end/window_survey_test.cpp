@@ -43,9 +43,8 @@ void pause(Operator& person) {
 }
 
 void enterLineCommentAndStation(Operator& person) {
-  person.fills(
-      "New Line", person.commands(Qt::Key_L, "&Line"),
-      {{"newLine", "7/a"}, {"startStation", "100"}, {"stationIncrement", "-2,5"}, {"direction", "E"}});
+  person.fills("New Line", person.commands(Qt::Key_L, "&Line"),
+               {{"newLine", "7/a"}, {"startStation", "100"}, {"stationIncrement", "-2,5"}, {"direction", "E"}});
   EXPECT_EQ(person.text(PanelField::line), "7/a");
   person.fills("Enter Comment", person.commands(Qt::Key_C, "&Cmnt"), {{"comment", "Fence by the road"}});
   person.fills("New Station", person.commands(Qt::Key_N, "&NStn"), {{"newStation", "42.5"}});
@@ -94,9 +93,8 @@ TEST(WindowSurvey, OfAnOrlaWithItsReceiverGivesItsFileByteForByte) {
   EXPECT_EQ(machine.run(work, true), 0);
   EXPECT_EQ(wiped(readFile(path), 24),
             bytesOf({.header = "ORLA2   W230GPS0010   2",
-                     .firstPiece = {withTick(24, "T$+0400-0800"), "@$GPGGA,101308.00,5057.",
-                                    "#90,N,00659.10,E,1,08,1", "#.1,50.0,M,46.0,M,,*5D", withTick(24, "!"),
-                                    withTick(24, "Td-0412+0796")},
+                     .firstPiece = {withTick(24, "T$+0400-0800"), "@$GPGGA,101308.00,5057.", "#90,N,00659.10,E,1,08,1",
+                                    "#.1,50.0,M,46.0,M,,*5D", withTick(24, "!"), withTick(24, "Td-0412+0796")},
                      .lastReading = "T$+0400-0800"}));
   const auto saved = machine.savedSettings();
   EXPECT_EQ(saved.conductivityMinimum, 3.0F);

@@ -54,8 +54,7 @@ const std::vector<ReadingCase> kReadings{
     {"ORLAS   W230GRD0000    \n", kFour, "T$-0400-1340", "V,0,100,10.00000,,1.00000,"},
     {"ORLA2   W230GRD0001    \n", kFour, "T$-0400+0800", "V,0,100,,,2.50000,"},
     // 62.5 mS/m lies between 64.58 at 3.4 m and 61.11 at 3.5 m; the last is beyond the table.
-    {"ORLAS  iW230GRD000010  \n", kFour + ",thickness", "T\x04-2500+0000",
-     "H,0,100,,62.50000,,0.00000,3.45994"},
+    {"ORLAS  iW230GRD000010  \n", kFour + ",thickness", "T\x04-2500+0000", "H,0,100,,62.50000,,0.00000,3.45994"},
     {"ORLAS  iW230GRD000010  \n", kFour + ",thickness", "T$-2500+0000", "V,0,100,62.50000,,0.00000,,"},
     {"ORLAS  iW230GRD000010  \n", kFour + ",thickness", "T\0-9999+0000"s, "H,0,1000,,2499.75000,,0.00000,"},
     {"ORLAS  iW230GRD000000  \n", kFour, "T\x04-2500+0000", "H,0,100,,62.50000,,0.00000"},
@@ -84,8 +83,7 @@ TEST(Export, HasTheChannelsOfEachKind) {
     // The first of its line, at station 10.
     const auto table =
         exported(header1 + lineBlock(length) + formatReading(static_cast<int>(length), reading, 2234)).table;
-    EXPECT_EQ(table,
-              std::string(kCommon) + columns + "\n7,10.000,1,2024-03-08,10:00:01.234,2234," + cells + "\n");
+    EXPECT_EQ(table, std::string(kCommon) + columns + "\n7,10.000,1,2024-03-08,10:00:01.234,2234," + cells + "\n");
   }
 }
 
@@ -100,13 +98,11 @@ TEST(Export, TakesTheRangesTimesTenOfATeskAlone) {
 }
 
 TEST(Export, AppliesTheLastCalibrationBeforeAReading) {
-  const std::string reading =
-      formatReading(26, std::string("T\x04\x80\0\x84\0\x84\0\x84\0\0\0\0\0", 14), 2000);
+  const std::string reading = formatReading(26, std::string("T\x04\x80\0\x84\0\x84\0\x84\0\0\0\0\0", 14), 2000);
   const std::string bytes = "TESK2   W230GRD00001     \n" + lineBlock(26) +
                             records(26, {"O1     0.500      9.000", "O2     0.250      9.000",
                                          "O5     2.000      9.000", "O6    -1.000      9.000"}) +
-                            reading + records(26, {"O1     0.000      0.500", "O3     7.000      0.000"}) +
-                            reading;
+                            reading + records(26, {"O1     0.000      0.500", "O3     7.000      0.000"}) + reading;
   EXPECT_EQ(exported(bytes).table,
             std::string(kCommon) +
                 "cond1_v,cond1_h,inph1_v,inph1_h,cond2_v,cond2_h,inph2_v,inph2_h\n"

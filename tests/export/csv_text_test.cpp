@@ -14,10 +14,9 @@ TEST(CsvText, WritesNumbersWholeAndWithoutANegativeZero) {
     std::string_view text;
   };
   for (const auto& [value, decimals, text] :
-       {Row{0.390625, 5, "0.39063"}, Row{0.999996, 5, "1.00000"}, Row{-0.000004, 5, "0.00000"},
-        Row{-0.0, 3, "0.000"}, Row{-12.5, 0, "-13"}, Row{0.05, 3, "0.050"},
-        Row{1e15, 3, "1000000000000000.000"}, Row{-1e20, 2, "-100000000000000000000.00"},
-        Row{std::numeric_limits<double>::infinity(), 3, ""},
+       {Row{0.390625, 5, "0.39063"}, Row{0.999996, 5, "1.00000"}, Row{-0.000004, 5, "0.00000"}, Row{-0.0, 3, "0.000"},
+        Row{-12.5, 0, "-13"}, Row{0.05, 3, "0.050"}, Row{1e15, 3, "1000000000000000.000"},
+        Row{-1e20, 2, "-100000000000000000000.00"}, Row{std::numeric_limits<double>::infinity(), 3, ""},
         Row{std::numeric_limits<double>::quiet_NaN(), 3, ""}}) {
     std::string cell;
     appendReal(cell, value, decimals);

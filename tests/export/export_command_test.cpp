@@ -38,9 +38,8 @@ struct ExportCommand : testing::Test {
   std::vector<std::string> said;
 };
 
-const std::string kWhole =
-    records24({"MIRKA   W210GRD0000", "H A", "L1", "B       0.00", "AN            1.000",
-               "Z08032024 10:00:00", "*10:00:00.000      1000", "T$-0004-0040       1500"});
+const std::string kWhole = records24({"MIRKA   W210GRD0000", "H A", "L1", "B       0.00", "AN            1.000",
+                                      "Z08032024 10:00:00", "*10:00:00.000      1000", "T$-0004-0040       1500"});
 const std::string kRow = "1,0.000,1,2024-03-08,10:00:00.500,1500,V,0,100,10.00000,10.00000\n";
 const std::string kTable = "line,station,repeat,date,time,tick,dipole,marker,range,cond,inph\n" + kRow;
 
@@ -71,12 +70,9 @@ TEST_F(ExportCommand, SaysWhatWasWrongWithAFileAndGivesWhatItCan) {
              {"ends in the middle of a record; its last 23 bytes were left out", "0 readings exported"}},
         Case{kWhole.substr(0, 20),
              kExportFailed,
-             {"the first record is damaged; its settings are taken as far as they can be read",
-              "0 readings exported"}},
+             {"the first record is damaged; its settings are taken as far as they can be read", "0 readings exported"}},
         Case{kWhole.substr(0, 168), kExportDone, {"holds no reading"}},
-        Case{kWhole + std::string(24, '\0'),
-             kExportDone,
-             {"24 damaged bytes were left out", "1 reading exported"}},
+        Case{kWhole + std::string(24, '\0'), kExportDone, {"24 damaged bytes were left out", "1 reading exported"}},
         Case{kWhole.substr(0, 144) + kWhole.substr(168),
              kExportDone,
              {"1 reading without a time: no time mark before them, or no readable tick"}}}) {
@@ -127,11 +123,11 @@ TEST_F(ExportCommand, TellsThatTheTableCouldNotBeWritten) {
 }
 
 TEST_F(ExportCommand, SaysHowItIsUsed) {
-  for (const auto& [arguments, mistake] : std::initializer_list<std::pair<std::string, std::string>>{
-           {"-o t.csv", "no data file was named"},
-           {"a -o", "-o wants a file name"},
-           {"a -o b -o c", "-o was given twice"},
-           {"a --format=x", "unknown option --format=x"}}) {
+  for (const auto& [arguments, mistake] :
+       std::initializer_list<std::pair<std::string, std::string>>{{"-o t.csv", "no data file was named"},
+                                                                  {"a -o", "-o wants a file name"},
+                                                                  {"a -o b -o c", "-o was given twice"},
+                                                                  {"a --format=x", "unknown option --format=x"}}) {
     optionsOf(exportCommandLine, arguments, mistake);
   }
 }

@@ -23,8 +23,7 @@ std::string documentedExample(int n) {
     } else if (line == "```") {
       return block;
     } else {
-      for (std::size_t at = 0; (at = line.find("\xC2\xB7", at)) != std::string::npos;)
-        line.replace(at, 2, " ");
+      for (std::size_t at = 0; (at = line.find("\xC2\xB7", at)) != std::string::npos;) line.replace(at, 2, " ");
       block += line + '\n';
     }
   }
@@ -33,13 +32,11 @@ std::string documentedExample(int n) {
 
 std::string writtenExample() {
   const int length = 24;
-  LocalTime time{
-      .year = 2024, .month = 3, .day = 8, .hour = 10, .minute = 13, .second = 7, .millisecond = 250};
+  LocalTime time{.year = 2024, .month = 3, .day = 8, .hour = 10, .minute = 13, .second = 7, .millisecond = 250};
   std::string file = formatHeader1({.gps = true, .listB = 1, .surveyMode = 0, .screenMark = '3'}) +
                      formatHeader2(length, "030810A", fixedField(2.0, 7, 3)) + formatLineName(length, "12N") +
-                     formatStartStation(length, 100.0) + formatDirection(length, 2, 2.5) +
-                     formatDate(length, time) + formatTimeMark(length, time, 81250) +
-                     formatNote(length, tag::kEvent, "$STARTED", 83100);
+                     formatStartStation(length, 100.0) + formatDirection(length, 2, 2.5) + formatDate(length, time) +
+                     formatTimeMark(length, time, 81250) + formatNote(length, tag::kEvent, "$STARTED", 83100);
   file += formatReading(length, "T$-0400+0800", 83150);
   file += formatGpsSentence(length, "$GPGLL,5057.9,N,00659.1,E*6E", 83300, tag::kGpsFirst, tag::kGpsMore);
   file += formatReading(length, "Td-0412+0796", 83650);
@@ -52,14 +49,11 @@ std::string writtenExample() {
   return file + formatNote(length, tag::kEvent, "$PAUSED", 136900);
 }
 
-TEST(FormatDocument, ShowsAFileAsItIsWritten) {
-  EXPECT_EQ(documentedExample(0), writtenExample());
-}
+TEST(FormatDocument, ShowsAFileAsItIsWritten) { EXPECT_EQ(documentedExample(0), writtenExample()); }
 
 TEST(FormatDocument, ShowsItsTable) {
   RecordReader reader;
-  ASSERT_EQ(reader.open(std::make_unique<std::istringstream>(documentedExample(0))).kind,
-            FileErrorKind::none);
+  ASSERT_EQ(reader.open(std::make_unique<std::istringstream>(documentedExample(0))).kind, FileErrorKind::none);
   std::string text;
   CsvTable table{.write = [&](std::string_view piece) { return text += piece, true; }, .columns = {}};
   exportReadings(reader, table);

@@ -71,9 +71,7 @@ TEST(GpsMessage, IsOneByteACharacterAndRowsBreakBehindCommas) {
 }
 
 TEST(MonitorLayout, GivesFingersTheirRoomFromTheList) {
-  const auto numbers = [](const MonitorBox& box) {
-    return std::vector<int>{box.left, box.top, box.width, box.height};
-  };
+  const auto numbers = [](const MonitorBox& box) { return std::vector<int>{box.left, box.top, box.width, box.height}; };
   const auto upright = layOutMonitor(240, 320, 20);
   EXPECT_THAT(numbers(upright.list), ElementsAre(2, 2, 236, 260));
   EXPECT_THAT(numbers(upright.edit), ElementsAre(2, 264, 236, 26));

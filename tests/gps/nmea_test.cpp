@@ -51,14 +51,12 @@ TEST(NmeaFraming, CutsAtLineFeedsAndStartsAgainAtEveryDollar) {
 
 TEST(NmeaChecksum, ComparesTheBytesBeforeTheFirstStarWithTheValueAfterTheLast) {
   // "$AB" is 03, 41 ^ 42; no digits are 0.
-  for (const auto* right :
-       {"$GPGGA,092750.000,5321.6802,N,00630.3372,W,1,8,1.03,61.7,M,55.2,M,,*76", "$AB*03", "$AB*3",
-        "$AB*03junk", "$AB* +0x03", "$Aj*2b", "$Aj*2B", "$AA*zz", "$AB*99*03", "$*00", "$*"}) {
+  for (const auto* right : {"$GPGGA,092750.000,5321.6802,N,00630.3372,W,1,8,1.03,61.7,M,55.2,M,,*76", "$AB*03", "$AB*3",
+                            "$AB*03junk", "$AB* +0x03", "$Aj*2b", "$Aj*2B", "$AA*zz", "$AB*99*03", "$*00", "$*"}) {
     EXPECT_TRUE(nmeaChecksumOk(right)) << right;
   }
-  for (const auto* wrong :
-       {"$GPGGA,092750.000,5321.6802,N,00630.3372,W,1,8,1.03,61.7,M,55.2,M,,*77", "$AB*", "$AB*103",
-        "$AB*100000003", "$AB*-3", "$AB*03*99", "$AB", "AB*03", "$", "*00", ""}) {
+  for (const auto* wrong : {"$GPGGA,092750.000,5321.6802,N,00630.3372,W,1,8,1.03,61.7,M,55.2,M,,*77", "$AB*", "$AB*103",
+                            "$AB*100000003", "$AB*-3", "$AB*03*99", "$AB", "AB*03", "$", "*00", ""}) {
     EXPECT_FALSE(nmeaChecksumOk(wrong)) << wrong;
   }
 }
@@ -71,10 +69,10 @@ TEST(NmeaField, CountsFromOneAndTakesTheRestForTheLast) {
     const char* field;  // nullptr: there is none
   };
   const auto* gsa = "$GPGSA,A,,1.8*33";
-  for (const auto& row : {Row{gsa, 1, ',', "$GPGSA"}, Row{gsa, 2, ',', "A"}, Row{gsa, 3, ',', ""},
-                          Row{gsa, 4, ',', "1.8*33"}, Row{gsa, 5, ',', nullptr}, Row{gsa, 100, ',', nullptr},
-                          Row{gsa, 0, ',', nullptr}, Row{gsa, -1, ',', nullptr},
-                          Row{"nothing to cut", 1, ',', "nothing to cut"}, Row{"a;b,c;", 3, ';', ""}}) {
+  for (const auto& row :
+       {Row{gsa, 1, ',', "$GPGSA"}, Row{gsa, 2, ',', "A"}, Row{gsa, 3, ',', ""}, Row{gsa, 4, ',', "1.8*33"},
+        Row{gsa, 5, ',', nullptr}, Row{gsa, 100, ',', nullptr}, Row{gsa, 0, ',', nullptr}, Row{gsa, -1, ',', nullptr},
+        Row{"nothing to cut", 1, ',', "nothing to cut"}, Row{"a;b,c;", 3, ';', ""}}) {
     std::string out = "untouched";
     EXPECT_EQ(GetNmeaField(row.sentence, row.number, row.separator, out), row.field == nullptr ? 0 : 1);
     EXPECT_EQ(out, row.field == nullptr ? "untouched" : row.field) << row.number;

@@ -23,8 +23,7 @@ struct GpsReaders : testing::Test {
 
 TEST_F(GpsReaders, LinesComeWithTheTickOfTheirFirstByte) {
   std::vector<std::string> lines;
-  device.steps = {{.bytes = "junk$GPG", .silenceMs = 30},
-                  {.bytes = "GA,1*00\r\n$GPGSA,2\r\n", .silenceMs = 70}};
+  device.steps = {{.bytes = "junk$GPG", .silenceMs = 30}, {.bytes = "GA,1*00\r\n$GPGSA,2\r\n", .silenceMs = 70}};
   GpsReaderThread(port, clock, stop, [&](const GpsLine& line) {
     lines.push_back(fmt::format("{} {}", line.tick, line.text));
     return true;
@@ -118,8 +117,8 @@ TEST_F(MonitorReader, AGoneReceiverIsToldAndGetsNoMessageThatIsTooOld) {
     return true;
   };
   EXPECT_EQ(run({{.gone = true}}), ReaderEnd::gone);
-  EXPECT_THAT(shown, ElementsAre("Receiver unplugged: trying again every second",
-                                 "Message not sent: receiver unplugged"));
+  EXPECT_THAT(shown,
+              ElementsAre("Receiver unplugged: trying again every second", "Message not sent: receiver unplugged"));
   EXPECT_EQ(run({{.bytes = "$A\r\n"}}, true), ReaderEnd::stopped);
   EXPECT_THAT(device.trace, ElementsAre("0 purge", "0 purge", "0 read", "0 read"));
   EXPECT_THAT(shown, ElementsAre("Receiver is back", "$A"));
@@ -193,8 +192,8 @@ TEST_F(FindReceiver, FindsTheLineThroughTheNoiseOfTheOthersAndTellsWhatItHeardEl
 
 TEST(ReceiverSentence, IsMoreThanARightChecksum) {
   EXPECT_TRUE(isReceiverSentence("$GPGLL,1,2*53"));
-  for (const auto* line : {"$GPGLL,1,2*54", "$GPGLL,1,2*053", "$GPGLL,1,2*5", "GPGLL,1,2*53", "$*00", "$*",
-                           "", "$GPGL\x80,1,2*9F"}) {
+  for (const auto* line :
+       {"$GPGLL,1,2*54", "$GPGLL,1,2*053", "$GPGLL,1,2*5", "GPGLL,1,2*53", "$*00", "$*", "", "$GPGL\x80,1,2*9F"}) {
     EXPECT_FALSE(isReceiverSentence(line)) << line;
   }
 }

@@ -71,17 +71,7 @@ const std::vector<Row> kRows{
     {Kind::teskb, 2, 56.7F, -35.5392F, 'H', 'N', 100, {{1, 56.7F}, {3, -35.5392F}}, kNormal, 0, 1000},
     {Kind::teskb, 3, 567.0F, -35.5392F, 'H', 'N', 1000, {{1, 567.0F}, {3, -35.5392F}}, kNormal, 0, 1000},
     {Kind::teskb, 64 + 4, 56.7F, -3.55392F, 'H', 'M', 100, {{1, 56.7F}, {3, -3.55392F}}, kNormal, 0, 100},
-    {Kind::teskb,
-     32 + 16 + 7,
-     70.875F,
-     -4.4424F,
-     'V',
-     'N',
-     1000,
-     {{0, 70.875F}, {2, -4.4424F}},
-     kNormal,
-     0,
-     1000},
+    {Kind::teskb, 32 + 16 + 7, 70.875F, -4.4424F, 'V', 'N', 1000, {{0, 70.875F}, {2, -4.4424F}}, kNormal, 0, 1000},
     // TESKDD: one component of both dipoles
     {Kind::teskdd, 0, -3.55392F, 1.63296F, 'H', 'N', 100, {{2, -3.55392F}, {3, 1.63296F}}, kNormal, 1},
     {Kind::teskdd, 3, -35.5392F, 16.3296F, 'H', 'N', 1000, {{2, -35.5392F}, {3, 16.3296F}}, kNormal, 1},
@@ -208,10 +198,9 @@ TEST(Tesk2Decode, TestsTheModeByteWithItsMarkerBits) {
     int mode;
     char orientation, secondMode;
   };
-  const std::vector<ModeCase> cases{{0, 'H', 'M'},     {1, 'H', 'M'},          {2, 'H', 'N'},
-                                    {3, 'H', 'M'},     {4, 'V', 'M'},          {5, 'V', 'M'},
-                                    {6, 'V', 'N'},     {7, 'V', 'M'},          {2 + 16, 'V', 'M'},
-                                    {2 + 8, 'V', 'M'}, {6 + 16 + 8, 'V', 'M'}, {255, 'V', 'M'}};
+  const std::vector<ModeCase> cases{{0, 'H', 'M'},      {1, 'H', 'M'},     {2, 'H', 'N'},          {3, 'H', 'M'},
+                                    {4, 'V', 'M'},      {5, 'V', 'M'},     {6, 'V', 'N'},          {7, 'V', 'M'},
+                                    {2 + 16, 'V', 'M'}, {2 + 8, 'V', 'M'}, {6 + 16 + 8, 'V', 'M'}, {255, 'V', 'M'}};
   for (const auto& [mode, orientation, secondMode] : cases) {
     SCOPED_TRACE(mode);
     const auto reading = kTesk2Row.decode(tesk2Record(mode, kWords), {});
@@ -223,8 +212,7 @@ TEST(Tesk2Decode, TestsTheModeByteWithItsMarkerBits) {
 }
 
 TEST(Tesk2Decode, AddsConductivityAndSubtractsInphaseOffsetsOfTheOrientation) {
-  DecodeOptions options{.listA = 1,
-                        .calibration = {1, 2, 3, 4, 10, 20}};  // V1, V2, H1, H2, conductivity 1, 2
+  DecodeOptions options{.listA = 1, .calibration = {1, 2, 3, 4, 10, 20}};  // V1, V2, H1, H2, conductivity 1, 2
   const std::array<std::uint16_t, 6> words{33792, 33792, 33792, 33792, 0, 0};
   EXPECT_EQ(kTesk2Row.decode(tesk2Record(6, words), options).channels.value,
             (std::array<float, kSlots>{50, 0, 39, 0, 60, 0, 38, 0}));

@@ -10,9 +10,7 @@
 namespace kalmira {
 namespace {
 
-Bytes bytesOf(std::string_view text) {
-  return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
-}
+Bytes bytesOf(std::string_view text) { return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()}; }
 
 // Feeds `block` to its end and appends every record that ends in it to `seen`, a bad one as "bad".
 template <class Framer>
@@ -80,8 +78,7 @@ TEST(AsciiFraming, FindsRecordsOfTwelveBytes) {
 }
 
 TEST(AsciiFraming, FindsRecordsOfSevenBytes) {
-  EXPECT_EQ(frame(AsciiFramer(7), "T\x04+0123\rT\x27-9999\r"),
-            (std::vector<std::string>{"T\x04+0123", "T\x27-9999"}));
+  EXPECT_EQ(frame(AsciiFramer(7), "T\x04+0123\rT\x27-9999\r"), (std::vector<std::string>{"T\x04+0123", "T\x27-9999"}));
   EXPECT_EQ(frame(AsciiFramer(7), "TA+0123-0045\r"), std::vector<std::string>{"bad"});
 }
 
@@ -92,9 +89,7 @@ TEST(IceFraming, ChecksEveryByteAtItsPlace) {
       {"letter among the thickness digits", "T1x", {"bad"}},
       {"fifth byte is no I", "T1234", {"bad"}},
       {"letter among the inphase digits", "T123I0:", {"bad"}},
-      {"the failing byte is not a new start",
-       "T12T123I045",
-       {"bad", "bad", "bad", "bad", "bad", "bad", "bad", "bad"}},
+      {"the failing byte is not a new start", "T12T123I045", {"bad", "bad", "bad", "bad", "bad", "bad", "bad", "bad"}},
       {"cut record", "T123I04", {}}};
   for (const auto& [name, stream, seen] : cases) {
     SCOPED_TRACE(name);

@@ -20,10 +20,10 @@ IceModel loaded(int seaWaterCase, bool family) {
 
 // Each entry times its place, summed up: a digit that slips, or two that change places, is seen.
 constexpr std::array<std::array<double, kSeaWaterCases>, 2> kSums{
-    {{229209.856, 232929.607, 236439.541, 239755.804, 242892.25, 245861.633, 248675.011, 251343.247,
-      253875.137, 256279.243, 258563.568},
-     {180057.53, 183890.58, 187583.69, 191142.49, 194573.65, 197899.25, 201103.9, 204209.27, 207218.91,
-      210141.55, 212973.99}}};
+    {{229209.856, 232929.607, 236439.541, 239755.804, 242892.25, 245861.633, 248675.011, 251343.247, 253875.137,
+      256279.243, 258563.568},
+     {180057.53, 183890.58, 187583.69, 191142.49, 194573.65, 197899.25, 201103.9, 204209.27, 207218.91, 210141.55,
+      212973.99}}};
 
 TEST(IceTables, FallFromTheUpperLimitOfEachCaseToTheLowerOne) {
   for (int seaWaterCase = 0; seaWaterCase < kSeaWaterCases; ++seaWaterCase) {

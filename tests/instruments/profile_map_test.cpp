@@ -9,8 +9,7 @@ namespace {
 
 constexpr int kKept = -7;
 
-std::array<int, kProfilePoints> mapped(Kind kind, bool ice, bool unscaled,
-                                       const std::array<float, kSlots>& values) {
+std::array<int, kProfilePoints> mapped(Kind kind, bool ice, bool unscaled, const std::array<float, kSlots>& values) {
   // Conductivity: (10 - v) x 2; inphase: (5 - v) x 4; ice: (3 - v) x 100
   const ProfileAxes axes{.conductivity = {10, 2}, .inphase = {5, 4}, .ice = {3, 100}};
   std::array<int, kProfilePoints> points{};
@@ -43,8 +42,7 @@ TEST(ProfileMapping, PutsEachKindsValuesOnTheirAxes) {
 TEST(ProfileMapping, TruncatesAndKeepsWithinInt) {
   const float nan = std::numeric_limits<float>::quiet_NaN();
   const float infinity = std::numeric_limits<float>::infinity();
-  const auto points =
-      mapped(Kind::vardo, false, false, {9.3F, 10.7F, nan, -1e30F, infinity, -infinity, 0, 0});
+  const auto points = mapped(Kind::vardo, false, false, {9.3F, 10.7F, nan, -1e30F, infinity, -infinity, 0, 0});
   EXPECT_EQ(points[0], 1);   // 1.4
   EXPECT_EQ(points[1], -1);  // -1.4
   EXPECT_EQ(points[2], 0);

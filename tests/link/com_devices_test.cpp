@@ -51,8 +51,7 @@ TEST(ComDevices, UnassignedNumbersTakeWhatIsLeftInOrderOfName) {
                                    {"more ports than numbers", {}, twenty, twelve}}) {
     ComAssignments assigned;
     std::vector<SerialDevice> present;
-    for (const auto& [number, device] : item.assigned)
-      assigned.at(static_cast<std::size_t>(number - 1)) = device;
+    for (const auto& [number, device] : item.assigned) assigned.at(static_cast<std::size_t>(number - 1)) = device;
     for (const auto& [path, stable] : item.present) present.push_back({path, stable, ""});
     auto wanted = item.first;
     wanted.resize(kComPorts);

@@ -18,9 +18,9 @@ TEST(GpsLine, FollowsTheListsAndLeavesTheRestAsItIs) {
     settings.gpsBaudIndex = index++;
     EXPECT_EQ(gpsLine(settings).baud, baud) << index;
   }
-  for (const auto& item : {Case{1, 0, 0, {{}, 8, Parity::none, 1, true}},
-                           Case{0, 1, 1, {{}, 7, even, 2, true}}, Case{1, 2, 0, {{}, 8, odd, 1, true}},
-                           Case{2, 3, 2, {{}, {}, {}, {}, true}}, Case{-1, -1, -1, {{}, {}, {}, {}, true}}}) {
+  for (const auto& item : {Case{1, 0, 0, {{}, 8, Parity::none, 1, true}}, Case{0, 1, 1, {{}, 7, even, 2, true}},
+                           Case{1, 2, 0, {{}, 8, odd, 1, true}}, Case{2, 3, 2, {{}, {}, {}, {}, true}},
+                           Case{-1, -1, -1, {{}, {}, {}, {}, true}}}) {
     settings.gpsDataBitsIndex = item.dataBits;
     settings.gpsParityIndex = item.parity;
     settings.gpsStopBitsIndex = item.stopBits;
@@ -38,9 +38,9 @@ TEST(MarkerPort, SkipsCom6AndIsPlacedByListPositions) {
     MarkerPlace place;
   };
   using enum MarkerPlace;
-  for (const auto& item : {Case{Kind::tesk2, 0, 0, none}, Case{Kind::tesk2, 1, 0, instrumentPort},
-                           Case{Kind::tesk2, 2, 0, ownPort}, Case{Kind::tesk2, 6, 5, instrumentPort},
-                           Case{Kind::tesk2, 6, 6, ownPort}, Case{Kind::orla, 2, 0, none}}) {
+  for (const auto& item :
+       {Case{Kind::tesk2, 0, 0, none}, Case{Kind::tesk2, 1, 0, instrumentPort}, Case{Kind::tesk2, 2, 0, ownPort},
+        Case{Kind::tesk2, 6, 5, instrumentPort}, Case{Kind::tesk2, 6, 6, ownPort}, Case{Kind::orla, 2, 0, none}}) {
     Settings settings;
     settings.markerPortChoice = item.choice;
     settings.instrumentPortIndex = item.instrumentIndex;

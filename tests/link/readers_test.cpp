@@ -34,8 +34,7 @@ struct ReadersTest : testing::Test {
     device.trace.clear();
   }
   auto purges() const {
-    return std::count_if(device.trace.begin(), device.trace.end(),
-                         testing::Matches(testing::EndsWith("purge")));
+    return std::count_if(device.trace.begin(), device.trace.end(), testing::Matches(testing::EndsWith("purge")));
   }
 };
 
@@ -46,9 +45,9 @@ TEST_F(ReadersTest, GoodRecordsFillTheCountAndBadOnesUseItUp) {
     std::size_t handOvers;
   };
   for (const auto& [records, perReading, countLeft, handOvers] :
-       {Case{"g", 1, 0, 1}, Case{"b", 1, 0, 0}, Case{"ggg", 3, 0, 1}, Case{"ggb", 3, 0, 0},
-        Case{"gbg", 3, 0, 1}, Case{"bbb", 3, 0, 0}, Case{"ggbgg", 3, 2, 0}, Case{"ggbggg", 3, 0, 1},
-        Case{"gg", 3, 2, 0}, Case{"gggggg", 2, 0, 3}}) {
+       {Case{"g", 1, 0, 1}, Case{"b", 1, 0, 0}, Case{"ggg", 3, 0, 1}, Case{"ggb", 3, 0, 0}, Case{"gbg", 3, 0, 1},
+        Case{"bbb", 3, 0, 0}, Case{"ggbgg", 3, 2, 0}, Case{"ggbggg", 3, 0, 1}, Case{"gg", 3, 2, 0},
+        Case{"gggggg", 2, 0, 3}}) {
     std::string stream;
     for (const char c : records) stream += c == 'g' ? "T12345678901\r" : "X12345678901\r";
     link.recordsPerReading = perReading;
@@ -174,13 +173,12 @@ TEST(RecordRates, FollowTheIntervalWithinWhatTheStreamDelivers) {
   const int most = std::numeric_limits<int>::max();
   // The last two lines are what no setting should hold.
   for (const auto& [interval, period, records, perSecond] :
-       {Row{1.0F, 72.0F, 14, 1},       Row{1.0F, 91.0F, 11, 1},   Row{0.5F, 91.0F, 5, 2},
-        Row{0.5F, 72.0F, 7, 2},        Row{0.2F, 100.0F, 2, 5},   Row{0.1F, 100.0F, 1, 10},
-        Row{0.1F, 50.0F, 2, 10},       Row{0.3F, 50.0F, 6, 3},    Row{0.7F, 50.0F, 14, 1},
-        Row{2.0F, 91.0F, 22, 1},       Row{10.0F, 50.0F, 200, 1}, Row{0.01F, 72.0F, 1, 14},
-        Row{0.01F, 91.0F, 1, 11},      Row{0.01F, 100.0F, 1, 10}, Row{0.01F, 50.0F, 1, 20},
-        Row{0.0F, 91.0F, 1, 11},       Row{-1.0F, 91.0F, 1, 1},   Row{nan, 91.0F, 1, 1},
-        Row{infinity, 91.0F, most, 1}, Row{1.0F, 0.0F, most, 1},  Row{0.01F, nan, 1, 1}}) {
+       {Row{1.0F, 72.0F, 14, 1},  Row{1.0F, 91.0F, 11, 1},   Row{0.5F, 91.0F, 5, 2},        Row{0.5F, 72.0F, 7, 2},
+        Row{0.2F, 100.0F, 2, 5},  Row{0.1F, 100.0F, 1, 10},  Row{0.1F, 50.0F, 2, 10},       Row{0.3F, 50.0F, 6, 3},
+        Row{0.7F, 50.0F, 14, 1},  Row{2.0F, 91.0F, 22, 1},   Row{10.0F, 50.0F, 200, 1},     Row{0.01F, 72.0F, 1, 14},
+        Row{0.01F, 91.0F, 1, 11}, Row{0.01F, 100.0F, 1, 10}, Row{0.01F, 50.0F, 1, 20},      Row{0.0F, 91.0F, 1, 11},
+        Row{-1.0F, 91.0F, 1, 1},  Row{nan, 91.0F, 1, 1},     Row{infinity, 91.0F, most, 1}, Row{1.0F, 0.0F, most, 1},
+        Row{0.01F, nan, 1, 1}}) {
     const RecordRates rates = recordRates(interval, period);
     EXPECT_EQ(rates.recordsPerInterval, records) << interval << " s at " << period << " ms";
     EXPECT_EQ(rates.ratePerSecond, perSecond) << interval << " s at " << period << " ms";

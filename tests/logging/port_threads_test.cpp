@@ -29,15 +29,15 @@ struct PortThreadsTest : testing::Test {
   std::function<void()> onRecord = [this] { seen.emplace_back(link.record()); };
 
   SerialSessionPorts makePorts(Kind kind) {
-    return {kind,
-            settings,
-            [](int com) { return com == 12 ? std::string() : "com" + std::to_string(com); },
-            link,
-            handOver,
-            clock,
-            [this] { return std::make_unique<FakePort>(devices); },
-            {.onRecord = [this] { onRecord(); },
-             .onGpsLine = [this](const GpsLine& line) { seen.push_back(line.text); }}};
+    return {
+        kind,
+        settings,
+        [](int com) { return com == 12 ? std::string() : "com" + std::to_string(com); },
+        link,
+        handOver,
+        clock,
+        [this] { return std::make_unique<FakePort>(devices); },
+        {.onRecord = [this] { onRecord(); }, .onGpsLine = [this](const GpsLine& line) { seen.push_back(line.text); }}};
   }
   bool handleOne() {
     if (!woken.try_acquire_for(std::chrono::seconds(10))) return false;
@@ -154,10 +154,9 @@ TEST_F(PortThreadsTest, AReceiverIsTriedTenTimesTheOthersOnce) {
   tell(ports.OpenMarkerPort());
   settings.instrumentPortIndex = 11;
   tell(ports.OpenInstrumentPort());
-  EXPECT_THAT(problems,
-              ElementsAre("Cannot open GPS port: refused", "Cannot open TESK2 port: refused",
-                          "Cannot open External Marker port: refused",
-                          "Cannot open TESK2 port: No device stands for COM12: plug one in or name one"));
+  EXPECT_THAT(problems, ElementsAre("Cannot open GPS port: refused", "Cannot open TESK2 port: refused",
+                                    "Cannot open External Marker port: refused",
+                                    "Cannot open TESK2 port: No device stands for COM12: plug one in or name one"));
   EXPECT_EQ(gps.opens, 20);
   EXPECT_EQ(marker.opens, 1);
   EXPECT_EQ(marker.line, markerLine(Kind::tesk2));

@@ -113,18 +113,17 @@ struct AverageCase {
 // Each field that the kind has is averaged, towards zero, and nothing else is touched.
 TEST(Average, OfSamplesIsOneRecordAndEndsInManualMode) {
   for (const auto& item :
-       {AverageCase{
-            Kind::orla, {"T`-0100-0400", "T -0200-0500", "T -0301-0600"}, "T -0200-0500", "C:50.08   mS/m"},
+       {AverageCase{Kind::orla, {"T`-0100-0400", "T -0200-0500", "T -0301-0600"}, "T -0200-0500", "C:50.08   mS/m"},
         AverageCase{Kind::orla, {kPressed, "T -0201+0501"}, "T -0150+0050", "C:37.62   mS/m"},
         AverageCase{Kind::teskb, {"T`+9999-0003", "T +9999-0002"}, "T +9999-0002", "C:"},
         AverageCase{Kind::mirka, {kPressed, "T -0201-0501"}, "T -0150-0450", "C:"},
         AverageCase{Kind::tesk, {"Td-0100", "T$-0201"}, "T$-0150     ", "C:"},
         AverageCase{Kind::tesk, {"Td-0100-0400", "T$-0201-0501"}, "T$-0150-0501", "C:"},
-        AverageCase{Kind::tesk2,
-                    {tesk2Record(14, {32768, 100, 33792, 1, 0, 65535}),
-                     tesk2Record(6, {32768, 101, 34816, 2, 0, 65535})},
-                    tesk2Record(6, {32768, 100, 34304, 1, 0, 65535}),
-                    "C:60.00   mS/m"}}) {
+        AverageCase{
+            Kind::tesk2,
+            {tesk2Record(14, {32768, 100, 33792, 1, 0, 65535}), tesk2Record(6, {32768, 101, 34816, 2, 0, 65535})},
+            tesk2Record(6, {32768, 100, 34304, 1, 0, 65535}),
+            "C:60.00   mS/m"}}) {
     SCOPED_TRACE(std::string(instrumentOf(item.kind).name) + ' ' + item.written);
     TestSession test(item.kind);
     test.settings.readingsCount = static_cast<int>(item.samples.size());
@@ -199,9 +198,7 @@ TEST(Reading, ValueTextsOfEveryKind) {
             {{value1, "B:0.25    "}, {value2, "B:0.50    "}, {range, "Battery Levels"}}},
            {Kind::teskb,
             "T\x01-1000-0100",  // horizontal, gains 1000 and 100
-            {{value1, "C:100.00  mS/m"},
-             {value2, "I:2.88    ppt"},
-             {range, "Horizontal    GnC:1000  GnI:100 "}},
+            {{value1, "C:100.00  mS/m"}, {value2, "I:2.88    ppt"}, {range, "Horizontal    GnC:1000  GnI:100 "}},
             {{value1, "C:100.00  "}, {range, "Horizontal G1000,100 "}}},
            {Kind::teskdd,
             "T\x27-0100-0200",  // conductivity, range 1000
@@ -226,10 +223,7 @@ TEST(Reading, ValueTextsOfEveryKind) {
            {Kind::glaco, "T123I456", {{value1, "Th:1.23    "}, {value2, "IP:456.00  "}}, {}},
            {Kind::tesk2,
             tesk2Record(6, {33792, 32768, 0x0A0A, 33792, 311, 0}),
-            {{value2, "I:1.15    ppt"},
-             {value3, "c:40.00   mS/m"},
-             {value5, "T:50.06   "},
-             {value6, "t:-50.00  "}},
+            {{value2, "I:1.15    ppt"}, {value3, "c:40.00   mS/m"}, {value5, "T:50.06   "}, {value6, "t:-50.00  "}},
             {}}}) {
     for (const bool wide : {true, false}) {
       TestSession test(item.kind, false, wide);

@@ -46,14 +46,13 @@ struct PortCase {
 
 // An index outside the list of ports stands for the first setting: COM1 for the instrument, COM2 for GPS.
 TEST(SessionStart, PortConflicts) {
-  for (const auto& item :
-       {PortCase{Kind::orla, 1, 0, 0, 0, true}, PortCase{Kind::orla, 0, 0, 0, 0, false},
-        PortCase{Kind::orla, 1, 3, 4, 0, false}, PortCase{Kind::orla, 1, 99, 0, 0, true},
-        PortCase{Kind::orla, 1, -1, 0, 0, true}, PortCase{Kind::orla, 1, 1, 12, 0, true},
-        PortCase{Kind::orla, 1, 12, -1, 0, false},
-        PortCase{Kind::tesk2, 1, 0, 1, 2, true},          // the marker on COM2, as GPS
-        PortCase{Kind::tesk2, 1, 0, 1, 1, false, false},  // on the instrument's own cable
-        PortCase{Kind::tesk2, 1, 0, 1, 3, false, true}, PortCase{Kind::orla, 1, 0, 1, 2, false}}) {
+  for (const auto& item : {PortCase{Kind::orla, 1, 0, 0, 0, true}, PortCase{Kind::orla, 0, 0, 0, 0, false},
+                           PortCase{Kind::orla, 1, 3, 4, 0, false}, PortCase{Kind::orla, 1, 99, 0, 0, true},
+                           PortCase{Kind::orla, 1, -1, 0, 0, true}, PortCase{Kind::orla, 1, 1, 12, 0, true},
+                           PortCase{Kind::orla, 1, 12, -1, 0, false},
+                           PortCase{Kind::tesk2, 1, 0, 1, 2, true},          // the marker on COM2, as GPS
+                           PortCase{Kind::tesk2, 1, 0, 1, 1, false, false},  // on the instrument's own cable
+                           PortCase{Kind::tesk2, 1, 0, 1, 3, false, true}, PortCase{Kind::orla, 1, 0, 1, 2, false}}) {
     TestSession test(item.kind);
     test.settings.gpsInput = item.gpsInput;
     test.settings.instrumentPortIndex = item.instrument;
@@ -289,8 +288,7 @@ std::string withChecksum(std::string text) {
 }
 
 GpsLine gga(const std::string& time) {
-  return {.text = withChecksum("$GPGGA," + time + ",4807.038,N,01131.000,E,4,08,0.9,5.4,M,46.9,M,,"),
-          .tick = 77};
+  return {.text = withChecksum("$GPGGA," + time + ",4807.038,N,01131.000,E,4,08,0.9,5.4,M,46.9,M,,"), .tick = 77};
 }
 
 TEST(GpsHandler, AutoModeWritesEachLineAsItComes) {
@@ -348,13 +346,12 @@ TEST(Keys, CodesOfEveryState) {
   Focus focus;
   for (const bool enabled : {true, false}) {
     test.session.inputEnabled = enabled;
-    for (const auto& item :
-         {Case{'C', 0, 3, 0}, Case{'g', kNoCode, 0, 0}, Case{'L', kNoCode, 1, 0}, Case{'n', 2, 2, 0},
-          Case{'M', 4, 4, 0}, Case{'X', 4, 5, 0}, Case{'u', 1, kNoCode, 0}, Case{'A', kNoCode, kNoCode, 0},
-          Case{'E', kNoCode, kNoCode, 0}, Case{'B', kNoCode, kNoCode, 0}, Case{'0', kNoCode, kNoCode, 0},
-          Case{13, 0, 0, 0}}) {
-      for (const auto& [state, code] : {std::pair{kNoFile, item.noFile}, std::pair{kStandBy, item.standBy},
-                                        std::pair{kLogging, item.logging}}) {
+    for (const auto& item : {Case{'C', 0, 3, 0}, Case{'g', kNoCode, 0, 0}, Case{'L', kNoCode, 1, 0}, Case{'n', 2, 2, 0},
+                             Case{'M', 4, 4, 0}, Case{'X', 4, 5, 0}, Case{'u', 1, kNoCode, 0},
+                             Case{'A', kNoCode, kNoCode, 0}, Case{'E', kNoCode, kNoCode, 0},
+                             Case{'B', kNoCode, kNoCode, 0}, Case{'0', kNoCode, kNoCode, 0}, Case{13, 0, 0, 0}}) {
+      for (const auto& [state, code] :
+           {std::pair{kNoFile, item.noFile}, std::pair{kStandBy, item.standBy}, std::pair{kLogging, item.logging}}) {
         test.session.loggingState = state;
         focus = {};
         EXPECT_EQ(codeOfKey(test.session, focus, {}, item.key), enabled ? code : kNoCode)

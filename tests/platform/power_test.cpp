@@ -30,8 +30,7 @@ TEST(Battery, TellsTheChargeOfTheMachinesOwnBatteries) {
            {"charge out of range", {{{"type", "Battery\n"}, {"capacity", "255\n"}}}, std::nullopt}}) {
     const TempFolder base;
     for (std::size_t i = 0; i < item.supplies.size(); ++i) {
-      for (const auto& [name, content] : item.supplies[i])
-        writeFile(base.path() / std::to_string(i) / name, content);
+      for (const auto& [name, content] : item.supplies[i]) writeFile(base.path() / std::to_string(i) / name, content);
     }
     EXPECT_EQ(batteryPercent(base.path()), item.percent) << item.what;
   }

@@ -16,19 +16,18 @@ constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 TEST(ParseInt, TakesTheNumberInFrontAndKeepsItInRange) {
   using Case = std::pair<std::string_view, int>;
-  for (const auto& [text, value] : {Case{"", 0}, Case{"x", 0}, Case{"-", 0}, Case{"+-4", 0}, Case{"+17", 17},
-                                    Case{" \t-42km", -42}, Case{"7.9", 7}, Case{"0x10", 0}, Case{"1.234", 1},
-                                    Case{"2147483648", 2147483647}, Case{"-99999999999", -2147483647 - 1}}) {
+  for (const auto& [text, value] :
+       {Case{"", 0}, Case{"x", 0}, Case{"-", 0}, Case{"+-4", 0}, Case{"+17", 17}, Case{" \t-42km", -42}, Case{"7.9", 7},
+        Case{"0x10", 0}, Case{"1.234", 1}, Case{"2147483648", 2147483647}, Case{"-99999999999", -2147483647 - 1}}) {
     EXPECT_EQ(parseInt(text), value) << '"' << text << '"';
   }
 }
 
 TEST(ParseReal, TakesTheNumberInFront) {
   using Case = std::pair<std::string_view, double>;
-  for (const auto& [text, value] :
-       {Case{"", 0}, Case{"A7", 0}, Case{" +2.5", 2.5}, Case{"-0012", -12}, Case{"1,5", 1},
-        Case{"1.5e2mS", 150}, Case{".25", 0.25}, Case{"3e", 3}, Case{"-1e999", -kInfinity},
-        Case{"1e999", kInfinity}, Case{"-1e-999", 0}, Case{"inf", kInfinity}}) {
+  for (const auto& [text, value] : {Case{"", 0}, Case{"A7", 0}, Case{" +2.5", 2.5}, Case{"-0012", -12}, Case{"1,5", 1},
+                                    Case{"1.5e2mS", 150}, Case{".25", 0.25}, Case{"3e", 3}, Case{"-1e999", -kInfinity},
+                                    Case{"1e999", kInfinity}, Case{"-1e-999", 0}, Case{"inf", kInfinity}}) {
     EXPECT_EQ(parseReal(text), value) << '"' << text << '"';
   }
   EXPECT_TRUE(std::isnan(parseReal("nan")));
@@ -54,8 +53,7 @@ TEST(Text, IsCutPaddedAndNarrowedByCharacters) {
   EXPECT_EQ(textField("abcdef", 5), "abcde");
   // Two, three and four bytes; a control character; a lone continuation byte; a lead byte without its rest.
   EXPECT_EQ(narrow("\xC3\x84z \xE2\x82\xAC \xF0\x9F\x8C\x8D\t\x80\xE2\x82"), "?z ? ?????");
-  EXPECT_EQ(firstCharacters("a\xC3\x84\xE2\x82\xAC\xF0\x9F\x8C\x8Dz", 4),
-            "a\xC3\x84\xE2\x82\xAC\xF0\x9F\x8C\x8D");
+  EXPECT_EQ(firstCharacters("a\xC3\x84\xE2\x82\xAC\xF0\x9F\x8C\x8Dz", 4), "a\xC3\x84\xE2\x82\xAC\xF0\x9F\x8C\x8D");
   EXPECT_EQ(firstCharacters("\xE2\x82", 1), "\xE2");
   EXPECT_EQ(firstCharacters("ab", 9), "ab");
 }

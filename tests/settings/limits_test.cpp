@@ -41,19 +41,17 @@ TEST(SurveyNumbers, AreBroughtToTheNearestAllowed) {
   constexpr NumberLimits kCount{1, 100, true};
   constexpr NumberLimits kStation{-9999, 9999};
   for (const auto& c :
-       {Case{"2.5", kInterval, 2.5, ""}, Case{" +.5e1 ", kInterval, 5, ""},
-        Case{"0.091", kInterval, 0.091, ""}, Case{"0.05", kInterval, 0.091, "Was \"0.05\": 0.091 to 86400"},
+       {Case{"2.5", kInterval, 2.5, ""}, Case{" +.5e1 ", kInterval, 5, ""}, Case{"0.091", kInterval, 0.091, ""},
+        Case{"0.05", kInterval, 0.091, "Was \"0.05\": 0.091 to 86400"},
         Case{"-1", kInterval, 0.091, "Was \"-1\": 0.091 to 86400"},
         Case{"1e38", kInterval, 86400, "Was \"1e38\": 0.091 to 86400"},
         Case{"1e999", kStation, 9999, "Was \"1e999\": -9999 to 9999"},
         Case{"-99999999999999", kStation, -9999, "Was \"-99999999999...\": -9999 to 9999"},
         Case{"101", kCount, 100, "Was \"101\": 1 to 100"}, Case{"0", kCount, 1, "Was \"0\": 1 to 100"},
         Case{"2.6", kCount, 3, "Was \"2.6\": whole numbers only"}, Case{"5m", kStation, 5, "Was \"5m\""},
-        Case{"1e", kStation, 1, "Was \"1e\""}, Case{"", kCount, 7, "Was empty"},
-        Case{"  ", kCount, 7, "Was empty"}, Case{"abc", kCount, 7, "Was \"abc\": no number"},
-        Case{"nan", kStation, 7, "Was \"nan\": no number"},
-        Case{"inf", kStation, 7, "Was \"inf\": no number"},
-        Case{"-.", kStation, 7, "Was \"-.\": no number"}}) {
+        Case{"1e", kStation, 1, "Was \"1e\""}, Case{"", kCount, 7, "Was empty"}, Case{"  ", kCount, 7, "Was empty"},
+        Case{"abc", kCount, 7, "Was \"abc\": no number"}, Case{"nan", kStation, 7, "Was \"nan\": no number"},
+        Case{"inf", kStation, 7, "Was \"inf\": no number"}, Case{"-.", kStation, 7, "Was \"-.\": no number"}}) {
     const auto typed = limitedNumber(c.typed, c.limits, 7);
     EXPECT_EQ(typed.value, c.value) << c.typed;
     EXPECT_EQ(typed.note, c.note) << c.typed;

@@ -19,10 +19,9 @@ std::string lines(std::initializer_list<std::string_view> texts) {
   return out;
 }
 
-constexpr std::pair<Kind, bool> kFiles[] = {
-    {Kind::orla, false},   {Kind::orla, true},   {Kind::teskb, false},
-    {Kind::teskdd, false}, {Kind::tesk, false},  {Kind::vardo, false},
-    {Kind::mirka, false},  {Kind::glaco, false}, {Kind::tesk2, false}};
+constexpr std::pair<Kind, bool> kFiles[] = {{Kind::orla, false},   {Kind::orla, true},   {Kind::teskb, false},
+                                            {Kind::teskdd, false}, {Kind::tesk, false},  {Kind::vardo, false},
+                                            {Kind::mirka, false},  {Kind::glaco, false}, {Kind::tesk2, false}};
 
 // Every field another value, each told apart from its neighbours and from its default.
 Settings distinctSettings(Kind kind, bool ice) {
@@ -71,18 +70,16 @@ TEST(SettingsFile, IsReadBackUpToWhereItWasCut) {
 TEST(SettingsFile, HasTheBytesOfANewOrla) {
   EXPECT_EQ(
       formatSettings(Settings{}, Kind::orla, false),
-      lines({"CEVer2.30", "0",        "0",         "0",          "1",         "0",  // 1, 7 to 10
-             "1",         "1",        "1",         "1",          "1",         "1",
-             "1",         "1",  // shown
-             "1",         "1",        "1",         "1",          "1",         "1",
-             "1",         "1",  // widths
-             "11694592",  "24277",    "7577088",   "10975692",   "0",         "15316054",
-             "40934",     "6710886",                                                          // colours
-             "1",         "0.000000", "10.000000", "-10.000000", "10.000000",                 // 35 to 39
-             "0",         "1",        "0",         "1",          "0",         "0",            // GPS
-             "0",         "0",        "0",         "1",                                       // 46 to 49
-             "1.000000",  "1.000000", "1.000000",  "1.000000",                                // 57 to 60
-             "1",         "1.000000", "0",         "2",          "0.000000",  "1.000000"}));  // 61 to 66
+      lines(
+          {"CEVer2.30", "0",        "0",         "0",          "1",         "0",                       // 1, 7 to 10
+           "1",         "1",        "1",         "1",          "1",         "1",        "1",     "1",  // shown
+           "1",         "1",        "1",         "1",          "1",         "1",        "1",     "1",  // widths
+           "11694592",  "24277",    "7577088",   "10975692",   "0",         "15316054", "40934", "6710886",  // colours
+           "1",         "0.000000", "10.000000", "-10.000000", "10.000000",                                  // 35 to 39
+           "0",         "1",        "0",         "1",          "0",         "0",                             // GPS
+           "0",         "0",        "0",         "1",                                                        // 46 to 49
+           "1.000000",  "1.000000", "1.000000",  "1.000000",                                                 // 57 to 60
+           "1",         "1.000000", "0",         "2",          "0.000000",  "1.000000"}));                   // 61 to 66
 }
 
 TEST(SettingsFile, HasTheIceFieldsBehindTheLengthAndTheTesk2FieldsInTheirPlaces) {
@@ -93,19 +90,17 @@ TEST(SettingsFile, HasTheIceFieldsBehindTheLengthAndTheTesk2FieldsInTheirPlaces)
   settings.seaWaterChoice = 10;
   settings.lineName = "N\xC3\xBA 7";
   EXPECT_EQ(formatSettings(settings, Kind::orla, true).substr(0, 60),
-            lines({"CEVer2.30", "1", "1", "1", "10", "9.000000", "10.000000", "0", "0", "1", "0", "1"})
-                .substr(0, 60));
+            lines({"CEVer2.30", "1", "1", "1", "10", "9.000000", "10.000000", "0", "0", "1", "0", "1"}).substr(0, 60));
   settings.calibrationFactors = {0.5F, -1.25F, 2, 3, 4, 0.1F};
   settings.tesk2Variant = 2;
   settings.softMarker = 1;
   settings.markerPortChoice = 6;
   settings.startStation = -123456789.125;
   const auto text = formatSettings(settings, Kind::tesk2, false);
-  const auto end =
-      lines({"0",        "0",        "0",        "1",        "2",        "0.500000",          "-1.250000",
-             "2.000000", "3.000000", "4.000000", "0.100000", "1.000000", "1.000000",          "1.000000",
-             "1.000000", "N? 7",     "1.000000", "0",        "2",        "-123456789.125000", "1.000000",
-             "1",        "6"});
+  const auto end = lines({"0",        "0",        "0",        "1",        "2",        "0.500000",          "-1.250000",
+                          "2.000000", "3.000000", "4.000000", "0.100000", "1.000000", "1.000000",          "1.000000",
+                          "1.000000", "N? 7",     "1.000000", "0",        "2",        "-123456789.125000", "1.000000",
+                          "1",        "6"});
   EXPECT_EQ(text.substr(text.size() - end.size()), end);
 }
 

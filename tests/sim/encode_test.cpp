@@ -25,8 +25,7 @@ struct Precision {
   double of(double value) const { return std::max(finest, std::abs(value) * share) * 1.001 + 1e-5; }
 };
 
-const std::vector<double> kConductivities{-76.5, -3.3, 0,   0.37,  2.9, 9.99, 12.4,
-                                          12.6,  99,   101, 124.9, 512, 999};
+const std::vector<double> kConductivities{-76.5, -3.3, 0, 0.37, 2.9, 9.99, 12.4, 12.6, 99, 101, 124.9, 512, 999};
 const std::vector<double> kInphases{-5.5, -0.2, 0, 0.31, 0.37, 2.87, 2.89, 7.4};
 
 TEST(Encode, DecodesBackToTheValues) {
@@ -48,10 +47,7 @@ TEST(Encode, DecodesBackToTheValues) {
        [](Stance s, double, double i) { return encodeTesk(s, Component::inphase, i, 12); },
        anything,
        {0.00018, 1.0 / 200}},
-      {Kind::vardo,
-       [](Stance s, double c, double) { return encodeVardo(s, 20, c); },
-       {0.000375, 1.0 / 2000},
-       anything},
+      {Kind::vardo, [](Stance s, double c, double) { return encodeVardo(s, 20, c); }, {0.000375, 1.0 / 2000}, anything},
       {Kind::mirka, encodeMirka, {0.125, 1.0 / 8}, {0.125, 0}}};
   for (const auto& row : rows) {
     for (const auto stance : {kV, kH, kPressedV, kPressedH}) {
@@ -73,8 +69,7 @@ TEST(Encode, DecodesBackToTheValues) {
 TEST(Encode, Tesk2DecodesBackAndNeverLooksEnded) {
   for (int step = 0; step < 3000; ++step) {
     const double conductivity = -1200 + 0.8 * step;
-    const Tesk2Values values{
-        conductivity, -34 + step * 0.0226, conductivity / 3, -8.6 + step * 0.0057, 31, 31};
+    const Tesk2Values values{conductivity, -34 + step * 0.0226, conductivity / 3, -8.6 + step * 0.0057, 31, 31};
     const auto stance = step % 2 == 0 ? kV : kH;
     const auto record = encodeTesk2(stance, values);
     EXPECT_EQ(terminated(Framing::tesk2, record).find("\xFF\xFF"), 14U);

@@ -93,8 +93,7 @@ TEST(Replay, PlaysReadingsAndSentencesAtTheirTicks) {
   ASSERT_EQ(replay.open(path), "");
   std::string played;
   while (const auto piece = replay.next()) {
-    played += fmt::format("{:.0f} {} {}|", piece->time_s * 1000, piece->port == Port::gps ? 'g' : 'i',
-                          piece->bytes);
+    played += fmt::format("{:.0f} {} {}|", piece->time_s * 1000, piece->port == Port::gps ? 'g' : 'i', piece->bytes);
   }
   EXPECT_EQ(played, "0 i T$-1000\r|182 i T$-1001-0500\r|182 g " + gga + "\r\n|");
   EXPECT_EQ(replay.error(), "");
@@ -148,8 +147,7 @@ TEST_F(TerminalTest, BytesArriveThroughTheLinkAsTheyAre) {
   TerminalOutlet outlet(link, {}, names);
   ASSERT_EQ(outlet.plug(), "");
   EXPECT_TRUE(readFile(folder.path() / "names")
-                  .starts_with(
-                      fmt::format("instrument {}\ngps /dev/", std::filesystem::read_symlink(link).string())));
+                  .starts_with(fmt::format("instrument {}\ngps /dev/", std::filesystem::read_symlink(link).string())));
   const std::string record("T\x06\0\r\n\x11\x13\x04\x7F\xFF\x03", 11);
   ASSERT_TRUE(arrives(outlet, record, 0));
   const int line = ::open(link.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);

@@ -21,8 +21,7 @@ inline std::string saidOf(const CommandLine& line, const std::string& arguments)
 }
 
 template <class Options>
-Options optionsOf(CommandLine (*table)(Options&), const std::string& arguments,
-                  const std::string& said = "") {
+Options optionsOf(CommandLine (*table)(Options&), const std::string& arguments, const std::string& said = "") {
   Options options;
   EXPECT_EQ(saidOf(table(options), arguments), said) << arguments;
   return options;

@@ -91,18 +91,10 @@ inline DialogActor::Act answered(QMessageBox::StandardButton which) {
 inline void tap(QWidget& dialog, const char* button) {
   QTest::mouseClick(dialog.findChild<QAbstractButton*>(QLatin1String(button)), Qt::LeftButton);
 }
-inline void tapOk(QDialog& dialog) {
-  tap(dialog, "ok");
-}
-inline void tapCancel(QDialog& dialog) {
-  tap(dialog, "cancel");
-}
-inline void press(QDialog& dialog, Qt::Key key) {
-  QTest::keyClick(dialog.focusWidget(), key);
-}
-inline QComboBox& list(const QDialog& dialog, const char* name) {
-  return part<QComboBox>(dialog, name);
-}
+inline void tapOk(QDialog& dialog) { tap(dialog, "ok"); }
+inline void tapCancel(QDialog& dialog) { tap(dialog, "cancel"); }
+inline void press(QDialog& dialog, Qt::Key key) { QTest::keyClick(dialog.focusWidget(), key); }
+inline QComboBox& list(const QDialog& dialog, const char* name) { return part<QComboBox>(dialog, name); }
 // Goes to an entry of a list as fingers on a keypad do.
 inline void choose(const QDialog& dialog, const char* name, int position) {
   auto& box = list(dialog, name);
@@ -155,20 +147,18 @@ inline void expectFits(QDialog& dialog, bool whole = false) {
   for (auto* now = first; met.empty() || now != first; now = dialog.focusWidget()) {
     met.push_back(now);
     EXPECT_GE(now->height(), touchHeight(nullptr)) << nameOf(*now);
-    EXPECT_GE(2 * now->visibleRegion().boundingRect().height(), now->height())
-        << nameOf(*now) << " is hidden";
+    EXPECT_GE(2 * now->visibleRegion().boundingRect().height(), now->height()) << nameOf(*now) << " is hidden";
     QTest::keyClick(now, Qt::Key_Tab);
     ASSERT_LT(met.size(), 60U);
   }
   for (const auto* control : dialog.findChildren<QWidget*>()) {
-    const bool owes = control->isVisible() && control->isEnabled() && !control->objectName().isEmpty() &&
-                      (control->focusPolicy() & Qt::TabFocus) != 0 &&
-                      (qobject_cast<const QAbstractButton*>(control) != nullptr ||
-                       qobject_cast<const QLineEdit*>(control) != nullptr ||
-                       qobject_cast<const QComboBox*>(control) != nullptr);
+    const bool owes =
+        control->isVisible() && control->isEnabled() && !control->objectName().isEmpty() &&
+        (control->focusPolicy() & Qt::TabFocus) != 0 &&
+        (qobject_cast<const QAbstractButton*>(control) != nullptr ||
+         qobject_cast<const QLineEdit*>(control) != nullptr || qobject_cast<const QComboBox*>(control) != nullptr);
     if (!owes || control->objectName().startsWith("qt_")) continue;
-    EXPECT_NE(std::find(met.begin(), met.end(), control), met.end())
-        << nameOf(*control) << " is out of reach";
+    EXPECT_NE(std::find(met.begin(), met.end(), control), met.end()) << nameOf(*control) << " is out of reach";
   }
 }
 

@@ -15,8 +15,7 @@ class FakeClock final : public Clock {
   void advance(std::uint32_t milliseconds) { tick_ += milliseconds; }
   void set(std::uint32_t tick) { tick_ = tick; }
 
-  LocalTime time{
-      .year = 2026, .month = 11, .day = 15, .hour = 10, .minute = 13, .second = 7, .millisecond = 250};
+  LocalTime time{.year = 2026, .month = 11, .day = 15, .hour = 10, .minute = 13, .second = 7, .millisecond = 250};
 
  private:
   mutable std::atomic<std::uint32_t> tick_{100000};

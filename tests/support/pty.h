@@ -15,8 +15,7 @@ class Pty {
  public:
   Pty() {
     std::array<char, 64> buffer{};
-    if (grantpt(master_) == 0 && unlockpt(master_) == 0 &&
-        ptsname_r(master_, buffer.data(), buffer.size()) == 0) {
+    if (grantpt(master_) == 0 && unlockpt(master_) == 0 && ptsname_r(master_, buffer.data(), buffer.size()) == 0) {
       name = buffer.data();
     }
   }

@@ -77,8 +77,8 @@ struct FakePorts final : SessionPorts {
 // off what records() gives.
 struct TestSession {
   explicit TestSession(Kind kind, bool ice = false, bool wide = true)
-      : session({.kind = kind, .iceChosen = ice, .root = folder.path(), .wideLayout = wide}, settings, link,
-                clock, disk, view, [this](const Settings& current) {
+      : session({.kind = kind, .iceChosen = ice, .root = folder.path(), .wideLayout = wide}, settings, link, clock,
+                disk, view, [this](const Settings& current) {
                   saved.push_back(current);
                   return std::string{};
                 }) {

@@ -18,9 +18,7 @@
 namespace kalmira {
 
 // Waits, with events going on, until `happened`; false when it never does.
-inline bool waitFor(const std::function<bool()>& happened) {
-  return QTest::qWaitFor(happened, 20000);
-}
+inline bool waitFor(const std::function<bool()>& happened) { return QTest::qWaitFor(happened, 20000); }
 
 // What stands on the visible buttons of a window; the marked one, which Enter presses.
 inline std::vector<std::string> buttonsOf(const QWidget& window) {

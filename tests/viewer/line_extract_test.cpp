@@ -35,9 +35,7 @@ std::string stationsOf(const ViewedFile& viewed) {
 const std::string kBreak = "break, break, break, break";
 const std::string V = "10100000", H = "01010000", both = "11110000";
 
-std::string newStation(std::string_view station) {
-  return records24({"S" + std::string(station) + " 10000000"});
-}
+std::string newStation(std::string_view station) { return records24({"S" + std::string(station) + " 10000000"}); }
 
 TEST(ExtractLine, rowsOfStations) {
   struct Case {
@@ -54,30 +52,27 @@ TEST(ExtractLine, rowsOfStations) {
             "10.00 " + both + ", 11.50 " + both},
            {"a station not whole bears the next one's number", kOrlaBothDipoles,
             vertical() + vertical() + horizontal('2'), "11.50 " + V + ", 11.50 " + both},
-           {"the last station, not whole, is lost", kOrlaBothDipoles,
-            vertical() + horizontal('2') + vertical(), "10.00 " + both},
+           {"the last station, not whole, is lost", kOrlaBothDipoles, vertical() + horizontal('2') + vertical(),
+            "10.00 " + both},
            {"not whole before a new station", kOrlaBothDipoles,
             vertical() + newStation("     100.00") + vertical() + horizontal('2'),
             kBreak + ", 100.00 " + V + ", 100.00 " + both},
            {"a repeat that nobody expects", kOrla, vertical() + horizontal('2') + vertical(),
             "10.00 " + V + ", 11.50 " + H + ", 11.50 " + V},
-           {"a repeat without a first reading", kOrlaBothDipoles,
-            horizontal('2') + horizontal('2') + vertical(), "8.50 " + H + ", 8.50 " + H},
+           {"a repeat without a first reading", kOrlaBothDipoles, horizontal('2') + horizontal('2') + vertical(),
+            "8.50 " + H + ", 8.50 " + H},
            {"other records", kOrla,
             records24({"Cgate                 1", "X$PAUSED              1"}) +
                 formatGpsSentence(24, "$GPGGA,1", 5, '@', '#') + vertical() +
                 records24({"B     999.00", "AN            7.000"}) + vertical(),
             "10.00 " + V + ", 11.50 " + V},
            {"until the next line", kOrla, vertical() + lineBlock("L8") + vertical(), "10.00 " + V},
-           {"station that is no number", kOrla, newStation("        abc") + vertical(),
-            kBreak + ", 0.00 " + V},
+           {"station that is no number", kOrla, newStation("        abc") + vertical(), kBreak + ", 0.00 " + V},
            {"ten characters", kOrla, newStation(" 1234567.89") + vertical(), kBreak + ", 1234567.89 " + V},
            {"too wide", kOrla, newStation("-9999999999") + vertical(), kBreak + ", -9999999999 " + V},
            {"cut in a record", kOrla, vertical() + vertical().substr(0, 23), "10.00 " + V},
-           {"zero bytes", kOrla, vertical() + std::string(48, '\0') + vertical(),
-            "10.00 " + V + ", 11.50 " + V},
-           {"bytes lost", kOrla, vertical() + vertical().substr(9) + vertical(),
-            "10.00 " + V + ", 11.50 " + V}}) {
+           {"zero bytes", kOrla, vertical() + std::string(48, '\0') + vertical(), "10.00 " + V + ", 11.50 " + V},
+           {"bytes lost", kOrla, vertical() + vertical().substr(9) + vertical(), "10.00 " + V + ", 11.50 " + V}}) {
     SCOPED_TRACE(item.what);
     ViewedFile viewed(item.header + lineBlock() + item.records);
     EXPECT_EQ(viewed.extract().kind, ViewerErrorKind::none);
@@ -134,10 +129,9 @@ TEST(ScanDataFile, linesInFileOrder) {
 TEST(ScanDataFile, headerDigits) {
   using Case = std::tuple<std::string, int, bool, int>;  // readings a station, ice thickness, sea water
   for (const auto& [header, readings, ice, seaWater] :
-       {Case{kOrla, 1, false, 0}, Case{kOrlaBothDipoles, 2, false, 0},
-        Case{"TESKS   W222GRD0220    \n", 4, false, 0}, Case{"VARDO   W230GRD0520    \n", 6, false, 0},
-        Case{"ORLA2  iW230GRD00001A  \n", 1, true, 10}, Case{"ORLA2  iW230GRD000003  \n", 1, false, 0},
-        Case{"ORLA2   W230GRD000013  \n", 1, false, 0}}) {
+       {Case{kOrla, 1, false, 0}, Case{kOrlaBothDipoles, 2, false, 0}, Case{"TESKS   W222GRD0220    \n", 4, false, 0},
+        Case{"VARDO   W230GRD0520    \n", 6, false, 0}, Case{"ORLA2  iW230GRD00001A  \n", 1, true, 10},
+        Case{"ORLA2  iW230GRD000003  \n", 1, false, 0}, Case{"ORLA2   W230GRD000013  \n", 1, false, 0}}) {
     const ViewedFile viewed(header + lineBlock());
     EXPECT_EQ(viewed.file.readingsPerStation, readings) << header;
     EXPECT_EQ(viewed.file.iceThickness, ice) << header;

@@ -32,11 +32,10 @@ TEST(Navigation, commands) {
         Walk{60, "4", 1, 60, 50},
         // Shorter than the view: its end is brought to the right edge, from row 0 on by "end" but not
         // further.
-        Walk{100, "5", 1, 100, 50}, Walk{99, "5", 0, 99, 50}, Walk{98, "5", 1, 98, 50},
-        Walk{90, "4", -9, 90, 50}, Walk{81, "4", -18, 81, 50}, Walk{80, "4", 1, 80, 50},
-        Walk{90, "41", 1, 90, 50}, Walk{500, "223", 1, 100, 49}, Walk{500, std::string(60, '3'), 1, 100, 100},
-        Walk{500, std::string(60, '2'), 1, 100, 1}, Walk{52, "33333", 1, 52, 52},
-        Walk{500, "43", 81, 180, 51}}) {
+        Walk{100, "5", 1, 100, 50}, Walk{99, "5", 0, 99, 50}, Walk{98, "5", 1, 98, 50}, Walk{90, "4", -9, 90, 50},
+        Walk{81, "4", -18, 81, 50}, Walk{80, "4", 1, 80, 50}, Walk{90, "41", 1, 90, 50}, Walk{500, "223", 1, 100, 49},
+        Walk{500, std::string(60, '3'), 1, 100, 100}, Walk{500, std::string(60, '2'), 1, 100, 1},
+        Walk{52, "33333", 1, 52, 52}, Walk{500, "43", 81, 180, 51}}) {
     SCOPED_TRACE(walk.commands + " on " + std::to_string(walk.totalRows));
     auto state = opened(walk.totalRows);
     for (const char command : walk.commands) moveView(state, static_cast<ViewCommand>(command - '0'));

@@ -27,9 +27,7 @@ constexpr int kGpsTries = 10;
 constexpr double kListFontUnits = 9.0;
 constexpr double kFontUnits = 13.0;
 
-QRect rectOf(const MonitorBox& box) {
-  return {box.left, box.top, box.width, box.height};
-}
+QRect rectOf(const MonitorBox& box) { return {box.left, box.top, box.width, box.height}; }
 
 // Its edge must be seen in the dark and in the sun, and that it has the keyboard from further away.
 std::string editStyle(const Theme& theme) {
@@ -68,9 +66,7 @@ MonitorGPSWnd::MonitorGPSWnd(MonitorHost host, const Theme& theme, QWidget* pare
   makeButtons();
 }
 
-MonitorGPSWnd::~MonitorGPSWnd() {
-  port_.close();
-}
+MonitorGPSWnd::~MonitorGPSWnd() { port_.close(); }
 
 void MonitorGPSWnd::makeEdit(const Theme& theme) {
   edit_->setStyleSheet(qtText(editStyle(theme)));
@@ -125,9 +121,7 @@ void MonitorGPSWnd::startReader() {
   port_.start([this, cameBack = false](const PortThread::Context& context) mutable {
     return GpsMonitorReaderThread(
         {.port = context.port, .clock = host_.clock, .stop = context.stop, .requests = requests_},
-        [this, &context](const MonitorNews& news) {
-          return context.sender.send([this, news] { showNews(news); });
-        },
+        [this, &context](const MonitorNews& news) { return context.sender.send([this, news] { showNews(news); }); },
         std::exchange(cameBack, true));
   });
 }
@@ -163,10 +157,8 @@ void MonitorGPSWnd::run(MonitorCommand command) {
       requests_.ask({.what = MonitorRequest::What::pause});
       showPaused(state_);
       return showButtons();
-    case MonitorCommand::send:
-      return sendMessage();
-    case MonitorCommand::exit:
-      return leave();
+    case MonitorCommand::send: return sendMessage();
+    case MonitorCommand::exit: return leave();
   }
 }
 
@@ -224,22 +216,15 @@ bool MonitorGPSWnd::eventFilter(QObject* watched, QEvent* event) {
 bool MonitorGPSWnd::editKey(const QKeyEvent& event) {
   switch (event.key()) {
     case Qt::Key_Return:
-    case Qt::Key_Enter:
-      run(MonitorCommand::send);
-      return true;
+    case Qt::Key_Enter: run(MonitorCommand::send); return true;
     case Qt::Key_Escape:
     case Qt::Key_Tab:
-    case Qt::Key_Backtab:
-      setFocus();
-      return true;
-    default:
-      return false;
+    case Qt::Key_Backtab: setFocus(); return true;
+    default: return false;
   }
 }
 
-void MonitorGPSWnd::resizeEvent(QResizeEvent*) {
-  arrange();
-}
+void MonitorGPSWnd::resizeEvent(QResizeEvent*) { arrange(); }
 
 void MonitorGPSWnd::arrange() {
   const auto layout = layOutMonitor(width(), height(), touchHeight(screen()));

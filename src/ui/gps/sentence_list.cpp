@@ -26,8 +26,7 @@ double characterWidth(const QFont& font) {
 
 }  // namespace
 
-SentenceList::SentenceList(const Theme& theme, QWidget* parent)
-    : QAbstractScrollArea(parent), theme_(&theme) {
+SentenceList::SentenceList(const Theme& theme, QWidget* parent) : QAbstractScrollArea(parent), theme_(&theme) {
   setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
   setFocusPolicy(Qt::NoFocus);
   viewport()->setFocusPolicy(Qt::NoFocus);
@@ -43,13 +42,9 @@ std::vector<std::string_view> SentenceList::rowsOf(const std::string& line) cons
   return monitorRows(line, columns_, kIndent);
 }
 
-int SentenceList::rowHeight() const {
-  return std::max(1, fontMetrics().height());
-}
+int SentenceList::rowHeight() const { return std::max(1, fontMetrics().height()); }
 
-int SentenceList::rowsInView() const {
-  return std::max(1, viewport()->height() / rowHeight());
-}
+int SentenceList::rowsInView() const { return std::max(1, viewport()->height() / rowHeight()); }
 
 void SentenceList::addLine(std::string line) {
   lines_.push_back(std::move(line));
@@ -77,9 +72,7 @@ void SentenceList::setFontSize(int pixelSize) {
   breakAnew();
 }
 
-void SentenceList::scroll(int rows) {
-  verticalScrollBar()->setValue(verticalScrollBar()->value() + rows);
-}
+void SentenceList::scroll(int rows) { verticalScrollBar()->setValue(verticalScrollBar()->value() + rows); }
 
 void SentenceList::breakAnew() {
   const int room = viewport()->width() - 2 * kEdge;
@@ -100,9 +93,7 @@ void SentenceList::showRange() {
   verticalScrollBar()->setPageStep(rowsInView());
 }
 
-void SentenceList::resizeEvent(QResizeEvent*) {
-  breakAnew();
-}
+void SentenceList::resizeEvent(QResizeEvent*) { breakAnew(); }
 
 void SentenceList::paintEvent(QPaintEvent* event) {
   QPainter painter(viewport());

@@ -36,8 +36,7 @@ void putButtonsBelow(const QFileDialog& dialog) {
 }
 
 void makeSmall(const QFileDialog& dialog) {
-  hidePieces(dialog,
-             {"sidebar", "lookInLabel", "backButton", "forwardButton", "fileNameLabel", "fileTypeLabel"});
+  hidePieces(dialog, {"sidebar", "lookInLabel", "backButton", "forwardButton", "fileNameLabel", "fileTypeLabel"});
   if (dialog.nameFilters().size() < 2) hidePieces(dialog, {"fileTypeCombo"});
   putButtonsBelow(dialog);
   dialog.layout()->setContentsMargins(4, 4, 4, 4);

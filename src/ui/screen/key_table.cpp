@@ -17,23 +17,12 @@ struct KeyRow {
 };
 // All but letters and digits, whose codes are their own. The space bar stands in for the keypad's full stop.
 constexpr std::array kRows{
-    KeyRow{Qt::Key_Tab, key::kTab},
-    KeyRow{Qt::Key_Backtab, key::kTab},
-    KeyRow{Qt::Key_Return, key::kEnter},
-    KeyRow{Qt::Key_Enter, key::kEnter},
-    KeyRow{Qt::Key_Select, key::kEnter},
-    KeyRow{Qt::Key_Home, key::kHome},
-    KeyRow{Qt::Key_End, key::kEnd},
-    KeyRow{Qt::Key_PageUp, key::kPageUp},
-    KeyRow{Qt::Key_PageDown, key::kPageDown},
-    KeyRow{Qt::Key_Left, key::kLeft},
-    KeyRow{Qt::Key_Up, key::kUp},
-    KeyRow{Qt::Key_Right, key::kRight},
-    KeyRow{Qt::Key_Down, key::kDown},
-    KeyRow{Qt::Key_Minus, key::kMinus},
-    KeyRow{Qt::Key_Period, key::kPeriod},
-    KeyRow{Qt::Key_Comma, key::kPeriod},
-    KeyRow{Qt::Key_Space, key::kPeriod},
+    KeyRow{Qt::Key_Tab, key::kTab},      KeyRow{Qt::Key_Backtab, key::kTab},   KeyRow{Qt::Key_Return, key::kEnter},
+    KeyRow{Qt::Key_Enter, key::kEnter},  KeyRow{Qt::Key_Select, key::kEnter},  KeyRow{Qt::Key_Home, key::kHome},
+    KeyRow{Qt::Key_End, key::kEnd},      KeyRow{Qt::Key_PageUp, key::kPageUp}, KeyRow{Qt::Key_PageDown, key::kPageDown},
+    KeyRow{Qt::Key_Left, key::kLeft},    KeyRow{Qt::Key_Up, key::kUp},         KeyRow{Qt::Key_Right, key::kRight},
+    KeyRow{Qt::Key_Down, key::kDown},    KeyRow{Qt::Key_Minus, key::kMinus},   KeyRow{Qt::Key_Period, key::kPeriod},
+    KeyRow{Qt::Key_Comma, key::kPeriod}, KeyRow{Qt::Key_Space, key::kPeriod},
 };
 
 // Modifiers, and keys that are for the machine.
@@ -72,21 +61,14 @@ int keyCodeOf(int qtKey, int pauseKey) {
 
 int scrollStepOf(int keyCode, int page) {
   switch (keyCode) {
-    case key::kUp:
-      return -1;
-    case key::kDown:
-      return 1;
-    case key::kPageUp:
-      return -page;
-    case key::kPageDown:
-      return page;
-    default:
-      return 0;
+    case key::kUp: return -1;
+    case key::kDown: return 1;
+    case key::kPageUp: return -page;
+    case key::kPageDown: return page;
+    default: return 0;
   }
 }
 
-bool isFunctionKey(int qtKey) {
-  return qtKey >= Qt::Key_F1 && qtKey <= Qt::Key_F35;
-}
+bool isFunctionKey(int qtKey) { return qtKey >= Qt::Key_F1 && qtKey <= Qt::Key_F35; }
 
 }  // namespace kalmira

@@ -20,16 +20,11 @@ constexpr int kLeastRoom = 120;  // pixels
 
 QMessageBox::Icon boxIcon(Icon icon) {
   switch (icon) {
-    case Icon::none:
-      return QMessageBox::NoIcon;
-    case Icon::information:
-      return QMessageBox::Information;
-    case Icon::question:
-      return QMessageBox::Question;
-    case Icon::exclamation:
-      return QMessageBox::Warning;
-    case Icon::stop:
-      return QMessageBox::Critical;
+    case Icon::none: return QMessageBox::NoIcon;
+    case Icon::information: return QMessageBox::Information;
+    case Icon::question: return QMessageBox::Question;
+    case Icon::exclamation: return QMessageBox::Warning;
+    case Icon::stop: return QMessageBox::Critical;
   }
   return QMessageBox::NoIcon;
 }
@@ -90,10 +85,8 @@ class Deaf final : public QObject {
       case QEvent::ShortcutOverride:
       case QEvent::MouseButtonPress:
       case QEvent::MouseButtonDblClick:
-      case QEvent::TouchBegin:
-        return true;
-      default:
-        return false;
+      case QEvent::TouchBegin: return true;
+      default: return false;
     }
   }
 
@@ -114,11 +107,9 @@ void tellMessage(QWidget* parent, const Message& message) {
 EnterMeans enterAnswer(Question question) {
   switch (question) {
     case Question::exitLogging:
-    case Question::deleteCalibration:
-      return EnterMeans::no;
+    case Question::deleteCalibration: return EnterMeans::no;
     case Question::linkLost:
-    case Question::startCalibration:
-      return EnterMeans::yes;
+    case Question::startCalibration: return EnterMeans::yes;
   }
   return EnterMeans::no;
 }

@@ -111,8 +111,7 @@ void leaveOut(const QWidget& form, const QStringList& words) {
   for (const auto& word : words) {
     const auto widgets = form.findChildren<QWidget*>(QRegularExpression('^' + word));
     if (widgets.isEmpty()) {
-      qFatal("Form \"%s\" has no \"%s\" to leave out", qUtf8Printable(form.objectName()),
-             qUtf8Printable(word));
+      qFatal("Form \"%s\" has no \"%s\" to leave out", qUtf8Printable(form.objectName()), qUtf8Printable(word));
     }
     qDeleteAll(widgets);
   }
@@ -218,15 +217,13 @@ void focusFirst(QDialog& dialog) {
 // A part of another control is as high as that one.
 bool standsAlone(const QWidget& control) {
   const auto* owner = control.parentWidget();
-  return qobject_cast<const QComboBox*>(owner) == nullptr &&
-         qobject_cast<const QLineEdit*>(owner) == nullptr &&
+  return qobject_cast<const QComboBox*>(owner) == nullptr && qobject_cast<const QLineEdit*>(owner) == nullptr &&
          qobject_cast<const QAbstractSpinBox*>(owner) == nullptr;
 }
 
 bool isControl(const QObject& object) {
   return qobject_cast<const QAbstractButton*>(&object) != nullptr ||
-         qobject_cast<const QLineEdit*>(&object) != nullptr ||
-         qobject_cast<const QComboBox*>(&object) != nullptr ||
+         qobject_cast<const QLineEdit*>(&object) != nullptr || qobject_cast<const QComboBox*>(&object) != nullptr ||
          qobject_cast<const QAbstractSpinBox*>(&object) != nullptr;
 }
 
@@ -265,8 +262,7 @@ void placeInParent(QDialog& dialog) {
   const auto* window = dialog.parentWidget()->window();
   const QSize room = window->size();
   const QSize wished = dialog.sizeHint();
-  const int comfortable =
-      std::max(wished.width(), kWidestLetters * dialog.fontMetrics().horizontalAdvance('x'));
+  const int comfortable = std::max(wished.width(), kWidestLetters * dialog.fontMetrics().horizontalAdvance('x'));
   const int width = std::min(comfortable, room.width());
   const QSize size = QSize(width, wished.height() + wrappedHeight(dialog, width)).boundedTo(room);
   dialog.resize(size);
@@ -327,8 +323,6 @@ float typedFloat(const QLineEdit& field) {
   return static_cast<float>(std::clamp(typedNumber(field), -kMost, kMost));
 }
 
-std::string typedText(const QLineEdit& field) {
-  return field.text().toStdString();
-}
+std::string typedText(const QLineEdit& field) { return field.text().toStdString(); }
 
 }  // namespace kalmira

@@ -82,9 +82,7 @@ QSize TouchButton::minimumSizeHint() const {
 }
 
 // In step with the font, which is in step with the window.
-int TouchButton::frameWidth() const {
-  return std::max(2, QFontInfo(font()).pixelSize() / 5);
-}
+int TouchButton::frameWidth() const { return std::max(2, QFontInfo(font()).pixelSize() / 5); }
 
 QRect TouchButton::textRoom() const {
   const int frame = frameWidth() + frameWidth() / 2 + 1;
@@ -117,9 +115,7 @@ void TouchButton::paintPointer(QPainter& painter) const {
   painter.fillPath(wedge, QColor(theme_->focus));
 }
 
-void TouchButton::mouseDoubleClickEvent(QMouseEvent* event) {
-  event->accept();
-}
+void TouchButton::mouseDoubleClickEvent(QMouseEvent* event) { event->accept(); }
 
 void TouchButton::paintEvent(QPaintEvent* /*event*/) {
   QPainter painter(this);

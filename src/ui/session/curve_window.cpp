@@ -34,8 +34,7 @@ QImage imageOf(const ChartPicture& picture) {
 }
 
 std::string limitText(Kind kind, float limit) {
-  auto text =
-      instrumentOf(kind).firstAxisIsThickness ? fmt::format("{:.1f}", limit) : fmt::format("{:.0f}", limit);
+  auto text = instrumentOf(kind).firstAxisIsThickness ? fmt::format("{:.1f}", limit) : fmt::format("{:.0f}", limit);
   return text == "-0" ? "0" : text;
 }
 
@@ -50,9 +49,8 @@ CurveWnd::~CurveWnd() = default;
 
 void CurveWnd::setSession(Session* session) {
   session_ = session;
-  traces_ = session != nullptr
-                ? std::make_unique<TraceState>(TraceState{.traceStarted = session->traceStarted})
-                : nullptr;
+  traces_ =
+      session != nullptr ? std::make_unique<TraceState>(TraceState{.traceStarted = session->traceStarted}) : nullptr;
   redraw();
 }
 
@@ -99,9 +97,7 @@ void CurveWnd::addPoint(const ProfilePoint& point) {
   update(QRect(QPoint(left, 0), QPoint(x + 1, setup_.height - 1)));
 }
 
-QImage CurveWnd::picture() const {
-  return imageOf(*picture_).copy();
-}
+QImage CurveWnd::picture() const { return imageOf(*picture_).copy(); }
 
 void CurveWnd::resizeEvent(QResizeEvent* event) {
   QWidget::resizeEvent(event);

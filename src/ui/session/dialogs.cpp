@@ -18,10 +18,8 @@ namespace {
 void showLast(const QDialog& dialog, const Settings& settings, double station) {
   const auto show = [&dialog](const char* label, const char* value, const std::string& text) {
     auto& shown = part<QLabel>(dialog, value);
-    const int room =
-        dialog.parentWidget() == nullptr ? QWIDGETSIZE_MAX : dialog.parentWidget()->window()->width();
-    const int rest =
-        room - part<QLabel>(dialog, label).sizeHint().width() - 2 * dialog.fontMetrics().height();
+    const int room = dialog.parentWidget() == nullptr ? QWIDGETSIZE_MAX : dialog.parentWidget()->window()->width();
+    const int rest = room - part<QLabel>(dialog, label).sizeHint().width() - 2 * dialog.fontMetrics().height();
     shown.setText(shown.fontMetrics().elidedText(qtText(text), Qt::ElideMiddle, rest));
   };
   show("currentLineLabel", "currentLine", settings.lineName);
@@ -76,8 +74,8 @@ void showRow(const QDialog& dialog, const ScaleRow& row, const Settings& setting
 }
 
 void readRow(const QDialog& dialog, const ScaleRow& row, Settings& settings) {
-  const ScaleEnds ends = row.limited({typedFloat(part<QLineEdit>(dialog, row.minimumField)),
-                                      typedFloat(part<QLineEdit>(dialog, row.maximumField))});
+  const ScaleEnds ends = row.limited(
+      {typedFloat(part<QLineEdit>(dialog, row.minimumField)), typedFloat(part<QLineEdit>(dialog, row.maximumField))});
   settings.*row.minimum = ends.minimum;
   settings.*row.maximum = ends.maximum;
 }
@@ -89,12 +87,11 @@ std::vector<ScaleRow> rowsOf(const QDialog& dialog, const ScaleFields& fields) {
                               &Settings::conductivityMaximum, thickness ? limitedThickness : limitedScale,
                               thickness ? 1 : 0}};
   if (fields.inphase && dialog.findChild<QWidget*>("inphaseMinimum") != nullptr) {
-    rows.push_back({"inphaseMinimum", "inphaseMaximum", &Settings::inphaseMinimum, &Settings::inphaseMaximum,
-                    limitedScale, 0});
+    rows.push_back(
+        {"inphaseMinimum", "inphaseMaximum", &Settings::inphaseMinimum, &Settings::inphaseMaximum, limitedScale, 0});
   }
   if (fields.ice && dialog.findChild<QWidget*>("iceMinimum") != nullptr) {
-    rows.push_back(
-        {"iceMinimum", "iceMaximum", &Settings::iceMinimum, &Settings::iceMaximum, limitedThickness, 0});
+    rows.push_back({"iceMinimum", "iceMaximum", &Settings::iceMinimum, &Settings::iceMaximum, limitedThickness, 0});
   }
   return rows;
 }
@@ -118,8 +115,8 @@ std::optional<LineEntry> runNewLineDialog(QWidget* parent, const Settings& setti
   return typedEntry(*dialog);
 }
 
-std::optional<double> runNewStationDialog(QWidget* parent, std::string_view templateName,
-                                          const Settings& settings, double station) {
+std::optional<double> runNewStationDialog(QWidget* parent, std::string_view templateName, const Settings& settings,
+                                          double station) {
   const auto dialog = makeDialog(templateName, parent);
   if (dialog == nullptr) return std::nullopt;
   const auto show = [&dialog](const char* label, double value) {
@@ -147,8 +144,8 @@ CommentOutcome runCommentDialog(QWidget* parent) {
   return outcome;
 }
 
-std::optional<Settings> runProfileScaleDialog(QWidget* parent, std::string_view templateName, Kind kind,
-                                              bool iceOption, const Settings& settings) {
+std::optional<Settings> runProfileScaleDialog(QWidget* parent, std::string_view templateName, Kind kind, bool iceOption,
+                                              const Settings& settings) {
   const auto dialog = makeDialog(templateName, parent);
   if (dialog == nullptr) return std::nullopt;
   const ScaleFields fields = scaleFieldsOf(kind, iceOption);

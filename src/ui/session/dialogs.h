@@ -17,8 +17,8 @@ namespace kalmira {
 std::optional<LineEntry> runNewLineDialog(QWidget* parent, const Settings& settings, double station);
 
 // "New Station"; `templateName` is GetNewStation or GetNewStationwm6. What is no number gives 0.
-std::optional<double> runNewStationDialog(QWidget* parent, std::string_view templateName,
-                                          const Settings& settings, double station);
+std::optional<double> runNewStationDialog(QWidget* parent, std::string_view templateName, const Settings& settings,
+                                          double station);
 
 // "Enter Comment"
 struct CommentOutcome {
@@ -29,7 +29,7 @@ struct CommentOutcome {
 CommentOutcome runCommentDialog(QWidget* parent);
 
 // "Enter Scale": the scales of the settings, changed within their limits.
-std::optional<Settings> runProfileScaleDialog(QWidget* parent, std::string_view templateName, Kind kind,
-                                              bool iceOption, const Settings& settings);
+std::optional<Settings> runProfileScaleDialog(QWidget* parent, std::string_view templateName, Kind kind, bool iceOption,
+                                              const Settings& settings);
 
 }  // namespace kalmira

@@ -31,13 +31,9 @@ QWidget* topmost(QWidget* window) {
 
 }  // namespace
 
-void LoggingWnd::View::show(PanelField field, std::string_view text) {
-  window_.parts_->panel->showText(field, text);
-}
+void LoggingWnd::View::show(PanelField field, std::string_view text) { window_.parts_->panel->showText(field, text); }
 
-void LoggingWnd::View::beep(Beep) {
-  QApplication::beep();
-}
+void LoggingWnd::View::beep(Beep) { QApplication::beep(); }
 
 bool LoggingWnd::View::ask(Question question, const Message& message) {
   const Depth asking(window_.parts_->askingDepth);
@@ -53,21 +49,13 @@ void LoggingWnd::View::tell(const Message& message) {
   window_.setFocus();
 }
 
-void LoggingWnd::View::addProfilePoint(const ProfilePoint& point) {
-  window_.parts_->chart->addPoint(point);
-}
+void LoggingWnd::View::addProfilePoint(const ProfilePoint& point) { window_.parts_->chart->addPoint(point); }
 
-void LoggingWnd::View::redrawProfile() {
-  window_.parts_->chart->redraw();
-}
+void LoggingWnd::View::redrawProfile() { window_.parts_->chart->redraw(); }
 
-void LoggingWnd::View::clearProfile() {
-  window_.parts_->chart->clearChart();
-}
+void LoggingWnd::View::clearProfile() { window_.parts_->chart->clearChart(); }
 
-void LoggingWnd::View::loggingStateChanged() {
-  window_.showButtons();
-}
+void LoggingWnd::View::loggingStateChanged() { window_.showButtons(); }
 
 // Whatever stands open above the window goes as if it had been cancelled, the topmost first.
 void LoggingWnd::View::closeDialogs() {
@@ -112,13 +100,9 @@ LoggingWnd::~LoggingWnd() {
   if (sessionActive()) leaveAtOnce();
 }
 
-Session* LoggingWnd::session() {
-  return parts_->run ? &parts_->run->session : nullptr;
-}
+Session* LoggingWnd::session() { return parts_->run ? &parts_->run->session : nullptr; }
 
-bool LoggingWnd::sessionActive() const {
-  return parts_->run && parts_->run->session.sessionActive;
-}
+bool LoggingWnd::sessionActive() const { return parts_->run && parts_->run->session.sessionActive; }
 
 StartOutcome LoggingWnd::startLogging() {
   if (sessionActive() || parts_->commandDepth > 0) return StartOutcome::refused;
@@ -165,13 +149,12 @@ void LoggingWnd::arrange() {
   setup.smallScreen = scale < kSmallScale;
   if (auto* running = session()) running->setup = setup;
   setTextScale(*this, scale);
-  const int panelHeight =
-      parts_->panel->arrange({.kind = setup.kind,
-                              .iceOption = setup.iceChosen && host_.settings.iceDisplay == 1,
-                              .wideLayout = portrait,
-                              .gps = host_.settings.gpsInput == 1,
-                              .scale = scale,
-                              .width = width()});
+  const int panelHeight = parts_->panel->arrange({.kind = setup.kind,
+                                                  .iceOption = setup.iceChosen && host_.settings.iceDisplay == 1,
+                                                  .wideLayout = portrait,
+                                                  .gps = host_.settings.gpsInput == 1,
+                                                  .scale = scale,
+                                                  .width = width()});
   const int buttonHeight = std::max(touchHeight(screen()), static_cast<int>(kButtonUnits * scale));
   const int chartHeight = std::max(1, height() - panelHeight - buttonHeight);
   parts_->panel->setGeometry(0, 0, width(), panelHeight);

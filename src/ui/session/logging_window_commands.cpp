@@ -22,8 +22,7 @@ struct MenuRow {
   int identifier;  // 0: a separator
   const char* text;
 };
-constexpr MenuRow kMenu[] = {
-    {1101, "&Scale"}, {1102, "&Display Options"}, {0, nullptr}, {1106, "&Hide Menu"}};
+constexpr MenuRow kMenu[] = {{1101, "&Scale"}, {1102, "&Display Options"}, {0, nullptr}, {1106, "&Hide Menu"}};
 constexpr MenuRow kTesk2Menu[] = {{1101, "&Scale"},
                                   {1102, "&Display Options"},
                                   {0, nullptr},
@@ -38,9 +37,7 @@ std::span<const MenuRow> menuOf(const Instrument& instrument) {
 }
 
 // A landscape screen of the usual handheld: some dialogs have a form of their own for it.
-bool lyingHandheld(const Session& session) {
-  return session.setup.storageClass == 1 && !session.setup.wideLayout;
-}
+bool lyingHandheld(const Session& session) { return session.setup.storageClass == 1 && !session.setup.wideLayout; }
 
 }  // namespace
 
@@ -59,35 +56,19 @@ void LoggingWnd::runCode(int code) {
 void LoggingWnd::runCommand(Command command) {
   auto& session = *this->session();
   switch (command) {
-    case Command::createFile:
-      return createFile();
-    case Command::start:
-      return startRecording(session);
-    case Command::pause:
-      return pauseRecording(session);
-    case Command::newLine:
-      return enterLine();
-    case Command::newStation:
-      return enterStation();
-    case Command::comment:
-      return enterComment();
-    case Command::menu:
-      return runMenu();
-    case Command::scale:
-      return enterScale();
-    case Command::displayOptions:
-      return changeDisplay();
-    case Command::repaint:
-      return redrawAfterDialog();
-    case Command::calibrate:
-      startCalibration(session);
-      return;
-    case Command::deleteCalibration:
-      deleteCalibration(session);
-      return;
-    case Command::leave:
-      LeaveLogging(session, false);
-      return;
+    case Command::createFile: return createFile();
+    case Command::start: return startRecording(session);
+    case Command::pause: return pauseRecording(session);
+    case Command::newLine: return enterLine();
+    case Command::newStation: return enterStation();
+    case Command::comment: return enterComment();
+    case Command::menu: return runMenu();
+    case Command::scale: return enterScale();
+    case Command::displayOptions: return changeDisplay();
+    case Command::repaint: return redrawAfterDialog();
+    case Command::calibrate: startCalibration(session); return;
+    case Command::deleteCalibration: deleteCalibration(session); return;
+    case Command::leave: LeaveLogging(session, false); return;
   }
 }
 
@@ -97,9 +78,8 @@ void LoggingWnd::redrawAfterDialog() {
 
 void LoggingWnd::createFile() {
   auto& session = *this->session();
-  const DataPlace place{.kind = session.instrument.kind,
-                        .storageClass = session.setup.storageClass,
-                        .root = session.setup.root};
+  const DataPlace place{
+      .kind = session.instrument.kind, .storageClass = session.setup.storageClass, .root = session.setup.root};
   const auto choose = [&](const std::string& proposal) -> std::optional<std::filesystem::path> {
     // The link may have been given up behind the dialog, and the session with it.
     if (!session.sessionActive) return std::nullopt;
@@ -142,8 +122,7 @@ void LoggingWnd::enterComment() {
 void LoggingWnd::enterScale() {
   auto& session = *this->session();
   const auto name = profileScaleTemplate(session.instrument.kind, session.iceOption, lyingHandheld(session));
-  const auto changed =
-      runProfileScaleDialog(this, name, session.instrument.kind, session.iceOption, session.settings);
+  const auto changed = runProfileScaleDialog(this, name, session.instrument.kind, session.iceOption, session.settings);
   if (!session.sessionActive) return;
   session.chartPointCount = 0;
   if (changed) {
@@ -170,8 +149,7 @@ void LoggingWnd::runMenu() {
   auto& session = *this->session();
   QMenu menu(this);
   menu.setFont(font());
-  menu.setStyleSheet(
-      QString("QMenu::item { min-height: %1px; padding: 0 24px; }").arg(touchHeight(screen())));
+  menu.setStyleSheet(QString("QMenu::item { min-height: %1px; padding: 0 24px; }").arg(touchHeight(screen())));
   for (const auto& row : menuOf(session.instrument)) {
     if (row.identifier == 0) {
       menu.addSeparator();
@@ -188,8 +166,7 @@ void LoggingWnd::runMenu() {
   }
   const auto* chosen = menu.exec(mapToGlobal(place));
   if (!session.sessionActive) return;
-  const auto command =
-      chosen != nullptr ? commandOf(session, menuCommandOf(chosen->data().toInt())) : std::nullopt;
+  const auto command = chosen != nullptr ? commandOf(session, menuCommandOf(chosen->data().toInt())) : std::nullopt;
   if (command && commandAllowed(session, *command)) return runCommand(*command);
   redrawAfterDialog();
 }

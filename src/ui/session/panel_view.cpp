@@ -13,17 +13,11 @@
 namespace kalmira {
 namespace {
 
-std::size_t indexOf(PanelField field) {
-  return static_cast<std::size_t>(field);
-}
+std::size_t indexOf(PanelField field) { return static_cast<std::size_t>(field); }
 
-QRect rectOf(const PanelCell& cell) {
-  return {cell.left, cell.top, cell.width, cell.height};
-}
+QRect rectOf(const PanelCell& cell) { return {cell.left, cell.top, cell.width, cell.height}; }
 
-std::string_view withoutTrailingBlanks(std::string_view text) {
-  return text.substr(0, text.find_last_not_of(' ') + 1);
-}
+std::string_view withoutTrailingBlanks(std::string_view text) { return text.substr(0, text.find_last_not_of(' ') + 1); }
 
 struct StateColours {
   QColor band;
@@ -116,9 +110,7 @@ void PanelView::clearTexts() {
   update();
 }
 
-const std::string& PanelView::text(PanelField field) const {
-  return texts_[indexOf(field)];
-}
+const std::string& PanelView::text(PanelField field) const { return texts_[indexOf(field)]; }
 
 const PanelCell* PanelView::cellOf(PanelField field) const {
   const auto found = std::find_if(layout_.cells.begin(), layout_.cells.end(),
@@ -126,9 +118,7 @@ const PanelCell* PanelView::cellOf(PanelField field) const {
   return found == layout_.cells.end() ? nullptr : &*found;
 }
 
-const QFont& PanelView::fontOf(PanelFont font) const {
-  return fonts_[static_cast<std::size_t>(font)];
-}
+const QFont& PanelView::fontOf(PanelFont font) const { return fonts_[static_cast<std::size_t>(font)]; }
 
 // Only when it is drawn: a hidden window's texts change as often.
 PanelView::Shown PanelView::shownIn(const PanelCell& cell) const {
@@ -177,8 +167,7 @@ void PanelView::paintCell(QPainter& painter, const PanelCell& cell) const {
   if (!cell.label.empty()) {
     painter.setFont(fontOf(PanelFont::text));
     painter.setPen(QColor(theme_->faintText));
-    painter.drawText(QPointF(room.left(), baselineIn(room, QFontMetricsF(painter.font()))),
-                     qtText(cell.label));
+    painter.drawText(QPointF(room.left(), baselineIn(room, QFontMetricsF(painter.font()))), qtText(cell.label));
     room.setLeft(room.left() + cell.labelWidth);
   }
   painter.setPen(colour);

@@ -44,13 +44,9 @@ void showColour(QPushButton& button, const Theme& theme, int colour, const QStri
   button.setAccessibleName(purpose + ' ' + words);
 }
 
-int settingsColourOf(const QColor& colour) {
-  return settingsColour(colour.red(), colour.green(), colour.blue());
-}
+int settingsColourOf(const QColor& colour) { return settingsColour(colour.red(), colour.green(), colour.blue()); }
 
-QColor colourOf(int settingsColourValue) {
-  return {qtText(colourNumber(settingsColourValue))};
-}
+QColor colourOf(int settingsColourValue) { return {qtText(colourNumber(settingsColourValue))}; }
 
 // Qt's colour dialog as a part of one of ours. It is wider than a small window, and then is moved to and fro
 // in a frame of its own.
@@ -215,8 +211,7 @@ void DisplayOptionsForm::fillGrid() {
   grid.setChecked(gridChosen(settings_));
   showAxis();
   QObject::connect(&grid, &QCheckBox::toggled, &dialog_, [this] { showAxis(); });
-  QObject::connect(&axis, &QComboBox::currentIndexChanged, &dialog_,
-                   [this](int position) { axis_ = position; });
+  QObject::connect(&axis, &QComboBox::currentIndexChanged, &dialog_, [this](int position) { axis_ = position; });
 }
 
 // Without grid lines the axis shows the first scale, and there is nothing to choose.

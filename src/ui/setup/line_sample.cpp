@@ -35,9 +35,7 @@ void LineSample::setLine(bool shown, int colour, int width) {
   update();
 }
 
-QSize LineSample::sizeHint() const {
-  return {kLetters * fontMetrics().horizontalAdvance('x'), fontMetrics().height()};
-}
+QSize LineSample::sizeHint() const { return {kLetters * fontMetrics().horizontalAdvance('x'), fontMetrics().height()}; }
 
 void LineSample::paintEvent(QPaintEvent* /*event*/) {
   QPainter painter(this);

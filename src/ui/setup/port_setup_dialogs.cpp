@@ -120,8 +120,7 @@ constexpr int kMonitorResult = QDialog::Accepted + 1;
 // the one that a receiver was heard with. The operator may stop it, change a list or leave meanwhile.
 class Finder {
  public:
-  Finder(QDialog& dialog, const std::vector<SetupList>& lists, const Settings& settings,
-         const ReceiverAccess& access)
+  Finder(QDialog& dialog, const std::vector<SetupList>& lists, const Settings& settings, const ReceiverAccess& access)
       : dialog_(dialog),
         lists_(lists),
         settings_(settings),
@@ -133,11 +132,9 @@ class Finder {
     QObject::connect(&button_, &QPushButton::clicked, &dialog, [this] { search_ ? stop() : start(); });
     QObject::connect(&watch_, &QTimer::timeout, &dialog, [this] { look(); });
     // What is behind the port may be another device now.
-    QObject::connect(&part<QPushButton>(dialog, "devices"), &QPushButton::clicked, &dialog,
-                     [this] { stop(); });
+    QObject::connect(&part<QPushButton>(dialog, "devices"), &QPushButton::clicked, &dialog, [this] { stop(); });
     for (const auto& list : lists) {
-      QObject::connect(&part<QComboBox>(dialog, list.name), &QComboBox::activated, &dialog,
-                       [this] { stop(); });
+      QObject::connect(&part<QComboBox>(dialog, list.name), &QComboBox::activated, &dialog, [this] { stop(); });
     }
   }
 
@@ -152,8 +149,7 @@ class Finder {
     const auto shown = withLists(dialog_, lists_, settings_);
     const auto device = access_.deviceOf(gpsComNumber(shown));
     if (device.empty()) return say(fmt::format("There is no device behind {}", comName(gpsComNumber(shown))));
-    search_ =
-        std::make_unique<ReceiverSearch>(access_.portFactory, device, receiverTrials(shown), *access_.clock);
+    search_ = std::make_unique<ReceiverSearch>(access_.portFactory, device, receiverTrials(shown), *access_.clock);
     button_.setText(QStringLiteral("&Stop"));
     watch_.start(kSearchLookMs);
     look();
@@ -194,14 +190,10 @@ class Finder {
         GetNmeaField(outcome.sentence, 1, ',', address);
         return say(fmt::format("Found: {} baud ({})", baudText(outcome.line), address));
       }
-      case FindOutcome::How::nothingHeard:
-        return say("Nothing heard: is the receiver on, and is this its port?");
-      case FindOutcome::How::notUnderstood:
-        return say("Something sends here, but no GPS sentences were understood");
-      case FindOutcome::How::cannotOpen:
-        return say(outcome.problem);
-      case FindOutcome::How::cancelled:
-        return say("");
+      case FindOutcome::How::nothingHeard: return say("Nothing heard: is the receiver on, and is this its port?");
+      case FindOutcome::How::notUnderstood: return say("Something sends here, but no GPS sentences were understood");
+      case FindOutcome::How::cannotOpen: return say(outcome.problem);
+      case FindOutcome::How::cancelled: return say("");
     }
   }
 
@@ -266,8 +258,7 @@ class Assigner {
     const auto devices = resolveComDevices(assigned_, present_);
     for (int row = 0; row < ports_.count(); ++row) {
       const auto index = static_cast<std::size_t>(row);
-      ports_.item(row)->setText(
-          qtText(comRowText(row + 1, devices[index], assigned_[index].empty(), present_)));
+      ports_.item(row)->setText(qtText(comRowText(row + 1, devices[index], assigned_[index].empty(), present_)));
     }
     showChoices();
     showDevice(line_, deviceText(devices[static_cast<std::size_t>(com() - 1)], present_, sight_.look));
@@ -277,8 +268,7 @@ class Assigner {
     choices_ = deviceChoices(assigned_, present_);
     device_.clear();
     for (const auto& choice : choices_) device_.addItem(qtText(choice.text));
-    device_.setCurrentIndex(
-        static_cast<int>(choiceOf(choices_, assigned_[static_cast<std::size_t>(com() - 1)])));
+    device_.setCurrentIndex(static_cast<int>(choiceOf(choices_, assigned_[static_cast<std::size_t>(com() - 1)])));
   }
 
   const DeviceSight& sight_;
@@ -293,8 +283,8 @@ class Assigner {
 
 }  // namespace
 
-std::optional<Settings> runLoggerSetupDialog(QWidget* parent, const SetupFrame& frame,
-                                             const Settings& settings, const PortLists& ports) {
+std::optional<Settings> runLoggerSetupDialog(QWidget* parent, const SetupFrame& frame, const Settings& settings,
+                                             const PortLists& ports) {
   const auto dialog = makeDialog(loggerSetupTemplate(frame.kind, frame.iceOption), parent);
   if (dialog == nullptr) return std::nullopt;
   const auto lists = loggerSetupLists(frame);
@@ -302,10 +292,8 @@ std::optional<Settings> runLoggerSetupDialog(QWidget* parent, const SetupFrame& 
   fillLists(*dialog, lists, settings);
   greyByIceDisplay(*dialog, lists);
   connectDevicesButton(*dialog, ports);
-  showDeviceOf(*dialog, "instrumentPort", "instrumentDevice", ports,
-               [](int position) { return position + 1; });
-  if (instrumentOf(frame.kind).hasMarker)
-    showDeviceOf(*dialog, "markerPort", "markerDevice", ports, markerComNumber);
+  showDeviceOf(*dialog, "instrumentPort", "instrumentDevice", ports, [](int position) { return position + 1; });
+  if (instrumentOf(frame.kind).hasMarker) showDeviceOf(*dialog, "markerPort", "markerDevice", ports, markerComNumber);
   if (!runDialog(*dialog)) return std::nullopt;
   return withLists(*dialog, lists, settings);
 }

@@ -18,8 +18,7 @@ namespace kalmira {
 // "Survey Setup" of the frame's kind. A value out of range is corrected and marked when OK is pressed first,
 // and accepted the second time. Choices that the settings do not hold rightly are shown as a new logger has
 // them.
-std::optional<Settings> runSurveySetupDialog(QWidget* parent, const SetupFrame& frame,
-                                             const Settings& settings);
+std::optional<Settings> runSurveySetupDialog(QWidget* parent, const SetupFrame& frame, const Settings& settings);
 
 // "Display Options" of the frame's kind: its traces, and the grid. Traces that the kind does not have keep
 // what they had.
@@ -35,8 +34,8 @@ struct PortLists {
 };
 
 // "Logger Setup" of the frame's kind.
-std::optional<Settings> runLoggerSetupDialog(QWidget* parent, const SetupFrame& frame,
-                                             const Settings& settings, const PortLists& ports);
+std::optional<Settings> runLoggerSetupDialog(QWidget* parent, const SetupFrame& frame, const Settings& settings,
+                                             const PortLists& ports);
 
 struct GpsSetupOutcome {
   enum class How {

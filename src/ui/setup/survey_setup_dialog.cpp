@@ -21,16 +21,11 @@ constexpr const char* kDefaultLineName = "1";
 
 const char* fieldOf(SurveyNumber number) {
   switch (number) {
-    case SurveyNumber::readingsInterval:
-      return "readingsInterval";
-    case SurveyNumber::stationIncrement:
-      return "stationIncrement";
-    case SurveyNumber::readingsCount:
-      return "readingsCount";
-    case SurveyNumber::lineIncrement:
-      return "lineIncrement";
-    case SurveyNumber::startStation:
-      break;
+    case SurveyNumber::readingsInterval: return "readingsInterval";
+    case SurveyNumber::stationIncrement: return "stationIncrement";
+    case SurveyNumber::readingsCount: return "readingsCount";
+    case SurveyNumber::lineIncrement: return "lineIncrement";
+    case SurveyNumber::startStation: break;
   }
   return "startStation";
 }
@@ -96,8 +91,7 @@ SurveySetupForm::SurveySetupForm(QDialog& dialog, const SetupFrame& frame, const
       list_a_(instrumentOf(kind_).listA, settings.surveyListA, mode_),
       list_b_(instrumentOf(kind_).listB, settings.surveyListB, mode_) {
   fill(piece<QComboBox>("surveyMode"), surveyModeNames(), mode_);
-  piece<QLabel>("stationIncrementLabel")
-      .setText(settings.lengthUnits == 1 ? "Stn Increm., ft" : "Stn Increm., m");
+  piece<QLabel>("stationIncrementLabel").setText(settings.lengthUnits == 1 ? "Stn Increm., ft" : "Stn Increm., m");
   fillLine();
   for (const auto number : kSurveyNumbers) {
     if (hasField(number)) showNumber(number);
@@ -125,10 +119,8 @@ void SurveySetupForm::connectParts() {
   for (const auto number : kSurveyNumbers) {
     if (hasField(number)) connectNumber(number);
   }
-  QObject::connect(&field(SurveyNumber::readingsInterval), &QLineEdit::textChanged, &dialog_,
-                   [this] { showRate(); });
-  QObject::connect(&piece<QLineEdit>("lineName"), &QLineEdit::textEdited, &dialog_,
-                   [this] { note("lineName", {}); });
+  QObject::connect(&field(SurveyNumber::readingsInterval), &QLineEdit::textChanged, &dialog_, [this] { showRate(); });
+  QObject::connect(&piece<QLineEdit>("lineName"), &QLineEdit::textEdited, &dialog_, [this] { note("lineName", {}); });
   auto& ok = piece<QPushButton>("ok");
   QObject::disconnect(&ok, &QPushButton::clicked, &dialog_, nullptr);
   QObject::connect(&ok, &QPushButton::clicked, &dialog_, [this] { confirm(); });
@@ -136,8 +128,7 @@ void SurveySetupForm::connectParts() {
 
 // A mark stands until the operator types over what it is about.
 void SurveySetupForm::connectNumber(SurveyNumber number) {
-  QObject::connect(&field(number), &QLineEdit::textEdited, &dialog_,
-                   [this, number] { note(fieldOf(number), {}); });
+  QObject::connect(&field(number), &QLineEdit::textEdited, &dialog_, [this, number] { note(fieldOf(number), {}); });
 }
 
 void SurveySetupForm::connectList(const char* box, ModeChoices& choices) {
@@ -265,8 +256,7 @@ void SurveySetupForm::takeRest() {
 
 }  // namespace
 
-std::optional<Settings> runSurveySetupDialog(QWidget* parent, const SetupFrame& frame,
-                                             const Settings& settings) {
+std::optional<Settings> runSurveySetupDialog(QWidget* parent, const SetupFrame& frame, const Settings& settings) {
   const auto dialog = makeDialog(surveySetupTemplate(frame.kind, frame.portrait, frame.storageClass), parent);
   if (dialog == nullptr) return std::nullopt;
   const SurveySetupForm setup(*dialog, frame, settings);

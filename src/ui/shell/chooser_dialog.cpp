@@ -30,19 +30,14 @@ RememberedKind choiceAt(int index) {
   return {.kind = Kind::orla, .ice = true};
 }
 
-int indexOf(RememberedKind choice) {
-  return choice.ice ? kKindCount : static_cast<int>(choice.kind);
-}
+int indexOf(RememberedKind choice) { return choice.ice ? kKindCount : static_cast<int>(choice.kind); }
 
-QString digitOf(int index) {
-  return index < kKindCount ? qtText(std::to_string(index)) : QString();
-}
+QString digitOf(int index) { return index < kKindCount ? qtText(std::to_string(index)) : QString(); }
 
 // A large button: an instrument's drawing, its name, and the digit that chooses it.
 class ChoiceButton final : public QAbstractButton {
  public:
-  ChoiceButton(int index, const Theme& theme, QWidget* parent)
-      : QAbstractButton(parent), index_(index), theme_(theme) {
+  ChoiceButton(int index, const Theme& theme, QWidget* parent) : QAbstractButton(parent), index_(index), theme_(theme) {
     setFocusPolicy(Qt::NoFocus);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
     setObjectName(qtText(shownName(choiceAt(index).kind, choiceAt(index).ice)));
@@ -97,8 +92,8 @@ class ChoiceButton final : public QAbstractButton {
     if (wanted != drawn_size_) {
       const auto choice = choiceAt(index_);
       drawn_size_ = wanted;
-      drawing_ = renderDrawing(drawingOf(choice.kind, choice.ice, window()->size()), theme_, room.size(),
-                               devicePixelRatio());
+      drawing_ =
+          renderDrawing(drawingOf(choice.kind, choice.ice, window()->size()), theme_, room.size(), devicePixelRatio());
     }
     if (drawing_.isNull()) return;
     QRectF place(QPointF(0, 0), drawing_.deviceIndependentSize());
@@ -187,20 +182,14 @@ void Chooser::keyPressEvent(QKeyEvent* event) {
   const int digit = event->key() - Qt::Key_0;
   if (digit >= 0 && digit < kKindCount) return choose(digit);
   switch (event->key()) {
-    case Qt::Key_Left:
-      return mark((marked_ + kChoices - 1) % kChoices);
+    case Qt::Key_Left: return mark((marked_ + kChoices - 1) % kChoices);
     case Qt::Key_Right:
-    case Qt::Key_Tab:
-      return mark((marked_ + 1) % kChoices);
-    case Qt::Key_Up:
-      return mark((marked_ + kChoices - kColumns) % kChoices);
-    case Qt::Key_Down:
-      return mark((marked_ + kColumns) % kChoices);
+    case Qt::Key_Tab: return mark((marked_ + 1) % kChoices);
+    case Qt::Key_Up: return mark((marked_ + kChoices - kColumns) % kChoices);
+    case Qt::Key_Down: return mark((marked_ + kColumns) % kChoices);
     case Qt::Key_Enter:
-    case Qt::Key_Return:
-      return event->isAutoRepeat() ? void() : choose(marked_);
-    default:
-      QDialog::keyPressEvent(event);  // Escape
+    case Qt::Key_Return: return event->isAutoRepeat() ? void() : choose(marked_);
+    default: QDialog::keyPressEvent(event);  // Escape
   }
 }
 

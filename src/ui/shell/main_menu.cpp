@@ -13,9 +13,7 @@ constexpr int kWindowFrame = 40;  // what a window manager commonly puts above a
 constexpr int kCells = kMenuCommands + 1;
 constexpr int kWidestColumn = 320;
 
-int gapOf(int width, int height) {
-  return std::max(2, std::min(width, height) / 60);
-}
+int gapOf(int width, int height) { return std::max(2, std::min(width, height) / 60); }
 
 // The cells of `area`, row by row.
 struct Grid {
@@ -57,12 +55,10 @@ MenuLayout layOutPortrait(int width, int height, int touchHeight) {
   const int buttonsHeight = std::min(wanted, height - 2 * gap);
   MenuLayout layout;
   layout.title = {0, 0, width, std::max(0, height - buttonsHeight - 2 * gap)};
-  const int side =
-      columns == 1 ? std::max(gap, (width - kWidestColumn * std::max(1, height / 320)) / 2) : gap;
-  placeCells({.area = {side, height - buttonsHeight - gap, width - 2 * side, buttonsHeight},
-              .columns = columns,
-              .gap = gap},
-             layout);
+  const int side = columns == 1 ? std::max(gap, (width - kWidestColumn * std::max(1, height / 320)) / 2) : gap;
+  placeCells(
+      {.area = {side, height - buttonsHeight - gap, width - 2 * side, buttonsHeight}, .columns = columns, .gap = gap},
+      layout);
   return layout;
 }
 
@@ -108,8 +104,8 @@ const std::array<Action, kMenuCommands>& menuEntries() {
 }
 
 MenuLayout layOutMenu(int width, int height, int touchHeight) {
-  auto layout = width > height ? layOutLandscape(width, height, touchHeight)
-                               : layOutPortrait(width, height, touchHeight);
+  auto layout =
+      width > height ? layOutLandscape(width, height, touchHeight) : layOutPortrait(width, height, touchHeight);
   const int gap = gapOf(width, height);
   const int side = std::max(0, std::min(touchHeight, layout.title.height() / 3));
   const int lastLine = std::min(layout.title.width() / 12, layout.title.height() / 9) * 5 / 3;

@@ -62,8 +62,7 @@ void MainWindow::makeMenu() {
     connect(button, &TouchButton::clicked, this, clicked);
     return button;
   };
-  model_button_ =
-      addButton(QStringLiteral("&Model"), QStringLiteral("model"), [this] { chooseInstrument(); });
+  model_button_ = addButton(QStringLiteral("&Model"), QStringLiteral("model"), [this] { chooseInstrument(); });
   theme_button_ = addButton(QString(), QStringLiteral("theme"), [this] { toggleTheme(); });
   fonts_button_ = addButton(QStringLiteral("&Fonts"), QStringLiteral("fonts"), [this] { showFonts(); });
   fonts_button_->setVisible(host_.showFonts != nullptr);
@@ -119,9 +118,7 @@ void MainWindow::arrange() {
   commands_.place(layout.buttons, layout.buttons[0].height() * kTextPercent / 100);
 }
 
-void MainWindow::resizeEvent(QResizeEvent*) {
-  arrange();
-}
+void MainWindow::resizeEvent(QResizeEvent*) { arrange(); }
 
 // The window is to be seen first; what has to be told comes then.
 void MainWindow::paintEvent(QPaintEvent*) {
@@ -159,8 +156,7 @@ bool MainWindow::focusNextPrevChild(bool) {
 
 void MainWindow::keyPressEvent(QKeyEvent* event) {
   const auto others = event->modifiers() & ~(Qt::ShiftModifier | Qt::KeypadModifier);
-  if (logging_->sessionActive() || cover_ != nullptr || others != Qt::NoModifier)
-    return QWidget::keyPressEvent(event);
+  if (logging_->sessionActive() || cover_ != nullptr || others != Qt::NoModifier) return QWidget::keyPressEvent(event);
   const int keyCode = keyCodeOf(event->key());
   // A key that is held down moves the highlight on, but acts once.
   if (commands_.moveByKey(keyCode) || event->isAutoRepeat()) return;
@@ -196,11 +192,8 @@ void MainWindow::startSession() {
       menu_->hide();
       settings_watch_.stop();  // the session looks after it itself
       break;
-    case StartOutcome::uptimeExceeded:
-      host_.endProgram();
-      break;
-    case StartOutcome::refused:
-      break;
+    case StartOutcome::uptimeExceeded: host_.endProgram(); break;
+    case StartOutcome::refused: break;
   }
 }
 
@@ -228,9 +221,7 @@ void MainWindow::showFonts() {
   host_.showFonts(this);
 }
 
-void MainWindow::toggleFullScreen() {
-  setWindowState(windowState() ^ Qt::WindowFullScreen);
-}
+void MainWindow::toggleFullScreen() { setWindowState(windowState() ^ Qt::WindowFullScreen); }
 
 void MainWindow::bringToFront() {
   setWindowState(windowState() & ~Qt::WindowMinimized);

@@ -170,11 +170,10 @@ SessionSetup Program::setupOf(RememberedKind instrument) const {
 
 LoggingHost Program::openInstrument(RememberedKind instrument) {
   auto problem = finishSettings();
-  instrument_settings_ =
-      std::make_unique<InstrumentSettings>(SettingsPlace{.kind = instrument.kind,
-                                                         .iceOption = instrument.ice,
-                                                         .storageClass = options_.storageClass,
-                                                         .root = options_.root});
+  instrument_settings_ = std::make_unique<InstrumentSettings>(SettingsPlace{.kind = instrument.kind,
+                                                                            .iceOption = instrument.ice,
+                                                                            .storageClass = options_.storageClass,
+                                                                            .root = options_.root});
   auto& own = *instrument_settings_;
   own.takeOver(std::move(problem));
   return {.setup = setupOf(instrument),

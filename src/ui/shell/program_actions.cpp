@@ -35,11 +35,10 @@ std::string ProgramActions::deviceOf(int comNumber) const {
 }
 
 PortLists ProgramActions::machinePorts() {
-  return {.deviceLine =
-              [this](int comNumber) {
-                return deviceText(deviceOf(comNumber), host_.presentDevices(), host_.lookAtDevice);
-              },
-          .assignDevices = [this](QWidget* parent) { assignDevices(parent); }};
+  return {
+      .deviceLine =
+          [this](int comNumber) { return deviceText(deviceOf(comNumber), host_.presentDevices(), host_.lookAtDevice); },
+      .assignDevices = [this](QWidget* parent) { assignDevices(parent); }};
 }
 
 void ProgramActions::take(const std::optional<Settings>& changed) {
@@ -72,10 +71,8 @@ void ProgramActions::runGpsSetup(QWidget* parent) {
                               .clock = &host_.clock};
   const auto outcome = runGpsPortSetupDialog(parent, host_.settings(), machinePorts(), access);
   switch (outcome.how) {
-    case GpsSetupOutcome::How::cancelled:
-      return;
-    case GpsSetupOutcome::How::saved:
-      return take(outcome.settings);
+    case GpsSetupOutcome::How::cancelled: return;
+    case GpsSetupOutcome::How::saved: return take(outcome.settings);
     case GpsSetupOutcome::How::monitor:
       // Tried out, not made permanent: the file keeps what it holds until something is saved.
       host_.settings() = outcome.settings;
@@ -112,8 +109,7 @@ void ProgramActions::viewFiles(QWidget* parent, const std::filesystem::path& fil
       {.place = {.kind = host_.instrument().kind, .storageClass = host_.storageClass, .root = host_.root},
        .extract = {.teskRangeTimes10 = host_.teskRangeTimes10},
        .settingsFor = [this](Kind kind, bool ice) { return settingsFor(kind, ice); },
-       .takeSettings = [this](Kind kind, bool ice,
-                              const Settings& changed) { takeSettings(kind, ice, changed); },
+       .takeSettings = [this](Kind kind, bool ice, const Settings& changed) { takeSettings(kind, ice, changed); },
        .onLeft = [this] { uncover(); }},
       host_.theme(), parent);
   covering_ = viewer;
@@ -144,8 +140,8 @@ bool ProgramActions::isInUse(Kind kind, bool ice) const {
 Settings ProgramActions::settingsFor(Kind kind, bool ice) const {
   if (isInUse(kind, ice)) return host_.settings();
   Settings settings;
-  const auto file = settingsFileOf(
-      {.kind = kind, .iceOption = ice, .storageClass = host_.storageClass, .root = host_.root});
+  const auto file =
+      settingsFileOf({.kind = kind, .iceOption = ice, .storageClass = host_.storageClass, .root = host_.root});
   if (const auto text = readSmallFile(file)) parseSettings(*text, kind, ice, settings);
   return settings;
 }

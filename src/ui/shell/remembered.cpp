@@ -13,9 +13,7 @@ const QString kKindKey = QStringLiteral("instrument/kind");
 const QString kIceKey = QStringLiteral("instrument/ice");
 const QString kThemeKey = QStringLiteral("screen/theme");
 
-QString comKey(std::size_t index) {
-  return qtText(fmt::format("com/{}", index + 1));
-}
+QString comKey(std::size_t index) { return qtText(fmt::format("com/{}", index + 1)); }
 
 }  // namespace
 
@@ -53,12 +51,8 @@ void rememberComDevices(QSettings& store, const ComAssignments& devices) {
   }
 }
 
-bool rememberedNight(const QSettings& store) {
-  return store.value(kThemeKey).toString() == "night";
-}
+bool rememberedNight(const QSettings& store) { return store.value(kThemeKey).toString() == "night"; }
 
-void rememberNight(QSettings& store, bool night) {
-  store.setValue(kThemeKey, night ? "night" : "day");
-}
+void rememberNight(QSettings& store, bool night) { store.setValue(kThemeKey, night ? "night" : "day"); }
 
 }  // namespace kalmira

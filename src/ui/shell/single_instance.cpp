@@ -80,11 +80,10 @@ SingleInstance::SingleInstance(const std::filesystem::path& root, std::function<
   auto& state = *state_;
   state.first = takeRoot(state.lock, state.name) != Holding::refused;
   if (!state.first) return;
-  QObject::connect(&state.server, &QLocalServer::newConnection, &state.server,
-                   [&state, wake = std::move(raise)] {
-                     while (auto* socket = state.server.nextPendingConnection()) delete socket;
-                     wake();
-                   });
+  QObject::connect(&state.server, &QLocalServer::newConnection, &state.server, [&state, wake = std::move(raise)] {
+    while (auto* socket = state.server.nextPendingConnection()) delete socket;
+    wake();
+  });
   // Nobody answered there: what is left of the name is a crashed program's.
   QLocalServer::removeServer(state.name);
   state.server.setSocketOptions(QLocalServer::UserAccessOption);
@@ -94,8 +93,6 @@ SingleInstance::SingleInstance(const std::filesystem::path& root, std::function<
 
 SingleInstance::~SingleInstance() = default;
 
-bool SingleInstance::isFirst() const {
-  return state_->first;
-}
+bool SingleInstance::isFirst() const { return state_->first; }
 
 }  // namespace kalmira

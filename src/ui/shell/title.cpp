@@ -27,9 +27,7 @@ struct InkColour {
 constexpr std::array<InkColour, 3> kInks{
     {{"#101010", &Theme::text}, {"#0044cc", &Theme::focus}, {"#c0c0c0", &Theme::chartGrid}}};
 
-QString resourceOf(std::string_view file) {
-  return qtText(fmt::format(":/titles/{}.svg", file));
-}
+QString resourceOf(std::string_view file) { return qtText(fmt::format(":/titles/{}.svg", file)); }
 
 std::string_view drawingFile(Kind kind, bool iceOption) {
   const auto& row = instrumentOf(kind);
@@ -111,9 +109,7 @@ QPixmap renderDrawing(const QString& drawing, const Theme& theme, QSize size, qr
   return picture;
 }
 
-QPixmap programEmblem() {
-  return renderDrawing(resourceOf(kEmblem), dayTheme(), {96, 96}, 1.0);
-}
+QPixmap programEmblem() { return renderDrawing(resourceOf(kEmblem), dayTheme(), {96, 96}, 1.0); }
 
 TitleView::TitleView(Kind kind, bool iceOption, const Theme& theme, QWidget* parent)
     : QWidget(parent), kind_(kind), ice_option_(iceOption), theme_(&theme) {}
@@ -135,8 +131,7 @@ const QPixmap& TitleView::drawingFor(QSize size) {
   const QSize wanted = size * devicePixelRatio();
   if (wanted != drawn_size_) {
     drawn_size_ = wanted;
-    drawing_ =
-        renderDrawing(drawingOf(kind_, ice_option_, window()->size()), *theme_, size, devicePixelRatio());
+    drawing_ = renderDrawing(drawingOf(kind_, ice_option_, window()->size()), *theme_, size, devicePixelRatio());
   }
   return drawing_;
 }
@@ -160,11 +155,9 @@ void TitleView::paintEvent(QPaintEvent*) {
   painter.drawText(foot, Qt::AlignLeft | Qt::AlignVCenter, QStringLiteral("KALMIRA"));
   painter.setPen(QColor(theme_->faintText));
   painter.setFont(fontOfHeight(font(), footHeight / 2, false));
-  painter.drawText(foot, Qt::AlignRight | Qt::AlignVCenter,
-                   qtText(fmt::format("Version {}", programVersion())));
+  painter.drawText(foot, Qt::AlignRight | Qt::AlignVCenter, qtText(fmt::format("Version {}", programVersion())));
 
-  const QRect room(inside.left(), inside.top() + nameHeight, inside.width(),
-                   inside.height() - nameHeight - footHeight);
+  const QRect room(inside.left(), inside.top() + nameHeight, inside.width(), inside.height() - nameHeight - footHeight);
   const auto& drawing = drawingFor(room.size());
   if (drawing.isNull()) return;
   QRectF place(QPointF(0, 0), drawing.deviceIndependentSize());

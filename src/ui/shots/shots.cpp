@@ -143,23 +143,21 @@ class Stage {
 };
 
 LoggingHost Stage::hostOfLogging() {
-  return {.setup = {.kind = shot_.instrument.kind,
-                    .iceChosen = shot_.instrument.ice,
-                    .root = root_.path().toStdString()},
-          .settings = settings_,
-          .clock = clock_,
-          .disk = disk_,
-          .deviceOf = [](int com) { return std::string(com == 1 ? "instrument" : "gps"); },
-          .portFactory =
-              [this] {
-                return std::make_unique<SimulatedPort>(plan_, allowance_,
-                                                       shot_.instrument.ice ? iceRecordAt : nullptr);
-              },
-          .saveSettings = [](const Settings&) { return std::string{}; },
-          .takeSettingsProblem = {},
-          .onLeft = {},
-          .endProgram = {},
-          .displayOptions = [](QWidget*, const Settings&) { return std::optional<Settings>(); }};
+  return {
+      .setup = {.kind = shot_.instrument.kind, .iceChosen = shot_.instrument.ice, .root = root_.path().toStdString()},
+      .settings = settings_,
+      .clock = clock_,
+      .disk = disk_,
+      .deviceOf = [](int com) { return std::string(com == 1 ? "instrument" : "gps"); },
+      .portFactory =
+          [this] {
+            return std::make_unique<SimulatedPort>(plan_, allowance_, shot_.instrument.ice ? iceRecordAt : nullptr);
+          },
+      .saveSettings = [](const Settings&) { return std::string{}; },
+      .takeSettingsProblem = {},
+      .onLeft = {},
+      .endProgram = {},
+      .displayOptions = [](QWidget*, const Settings&) { return std::optional<Settings>(); }};
 }
 
 MainWindowHost Stage::windowHost() {
@@ -239,8 +237,7 @@ void Stage::takeSetup() {
   press(MenuCommand::loggerSetup, "logger-setup");
   press(MenuCommand::setGpsPort, "gps-port-setup");
   press(MenuCommand::displayOptions, "display-options");
-  const DeviceSight sight{.present = [] { return kDevices; },
-                          .look = [](const std::string&) { return std::nullopt; }};
+  const DeviceSight sight{.present = [] { return kDevices; }, .look = [](const std::string&) { return std::nullopt; }};
   runAndSave([&] { runDevicesDialog(&window_, assigned_, sight); }, "devices");
 }
 
@@ -343,9 +340,8 @@ std::string takeChooser(const std::filesystem::path& folder, QSize size, bool ni
   QObject::connect(&watch, &QTimer::timeout, [&] {
     auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
     if (dialog == nullptr) return;
-    const auto path =
-        folder / fmt::format("chooser-{}{}.png", size.height() >= size.width() ? "portrait" : "landscape",
-                             night ? "-night" : "");
+    const auto path = folder / fmt::format("chooser-{}{}.png", size.height() >= size.width() ? "portrait" : "landscape",
+                                           night ? "-night" : "");
     if (!dialog->grab().save(qtText(path.string()))) problem = "cannot write " + path.string();
     dialog->reject();
   });

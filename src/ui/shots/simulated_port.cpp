@@ -20,8 +20,7 @@ std::string iceRecordAt(std::uint64_t number) {
   const double tenths = 25.0 + 15.0 * std::sin(static_cast<double>(number) / 20.0);
   const auto index = static_cast<std::size_t>(tenths);
   const double part = tenths - static_cast<double>(index);
-  const double conductivity =
-      kModel.iceTable[index] + part * (kModel.iceTable[index + 1] - kModel.iceTable[index]);
+  const double conductivity = kModel.iceTable[index] + part * (kModel.iceTable[index + 1] - kModel.iceTable[index]);
   return sim::terminated(Framing::ascii, sim::encodeOrla({.vertical = false}, conductivity, 1.0));
 }
 

@@ -28,8 +28,7 @@ constexpr int kFirstSize = 4;
 constexpr int kPageRows = 10;
 
 enum : int { kSmaller, kLarger, kExit };
-constexpr std::array kActions{Action{.text = "&Smaller", .letters = "S"},
-                              Action{.text = "&Larger", .letters = "L"},
+constexpr std::array kActions{Action{.text = "&Smaller", .letters = "S"}, Action{.text = "&Larger", .letters = "L"},
                               Action{.text = "E&xit", .letters = "XE"}};
 
 constexpr const char* kSample = "LOGGING  Stn: 1290.50\nC: 31.40 mS/m  I: -0.52 ppt\n0O 1lI 5S 8B";

@@ -62,8 +62,6 @@ void LineList::hidePopup() {
 }
 
 // A line is changed by choosing one, not by chance.
-void LineList::wheelEvent(QWheelEvent* event) {
-  event->ignore();
-}
+void LineList::wheelEvent(QWheelEvent* event) { event->ignore(); }
 
 }  // namespace kalmira

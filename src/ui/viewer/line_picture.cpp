@@ -56,8 +56,8 @@ class PaintedChart final : public ChartCanvas {
     return {place_.left() + (x + 0.5) * stretch_, static_cast<double>(place_.top() + within)};
   }
   void take(int colour, int width) {
-    painter_.setPen(QPen(QColor(traceColourOn(dayTheme(), colour)), width + 1, Qt::SolidLine, Qt::RoundCap,
-                         Qt::RoundJoin));
+    painter_.setPen(
+        QPen(QColor(traceColourOn(dayTheme(), colour)), width + 1, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
   }
 
   QPainter& painter_;
@@ -126,8 +126,7 @@ void drawTraces(QPainter& painter, const LinePicture& picture) {
 }
 
 // One scale with its limits at the side and its name along it.
-void drawScale(QPainter& painter, const ProfileAxis& axis, bool atLeft, const std::string& name,
-               int decimals) {
+void drawScale(QPainter& painter, const ProfileAxis& axis, bool atLeft, const std::string& name, int decimals) {
   const float bottom = axis.top - static_cast<float>(kPlot.height()) / axis.scale;
   const int side = atLeft ? kPlot.left() - 100 : kPlot.right() + 10;
   const auto flags = Qt::AlignVCenter | (atLeft ? Qt::AlignRight : Qt::AlignLeft);
@@ -151,8 +150,7 @@ void drawScales(QPainter& painter, const LinePicture& picture) {
   const bool thickness = fields.firstIsThickness;
   drawScale(painter, setup.axes.conductivity, true, thickness ? "Thickness, m" : "Conductivity, mS/m",
             thickness ? 1 : 0);
-  if (fields.inphase)
-    drawScale(painter, setup.axes.inphase, false, thickness ? "Inphase" : "Inphase, ppt", 0);
+  if (fields.inphase) drawScale(painter, setup.axes.inphase, false, thickness ? "Inphase" : "Inphase, ppt", 0);
 }
 
 // The names of the traces that the line has, each with the field that names it.
@@ -187,8 +185,8 @@ void drawLegend(QPainter& painter, const LinePicture& picture) {
     drawText(painter, {left + 38, top - kTextPixels, wide + 4, 2 * kTextPixels}, Qt::AlignVCenter, name);
     left += wide + 70;
   }
-  drawText(painter, {kPlot.right() - 200, top - kTextPixels, 200, 2 * kTextPixels},
-           Qt::AlignVCenter | Qt::AlignRight, "Station");
+  drawText(painter, {kPlot.right() - 200, top - kTextPixels, 200, 2 * kTextPixels}, Qt::AlignVCenter | Qt::AlignRight,
+           "Station");
 }
 
 void drawAll(QPainter& painter, const LinePicture& picture) {

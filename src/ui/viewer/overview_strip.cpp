@@ -45,9 +45,7 @@ void OverviewStrip::setWindow(int firstRow, int lastRow, int barRow) {
   update();
 }
 
-void OverviewStrip::mousePressEvent(QMouseEvent* event) {
-  askForRow(event->position().toPoint().x());
-}
+void OverviewStrip::mousePressEvent(QMouseEvent* event) { askForRow(event->position().toPoint().x()); }
 
 void OverviewStrip::mouseMoveEvent(QMouseEvent* event) {
   if ((event->buttons() & Qt::LeftButton) != 0) askForRow(event->position().toPoint().x());

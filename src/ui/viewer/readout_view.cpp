@@ -14,9 +14,7 @@ constexpr int kMargin = 3;
 constexpr int kSwatchGap = 3;
 
 // Between two columns, and the place of a trace's colour.
-int swatchWidth(int lineHeight) {
-  return lineHeight / 3;
-}
+int swatchWidth(int lineHeight) { return lineHeight / 3; }
 
 }  // namespace
 

@@ -29,13 +29,9 @@ ViewCurveWnd::ViewCurveWnd(const Theme& theme, std::function<void(int)> barWante
 
 ViewCurveWnd::~ViewCurveWnd() = default;
 
-int ViewCurveWnd::labelHeight() const {
-  return fontMetrics().height() + kTick;
-}
+int ViewCurveWnd::labelHeight() const { return fontMetrics().height() + kTick; }
 
-QSize ViewCurveWnd::plotSize() const {
-  return {std::max(1, width()), std::max(1, height() - labelHeight())};
-}
+QSize ViewCurveWnd::plotSize() const { return {std::max(1, width()), std::max(1, height() - labelHeight())}; }
 
 void ViewCurveWnd::makePicture() {
   const auto size = plotSize();
@@ -68,18 +64,14 @@ void ViewCurveWnd::setBar(int bar) {
   update(barPlace(bar_));
 }
 
-QImage ViewCurveWnd::picture() const {
-  return picture_ ? imageOf(*picture_).copy() : QImage();
-}
+QImage ViewCurveWnd::picture() const { return picture_ ? imageOf(*picture_).copy() : QImage(); }
 
 QRect ViewCurveWnd::barPlace(int bar) const {
   const int x = bar + kFirstColumn - 1;
   return {x - kHandle - 1, 0, 2 * kHandle + 3, plotSize().height()};
 }
 
-void ViewCurveWnd::mousePressEvent(QMouseEvent* event) {
-  askForBar(event->position().toPoint().x());
-}
+void ViewCurveWnd::mousePressEvent(QMouseEvent* event) { askForBar(event->position().toPoint().x()); }
 
 void ViewCurveWnd::mouseMoveEvent(QMouseEvent* event) {
   if ((event->buttons() & Qt::LeftButton) != 0) askForBar(event->position().toPoint().x());
@@ -123,8 +115,7 @@ void ViewCurveWnd::drawStationLabels(QPainter& painter) const {
 // Over the traces, on a ground of their own, so that neither hides the other for long: the view moves on.
 void ViewCurveWnd::drawLimits(QPainter& painter) const {
   const auto size = plotSize();
-  const std::array limits{std::pair(setup_.axisMaximum, Qt::AlignTop),
-                          std::pair(setup_.axisMinimum, Qt::AlignBottom)};
+  const std::array limits{std::pair(setup_.axisMaximum, Qt::AlignTop), std::pair(setup_.axisMinimum, Qt::AlignBottom)};
   for (const auto& [limit, edge] : limits) {
     const auto text = qtText(limitText(setup_.kind, limit));
     const int wide = fontMetrics().horizontalAdvance(text) + 4;
@@ -144,8 +135,7 @@ void ViewCurveWnd::drawBar(QPainter& painter) const {
   painter.drawLine(x, 0, x, bottom);
   painter.setBrush(QColor(theme_->focus));
   const std::array above{QPoint(x - kHandle, 0), QPoint(x + kHandle, 0), QPoint(x, kHandle)};
-  const std::array below{QPoint(x - kHandle, bottom), QPoint(x + kHandle, bottom),
-                         QPoint(x, bottom - kHandle)};
+  const std::array below{QPoint(x - kHandle, bottom), QPoint(x + kHandle, bottom), QPoint(x, bottom - kHandle)};
   painter.drawPolygon(above.data(), static_cast<int>(above.size()));
   painter.drawPolygon(below.data(), static_cast<int>(below.size()));
 }

@@ -26,9 +26,7 @@ constexpr double kReadoutUnits = 13;  // high, of the largest text
 constexpr double kLabelUnits = 9;     // of texts at the plot
 constexpr int kSmallestLabel = 9;     // pixels
 
-bool movesView(ViewCommand command) {
-  return command <= ViewCommand::lineEnd;
-}
+bool movesView(ViewCommand command) { return command <= ViewCommand::lineEnd; }
 
 }  // namespace
 
@@ -50,8 +48,7 @@ ViewFilesWnd::ViewFilesWnd(ViewerHost host, const Theme& theme, QWidget* parent)
           theme, [this](int bar) { moveBarTo(bar); }, this)),
       overview_(new OverviewStrip(
           theme, [this](int row) { moveToRow(row); }, this)),
-      buttons_(this, theme,
-               [this](int index) { run(viewEntries().at(static_cast<std::size_t>(index)).command); }) {
+      buttons_(this, theme, [this](int index) { run(viewEntries().at(static_cast<std::size_t>(index)).command); }) {
   makeButtons();
 }
 
@@ -104,19 +101,12 @@ void ViewFilesWnd::act(ViewCommand command) {
   if (command == kSavePicture) return savePicture();
   if (command == kExportCsv) return exportCsv();
   switch (command) {
-    case ViewCommand::openFile:
-      return chooseFile();
-    case ViewCommand::scale:
-      return enterScale();
-    case ViewCommand::exit:
-      return leave();
-    case ViewCommand::help:
-      return showHelp();
-    case ViewCommand::lineList:
-      lines_->setFocus();
-      return lines_->showPopup();
-    default:
-      return;
+    case ViewCommand::openFile: return chooseFile();
+    case ViewCommand::scale: return enterScale();
+    case ViewCommand::exit: return leave();
+    case ViewCommand::help: return showHelp();
+    case ViewCommand::lineList: lines_->setFocus(); return lines_->showPopup();
+    default: return;
   }
 }
 
@@ -155,8 +145,7 @@ bool ViewFilesWnd::openFile(const std::filesystem::path& path) {
 
 std::string ViewFilesWnd::extractShown() {
   const WaitingCursor cursor;
-  return extractLine(*file_, static_cast<std::size_t>(std::max(0, lines_->currentIndex())), row_files_,
-                     host_.extract);
+  return extractLine(*file_, static_cast<std::size_t>(std::max(0, lines_->currentIndex())), row_files_, host_.extract);
 }
 
 // The list shows another entry already.
@@ -273,9 +262,7 @@ void ViewFilesWnd::keyPressEvent(QKeyEvent* event) {
   run(*command);
 }
 
-void ViewFilesWnd::resizeEvent(QResizeEvent*) {
-  arrange();
-}
+void ViewFilesWnd::resizeEvent(QResizeEvent*) { arrange(); }
 
 void ViewFilesWnd::arrange() {
   const auto layout = layOutViewer(width(), height(), touchHeight(screen()));

@@ -111,8 +111,7 @@ ViewerLayout layOutViewer(int width, int height, int touchHeight) {
     placeTop(top, kFileCommands, gap, layout);
     placeUpright(inside, measures, layout);
   } else {
-    constexpr std::array kAll{openFile, ViewCommand::scale, kSavePicture, kExportCsv,
-                              help,     ViewCommand::exit};
+    constexpr std::array kAll{openFile, ViewCommand::scale, kSavePicture, kExportCsv, help, ViewCommand::exit};
     placeTop(top, kAll, gap, layout);
     placeLying(inside, measures, layout);
   }

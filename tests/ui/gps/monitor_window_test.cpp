@@ -176,20 +176,19 @@ TEST_F(MonitorWindowTest, APulledReceiverIsToldAndComesBack) {
 }
 
 TEST_F(MonitorWindowTest, EndsAtOnceInEveryState) {
-  const std::vector<std::function<void()>> states{
-      [] {},
-      [] {
-        press(Qt::Key_P);
-        letReaderLook();
-      },
-      [this] {
-        receiver.plug(false);
-        letReaderLook();
-      },
-      [this] {  // lines wait to be shown
-        receiver.send("$A\r\n$B\r\n");
-        std::this_thread::sleep_for(std::chrono::milliseconds(50));
-      }};
+  const std::vector<std::function<void()>> states{[] {},
+                                                  [] {
+                                                    press(Qt::Key_P);
+                                                    letReaderLook();
+                                                  },
+                                                  [this] {
+                                                    receiver.plug(false);
+                                                    letReaderLook();
+                                                  },
+                                                  [this] {  // lines wait to be shown
+                                                    receiver.send("$A\r\n$B\r\n");
+                                                    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+                                                  }};
   for (const auto& enter : states) {
     receiver.plug(true);
     ASSERT_TRUE(window.open());
@@ -220,8 +219,7 @@ TEST_F(MonitorWindowTest, APortThatDoesNotOpenIsToldWithTheReason) {
        {std::pair{1, "not plugged"}, {4, "No device stands for COM5: plug one in or name one"}}) {
     settings.gpsPortIndex = portIndex;
     const DialogActor actor("Serial Port", [why = why](QDialog& dialog) {
-      EXPECT_EQ(dynamic_cast<QMessageBox&>(dialog).text().toStdString(),
-                std::string("Cannot open GPS port\n") + why);
+      EXPECT_EQ(dynamic_cast<QMessageBox&>(dialog).text().toStdString(), std::string("Cannot open GPS port\n") + why);
       dialog.accept();
     });
     EXPECT_FALSE(window.open());

@@ -11,9 +11,7 @@ const Message kLinkLost{"No Connection/Instrument OFF",
                         "Fix the problem and\r\npress YES to try.\r\nPress NO to exit Logging Mode.\r\n",
                         Icon::exclamation};
 
-QMessageBox& boxOf(QDialog& dialog) {
-  return dynamic_cast<QMessageBox&>(dialog);
-}
+QMessageBox& boxOf(QDialog& dialog) { return dynamic_cast<QMessageBox&>(dialog); }
 
 struct MessageDialog : DialogTest {
   MessageDialog() : DialogTest({480, 640}) {}
@@ -24,9 +22,7 @@ struct MessageDialog : DialogTest {
 };
 
 TEST_F(MessageDialog, QuestionsAreAnsweredByKeyByFingerAndFromOutside) {
-  const auto key = [](Qt::Key pressed) {
-    return [pressed](QDialog& box) { QTest::keyClick(&box, pressed); };
-  };
+  const auto key = [](Qt::Key pressed) { return [pressed](QDialog& box) { QTest::keyClick(&box, pressed); }; };
   const struct {
     DialogActor::Act act;
     EnterMeans enter;
@@ -72,8 +68,7 @@ TEST_F(MessageDialog, TextsAndButtonsFitTheWindowAndFingers) {
   });
   window.resize(240, 320);
   for (const auto key : {Qt::Key_Return, Qt::Key_Escape}) {
-    const Message message{"CRITICAL WARNING",
-                          "<b>File not created.</b> Potential disk problem. Try different folder.",
+    const Message message{"CRITICAL WARNING", "<b>File not created.</b> Potential disk problem. Try different folder.",
                           Icon::stop};
     const DialogActor actor("CRITICAL WARNING", [&](QDialog& dialog) {
       EXPECT_EQ(boxOf(dialog).icon(), QMessageBox::Critical);

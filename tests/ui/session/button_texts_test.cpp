@@ -18,8 +18,7 @@ TEST(ButtonTexts, RowsOfEveryState) {
   tesk2.session.setup.smallScreen = true;
   EXPECT_THAT(buttonTexts(tesk2.session, {}), ElementsAre("&Cr. File", "C&alib.", "D&el Cal.", "E&xit"));
   tesk2.session.loggingState = kStandBy;
-  EXPECT_THAT(buttonTexts(tesk2.session, {}),
-              ElementsAre("&Go", "&Line", "&NStn", "&Cmnt", "&Menu", "E&xit"));
+  EXPECT_THAT(buttonTexts(tesk2.session, {}), ElementsAre("&Go", "&Line", "&NStn", "&Cmnt", "&Menu", "E&xit"));
 }
 
 TEST(ButtonTexts, PromptsNameTheKeyThatPauses) {
@@ -129,13 +128,11 @@ TEST(KeyTable, PauseKeysAlsoStartButForEnterWhichPressesTheFocusedButton) {
     return std::find(keys.begin(), keys.end(), key) != keys.end();
   };
   const std::vector<std::pair<int, std::vector<int>>> pauses{
-      {1, {Qt::Key_Space, Qt::Key_Minus, Qt::Key_Period, Qt::Key_0}},
-      {2, enters},
-      {3, {Qt::Key_S, Qt::Key_0}}};
+      {1, {Qt::Key_Space, Qt::Key_Minus, Qt::Key_Period, Qt::Key_0}}, {2, enters}, {3, {Qt::Key_S, Qt::Key_0}}};
   for (const auto& [pauseKey, keys] : pauses) {
     session.settings.pauseKey = pauseKey;
-    for (const int qtKey : {Qt::Key_Space, Qt::Key_Minus, Qt::Key_Period, Qt::Key_0, Qt::Key_Return,
-                            Qt::Key_Enter, Qt::Key_Select, Qt::Key_S, Qt::Key_5, Qt::Key_Left}) {
+    for (const int qtKey : {Qt::Key_Space, Qt::Key_Minus, Qt::Key_Period, Qt::Key_0, Qt::Key_Return, Qt::Key_Enter,
+                            Qt::Key_Select, Qt::Key_S, Qt::Key_5, Qt::Key_Left}) {
       SCOPED_TRACE(testing::Message() << pauseKey << " key " << qtKey);
       Focus focus;
       session.loggingState = kLogging;

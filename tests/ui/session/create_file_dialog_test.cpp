@@ -15,12 +15,10 @@ namespace {
 struct CreateFileDialog : DialogTest {
   CreateFileDialog() {
     // Qt's dialog remembers how it was left; not in the settings of whoever runs the tests.
-    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope,
-                       QString::fromStdString(folder.path() / "conf"));
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, QString::fromStdString(folder.path() / "conf"));
     std::filesystem::create_directories(data);
   }
-  std::optional<std::filesystem::path> run(const DialogActor::Act& act,
-                                           const std::string& proposal = "111510A") {
+  std::optional<std::filesystem::path> run(const DialogActor::Act& act, const std::string& proposal = "111510A") {
     const DialogActor actor("Create Data File", act);
     return runCreateFileDialog(&window, place, proposal);
   }
@@ -55,8 +53,7 @@ TEST_F(CreateFileDialog, NamesBecomePathsAndExistingOnesAreHandedBackWithoutAQue
   EXPECT_EQ(readFile(data / "111510Z.ROR"), "survey");
   EXPECT_EQ(run([](QDialog& dialog) {
               QTest::keyClicks(dialog.focusWidget(), "Acker");  // the proposal is selected
-              QTest::mouseClick(dialog.findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Save),
-                                Qt::LeftButton);
+              QTest::mouseClick(dialog.findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Save), Qt::LeftButton);
             }),
             data / "Acker.ROR");
   EXPECT_FALSE(run([](QDialog& dialog) { press(dialog, Qt::Key_Escape); }));

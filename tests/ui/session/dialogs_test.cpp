@@ -17,15 +17,13 @@ struct SessionDialogs : DialogTest {
     return in("New Line", act, [&] { return runNewLineDialog(&window, settings, station); });
   }
   std::optional<double> newStation(const DialogActor::Act& act) {
-    return in("New Station", act,
-              [&] { return runNewStationDialog(&window, "GetNewStation", settings, 12.5); });
+    return in("New Station", act, [&] { return runNewStationDialog(&window, "GetNewStation", settings, 12.5); });
   }
   CommentOutcome comment(const DialogActor::Act& act) {
     return in("Enter Comment", act, [&] { return runCommentDialog(&window); });
   }
   std::optional<Settings> scale(const char* templateName, Kind kind, bool ice, const DialogActor::Act& act) {
-    return in("Enter Scale", act,
-              [&] { return runProfileScaleDialog(&window, templateName, kind, ice, settings); });
+    return in("Enter Scale", act, [&] { return runProfileScaleDialog(&window, templateName, kind, ice, settings); });
   }
   Settings settings;
 };
@@ -126,8 +124,7 @@ TEST_F(SessionDialogs, CommentIsConfirmedOrCancelledWithAndWithoutText) {
   };
   for (const auto& c :
        {Case{"Zaun", Qt::Key_Return, How::confirmed}, Case{"", Qt::Key_Return, How::confirmed},
-        Case{"Zaun", Qt::Key_Escape, How::cancelledWithText},
-        Case{"", Qt::Key_Escape, How::cancelledEmpty}}) {
+        Case{"Zaun", Qt::Key_Escape, How::cancelledWithText}, Case{"", Qt::Key_Escape, How::cancelledEmpty}}) {
     const auto outcome = comment([&c](QDialog& dialog) {
       QTest::keyClicks(dialog.focusWidget(), c.typed);
       press(dialog, c.key);
@@ -167,34 +164,29 @@ TEST_F(SessionDialogs, ScalesAreShownAndLimitedAsTheKindHasThem) {
     std::vector<std::string> shown;
     std::vector<const char*> typed;
     std::vector<float> saved;
-  } cases[]{{"GetNewProfileScaleICE",
-             Kind::orla,
-             true,
-             "Conductivity",
-             {"3", "10", "-10", "0", "9", "10"},
-             {"50", "20", "-12000", "1e30", "12", "15"},
-             {50, 150, -9000, 9000, 9, 10}},
-            {"GetNewProfileScaleICE",
-             Kind::orla,
-             false,
-             "Conductivity",
-             {"3", "10", "-10", "0"},
-             {},
-             {3, 10, -10, 0, 8.7F, 10}},
-            {"GetNewProfileScaleOrla",
-             Kind::glaco,
-             false,
-             "Thickness",
-             {"2.6", "10.0", "-10", "0"},
-             {"3", "3"},
-             {3, 4, -10, 0, 8.7F, 10}},
-            {"GetNewProfileScaleVardo",
-             Kind::vardo,
-             false,
-             "Conductivity",
-             {"3", "10"},
-             {},
-             {3, 10, -10, 0.4F, 8.7F, 10}}};
+  } cases[]{
+      {"GetNewProfileScaleICE",
+       Kind::orla,
+       true,
+       "Conductivity",
+       {"3", "10", "-10", "0", "9", "10"},
+       {"50", "20", "-12000", "1e30", "12", "15"},
+       {50, 150, -9000, 9000, 9, 10}},
+      {"GetNewProfileScaleICE",
+       Kind::orla,
+       false,
+       "Conductivity",
+       {"3", "10", "-10", "0"},
+       {},
+       {3, 10, -10, 0, 8.7F, 10}},
+      {"GetNewProfileScaleOrla",
+       Kind::glaco,
+       false,
+       "Thickness",
+       {"2.6", "10.0", "-10", "0"},
+       {"3", "3"},
+       {3, 4, -10, 0, 8.7F, 10}},
+      {"GetNewProfileScaleVardo", Kind::vardo, false, "Conductivity", {"3", "10"}, {}, {3, 10, -10, 0.4F, 8.7F, 10}}};
   settings.conductivityMinimum = 2.6F;
   settings.inphaseMaximum = 0.4F;
   settings.iceMinimum = 8.7F;
@@ -213,10 +205,9 @@ TEST_F(SessionDialogs, ScalesAreShownAndLimitedAsTheKindHasThem) {
       tapOk(dialog);
     });
     ASSERT_TRUE(changed);
-    EXPECT_EQ(
-        (std::vector{changed->conductivityMinimum, changed->conductivityMaximum, changed->inphaseMinimum,
-                     changed->inphaseMaximum, changed->iceMinimum, changed->iceMaximum}),
-        c.saved);
+    EXPECT_EQ((std::vector{changed->conductivityMinimum, changed->conductivityMaximum, changed->inphaseMinimum,
+                           changed->inphaseMaximum, changed->iceMinimum, changed->iceMaximum}),
+              c.saved);
     EXPECT_FALSE(scale(c.name, c.kind, c.ice, tapCancel));
   }
 }

@@ -54,13 +54,9 @@ double overhang(const PanelLayout& layout, const PanelCell& cell, std::string te
   return needed + cell.labelWidth + 2 * cell.padding - cell.width;
 }
 
-PanelLayout layOut(const PanelSpace& space) {
-  return layOutPanel(space, measureWith(QApplication::font()));
-}
+PanelLayout layOut(const PanelSpace& space) { return layOutPanel(space, measureWith(QApplication::font())); }
 
-QRect rectOf(const PanelCell& cell) {
-  return {cell.left, cell.top, cell.width, cell.height};
-}
+QRect rectOf(const PanelCell& cell) { return {cell.left, cell.top, cell.width, cell.height}; }
 
 TEST(PanelLayout, NothingOverlapsIsCutOrTakesTheChartsRoom) {
   for (const auto& space : allPanelSpaces()) {
@@ -247,14 +243,12 @@ TEST(PanelView, StatesDifferInColourAndWithoutIt) {
   for (const Theme* theme : {&dayTheme(), &nightTheme()}) {
     Panel panel(kOrla, *theme);
     std::vector<QImage> shapes;
-    const std::pair<int, std::uint32_t> states[]{
-        {0, theme->monitor}, {-1, theme->standBy}, {1, theme->logging}};
+    const std::pair<int, std::uint32_t> states[]{{0, theme->monitor}, {-1, theme->standBy}, {1, theme->logging}};
     for (const auto& [state, colour] : states) {
       panel.view.setLoggingState(state);
       const auto picture = panel.picture();
       EXPECT_EQ(picture.pixel(panel.view.width() - 1, 1) & 0xFFFFFFU, colour);
-      const QRect corner(0, 0, panel.cell(PanelField::state).left,
-                         panel.view.layoutOfPanel().stateBandHeight);
+      const QRect corner(0, 0, panel.cell(PanelField::state).left, panel.view.layoutOfPanel().stateBandHeight);
       // Where the band's own colour is, and where it is not.
       const QImage shape = picture.copy(corner).createMaskFromColor(0xFF000000U | colour);
       for (const auto& other : shapes) EXPECT_NE(shape, other);

@@ -12,8 +12,7 @@ namespace kalmira {
 namespace {
 
 struct DisplayOptionsDialog : DialogTest {
-  std::optional<Settings> run(Kind kind, bool ice, const DialogActor::Act& act,
-                              const Theme& theme = dayTheme()) {
+  std::optional<Settings> run(Kind kind, bool ice, const DialogActor::Act& act, const Theme& theme = dayTheme()) {
     return in("Display Options", act, [&] {
       return runDisplayOptionsDialog(&window, {kind, ice, true, 1}, theme, settings);
     });

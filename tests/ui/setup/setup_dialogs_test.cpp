@@ -35,8 +35,8 @@ const ListCase kLists[]{
      "3000 mS/m",
      &Settings::seaWaterChoice},
     {"tesk2Variant", "TESK-2-1|TESK-2", &Settings::tesk2Variant, 1},
-    {"markerPort", "Disabled|COM1:|COM2:|COM3:|COM4:|COM5:|COM7:|COM8:|COM9:|COM10:|COM11:|COM12:",
-     &Settings::markerPortChoice},
+    {"markerPort",
+     "Disabled|COM1:|COM2:|COM3:|COM4:|COM5:|COM7:|COM8:|COM9:|COM10:|COM11:|COM12:", &Settings::markerPortChoice},
     {"softMarker/d", "No|Digit keys", &Settings::softMarker},
     {"softMarker/a", "No|Arrow keys", &Settings::softMarker},
     {"gpsInput", "Disabled|Enabled", &Settings::gpsInput},
@@ -154,8 +154,8 @@ TEST_F(SetupDialogs, GpsSetupHasThreeWaysOut) {
   const auto lists = listsOf(kGps);
   fillLast(lists);
   using How = GpsSetupOutcome::How;
-  for (const auto& [button, how] : {std::pair{"ok", How::saved}, std::pair{"cancel", How::cancelled},
-                                    std::pair{"monitor", How::monitor}}) {
+  for (const auto& [button, how] :
+       {std::pair{"ok", How::saved}, std::pair{"cancel", How::cancelled}, std::pair{"monitor", How::monitor}}) {
     SCOPED_TRACE(button);
     const auto outcome = gps([&, button = button](QDialog& dialog) {
       lookAndGoHome(dialog, lists);
@@ -183,8 +183,7 @@ TEST_F(SetupDialogs, IceListsAreGreyedWithoutTheIceDisplayAndSavedAsTheyStand) {
     tapOk(dialog);
   });
   ASSERT_TRUE(changed);
-  EXPECT_THAT((std::vector{changed->iceDisplay, changed->seaWaterChoice, changed->iceQuantity}),
-              ElementsAre(0, 8, 1));
+  EXPECT_THAT((std::vector{changed->iceDisplay, changed->seaWaterChoice, changed->iceQuantity}), ElementsAre(0, 8, 1));
 }
 
 TEST_F(SetupDialogs, TheDeviceLineFollowsTheListAndTheMachine) {
@@ -231,8 +230,7 @@ struct FindButton : SetupDialogs {
               .clock = &clock};
   }
   static bool says(const QDialog& dialog, const char* text) {
-    return QTest::qWaitFor([&] { return labelText(dialog, "findLine").find(text) != std::string::npos; },
-                           5000);
+    return QTest::qWaitFor([&] { return labelText(dialog, "findLine").find(text) != std::string::npos; }, 5000);
   }
   // A sentence at one baud rate only; at the others nothing ever comes.
   void understandAt(int baud) {
@@ -265,9 +263,8 @@ TEST_F(FindButton, ProposesWhatItHeardAndNothingElse) {
 
 TEST_F(FindButton, SaysWhatIsInTheWay) {
   understandAt(1);
-  for (const auto& [device, text] :
-       {std::pair{"receiver", "Nothing heard"}, std::pair{"elsewhere", "not plugged"},
-        std::pair{"", "There is no device behind COM2:"}}) {
+  for (const auto& [device, text] : {std::pair{"receiver", "Nothing heard"}, std::pair{"elsewhere", "not plugged"},
+                                     std::pair{"", "There is no device behind COM2:"}}) {
     listenTo(device);
     gps([text = text](QDialog& dialog) {
       tap(dialog, "find");
@@ -281,8 +278,8 @@ TEST_F(FindButton, SaysWhatIsInTheWay) {
 
 TEST_F(FindButton, StopsWhenAskedWhenThePortIsChangedAndWhenTheDialogIsLeft) {
   const auto outcome = gps([this](QDialog& dialog) {
-    const std::function<void()> stops[] = {[&] { tap(dialog, "find"); },
-                                           [&] { choose(dialog, "gpsPort", 2); }, [&] { tapOk(dialog); }};
+    const std::function<void()> stops[] = {[&] { tap(dialog, "find"); }, [&] { choose(dialog, "gpsPort", 2); },
+                                           [&] { tapOk(dialog); }};
     for (const auto& stop : stops) {
       tap(dialog, "find");
       EXPECT_TRUE(QTest::qWaitFor([this] { return isOpen(); }, 2000));

@@ -32,8 +32,8 @@ std::string entries(const QDialog& dialog, const char* name) {
   if (box == nullptr || !box->isVisible()) return {};
   QStringList texts;
   for (int i = 0; i < box->count(); ++i) texts << box->itemText(i);
-  return labelText(dialog, (std::string(name) + "Label").c_str()) + ": " + texts.join('|').toStdString() +
-         "=" + box->currentText().toStdString();
+  return labelText(dialog, (std::string(name) + "Label").c_str()) + ": " + texts.join('|').toStdString() + "=" +
+         box->currentText().toStdString();
 }
 
 // Which fields a mode greys, "is" for interval and samples.

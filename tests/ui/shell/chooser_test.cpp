@@ -11,8 +11,7 @@ namespace kalmira {
 namespace {
 
 // Shows the chooser and does `act` with it as soon as it is up. Nothing chosen is "".
-std::string choose(std::optional<RememberedKind> current, const DialogActor::Act& act,
-                   QWidget* parent = nullptr) {
+std::string choose(std::optional<RememberedKind> current, const DialogActor::Act& act, QWidget* parent = nullptr) {
   QTimer::singleShot(0, [&act] {
     auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
     ASSERT_NE(dialog, nullptr);

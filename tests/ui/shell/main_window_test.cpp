@@ -20,9 +20,7 @@ class MainWindowTest : public testing::Test, protected SessionGround {
                                       [this](RememberedKind kind) {
                                         ++opened;
                                         auto given = host(kind.kind, kind.ice);
-                                        given.takeSettingsProblem = [this] {
-                                          return std::exchange(problem, {});
-                                        };
+                                        given.takeSettingsProblem = [this] { return std::exchange(problem, {}); };
                                         return given;
                                       },
                                   .sessionBegins = [this] { ++sessionsBegun; },

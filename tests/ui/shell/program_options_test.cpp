@@ -7,10 +7,9 @@ namespace {
 
 TEST(ProgramOptions, AllOfThem) {
   const auto table = programCommandLine;
-  const auto all =
-      optionsOf(table,
-                "--kind vardo --root=/data/x --com 1=/dev/pts/3 --com=12=/dev/a=b --screen landscape "
-                "--scale 1.5 --theme night --tick-base program --storage-class 3");
+  const auto all = optionsOf(table,
+                             "--kind vardo --root=/data/x --com 1=/dev/pts/3 --com=12=/dev/a=b --screen landscape "
+                             "--scale 1.5 --theme night --tick-base program --storage-class 3");
   EXPECT_EQ(all.com[0], "/dev/pts/3");
   EXPECT_EQ(all.com[11], "/dev/a=b");
   EXPECT_TRUE(all.kind == Kind::vardo && all.root == "/data/x" && all.portrait == false && all.scale == 1.5);

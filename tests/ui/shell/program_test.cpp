@@ -55,9 +55,7 @@ class ProgramTest : public testing::Test {
     };
   }
   static bool terminate() { return std::raise(SIGTERM) == 0; }
-  bool hasSettings(const char* name) const {
-    return std::filesystem::exists(options.root / "Storage/KALINI" / name);
-  }
+  bool hasSettings(const char* name) const { return std::filesystem::exists(options.root / "Storage/KALINI" / name); }
 
   TempFolder folder;
   ProgramOptions options;

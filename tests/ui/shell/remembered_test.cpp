@@ -13,8 +13,7 @@ class Remembered : public testing::Test {
  protected:
   // Each a store of its own, as the next run of the program has it.
   QSettings store() const {
-    return QSettings(QString::fromStdString((folder_.path() / "kalmira.conf").string()),
-                     QSettings::IniFormat);
+    return QSettings(QString::fromStdString((folder_.path() / "kalmira.conf").string()), QSettings::IniFormat);
   }
   void write(const std::string& text) { writeFile(folder_.path() / "kalmira.conf", text); }
 
@@ -44,10 +43,9 @@ TEST_F(Remembered, TheNextRunFindsWhatWasChosen) {
 }
 
 TEST_F(Remembered, WhatMakesNoSenseIsNotThere) {
-  for (const std::string text :
-       {"",
-        "[instrument]\nkind=MAGNETOMETER\nice=yes\n[screen]\ntheme=17\n"
-        "[com]\n0=/dev/zero\n1=COM1\n2=@Invalid()\n3=/dev/ttyS1, /dev/ttyS2\n13=/dev/x\n"}) {
+  for (const std::string text : {"",
+                                 "[instrument]\nkind=MAGNETOMETER\nice=yes\n[screen]\ntheme=17\n"
+                                 "[com]\n0=/dev/zero\n1=COM1\n2=@Invalid()\n3=/dev/ttyS1, /dev/ttyS2\n13=/dev/x\n"}) {
     write(text);
     EXPECT_FALSE(lastInstrument(store()));
     EXPECT_FALSE(rememberedNight(store()));

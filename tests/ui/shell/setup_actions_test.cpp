@@ -19,9 +19,7 @@ class SetupActionsTest : public testing::Test, protected SessionGround {
     settings = {};
     ASSERT_EQ(loadSettings(place, settings).problem, "");
     settings.audio = 0;
-    deviceOf = [this](int com) {
-      return resolveComDevices(assigned, present)[static_cast<std::size_t>(com - 1)];
-    };
+    deviceOf = [this](int com) { return resolveComDevices(assigned, present)[static_cast<std::size_t>(com - 1)]; };
     actions.emplace(ActionsHost{.clock = clock,
                                 .instrument = [this] { return instrument; },
                                 .settings = [this]() -> Settings& { return settings; },

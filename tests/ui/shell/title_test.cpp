@@ -44,14 +44,10 @@ TEST(Title, PicturesByTheShapeOfTheScreen) {
     QSize screen;
     std::string_view name;
   } cases[]{
-      {Kind::orla, false, {480, 640}, "STATICTIT_ORLAVVGA"},
-      {Kind::orla, false, {640, 480}, "STATICTIT_ORLAHVGA"},
-      {Kind::orla, false, {240, 320}, "STATICTIT_ORLAMX"},
-      {Kind::orla, true, {480, 640}, "STATICTIT_ICEV_VGA"},
-      {Kind::glaco, false, {800, 480}, "STATICTIT_GLACOH_VGA"},
-      {Kind::glaco, false, {320, 240}, "STATICTIT_GLACOAR"},
-      {Kind::tesk2, false, {480, 640}, "STATICTIT_TESK2ARVGA"},
-      {Kind::mirka, false, {480, 640}, "STATICBMPAARVGA"},
+      {Kind::orla, false, {480, 640}, "STATICTIT_ORLAVVGA"},    {Kind::orla, false, {640, 480}, "STATICTIT_ORLAHVGA"},
+      {Kind::orla, false, {240, 320}, "STATICTIT_ORLAMX"},      {Kind::orla, true, {480, 640}, "STATICTIT_ICEV_VGA"},
+      {Kind::glaco, false, {800, 480}, "STATICTIT_GLACOH_VGA"}, {Kind::glaco, false, {320, 240}, "STATICTIT_GLACOAR"},
+      {Kind::tesk2, false, {480, 640}, "STATICTIT_TESK2ARVGA"}, {Kind::mirka, false, {480, 640}, "STATICBMPAARVGA"},
       {Kind::mirka, false, {240, 320}, "STATICBMPA"},
   };
   for (const auto& test : cases) EXPECT_EQ(titlePictureFor(test.kind, test.ice, test.screen), test.name);
@@ -65,8 +61,7 @@ TEST(Title, EveryInstrumentLooksDifferentInTheThemesColours) {
     const auto day = renderDrawing(drawing, dayTheme(), {320, 200}, 1.0).toImage();
     const auto night = renderDrawing(drawing, nightTheme(), {320, 200}, 1.0).toImage();
     ASSERT_FALSE(day.isNull()) << index;
-    pictures.emplace(reinterpret_cast<const char*>(day.constBits()),
-                     static_cast<std::size_t>(day.sizeInBytes()));
+    pictures.emplace(reinterpret_cast<const char*>(day.constBits()), static_cast<std::size_t>(day.sizeInBytes()));
     EXPECT_TRUE(hasColour(day, dayTheme().focus) && hasColour(day, dayTheme().text)) << index;
     EXPECT_TRUE(hasColour(night, nightTheme().focus) && hasColour(night, nightTheme().text)) << index;
     EXPECT_FALSE(hasColour(night, dayTheme().focus)) << index;

@@ -50,9 +50,7 @@ class ViewFilesTest : public testing::Test {
     return path;
   }
   void key(Qt::Key qtKey) { QTest::keyClick(viewer, qtKey); }
-  QPushButton& button(int identifier) {
-    return *viewer->findChild<QPushButton*>(QString::number(identifier));
-  }
+  QPushButton& button(int identifier) { return *viewer->findChild<QPushButton*>(QString::number(identifier)); }
   static void tapAt(QWidget& widget, int x) {
     QTest::mouseClick(&widget, Qt::LeftButton, {}, QPoint(x, widget.height() / 2));
   }
@@ -100,11 +98,10 @@ TEST_F(ViewFilesTest, KeysAndTapsWalkAlongTheLine) {
     int button;
     int firstRow;
     int bar;
-  } steps[] = {{Qt::Key_Right, 483, 1, 51},  {Qt::Key_Down, 483, 1, 52},
-               {Qt::Key_Left, 482, 1, 51},   {Qt::Key_PageDown, 484, 81, 51},
-               {Qt::Key_PageUp, 481, 1, 51}, {Qt::Key_End, 485, 600 - shown + 1, 51},
-               {Qt::Key_Home, 480, 1, 51},   {Qt::Key_Up, 482, 1, 50},
-               {Qt::Key_Q, 0, 1, 50},        {Qt::Key_Space, 0, 1, 50}};
+  } steps[] = {{Qt::Key_Right, 483, 1, 51},     {Qt::Key_Down, 483, 1, 52},   {Qt::Key_Left, 482, 1, 51},
+               {Qt::Key_PageDown, 484, 81, 51}, {Qt::Key_PageUp, 481, 1, 51}, {Qt::Key_End, 485, 600 - shown + 1, 51},
+               {Qt::Key_Home, 480, 1, 51},      {Qt::Key_Up, 482, 1, 50},     {Qt::Key_Q, 0, 1, 50},
+               {Qt::Key_Space, 0, 1, 50}};
   for (const bool byKey : {true, false}) {
     for (const auto& step : steps) {
       if (byKey)
@@ -268,8 +265,7 @@ TEST_F(ViewFilesTest, WhatCannotBeShownIsTold) {
   const struct {
     const char* name;
     std::string bytes;
-  } bad[] = {
-      {"empty.ROR", ""}, {"zeros.ROR", std::string(4800, '\0')}, {"text.ROR", "no data file at all\n"}};
+  } bad[] = {{"empty.ROR", ""}, {"zeros.ROR", std::string(4800, '\0')}, {"text.ROR", "no data file at all\n"}};
   for (const auto& each : bad) {
     SCOPED_TRACE(each.name);
     writeFile(folder.path() / each.name, each.bytes);
@@ -331,8 +327,8 @@ TEST_F(ViewFilesTest, EveryKindsSurveyIsShownAsItWasLogged) {
   for (int index = 0; index < kKindCount; ++index) {
     const auto& instrument = instrumentOf(static_cast<Kind>(index));
     SCOPED_TRACE(instrument.name);
-    const auto path = std::filesystem::path(KALMIRA_SAMPLES) /
-                      (std::string(instrument.name) + std::string(instrument.extension));
+    const auto path =
+        std::filesystem::path(KALMIRA_SAMPLES) / (std::string(instrument.name) + std::string(instrument.extension));
     ASSERT_TRUE(viewer->openFile(path));
     EXPECT_THAT(viewer->caption(), EndsWith(std::string(instrument.name)));
     EXPECT_EQ(lines().count(), 3);
@@ -350,7 +346,7 @@ TEST_F(ViewFilesTest, EveryKindsSurveyIsShownAsItWasLogged) {
     int values = 0;
     while (std::getline(shown, row)) {
       if (row.starts_with("Time") || row.starts_with("Stn") || row.find(": ") == std::string::npos) continue;
-      if (row.starts_with("T:") || row.starts_with("t:")) continue;  // the table has no auxiliary values
+      if (row.starts_with("T:") || row.starts_with("t:")) continue;         // the table has no auxiliary values
       if (std::isdigit(static_cast<unsigned char>(row[0])) != 0) continue;  // a note
       const double value = parseReal(row.substr(row.find(": ") + 2));
       bool found = false;

@@ -10,10 +10,29 @@
 namespace kalmira {
 namespace {
 
-// Whether the name is taken, by the only question that counts: can it be opened as an existing file.
+// Whatever stands under the name is in the way: a file, a folder, a link that leads nowhere.
 bool isTaken(const std::filesystem::path& path) {
-  LocalDisk disk;
-  return disk.openExisting(path).file != nullptr;
+  std::error_code unknown;
+  return std::filesystem::exists(std::filesystem::symlink_status(path, unknown));
+}
+
+bool isTakenInEither(const DataPlace& place, const std::string& fileName) {
+  return isTaken(dataFolderOf(place) / fileName) || (!place.mirror.empty() && isTaken(place.mirror / fileName));
+}
+
+std::string hourStem(const Clock& clock) {
+  const auto now = clock.localTime();
+  return fmt::format("{:02}{:02}{:02}", now.month, now.day, now.hour);
+}
+
+std::optional<std::string> freeLetter(const DataPlace& place, const std::string& stem) {
+  // A folder that cannot be made shows when the file is created.
+  (void)makeFolders(dataFolderOf(place));
+  const std::string extension(instrumentOf(place.kind).extension);
+  for (char letter = 'A'; letter <= 'Z'; ++letter) {
+    if (!isTakenInEither(place, stem + letter + extension)) return stem + letter;
+  }
+  return std::nullopt;
 }
 
 }  // namespace
@@ -23,18 +42,25 @@ std::filesystem::path dataFolderOf(const DataPlace& place) {
 }
 
 std::string ProposeDataFileName(const DataPlace& place, const Clock& clock) {
-  std::error_code ignored;  // a folder that cannot be made shows when the file is created
-  std::filesystem::create_directories(dataFolderOf(place), ignored);
-  const auto now = clock.localTime();
-  const auto stem = fmt::format("{:02}{:02}{:02}", now.month, now.day, now.hour);
+  const auto stem = hourStem(clock);
+  if (auto name = freeLetter(place, stem)) return *name;
+  return fmt::format("{}{}Z{}", dataFolderPrefix(place.kind, place.storageClass), stem,
+                     instrumentOf(place.kind).extension);
+}
+
+std::string unattendedName(const DataPlace& place, const Clock& clock) {
+  const auto stem = hourStem(clock);
+  if (auto name = freeLetter(place, stem)) return *name;
   const std::string extension(instrumentOf(place.kind).extension);
-  std::string probed;
-  for (char letter = 'A'; letter <= 'Z'; ++letter) {
-    auto name = stem + letter;
-    probed = fmt::format("{}{}{}", dataFolderPrefix(place.kind, place.storageClass), name, extension);
-    if (!isTaken(localPath(place.root, probed))) return name;
+  for (int number = 2;; ++number) {
+    auto name = fmt::format("{}Z{}", stem, number);
+    if (!isTakenInEither(place, name + extension)) return name;
   }
-  return probed;
+}
+
+std::string numberedName(const std::filesystem::path& file, int number) {
+  if (number == 1) return file.filename().string();
+  return fmt::format("{}{}{}", file.stem().string(), number, file.extension().string());
 }
 
 std::filesystem::path dataFilePathFor(const DataPlace& place, std::string_view name) {
@@ -53,11 +79,7 @@ CreateOutcome CreateDataFile(const DataPlace& place, const WriterContext& contex
   while (true) {
     const auto path = choose(ProposeDataFileName(place, context.clock));
     if (!path) return {.how = How::cancelled, .cause = {}};
-    std::error_code unknown;
-    int error = EEXIST;
-    if (!std::filesystem::exists(*path, unknown)) {
-      error = context.file.create(disk, *path, static_cast<std::size_t>(context.instrument.fileRecordLength));
-    }
+    const int error = context.file.create(disk, *path, static_cast<std::size_t>(context.instrument.fileRecordLength));
     if (error == EEXIST) {
       warnExists();
       continue;
@@ -72,7 +94,8 @@ CreateOutcome CreateDataFile(const DataPlace& place, const WriterContext& contex
     // A file without its opening records is of no use to anyone; the name becomes free again.
     const auto cause = context.file.problem();
     context.file.finish();
-    std::filesystem::remove(*path, unknown);
+    std::error_code stays;
+    std::filesystem::remove(*path, stays);
     return {.how = How::failed, .cause = cause};
   }
 }

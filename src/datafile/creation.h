@@ -16,15 +16,22 @@ struct DataPlace {
   Kind kind = Kind::orla;
   int storageClass = kDefaultStorageClass;
   std::filesystem::path root;
+  std::filesystem::path mirror{};  // the second copy's folder; empty: none
 };
 
 // The data folder on this machine.
 std::filesystem::path dataFolderOf(const DataPlace& place);
 
-// A bare name that is free in the data folder, month, day, hour and a letter: "111510A". Creates the folder.
-// When all 26 letters of the hour are taken, the catalogue path of the last one, folder and extension
-// included: the operator then sees that name and is asked for another.
+// A bare name under which nothing stands in the data folder, nor in the second copy's: month, day, hour and a
+// letter, "111510A". Creates the data folder. When all 26 letters of the hour are taken, the catalogue path of
+// the last one, folder and extension included: the operator then sees that name and is asked for another.
 std::string ProposeDataFileName(const DataPlace& place, const Clock& clock);
+// The same where nobody can be asked: after Z, "111510Z2" and so on; never a path.
+std::string unattendedName(const DataPlace& place, const Clock& clock);
+
+inline constexpr int kNamesToTry = 100;
+// "A.ROR" is 1, "A2.ROR" 2, and so on.
+std::string numberedName(const std::filesystem::path& file, int number);
 
 // The path of a proposed or typed name: in the data folder and with the extension, unless the name is a path.
 std::filesystem::path dataFilePathFor(const DataPlace& place, std::string_view name);

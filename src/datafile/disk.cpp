@@ -12,6 +12,13 @@
 namespace kalmira {
 namespace {
 
+FileStatus statusOf(const struct stat& found) {
+  return {.device = static_cast<std::uint64_t>(found.st_dev),
+          .inode = static_cast<std::uint64_t>(found.st_ino),
+          .links = static_cast<std::uint64_t>(found.st_nlink),
+          .size = static_cast<std::uint64_t>(found.st_size)};
+}
+
 class LocalFile final : public DiskFile {
  public:
   explicit LocalFile(int fd) : fd_(fd) {}
@@ -35,6 +42,19 @@ class LocalFile final : public DiskFile {
     return {.written = static_cast<std::size_t>(written), .error = 0};
   }
 
+  std::string readAt(std::uint64_t offset, std::size_t size) override {
+    std::string bytes(size, '\0');
+    std::size_t got = 0;
+    while (got < size) {
+      const auto count = ::pread(fd_, bytes.data() + got, size - got, static_cast<off_t>(offset + got));
+      if (count < 0 && errno == EINTR) continue;
+      if (count <= 0) break;
+      got += static_cast<std::size_t>(count);
+    }
+    bytes.resize(got);
+    return bytes;
+  }
+
   int truncate(std::uint64_t size) override { return ::ftruncate(fd_, static_cast<off_t>(size)) == 0 ? 0 : errno; }
 
   int sync() override { return ::fdatasync(fd_) == 0 ? 0 : errno; }
@@ -45,9 +65,9 @@ class LocalFile final : public DiskFile {
     return fd < 0 || ::close(fd) == 0 ? 0 : errno;
   }
 
-  std::uint64_t size() override {
-    struct stat status {};
-    return ::fstat(fd_, &status) == 0 ? static_cast<std::uint64_t>(status.st_size) : 0;
+  std::optional<FileStatus> status() override {
+    struct stat found {};
+    return ::fstat(fd_, &found) == 0 ? std::optional(statusOf(found)) : std::nullopt;
   }
 
   std::unique_ptr<DiskFile> duplicate() override {
@@ -74,7 +94,12 @@ OpenOutcome LocalDisk::createNew(const std::filesystem::path& path) {
   return outcome;
 }
 
-OpenOutcome LocalDisk::openExisting(const std::filesystem::path& path) { return openFile(path, 0); }
+OpenOutcome LocalDisk::openExisting(const std::filesystem::path& path) { return openFile(path, O_NOFOLLOW); }
+
+std::optional<FileStatus> LocalDisk::status(const std::filesystem::path& path) {
+  struct stat found {};
+  return ::lstat(path.c_str(), &found) == 0 ? std::optional(statusOf(found)) : std::nullopt;
+}
 
 std::string diskErrorText(int error) {
   if (error == ENOSPC || error == EDQUOT || error == EFBIG) return "Disk full";

@@ -26,11 +26,15 @@ bool SurveyPosition::take(std::string_view record) {
   }
 }
 
-std::optional<double> SurveyPosition::station() const {
-  if (!stated_ || steps_ == 0) return stated_;
+std::optional<double> SurveyPosition::station() const { return stationAfter(steps_); }
+
+std::optional<double> SurveyPosition::nextStation() const { return stationAfter(steps_ + (reading_seen_ ? 1 : 0)); }
+
+std::optional<double> SurveyPosition::stationAfter(std::int64_t steps) const {
+  if (!stated_ || steps == 0) return stated_;
   if (!increment_) return std::nullopt;
   // Multiplied, not added up: a thousand increments of 0.1 stay exact to the last place that is shown.
-  return *stated_ + static_cast<double>(steps_) * *increment_;
+  return *stated_ + static_cast<double>(steps) * *increment_;
 }
 
 void SurveyPosition::standOn(std::optional<double> station) {

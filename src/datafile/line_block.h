@@ -19,9 +19,12 @@ class SurveyPosition {
   const std::string& lineName() const { return line_name_; }
   // Of the reading taken last.
   std::optional<double> station() const;
+  // Where a first reading would stand that came next.
+  std::optional<double> nextStation() const;
 
  private:
   void standOn(std::optional<double> station);
+  std::optional<double> stationAfter(std::int64_t steps) const;
 
   std::string line_name_;
   std::optional<double> stated_;     // station of the "B" or "S" record

@@ -8,6 +8,7 @@ namespace kalmira {
 namespace {
 // Of the second that may be lost to a power cut; the rest is for the medium.
 constexpr auto kCommitEvery = std::chrono::milliseconds(700);
+constexpr auto kAbandonWait = std::chrono::milliseconds(300);
 }  // namespace
 
 void SyncThread::watch(std::unique_ptr<DiskFile> handle) {
@@ -36,7 +37,13 @@ void SyncThread::rewriteFrom(std::uint64_t offset) {
   const auto held = worker_.lock();
   writtenTo_ = offset;
   progress_.failed = false;
+  dirty_ = true;
   ++rewrites_;
+}
+
+bool SyncThread::abandon() {
+  worker_.change([this] { abandoned_ = true; });
+  return worker_.stopWithin(kAbandonWait);
 }
 
 int SyncThread::finish() {
@@ -48,7 +55,7 @@ int SyncThread::finish() {
 
 void SyncThread::run() {
   auto held = worker_.lock();
-  while (worker_.wait(held, [this] { return dirty_; })) {
+  while (worker_.wait(held, [this] { return dirty_ && !progress_.failed; }) && !abandoned_) {
     dirty_ = false;
     hurry_ = false;
     const auto handle = handle_;
@@ -60,7 +67,7 @@ void SyncThread::run() {
     progress_.error = error;
     if (error != 0) {
       progress_.failed = true;
-    } else if (!progress_.failed && rewrites == rewrites_) {
+    } else if (rewrites == rewrites_) {
       progress_.syncedTo = upTo;
     }
     worker_.waitFor(held, kCommitEvery, [this] { return hurry_; });

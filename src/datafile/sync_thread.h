@@ -27,8 +27,10 @@ class SyncThread {
   void written(std::uint64_t offset, bool now);
   Progress progress() const;
   // What was written since the last good commit is being written again, from `offset` on. A failed commit may
-  // leave the system believing that the lost bytes are safe, so no later commit counts until this is called.
+  // leave the system believing that the lost bytes are safe, so none is tried again until this is called.
   void rewriteFrom(std::uint64_t offset);
+  // Ends the thread without another commit. False when it hangs in one: then this object is never to be destroyed.
+  bool abandon();
   // Commits what is left, waiting for it, and ends the thread. Returns the errno of the last commit.
   int finish();
 
@@ -39,6 +41,7 @@ class SyncThread {
   std::shared_ptr<DiskFile> handle_;  // as the rest, under the worker's lock
   std::uint64_t writtenTo_ = 0;
   bool dirty_ = false;
+  bool abandoned_ = false;
   bool hurry_ = false;
   Progress progress_;
   unsigned rewrites_ = 0;

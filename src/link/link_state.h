@@ -18,6 +18,11 @@ struct LinkState {
   std::array<char, 184> recordText{};
   int recordLength = 12;
 
+  // Counts the beginnings of recording. The reader keeps with each record the number that stood when the
+  // record's last bytes were read: one framed before recording began is told by it.
+  std::atomic<unsigned> recording{0};
+  unsigned recordOf = 0;  // of recordText
+
   // Good and bad records since the last hand-over; one is handed over whenever this reaches
   // recordsPerReading.
   std::atomic<int> recordCount{0};
@@ -31,7 +36,7 @@ struct LinkState {
   // Above 0 while the operator holds (or has asked for) the marker key.
   std::atomic<int> markerKeyPending{0};
 
-  float recordPeriodMs = 91.0F;  // time between two records of the stream
+  std::atomic<float> recordPeriodMs{91.0F};  // time between two records of the stream
 
   std::string_view record() const { return {recordText.data(), static_cast<std::size_t>(recordLength)}; }
 };

@@ -4,8 +4,12 @@
 #include <utility>
 
 namespace kalmira {
+namespace {
+constexpr std::chrono::milliseconds kLookForInterruption{50};
+}
 
-std::optional<PortError> PortThread::open(const std::string& device, const LineSettings& line, int tries) {
+std::optional<PortError> PortThread::open(const std::string& device, const LineSettings& line, int tries,
+                                          Absent absent) {
   close();
   // Closed from its own work: the thread has yet to end.
   if (isOpen()) return PortError{PortErrorKind::held, device + " is still being closed: try again"};
@@ -17,12 +21,13 @@ std::optional<PortError> PortThread::open(const std::string& device, const LineS
   Opened opened;
   std::future<std::optional<PortError>> result = opened.get_future();
   try {
-    worker_.start([this, promise = std::move(opened), tries]() mutable { body(std::move(promise), tries); });
+    worker_.start(
+        [this, promise = std::move(opened), tries, absent]() mutable { body(std::move(promise), tries, absent); });
   } catch (const std::system_error& failure) {
     return PortError{PortErrorKind::other, std::string("No thread for the port: ") + failure.what()};
   }
   std::optional<PortError> error = result.get();
-  if (error) close();
+  if (error && absent == Absent::givenUp) close();
   return error;
 }
 
@@ -37,7 +42,7 @@ void PortThread::close() {
   gone_ = false;
 }
 
-bool PortThread::call(const std::function<bool(const Context&)>& job) {
+bool PortThread::call(const std::function<bool(const Context&)>& job, const std::function<bool()>& interrupted) {
   if (!isOpen()) return false;
   std::promise<bool> done;
   std::future<bool> result = done.get_future();
@@ -45,6 +50,11 @@ bool PortThread::call(const std::function<bool(const Context&)>& job) {
     done.set_value(job(context));
     return ReaderEnd::stopped;
   });
+  while (result.wait_for(kLookForInterruption) != std::future_status::ready) {
+    if (!interrupted()) continue;
+    close();  // has the job end
+    return false;
+  }
   return result.get();
 }
 
@@ -56,16 +66,16 @@ void PortThread::reopen() {
   worker_.change([this] { reopen_wanted_ = gone_; });
 }
 
-void PortThread::body(Opened opened, int tries) {
+void PortThread::body(Opened opened, int tries, Absent absent) {
   const std::unique_ptr<Port> port = factory_();
   std::optional<PortError> error = openWithTries(*port, tries);
-  const bool isOpened = !error;
+  gone_ = error.has_value();
   opened.set_value(std::move(error));
-  if (!isOpened) return;
+  if (gone_ && absent == Absent::givenUp) return;
   const Context context{.port = *port, .sender = *sender_, .stop = worker_.stopping()};
   for (Job job; waitForJob(job);) {
-    while (job(context) == ReaderEnd::gone && openAgain(*port)) {
-    }
+    bool there = !gone_ || openAgain(*port);
+    while (there && job(context) == ReaderEnd::gone) there = openAgain(*port);
   }
   port->close();
 }

@@ -32,12 +32,17 @@ class PortThread {
       : factory_(std::move(factory)), hand_over_(handOver), retry_period_(retryPeriod) {}
   ~PortThread() { close(); }
 
-  // Closes first when open. Waits until the device is open or `tries` tries in a row have failed.
-  std::optional<PortError> open(const std::string& device, const LineSettings& line, int tries = 1);
+  // What becomes of a port that could not be opened.
+  enum class Absent { givenUp, triedAgain };
+  // Closes first when open. Waits until the device is open or `tries` tries in a row have failed; with
+  // `triedAgain` the port is then gone, and comes back as one that has vanished does.
+  std::optional<PortError> open(const std::string& device, const LineSettings& line, int tries = 1,
+                                Absent absent = Absent::givenUp);
   bool isOpen() const { return worker_.started(); }
 
-  // Runs `job` and waits for it. Only between open and start.
-  bool call(const std::function<bool(const Context&)>& job);
+  // Runs `job` and waits for it, but no longer than `interrupted` says no: then the port is closed, and false.
+  // Only between open and start.
+  bool call(const std::function<bool(const Context&)>& job, const std::function<bool()>& interrupted);
   // Runs `job` until the port is closed, and anew whenever a vanished device could be opened again. Once an
   // open.
   void start(Job job);
@@ -53,7 +58,7 @@ class PortThread {
 
  private:
   using Opened = std::promise<std::optional<PortError>>;
-  void body(Opened opened, int tries);
+  void body(Opened opened, int tries, Absent absent);
   std::optional<PortError> openWithTries(Port& port, int tries);
   bool waitForJob(Job& job);
   bool openAgain(Port& port);

@@ -53,6 +53,7 @@ bool takeGoodRecord(const ReaderContext& context, std::string_view record, const
 // Feeds all of `block`. False when the link is being closed.
 template <typename Framer, typename OnGood>
 bool feedBlock(Framer& framer, Bytes block, LinkState& link, const OnGood& onGood) {
+  link.recordOf = link.recording;
   while (!block.empty()) {
     const FrameStep step = framer.feed(block);
     block = block.subspan(step.used);
@@ -95,6 +96,7 @@ ReaderEnd InstrumentReaderIce(const ReaderContext& context, const RecordHandOver
     framer.reset();
   };
   const auto feed = [&](Bytes block) {
+    context.link.recordOf = context.link.recording;
     while (!block.empty()) {
       const FrameStep step = framer.feed(block);
       block = block.subspan(step.used);
@@ -160,9 +162,12 @@ class ByteReader {
     while (left_.empty() && !context_.stop) {
       const std::uint32_t passed = ticksSince(context_.clock.tick(), start);
       if (passed >= limitMs) return std::nullopt;
-      const int wait = std::min(kReadSliceMs, static_cast<int>(limitMs - passed));
+      const int wait = std::min(kProbeSliceMs, static_cast<int>(limitMs - passed));
       const ReadResult read = context_.port.read(buffer_, wait);
-      if (read.gone) return std::nullopt;
+      if (read.gone) {
+        gone_ = true;
+        return std::nullopt;
+      }
       left_ = Bytes(buffer_).first(read.count);
     }
     if (left_.empty()) return std::nullopt;
@@ -171,18 +176,21 @@ class ByteReader {
     return byte;
   }
 
+  bool gone() const { return gone_; }
+
  private:
+  static constexpr int kProbeSliceMs = 50;
   const ReaderContext& context_;
   Block buffer_{};
   Bytes left_;
+  bool gone_ = false;
 };
 
 // Bytes from the "T" up to, not including, the carriage return; 0 when none came in time.
-int measureRecord(const ReaderContext& context) {
+int measureRecord(const ReaderContext& context, ByteReader& bytes) {
   constexpr std::uint32_t kAnswerMs = 2000;
   constexpr std::uint32_t kRecordMs = 1000;
   constexpr std::uint8_t kCarriageReturn = 13;
-  ByteReader bytes(context);
   const std::uint32_t start = context.clock.tick();
   std::optional<std::uint8_t> byte;
   do byte = bytes.next(start, kAnswerMs);
@@ -204,11 +212,13 @@ constexpr std::array<TeskStream, 2> kTeskStreams{{{7, 72.0F}, {12, 91.0F}}};
 
 }  // namespace
 
-bool ProbeTeskRecord(const ReaderContext& context) {
+bool ProbeTeskRecord(const ReaderContext& context, bool* gone) {
   constexpr std::uint32_t kSettleMs = 10;
   context.link.recordLength = kTeskStreams[0].recordLength;
   context.clock.pause(kSettleMs);
-  const int length = measureRecord(context);
+  ByteReader bytes(context);
+  const int length = measureRecord(context, bytes);
+  if (gone != nullptr) *gone = bytes.gone();
   for (const TeskStream& stream : kTeskStreams) {
     if (stream.recordLength != length) continue;
     context.link.recordLength = stream.recordLength;

@@ -54,7 +54,8 @@ ReaderEnd InstrumentReaderTesk2(const ReaderContext& context, bool markerOnInstr
 ReaderEnd MarkerLineThread(const ReaderContext& context);
 
 // TESK: waits at most 2 s for a record to begin and 1 s for its end. A record of 7 or 12 bytes sets
-// recordLength and recordPeriodMs; with any other answer, or none, false and recordLength 7.
-bool ProbeTeskRecord(const ReaderContext& context);
+// recordLength and recordPeriodMs; with any other answer, or none, false and recordLength 7. `gone`, where
+// given, tells whether the device has vanished. Ends 50 ms after `stop`.
+bool ProbeTeskRecord(const ReaderContext& context, bool* gone = nullptr);
 
 }  // namespace kalmira

@@ -3,8 +3,9 @@
 #include <fmt/format.h>
 
 #include "logging/calibration.h"
+#include "logging/file_guard.h"
+#include "logging/gps_watch.h"
 #include "logging/panel.h"
-#include "logging/rescue.h"
 #include "logging/watchdog.h"
 
 namespace kalmira {
@@ -29,8 +30,10 @@ CreateOutcome createDataFile(Session& session, const ChooseDataFile& choose) {
   const auto warnExists = [&session] {
     session.view.tell({.title = "WARNING", .text = std::string(kFileExistsText), .icon = Icon::exclamation});
   };
-  const DataPlace place{
-      .kind = session.instrument.kind, .storageClass = session.setup.storageClass, .root = session.setup.root};
+  const DataPlace place{.kind = session.instrument.kind,
+                        .storageClass = session.setup.storageClass,
+                        .root = session.setup.root,
+                        .mirror = session.setup.mirror};
   auto outcome = CreateDataFile(place, session.writer(), session.disk, choose, warnExists);
   if (outcome.how == CreateOutcome::How::failed) {
     session.view.tell({.title = "CRITICAL WARNING",
@@ -38,6 +41,7 @@ CreateOutcome createDataFile(Session& session, const ChooseDataFile& choose) {
                        .icon = Icon::stop});
   } else if (outcome.how == CreateOutcome::How::created) {
     session.loggingState = kStandBy;
+    beginMirror(session);
     showFile(session);
     showState(session);
     showLineAndStation(session);
@@ -62,8 +66,24 @@ void startRecording(Session& session) {
   clearTraces(session);
   showMessage(session, "");
   writeEvent(session, "$STARTED");
+  ++session.link.recording;  // what was read before is none of this recording's
   session.view.loggingStateChanged();
 }
+
+namespace {
+
+// A station or a mean that was begun and is not complete.
+void tellUnfinished(Session& session) {
+  if (session.averaging.sampleCount > 0) {
+    showMessage(session, fmt::format("{} of {} samples of this reading", session.averaging.sampleCount,
+                                     session.samplesPerAverage));
+  } else if (session.stationReadingCount > 0) {
+    showMessage(session, fmt::format("{} of {} readings at this station", session.stationReadingCount,
+                                     session.readingsPerStation));
+  }
+}
+
+}  // namespace
 
 void pauseRecording(Session& session) {
   writeEvent(session, "$PAUSED");
@@ -73,6 +93,7 @@ void pauseRecording(Session& session) {
   if (session.triggerMode == kModeWheel) session.savedTriggerMode = 0;
   session.loggingState = kStandBy;
   showState(session);
+  tellUnfinished(session);
   session.view.loggingStateChanged();
 }
 
@@ -85,6 +106,7 @@ void newLine(Session& session, const LineEntry& entry) {
   session.lineStarted = false;
   WriteLineBlock(session.writer());
   WriteTimeMark(session.writer());
+  tellUnfinished(session);
   session.view.clearProfile();
 }
 
@@ -111,6 +133,8 @@ bool LeaveLogging(Session& session, bool forced) {
       session.view.redrawProfile();
       return false;
     }
+    if (session.gpsEnabled()) noteGpsAtEnd(session);
+    if (session.ports->markerGone()) noteShortfall(session, "The marker port was not there at the end.");
     closeDataFile(session);
   }
   session.inputEnabled = false;

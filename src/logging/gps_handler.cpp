@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include "gps/fix_status.h"
+#include "logging/gps_watch.h"
 #include "logging/reading_steps.h"
 
 namespace kalmira {
@@ -13,8 +14,9 @@ bool recording(const Session& session) { return session.loggingState == kLogging
 bool manual(const Session& session) { return session.surveyMode() == kModeManual; }
 
 void OnGpsSentence(Session& session, const GpsLine& line, bool checksumOk) {
-  if (session.calibration.calibrationActive != 0) return;  // the calibration has the panel to itself
   const auto texts = fixTexts(line.text, checksumOk);
+  if (texts.fix) session.gps.fix = *texts.fix;
+  if (session.calibration.calibrationActive != 0) return;  // the calibration has the panel to itself
   auto& view = session.view;
   if (texts.activity) {
     session.gpsSpin = !session.gpsSpin;
@@ -38,10 +40,11 @@ void write(Session& session, const GpsLine& line, bool checksumOk) {
 
 void OnGpsLine(Session& session, const GpsLine& line) {
   const bool checksumOk = nmeaChecksumOk(line.text);
+  noteGpsLine(session, checksumOk);
   if (manual(session)) {
     if (!checksumOk) return OnGpsSentence(session, line, false);
     if (session.held.hold(line)) OnGpsSentence(session, line, true);
-    if (session.readingLogged && session.held.heldGgaReady && session.loggingState == kLogging) {
+    if (session.readingLogged && session.held.heldGgaReady && session.file.isOpen()) {
       writeReadySentences(session);
       session.readingLogged = false;
     }

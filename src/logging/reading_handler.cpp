@@ -55,6 +55,7 @@ void addThickness(const Session& session, Reading& reading) {
 
 // An instrument without a trigger has every reading recorded.
 bool isWanted(Session& session, bool pressed, Reading& reading) {
+  if (session.link.recordOf != session.link.recording) return false;  // read before recording began
   if (!session.instrument.hasTrigger) return session.loggingState == kLogging;
   latchTrigger(session, pressed);
   return isSample(session) ? takeSample(session, reading) : isRecordable(session);
@@ -73,6 +74,11 @@ void handleReading(Session& session, Reading& reading) {
 }  // namespace
 
 void OnReading(Session& session) {
+  if (session.link.recordPeriodMs != session.periodOfRates) {  // a TESK came back with its other record length
+    takeRecordRates(session);
+    const bool spaced = session.loggingState == kLogging && session.triggerMode == kModeAuto;
+    if (spaced) session.link.recordsPerReading = session.recordInterval;
+  }
   Reading reading = session.instrument.decode(session.link.record(), decodeOptions(session));
   if (session.calibration.calibrationPhase == -1) {
     calibrateWith(session, reading);

@@ -30,13 +30,14 @@ SerialSessionPorts::SerialSessionPorts(Kind kind, const Settings& settings, Devi
       marker_(factory, handOver, kRetryPeriod) {}
 
 std::optional<PortProblem> SerialSessionPorts::openPort(PortThread& thread, int comNumber, const LineSettings& line,
-                                                        int tries, std::string_view message) {
+                                                        int tries, std::string_view message,
+                                                        PortThread::Absent absent) {
   const std::string device = device_of_(comNumber);
   if (device.empty()) {
     return PortProblem{std::string(message),
                        fmt::format("No device stands for COM{}: plug one in or name one", comNumber)};
   }
-  std::optional<PortError> error = thread.open(device, line, tries);
+  std::optional<PortError> error = thread.open(device, line, tries, absent);
   if (!error) return std::nullopt;
   return PortProblem{std::string(message), std::move(error->text)};
 }
@@ -47,12 +48,14 @@ ReaderContext SerialSessionPorts::readerContext(const PortThread::Context& conte
 
 std::optional<PortProblem> SerialSessionPorts::OpenInstrumentPort() {
   return openPort(instrument_, instrumentComNumber(settings_), instrumentLine(kind_), 1,
-                  instrumentOf(kind_).portFailureText);
+                  instrumentOf(kind_).portFailureText, PortThread::Absent::givenUp);
 }
 
-bool SerialSessionPorts::ProbeTeskRecord() {
-  return instrument_.call(
-      [this](const PortThread::Context& context) { return kalmira::ProbeTeskRecord(readerContext(context)); });
+bool SerialSessionPorts::ProbeTeskRecord(const std::function<bool()>& interrupted) {
+  probed_ = instrument_.call(
+      [this](const PortThread::Context& context) { return kalmira::ProbeTeskRecord(readerContext(context)); },
+      interrupted);
+  return probed_;
 }
 
 void SerialSessionPorts::startInstrumentReader() {
@@ -63,6 +66,14 @@ void SerialSessionPorts::startInstrumentReader() {
 }
 
 ReaderEnd SerialSessionPorts::readInstrument(const PortThread::Context& context, bool markerOnInstrumentPort) {
+  // An instrument that was switched off and on may send the other length.
+  while (instrumentOf(kind_).asksRecordLength && !probed_.exchange(false)) {
+    bool gone = false;
+    const bool answered = kalmira::ProbeTeskRecord(readerContext(context), &gone);
+    if (gone) return ReaderEnd::gone;
+    if (context.stop) return ReaderEnd::stopped;
+    if (answered) break;
+  }
   const HandOver::Work work = [this] { events_.onRecord(); };
   const RecordHandOver handOver = [&] { return context.sender.send(work); };
   switch (instrumentOf(kind_).framing) {
@@ -79,11 +90,18 @@ bool SerialSessionPorts::instrumentGone() const { return instrument_.gone(); }
 
 void SerialSessionPorts::reopenInstrumentPort() { instrument_.reopen(); }
 
+std::optional<PortProblem> SerialSessionPorts::openGps() {
+  return openPort(gps_, gpsComNumber(settings_), gpsLine(settings_), kGpsTries, "Cannot open GPS port",
+                  PortThread::Absent::triedAgain);
+}
+
 std::optional<PortProblem> SerialSessionPorts::OpenGpsPort() {
-  return openPort(gps_, gpsComNumber(settings_), gpsLine(settings_), kGpsTries, "Cannot open GPS port");
+  gps_wanted_ = true;
+  return openGps();
 }
 
 void SerialSessionPorts::startGpsReader() {
+  if (!gps_.isOpen()) return;
   gps_.start([this](const PortThread::Context& context) {
     return GpsReaderThread(context.port, clock_, context.stop, [&](const GpsLine& line) {
       // A copy: the handling may close this very port, and goes on with the line when its reader has ended.
@@ -92,17 +110,44 @@ void SerialSessionPorts::startGpsReader() {
   });
 }
 
-void SerialSessionPorts::closeGpsPort() { gps_.close(); }
+bool SerialSessionPorts::gpsGone() const { return gps_wanted_ && (!gps_.isOpen() || gps_.gone()); }
+
+void SerialSessionPorts::closeGpsPort() {
+  gps_wanted_ = false;
+  gps_.close();
+}
+
+std::optional<PortProblem> SerialSessionPorts::openMarker() {
+  return openPort(marker_, markerComNumber(settings_.markerPortChoice), markerLine(kind_), 1,
+                  "Cannot open External Marker port", PortThread::Absent::triedAgain);
+}
 
 std::optional<PortProblem> SerialSessionPorts::OpenMarkerPort() {
-  return openPort(marker_, markerComNumber(settings_.markerPortChoice), markerLine(kind_), 1,
-                  "Cannot open External Marker port");
+  marker_wanted_ = true;
+  return openMarker();
+}
+
+bool SerialSessionPorts::markerGone() const { return marker_wanted_ && (!marker_.isOpen() || marker_.gone()); }
+
+void SerialSessionPorts::lookForAbsentPorts() {
+  if (gps_wanted_ && !gps_.isOpen()) {
+    (void)openGps();
+    startGpsReader();
+  }
+  if (marker_wanted_ && !marker_.isOpen()) {
+    (void)openMarker();
+    startMarkerReader();
+  }
 }
 
 void SerialSessionPorts::startMarkerReader() {
+  if (!marker_.isOpen()) return;
   marker_.start([this](const PortThread::Context& context) { return MarkerLineThread(readerContext(context)); });
 }
 
-void SerialSessionPorts::closeMarkerPort() { marker_.close(); }
+void SerialSessionPorts::closeMarkerPort() {
+  marker_wanted_ = false;
+  marker_.close();
+}
 
 }  // namespace kalmira

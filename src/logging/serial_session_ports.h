@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <functional>
 #include <string>
 
@@ -34,7 +35,7 @@ class SerialSessionPorts final : public SessionPorts {
                      const Clock& clock, const PortFactory& factory, SessionPortEvents events);
 
   std::optional<PortProblem> OpenInstrumentPort() override;
-  bool ProbeTeskRecord() override;
+  bool ProbeTeskRecord(const std::function<bool()>& interrupted) override;
   void startInstrumentReader() override;
   void closeInstrumentPort() override;
   bool instrumentGone() const override;
@@ -42,15 +43,20 @@ class SerialSessionPorts final : public SessionPorts {
 
   std::optional<PortProblem> OpenGpsPort() override;
   void startGpsReader() override;
+  bool gpsGone() const override;
+  void lookForAbsentPorts() override;
   void closeGpsPort() override;
 
   std::optional<PortProblem> OpenMarkerPort() override;
   void startMarkerReader() override;
+  bool markerGone() const override;
   void closeMarkerPort() override;
 
  private:
   std::optional<PortProblem> openPort(PortThread& thread, int comNumber, const LineSettings& line, int tries,
-                                      std::string_view message);
+                                      std::string_view message, PortThread::Absent absent);
+  std::optional<PortProblem> openGps();
+  std::optional<PortProblem> openMarker();
   ReaderContext readerContext(const PortThread::Context& context) const;
   ReaderEnd readInstrument(const PortThread::Context& context, bool markerOnInstrumentPort);
 
@@ -60,6 +66,9 @@ class SerialSessionPorts final : public SessionPorts {
   LinkState& link_;
   const Clock& clock_;
   SessionPortEvents events_;
+  std::atomic<bool> probed_{false};  // the record length is known since the port was opened
+  bool gps_wanted_ = false;
+  bool marker_wanted_ = false;
   PortThread instrument_;
   PortThread gps_;
   PortThread marker_;

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "logging/file_guard.h"
+#include "logging/gps_watch.h"
 #include "logging/watchdog.h"
 #include "platform/battery.h"
 
@@ -15,6 +17,9 @@ constexpr std::uint32_t kBatteryPeriodMs = 180000;
 // How often the data file is looked after: its trouble must be known within a second.
 constexpr std::uint32_t kServicePeriodMs = 400;
 constexpr std::uint32_t kNoTriggerTimeoutMs = 2000;
+constexpr std::uint32_t kLookForPortsMs = 1000;
+// Shorter than that is no sleep but the two clocks read one after the other.
+constexpr std::uint64_t kShortestSleepMs = 1000;
 // The watch is called at most this late, and that long after it was put off.
 constexpr std::uint32_t kHeldUpMs = 300;
 constexpr std::uint32_t kMomentMs = 200;
@@ -38,6 +43,29 @@ void endWaiting(Session& session) {
   if (!session.pleaseWait || session.link.lastRecordTick == session.pleaseWaitTick) return;
   session.pleaseWait = false;
   showMessage(session, "");
+}
+
+void lookForPorts(Session& session) {
+  const auto now = session.clock.tick();
+  if (!session.sessionActive || ticksSince(now, session.portsLookedForTick) < kLookForPortsMs) return;
+  session.portsLookedForTick = now;
+  session.ports->lookForAbsentPorts();
+}
+
+// A machine that slept has missed what the instrument sent meanwhile: the file says so.
+void noticeSleep(Session& session) {
+  const auto slept = session.clock.sleptMs();
+  const auto gap = slept - std::min(session.sleptMs, slept);
+  session.sleptMs = slept;
+  if (gap < kShortestSleepMs || !session.sessionActive) return;
+  if (session.loggingState != kNoFile && session.link.missedTicks == 0) {
+    writeEvent(session, "$CONN BREAK");
+    session.link.missedTicks = 1;  // written: the watch need not do so again
+  }
+  clearTraces(session);
+  startTimer(session);
+  session.gps.lastGoodTick = session.clock.tick();
+  showMessage(session, fmt::format("The machine slept for {} s", (gap + 500) / 1000));
 }
 
 // The watch period is over when it is. A session that was held up itself has kept records waiting: they get a
@@ -84,7 +112,8 @@ void takeSettings(Session& session) {
 }
 
 void takeRecordRates(Session& session) {
-  const auto rates = recordRates(readingsIntervalOf(session.settings), session.link.recordPeriodMs);
+  session.periodOfRates = session.link.recordPeriodMs;
+  const auto rates = recordRates(readingsIntervalOf(session.settings), session.periodOfRates);
   session.recordInterval = rates.recordsPerInterval;
   session.ratePerSecond = rates.ratePerSecond;
   session.beepInterval = session.surveyMode() == kModeAuto ? rates.ratePerSecond : 1;
@@ -135,10 +164,13 @@ void saveSettingsOrTell(Session& session) {
 
 void serviceSession(Session& session) {
   if (session.file.isOpen()) {
-    session.file.service();
+    guardFile(session);
     showFileTrouble(session);
   }
   endWaiting(session);
+  lookForPorts(session);
+  watchGps(session);
+  noticeSleep(session);
   if (session.timer.running) watchLink(session);
 }
 

@@ -6,9 +6,11 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "datafile/creation.h"
 #include "datafile/data_file.h"
+#include "datafile/mirror.h"
 #include "datafile/reading_decoder.h"
 #include "datafile/record_writers.h"
 #include "gps/held_sentences.h"
@@ -30,6 +32,7 @@ struct SessionSetup {
   bool teskRangeTimes10 = false;  // TESK: the instrument's ranges are ten times as large
   int storageClass = kDefaultStorageClass;
   std::filesystem::path root;
+  std::filesystem::path mirror{};  // folder of the second copy; empty: none
   bool portrait = true;
   bool smallScreen = false;
   bool wideLayout = true;  // the panel spans the width: long texts with units
@@ -81,8 +84,20 @@ struct Session {
   SessionView& view;
   SessionPorts* ports = nullptr;  // set before the session begins
   std::function<std::string(const Settings&)> saveSettings;
+  // Whether the program is to end: what waits for an instrument looks at it.
+  std::function<bool()> interrupted = [] { return false; };
   std::function<std::optional<int>()> readBattery;  // percent; the machine's own battery
   DataFile file;
+  Mirror mirror;
+  // Why the survey is not whole, or not where it should be: what was told already, for its end.
+  std::vector<std::string> shortfalls;
+  std::vector<std::string> remarks;  // likewise said at its end, of a survey that is whole
+  struct FileGuard {
+    bool lengthenedTold = false;
+    bool movedFromFailing = false;
+    int servicesToTry = 0;  // until the next try to find another place for the survey
+    int tries = 0;
+  } guard;
 
   // Taken from the settings when the session begins, see takeSettings.
   int triggerMode = kModeAuto;
@@ -125,9 +140,24 @@ struct Session {
   bool gpsHeldWritten = false;
   int gpsRecordCount = 0;
   bool gpsSpin = false;
-  std::string message;       // what stands in the message line
-  bool fileTrouble = false;  // it says why records wait
-  bool pleaseWait = false;   // it asks to wait for the instrument, silent since pleaseWaitTick
+  // What is known of the receiver, see gps_watch.h.
+  struct GpsWatch {
+    bool gone = false;
+    bool silent = false;
+    bool everGood = false;
+    bool everFixed = false;
+    std::uint32_t lastGoodTick = 0;  // of a sentence with a right checksum
+    std::uint32_t lastLineTick = 0;
+    std::string fix;  // its word; empty while none is known
+    std::string fixTold;
+    std::uint32_t fixToldTick = 0;
+  } gps;
+  std::uint32_t portsLookedForTick = 0;
+  float periodOfRates = 0;    // the record period that the rates were taken for
+  std::uint64_t sleptMs = 0;  // how long the machine has slept, when that was last looked at
+  std::string message;        // what stands in the message line
+  bool fileTrouble = false;   // it says why records wait
+  bool pleaseWait = false;    // it asks to wait for the instrument, silent since pleaseWaitTick
   std::uint32_t pleaseWaitTick = 0;
 
   // What was recorded, for the closing summary.

@@ -24,8 +24,9 @@ class SessionPorts {
 
   virtual std::optional<PortProblem> OpenInstrumentPort() = 0;
   // TESK: finds out the record length of the instrument behind the open port; sets recordLength and
-  // recordPeriodMs of the link state. False when nothing known answered.
-  virtual bool ProbeTeskRecord() = 0;
+  // recordPeriodMs of the link state. False when nothing known answered, and once `interrupted` says yes. The
+  // reader asks again by itself whenever it begins anew.
+  virtual bool ProbeTeskRecord(const std::function<bool()>& interrupted) = 0;
   virtual void startInstrumentReader() = 0;
   virtual void closeInstrumentPort() = 0;
   // True once the device has vanished under an open port (a pulled cable).
@@ -35,10 +36,15 @@ class SessionPorts {
 
   virtual std::optional<PortProblem> OpenGpsPort() = 0;
   virtual void startGpsReader() = 0;
+  // True while a port that was wanted is not there: it could not be opened, or has vanished.
+  virtual bool gpsGone() const = 0;
+  // Looks for the devices of wanted ports that had none: about once a second.
+  virtual void lookForAbsentPorts() = 0;
   virtual void closeGpsPort() = 0;
 
   virtual std::optional<PortProblem> OpenMarkerPort() = 0;
   virtual void startMarkerReader() = 0;
+  virtual bool markerGone() const = 0;
   virtual void closeMarkerPort() = 0;
 };
 

@@ -44,6 +44,12 @@ void resetCounters(Session& session) {
   session.gpsHeldWritten = false;
   session.gpsRecordCount = 0;
   session.counts = {};
+  session.shortfalls.clear();
+  session.guard = {};
+  session.remarks.clear();
+  session.gps = {};
+  session.gps.lastGoodTick = session.gps.lastLineTick = session.clock.tick();
+  session.sleptMs = session.clock.sleptMs();
   session.chartPointCount = 0;
   clearTraces(session);
   session.link.recordCount = 0;
@@ -75,8 +81,12 @@ bool connectInstrument(Session& session) {
     session.sessionActive = false;
     return false;
   }
-  if (session.instrument.asksRecordLength && !session.ports->ProbeTeskRecord()) {
+  if (session.instrument.asksRecordLength && !session.ports->ProbeTeskRecord(session.interrupted)) {
     session.ports->closeInstrumentPort();
+    if (session.interrupted()) {
+      session.sessionActive = false;
+      return false;
+    }
     return refuse(session, {.title = "Connection", .text = "Instrument OFF or Disconnected"});
   }
   return true;
@@ -90,9 +100,8 @@ void startReaders(Session& session) {
   if (ownMarkerPort(session)) {
     if (const auto problem = session.ports->OpenMarkerPort()) {
       tellPortProblem(session, *problem);
-    } else {
-      session.ports->startMarkerReader();
     }
+    session.ports->startMarkerReader();
   }
   if (!session.sessionActive) return;  // left behind that message
   session.clock.pause(kReaderPauseMs);
@@ -100,9 +109,9 @@ void startReaders(Session& session) {
   if (!session.gpsEnabled()) return;
   if (const auto problem = session.ports->OpenGpsPort()) {
     tellPortProblem(session, *problem);
-  } else {
-    session.ports->startGpsReader();
+    session.gps.gone = true;  // told; it is tried again
   }
+  session.ports->startGpsReader();
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <string>
 #include <string_view>
 
@@ -47,11 +48,12 @@ class SessionView {
   virtual bool ask(Question question, const Message& message) = 0;  // true: yes
   virtual void tell(const Message& message) = 0;                    // returns when it has been read
   virtual void addProfilePoint(const ProfilePoint& point) = 0;
-  virtual void redrawProfile() = 0;        // from the data file
-  virtual void clearProfile() = 0;         // a new line begins
-  virtual void loggingStateChanged() = 0;  // another row of buttons
-  virtual void closeDialogs() = 0;         // any session dialog that is open, as if cancelled
-  virtual void loggingLeft() = 0;          // the session is over
+  virtual void redrawProfile() = 0;                                 // from the data file
+  virtual void clearProfile() = 0;                                  // a new line begins
+  virtual void loggingStateChanged() = 0;                           // another row of buttons
+  virtual void closeDialogs() = 0;                                  // any session dialog that is open, as if cancelled
+  virtual void loggingLeft() = 0;                                   // the session is over
+  virtual void fileMoved(const std::filesystem::path& /*path*/) {}  // the survey goes on in another file
 };
 
 }  // namespace kalmira

@@ -7,11 +7,17 @@
 namespace kalmira {
 namespace {
 
+#ifdef CLOCK_BOOTTIME
+std::uint64_t clockMs(clockid_t clock) {
+  std::timespec now{};
+  clock_gettime(clock, &now);
+  return static_cast<std::uint64_t>(now.tv_sec) * 1000U + static_cast<std::uint64_t>(now.tv_nsec) / 1000000U;
+}
+#endif
+
 std::uint64_t uptimeMs() {
 #ifdef CLOCK_BOOTTIME
-  std::timespec now{};
-  clock_gettime(CLOCK_BOOTTIME, &now);
-  return static_cast<std::uint64_t>(now.tv_sec) * 1000U + static_cast<std::uint64_t>(now.tv_nsec) / 1000000U;
+  return clockMs(CLOCK_BOOTTIME);
 #else
   using namespace std::chrono;
   return static_cast<std::uint64_t>(duration_cast<milliseconds>(steady_clock::now().time_since_epoch()).count());
@@ -42,6 +48,17 @@ LocalTime SystemClock::localTime() const {
           .minute = parts.tm_min,
           .second = parts.tm_sec,
           .millisecond = static_cast<int>(fraction.count())};
+}
+
+std::uint64_t SystemClock::sleptMs() const {
+#ifdef CLOCK_BOOTTIME
+  // The one clock runs while the machine sleeps, the other does not.
+  const auto running = clockMs(CLOCK_MONOTONIC);
+  const auto booted = clockMs(CLOCK_BOOTTIME);
+  return booted > running ? booted - running : 0;
+#else
+  return 0;
+#endif
 }
 
 void SystemClock::pause(std::uint32_t milliseconds) const {

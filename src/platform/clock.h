@@ -28,6 +28,8 @@ class Clock {
   virtual std::uint32_t tick() const = 0;
   // The device's date and time of day, in its time zone.
   virtual LocalTime localTime() const = 0;
+  // How long the machine has slept since it was started.
+  virtual std::uint64_t sleptMs() const = 0;
   // Returns after at least `milliseconds`.
   virtual void pause(std::uint32_t milliseconds) const = 0;
 };
@@ -42,6 +44,7 @@ class SystemClock final : public Clock {
   explicit SystemClock(TickBase base);
   std::uint32_t tick() const override;
   LocalTime localTime() const override;
+  std::uint64_t sleptMs() const override;
   void pause(std::uint32_t milliseconds) const override;
 
  private:

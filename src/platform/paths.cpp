@@ -28,6 +28,18 @@ void syncFolder(const std::filesystem::path& folder) {
   ::close(fd);
 }
 
+std::string makeFolders(const std::filesystem::path& folder) {
+  std::error_code error;
+  if (folder.empty() || std::filesystem::is_directory(folder, error)) return {};
+  if (auto problem = makeFolders(folder.parent_path()); !problem.empty()) return problem;
+  std::filesystem::create_directory(folder, error);
+  if (!std::filesystem::is_directory(folder, error)) {
+    return error ? error.message() : std::generic_category().message(ENOTDIR);
+  }
+  syncFolder(folder.parent_path());
+  return {};
+}
+
 std::optional<std::string> readSmallFile(const std::filesystem::path& path) {
   constexpr off_t kLargest = 1 << 20;
   // Without waiting: a pipe under the file's name must not hold anybody up.

@@ -15,6 +15,10 @@ std::filesystem::path localPath(const std::filesystem::path& root, std::string_v
 // survives a power cut. Where a file system cannot do that, nothing happens.
 void syncFolder(const std::filesystem::path& folder);
 
+// Makes a folder and those above it, and commits each that is new into the one above. Empty, or the system's
+// word for why it could not be made.
+std::string makeFolders(const std::filesystem::path& folder);
+
 // The content of a regular file of at most a megabyte; nothing when there is none such or it cannot be read.
 std::optional<std::string> readSmallFile(const std::filesystem::path& path);
 

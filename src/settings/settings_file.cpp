@@ -57,8 +57,7 @@ bool parseSettings(std::string_view text, Kind kind, bool iceOption, Settings& s
 
 SettingsLoadResult loadSettings(const SettingsPlace& place, Settings& settings) {
   const auto path = settingsFileOf(place);
-  std::error_code ignored;  // a folder that cannot be made shows when the file cannot be written
-  std::filesystem::create_directories(path.parent_path(), ignored);
+  (void)makeFolders(path.parent_path());  // a folder that cannot be made shows when the file cannot be written
 
   SettingsLoadResult result;
   if (const auto text = readSmallFile(path)) {
@@ -73,8 +72,7 @@ SettingsLoadResult loadSettings(const SettingsPlace& place, Settings& settings) 
 
 std::string saveSettings(const SettingsPlace& place, const Settings& settings) {
   const auto path = settingsFileOf(place);
-  std::error_code ignored;
-  std::filesystem::create_directories(path.parent_path(), ignored);
+  (void)makeFolders(path.parent_path());
   const auto problem = replaceFile(path, formatSettings(settings, place.kind, place.iceOption));
   if (problem.empty()) return {};
   return "Cannot write " + path.string() + ": " + problem;

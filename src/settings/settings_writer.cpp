@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "platform/output_file.h"
+#include "platform/paths.h"
 
 namespace kalmira {
 
@@ -26,8 +27,7 @@ void SettingsWriter::run() {
     waiting_ = false;
     const std::string text = std::move(text_);
     held.unlock();
-    std::error_code ignored;
-    std::filesystem::create_directories(path_.parent_path(), ignored);
+    (void)makeFolders(path_.parent_path());
     const std::string problem = replaceFile(path_, text);
     held.lock();
     if (!problem.empty()) problem_ = "Cannot write " + path_.string() + ": " + problem;

@@ -3,7 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <functional>
 #include <thread>
+#include <vector>
 
 #include "datafile/creation.h"
 #include "platform/text.h"
@@ -62,29 +64,87 @@ TEST_F(DataFileTest, CommitsFollowWritesAndWhatFailedIsWrittenAgain) {
   EXPECT_TRUE(failed && good());
 }
 
-TEST_F(DataFileTest, ACardTakenOutAtAPauseIsPickedUpAgainAndAnotherOneIsLeftAlone) {
-  const auto ours = record(1) + record(2);
-  file.append(ours);
-  disk.state.cardOut = true;
-  file.closeAndReopen();
-  EXPECT_NE(file.problem(), "");
-  file.append(record(3));
-  disk.state.cardOut = false;
-  // A file of the same name that is not this one, or was cut.
-  for (const auto& other : {std::string(), record(7), ours.substr(0, 47)}) {
-    disk.state.content = other;
-    file.service();
-    EXPECT_EQ(disk.content(), other);
-    EXPECT_EQ(file.problem(), "Cannot write: No such device");
-    EXPECT_EQ(file.waitingRecords(), 1U);
+// What was done to the file behind our back, and how it is found; the survey then goes on in "next".
+TEST_F(DataFileTest, AFileThatIsNoLongerOursIsLeftAloneAndTheSurveyGoesOnWholeElsewhere) {
+  using Condition = DataFile::Condition;
+  const auto ours = record(1) + record(2) + record(3);
+  struct Case {
+    std::string what;
+    std::function<void(FakeDisk&)> harm;
+    Condition found;
+    std::string left;  // under the old name
+  };
+  const std::vector<Case> cases{
+      {"deleted", [](FakeDisk& d) { d.remove("survey"); }, Condition::gone, ""},
+      {"another of its name", [](FakeDisk& d) { d.remove("survey"), d.put("survey", "another survey"); },
+       Condition::gone, "another survey"},
+      {"a copy in its place", [&](FakeDisk& d) { d.remove("survey"), d.put("survey", ours); }, Condition::gone, ours},
+      {"cut", [](FakeDisk& d) { d.setContent(record(1)); }, Condition::cut, record(1)},
+      {"overwritten", [](FakeDisk& d) { d.setContent(std::string(72, 'x')); }, Condition::overwritten,
+       std::string(72, 'x')},
+      {"card out", [](FakeDisk& d) { d.state.outside = "survey"; }, Condition::failing, ours}};
+  for (const auto& harmed : cases) {
+    SCOPED_TRACE(harmed.what);
+    FakeDisk at;
+    DataFile survey;
+    ASSERT_EQ(survey.create(at, "survey", 24), 0);
+    survey.append(ours);
+    survey.service();
+    EXPECT_EQ(survey.condition(), Condition::sound);
+    harmed.harm(at);
+    if (harmed.found == Condition::cut) survey.append(record(4));  // comes before anybody has looked
+    survey.closeAndReopen();
+    survey.service();
+    EXPECT_EQ(survey.condition(), harmed.found);
+    if (harmed.found != Condition::cut) survey.append(record(4));
+    EXPECT_EQ(survey.continueIn("survey").error == 0, harmed.what == "deleted");
+    if (harmed.what != "deleted") {
+      const auto next = survey.continueIn("next");
+      EXPECT_EQ(next.error, 0);
+      EXPECT_EQ(next.missing, 0U);
+    }
+    survey.append(record(5));
+    EXPECT_EQ(at.content(), ours + record(4) + record(5));
+    at.state.outside.clear();
+    if (harmed.what != "deleted") {
+      EXPECT_EQ(at.content("survey"), harmed.left);
+    }
+    EXPECT_FALSE(survey.finish());
   }
-  disk.state.content = ours;
+}
+
+TEST_F(DataFileTest, AFileThatMerelyGrewIsToldAndNeverCut) {
+  file.append(record(1));
   file.service();
-  // Half a record behind ours, of a write that failed, is cut off.
-  disk.state.content += "T$-0";
+  disk.setContent(record(1) + "somebody else's words, more than a record of ours");
   file.closeAndReopen();
-  EXPECT_EQ(disk.content(), ours + record(3));
-  EXPECT_EQ(file.problem(), "");
+  EXPECT_EQ(file.condition(), DataFile::Condition::lengthened);
+  file.append(record(2));
+  file.service();
+  EXPECT_EQ(disk.content().substr(0, 48), record(1) + record(2));
+  EXPECT_EQ(disk.content().size(), 24U + 49U);
+}
+
+TEST_F(DataFileTest, ACardThatComesBackIsUsedAgainOnlyWithTheFileAsWeLeftIt) {
+  file.append(record(1) + record(2));
+  file.service();
+  const auto old = disk.state.latest;
+  disk.remove("survey");
+  disk.state.files["hidden"] = old;
+  old->links = 1;
+  file.service();
+  ASSERT_EQ(file.continueIn("survey").error, 0);
+  file.append(record(3));
+  const auto other = disk.state.latest;
+  for (const bool asLeft : {false, true}) {
+    disk.state.files["survey"] = old;  // the card is mounted over the new file
+    old->content = asLeft ? record(1) + record(2) : record(1) + record(7);
+    file.service();
+    EXPECT_EQ(file.condition(), DataFile::Condition::gone);
+    EXPECT_EQ(file.continueIn("survey").error, asLeft ? 0 : EEXIST);
+  }
+  EXPECT_EQ(old->content, record(1) + record(2) + record(3));
+  EXPECT_EQ(other->content, old->content);
 }
 
 TEST_F(DataFileTest, WhatCannotBeWrittenInTheEndIsHandedBack) {

@@ -58,15 +58,19 @@ struct FakePorts final : SessionPorts {
   Problem instrumentProblem;
   bool teskAnswers = true;
   bool gone = false;
+  bool gpsIsGone = false;
 
   Problem OpenInstrumentPort() override { return calls.emplace_back("open instrument"), instrumentProblem; }
-  bool ProbeTeskRecord() override { return calls.emplace_back("probe"), teskAnswers; }
+  bool ProbeTeskRecord(const std::function<bool()>&) override { return calls.emplace_back("probe"), teskAnswers; }
   void startInstrumentReader() override { calls.emplace_back("read instrument"); }
   void closeInstrumentPort() override { calls.emplace_back("close instrument"); }
   bool instrumentGone() const override { return gone; }
   void reopenInstrumentPort() override { calls.emplace_back("reopen instrument"); }
   Problem OpenGpsPort() override { return calls.emplace_back("open gps"), std::nullopt; }
   void startGpsReader() override { calls.emplace_back("read gps"); }
+  bool gpsGone() const override { return gpsIsGone; }
+  bool markerGone() const override { return false; }
+  void lookForAbsentPorts() override {}
   void closeGpsPort() override { calls.emplace_back("close gps"); }
   Problem OpenMarkerPort() override { return calls.emplace_back("open marker"), std::nullopt; }
   void startMarkerReader() override { calls.emplace_back("read marker"); }
@@ -107,6 +111,7 @@ struct TestSession {
     link.recordText[text.size()] = '\0';
     link.recordLength = static_cast<int>(text.size());
     link.lastRecordTick = clock.tick();
+    link.recordOf = link.recording;
     link.missedTicks = 0;
     OnReading(session);
   }

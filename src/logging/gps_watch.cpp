@@ -1,0 +1,82 @@
+#include "logging/gps_watch.h"
+
+#include <fmt/format.h>
+
+#include <utility>
+
+#include "logging/file_guard.h"
+
+namespace kalmira {
+namespace {
+
+constexpr std::uint32_t kSilenceMs = 3000;
+// A fix that comes and goes, under trees, is told no more often.
+constexpr std::uint32_t kFixPauseMs = 10000;
+constexpr std::string_view kNoFixWord = "NO FIX";
+
+std::uint32_t since(const Session& session, std::uint32_t tick) { return ticksSince(session.clock.tick(), tick); }
+
+void watchPort(Session& session) {
+  auto& gps = session.gps;
+  const bool gone = session.ports->gpsGone();
+  if (gone == gps.gone) return;
+  gps.gone = gone;
+  if (!gone) gps.lastGoodTick = session.clock.tick();  // it gets its time to speak
+  gps.silent = false;
+  showMessage(session, gone ? "GPS receiver gone: it is tried every second" : "GPS receiver is back");
+}
+
+void watchSilence(Session& session) {
+  auto& gps = session.gps;
+  if (since(session, gps.lastGoodTick) <= kSilenceMs) {
+    if (std::exchange(gps.silent, false)) showMessage(session, "GPS data again");
+    return;
+  }
+  if (!std::exchange(gps.silent, true) && !gps.gone) showMessage(session, "No GPS data");
+  gps.fix.clear();
+  if (session.calibration.calibrationActive != 0) return;
+  session.view.show(PanelField::fix, "");
+  if (since(session, gps.lastLineTick) <= kSilenceMs) return;
+  session.view.show(PanelField::satellites, "");
+  session.view.show(PanelField::pdop, "");
+}
+
+void watchFix(Session& session) {
+  auto& gps = session.gps;
+  if (gps.fix.empty() || gps.fix == gps.fixTold) return;
+  if (!gps.fixTold.empty()) {
+    if (since(session, gps.fixToldTick) < kFixPauseMs) return;
+    showMessage(session, gps.fix == kNoFixWord ? std::string("GPS has no fix") : "GPS fix: " + gps.fix);
+    gps.fixToldTick = session.clock.tick();
+  }
+  gps.fixTold = gps.fix;
+}
+
+}  // namespace
+
+void noteGpsLine(Session& session, bool checksumOk) {
+  auto& gps = session.gps;
+  gps.lastLineTick = session.clock.tick();
+  if (!checksumOk) return;
+  gps.lastGoodTick = gps.lastLineTick;
+  gps.everGood = true;
+}
+
+void watchGps(Session& session) {
+  if (!session.gpsEnabled() || !session.sessionActive) return;
+  watchPort(session);
+  watchSilence(session);
+  watchFix(session);
+  session.gps.everFixed = session.gps.everFixed || (!session.gps.fix.empty() && session.gps.fix != kNoFixWord);
+}
+
+void noteGpsAtEnd(Session& session) {
+  if (!session.gpsEnabled()) return;
+  if (!session.gps.everGood) {
+    noteShortfall(session, "The GPS receiver never gave a good sentence: the survey has no positions.");
+  } else if (!session.gps.everFixed) {
+    session.remarks.emplace_back("GPS had no fix all through: the survey has no positions.");
+  }
+}
+
+}  // namespace kalmira

@@ -28,6 +28,7 @@ class ConsoleView final : public SessionView {
   void loggingStateChanged() override {}
   void closeDialogs() override {}
   void loggingLeft() override { left_ = true; }
+  void fileMoved(const std::filesystem::path& path) override { print_("file " + path.string()); }
 
   // From now on messages are notices on the output; before, they are plain lines for `printBefore`.
   void setPrintBefore(Print printBefore) { print_before_ = std::move(printBefore); }

@@ -101,7 +101,7 @@ void EventLoop::readLines(const Handlers& handlers) {
   }
   if (input_.size() > kLongestLine) {
     input_.clear();
-    if (!skipping_) handlers.onLine("a line too long for a command");
+    if (!skipping_) handlers.onLongLine();
     skipping_ = true;
   }
   if (!ended) return;

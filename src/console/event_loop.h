@@ -12,6 +12,7 @@ class EventLoop {
  public:
   struct Handlers {
     std::function<void(const std::string&)> onLine;  // a line of standard input, without its end
+    std::function<void()> onLongLine;                // one of more than 64 KiB was dropped
     std::function<void()> onEndOfInput;
     std::function<void()> onTerminate;  // SIGINT or SIGTERM
   };

@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <system_error>
+#include <utility>
 
 #include "console/console_view.h"
 #include "console/event_loop.h"
@@ -112,6 +113,7 @@ SessionSetup setupOf(const LogOptions& options, std::filesystem::path root) {
           .teskRangeTimes10 = options.teskTimes10,
           .storageClass = options.storageClass,
           .root = std::move(root),
+          .mirror = options.mirror,
           .portrait = true,
           .smallScreen = false,
           .wideLayout = true};
@@ -120,7 +122,7 @@ SessionSetup setupOf(const LogOptions& options, std::filesystem::path root) {
 Run::Run(const LogOptions& options, std::filesystem::path root, const PortFactory& portFactory)
     : options_(options),
       clock_(options.tickBase),
-      events_(!options.seconds),
+      events_(!options.seconds && !options.noInput),
       output_(STDOUT_FILENO, STDERR_FILENO),
       view_([this](std::string line) { output_.line(std::move(line)); }, options.show, options.exitOnSilence),
       settings_({.kind = *options.kind, .iceOption = options.ice, .storageClass = options.storageClass, .root = root},
@@ -140,17 +142,21 @@ Run::Run(const LogOptions& options, std::filesystem::path root, const PortFactor
               .onGpsLine = [this](const GpsLine& line) { OnGpsLine(session_, line); }}),
       terminal_(::isatty(STDERR_FILENO) == 1) {
   session_.ports = &ports_;
+  session_.interrupted = [this] { return events_.terminateWanted(); };
   view_.setPrintBefore([](const std::string& line) { printError(line); });
 }
 
 bool Run::createFile() {
-  std::string last;
-  const DataPlace place{.kind = *options_.kind, .storageClass = options_.storageClass, .root = session_.setup.root};
-  const auto choose = [&](const std::string& proposal) -> std::optional<std::filesystem::path> {
-    // The name was taken, and there is nobody to ask for another; a proposal may have been snatched away.
-    if (!last.empty() && (!options_.name.empty() || last == proposal)) return std::nullopt;
-    last = proposal;
-    return dataFilePathFor(place, options_.name.empty() ? proposal : options_.name);
+  bool asked = false;
+  const DataPlace place{.kind = *options_.kind,
+                        .storageClass = options_.storageClass,
+                        .root = session_.setup.root,
+                        .mirror = options_.mirror};
+  const auto choose = [&](const std::string&) -> std::optional<std::filesystem::path> {
+    if (options_.name.empty()) return dataFilePathFor(place, unattendedName(place, clock_));
+    // The name is taken, and there is nobody to ask for another.
+    if (std::exchange(asked, true)) return std::nullopt;
+    return dataFilePathFor(place, bareName(options_.name, session_.instrument.extension));
   };
   if (createDataFile(session_, choose).how != CreateOutcome::How::created) return false;
   file_created_ = true;
@@ -164,7 +170,7 @@ bool Run::begin() {
   if (outcome == StartOutcome::uptimeExceeded) {
     printError("On a machine that runs for weeks, start with --tick-base program.");
   }
-  if (outcome != StartOutcome::started) return false;
+  if (outcome != StartOutcome::started) return events_.terminateWanted();
   if (events_.terminateWanted()) {  // while the instrument was waited for
     LeaveLogging(session_, true);
     return true;
@@ -175,7 +181,7 @@ bool Run::begin() {
   }
   view_.sessionRuns();
   recording_since_ = clock_.tick();
-  if (options_.seconds) startRecording(session_);
+  if (options_.seconds || options_.noInput) startRecording(session_);
   return true;
 }
 
@@ -202,14 +208,14 @@ void Run::leave() {
 }
 
 void Run::onLine(const std::string& line) {
-  if (line.empty() || !session_.sessionActive) return;
+  if (line.find_first_not_of(" \t") == std::string::npos || !session_.sessionActive) return;
   const auto answer = runOperatorCommand(session_, line);
   if (answer.newLine) {
     settings_.keepLine();
     saveSettingsOrTell(session_);
   }
   if (!answer.status.empty()) output_.line(answer.status);
-  output_.line(answer.error.empty() ? "ok" : "error " + answer.error);
+  output_.line(!answer.error.empty() ? "error " + answer.error : answer.kept.empty() ? "ok" : "ok " + answer.kept);
 }
 
 void Run::showStatus() {
@@ -226,9 +232,11 @@ void Run::showStatus() {
 }
 
 void Run::loop() {
-  const EventLoop::Handlers handlers{.onLine = [this](const std::string& line) { onLine(line); },
-                                     .onEndOfInput = [this] { leave(); },
-                                     .onTerminate = [this] { leave(); }};
+  const EventLoop::Handlers handlers{
+      .onLine = [this](const std::string& line) { onLine(line); },
+      .onLongLine = [this] { output_.line("error a line of more than 64 KiB is no command: dropped"); },
+      .onEndOfInput = [this] { leave(); },
+      .onTerminate = [this] { leave(); }};
   while (session_.sessionActive) {
     const auto wait = nextWait();
     EventLoop::Ready ready;
@@ -255,7 +263,9 @@ int Run::run() {
     settings_.finish();
     tellSettingsProblem();
     if (file_created_) output_.line(summaryText(session_));
-    status = view_.linkGivenUp() ? 1 : 0;
+    for (const auto& remark : session_.remarks) output_.line("notice " + remark);
+    for (const auto& shortfall : session_.shortfalls) output_.line("not whole: " + shortfall);
+    status = view_.linkGivenUp() ? 1 : session_.shortfalls.empty() ? 0 : 3;
   }
   // Everything is closed by now: a terminal that stands still need not keep the program.
   if (!output_.finish()) std::_Exit(status);

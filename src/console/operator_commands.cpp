@@ -6,6 +6,8 @@
 #include <cmath>
 #include <vector>
 
+#include "datafile/record_format.h"
+#include "datafile/record_parse.h"
 #include "logging/calibration.h"
 #include "logging/commands.h"
 #include "platform/text.h"
@@ -24,20 +26,32 @@ std::optional<double> stationNumber(std::string_view text) {
   return number && std::abs(*number) <= kLargestStation ? number : std::nullopt;
 }
 
-CommandAnswer failed(std::string why) {
-  return {.error = std::move(why), .status = {}, .ends = false, .newLine = false};
+std::string_view trimmedEnd(std::string_view text) {
+  const auto end = text.find_last_not_of(' ');
+  return text.substr(0, end == std::string_view::npos ? 0 : end + 1);
 }
 
-std::vector<std::string> words(std::string_view text) {
+CommandAnswer failed(std::string why) {
+  CommandAnswer answer;
+  answer.error = std::move(why);
+  return answer;
+}
+
+// The words of a line's command. The first, a name, may have blanks when quotes stand round it. Nothing when they
+// do not end.
+std::optional<std::vector<std::string>> words(std::string_view text) {
   std::vector<std::string> out;
   while (true) {
     const auto start = text.find_first_not_of(" \t");
     if (start == std::string_view::npos) return out;
     text.remove_prefix(start);
-    const auto end = text.find_first_of(" \t");
+    const bool quoted = out.empty() && text.front() == '"';
+    if (quoted) text.remove_prefix(1);
+    const auto end = quoted ? text.find('"') : text.find_first_of(" \t");
+    if (quoted && end == std::string_view::npos) return std::nullopt;
     out.emplace_back(text.substr(0, end));
     if (end == std::string_view::npos) return out;
-    text.remove_prefix(end);
+    text.remove_prefix(end + (quoted ? 1 : 0));
   }
 }
 
@@ -51,8 +65,23 @@ CommandAnswer pauseNow(Session& session, std::string_view) {
   return {};
 }
 
+// What the file holds where that is not what was given.
+std::string keptOfLine(const Session& session, const LineEntry& entry) {
+  std::string kept;
+  const auto name = parseLineName(formatLineName(session.instrument.fileRecordLength, session.settings.lineName));
+  if (name != trimmedEnd(entry.lineName)) kept += name;
+  const auto& settings = session.settings;
+  const auto add = [&kept](std::string text) { kept += (kept.empty() ? "" : " ") + text; };
+  if (settings.startStation != entry.startStation) add(fmt::format("start {:.2f}", settings.startStation));
+  if (settings.stationIncrement != entry.stationIncrement)
+    add(fmt::format("increment {:.3f}", settings.stationIncrement));
+  return kept;
+}
+
 CommandAnswer line(Session& session, std::string_view text) {
-  const auto given = words(text);
+  const auto split = words(text);
+  if (!split) return failed("the quotes round the line's name do not end");
+  const auto& given = *split;
   auto entry = proposeLine(session.settings, session.station);
   if (given.size() > 4) return failed("line takes NAME START INCREMENT W|S|N|E at most");
   if (!given.empty()) entry.lineName = given[0];
@@ -73,23 +102,36 @@ CommandAnswer line(Session& session, std::string_view text) {
     }
     entry.direction = static_cast<int>(direction);
   }
+  if (hasControlCharacters(entry.lineName)) return failed("the line's name holds control characters");
+  if (incrementInFile(static_cast<double>(entry.stationIncrement)) == 0.0 && given.size() > 2) {
+    return failed(fmt::format("the increment \"{}\" is 0 in the file, which holds three decimals", given[2]));
+  }
   newLine(session, entry);
-  return {.error = {}, .status = {}, .ends = false, .newLine = true};
+  CommandAnswer answer;
+  answer.newLine = true;
+  answer.kept = keptOfLine(session, entry);
+  return answer;
 }
 
 CommandAnswer station(Session& session, std::string_view text) {
-  const auto given = words(text);
-  if (given.size() != 1 || !wholeNumber<double>(given[0])) return failed("station takes one number");
-  const auto number = stationNumber(given[0]);
+  const auto end = text.find_last_not_of(" \t");
+  text = text.substr(0, end == std::string_view::npos ? 0 : end + 1);
+  if (!wholeNumber<double>(text)) return failed("station takes one number");
+  const auto number = stationNumber(text);
   if (!number) return failed("no station is that far away: it would not fit into the file");
   newStation(session, *number);
-  return {};
+  CommandAnswer answer;
+  if (session.station != *number) answer.kept = fmt::format("{:.2f}", session.station);
+  return answer;
 }
 
 CommandAnswer comment(Session& session, std::string_view text) {
-  if (text.empty()) return failed("comment takes a text");
+  if (hasControlCharacters(text)) return failed("the comment holds control characters");
   addComment(session, text);
-  return {};
+  CommandAnswer answer;
+  const auto kept = parseNote(formatNote(session.instrument.fileRecordLength, tag::kComment, text, 0));
+  if (kept != trimmedEnd(text)) answer.kept = kept;
+  return answer;
 }
 
 CommandAnswer calibrate(Session& session, std::string_view) {
@@ -109,33 +151,50 @@ CommandAnswer mark(Session& session, std::string_view) {
 }
 
 CommandAnswer status(Session& session, std::string_view) {
-  return {.error = {}, .status = "status " + statusText(session), .ends = false, .newLine = false};
+  CommandAnswer answer;
+  answer.status = "status " + statusText(session);
+  return answer;
 }
+
+CommandAnswer help(Session&, std::string_view);
 
 CommandAnswer leave(Session& session, std::string_view) {
   leaveCleanly(session);
-  return {.error = {}, .status = {}, .ends = true, .newLine = false};
+  CommandAnswer answer;
+  answer.ends = true;
+  return answer;
 }
 
 struct OperatorCommand {
   std::string_view name;
+  std::string_view help;
   std::optional<Command> command;  // what the window must offer; nothing: always
   bool takesText;
   CommandAnswer (*run)(Session&, std::string_view);
 };
 
 constexpr std::array kCommands{
-    OperatorCommand{"go", Command::start, false, go},
-    OperatorCommand{"pause", Command::pause, false, pauseNow},
-    OperatorCommand{"line", Command::newLine, true, line},
-    OperatorCommand{"station", Command::newStation, true, station},
-    OperatorCommand{"comment", Command::comment, true, comment},
-    OperatorCommand{"calibrate", Command::calibrate, false, calibrate},
-    OperatorCommand{"delete-calibration", Command::deleteCalibration, false, removeCalibration},
-    OperatorCommand{"mark", std::nullopt, false, mark},
-    OperatorCommand{"status", std::nullopt, false, status},
-    OperatorCommand{"exit", std::nullopt, false, leave},
+    OperatorCommand{"go", "record", Command::start, false, go},
+    OperatorCommand{"pause", "stop recording", Command::pause, false, pauseNow},
+    OperatorCommand{"line", "[NAME [START [INCREMENT [W|S|N|E]]]]: a new line; \"a name\" with blanks in quotes",
+                    Command::newLine, true, line},
+    OperatorCommand{"station", "X: the next reading is taken there", Command::newStation, true, station},
+    OperatorCommand{"comment", "[TEXT]", Command::comment, true, comment},
+    OperatorCommand{"calibrate", "TESK2: begin the calibration", Command::calibrate, false, calibrate},
+    OperatorCommand{"delete-calibration", "TESK2", Command::deleteCalibration, false, removeCalibration},
+    OperatorCommand{"mark", "TESK2: press the marker key for one record", std::nullopt, false, mark},
+    OperatorCommand{"status", "where things stand", std::nullopt, false, status},
+    OperatorCommand{"help", "this list", std::nullopt, false, help},
+    OperatorCommand{"exit", "end the session", std::nullopt, false, leave},
 };
+
+CommandAnswer help(Session&, std::string_view) {
+  CommandAnswer answer;
+  for (const auto& item : kCommands) {
+    answer.status += fmt::format("{}help {} {}", answer.status.empty() ? "" : "\n", item.name, item.help);
+  }
+  return answer;
+}
 
 std::string whyForbidden(const Session& session, Command command) {
   const bool calibration = command == Command::calibrate || command == Command::deleteCalibration;
@@ -147,6 +206,8 @@ std::string whyForbidden(const Session& session, Command command) {
 }  // namespace
 
 CommandAnswer runOperatorCommand(Session& session, std::string_view text) {
+  const auto start = text.find_first_not_of(" \t");
+  text.remove_prefix(start == std::string_view::npos ? text.size() : start);
   const auto nameEnd = text.find_first_of(" \t");
   const auto name = text.substr(0, nameEnd);
   auto rest = nameEnd == std::string_view::npos ? std::string_view{} : text.substr(nameEnd);

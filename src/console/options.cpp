@@ -4,6 +4,9 @@
 
 #include <limits>
 
+#include "platform/text.h"
+#include "settings/setting_check.h"
+
 namespace kalmira {
 namespace {
 
@@ -34,8 +37,8 @@ std::string takeSet(LogOptions& options, const std::string& value) {
 
 std::string takeName(LogOptions& options, const std::string& value) {
   if (value.empty() || value.find('/') != std::string::npos || value.find('\\') != std::string::npos ||
-      value.starts_with('.')) {
-    return fmt::format("\"{}\" is no name for a data file: a bare name without folder is wanted", value);
+      value.starts_with('.') || hasControlCharacters(value)) {
+    return fmt::format("\"{}\" is no name for a data file: a bare name without folder is wanted", printable(value));
   }
   options.name = value;
   return {};
@@ -45,7 +48,18 @@ std::string contradiction(const LogOptions& options) {
   if (!options.kind) return "--kind is missing";
   if (options.port.empty()) return "--port is missing";
   if (!options.marker.empty() && !instrumentOf(*options.kind).hasMarker) return "--marker is for the TESK2";
+  if (options.noInput && options.seconds) return "--no-input and --seconds are two ways to end: one of them is enough";
+  for (const auto& [field, text] : options.set) {
+    if (auto problem = settingProblem(*options.kind, options.ice, field, text); !problem.empty()) return problem;
+  }
   return startContradiction(options);
+}
+
+CommandGroup withMirror(LogOptions& options) {
+  auto group = fileOptions(options);
+  group.options.push_back({"--mirror", "DIR", "a second copy as it is recorded, in a folder on another medium",
+                           takeText(options.mirror, "--mirror takes a folder")});
+  return group;
 }
 
 }  // namespace
@@ -62,7 +76,7 @@ CommandLine logCommandLine(LogOptions& o) {
                     takeText(o.port, kNoDevice)},
                    {"--gps", "DEVICE", "log a GPS receiver too", takeText(o.gps, kNoDevice)},
                    {"--marker", "DEVICE", "TESK2: the external marker's port", takeText(o.marker, kNoDevice)}}},
-                 fileOptions(o),
+                 withMirror(o),
                  {"This run",
                   {{"--set", "FIELD=VALUE", "a setting for this run only, such as surveyMode=2 or traceWidth[2]=3",
                     [&o](const std::string& value) { return takeSet(o, value); }, "", CommandOption::Again::allCount},
@@ -73,11 +87,15 @@ CommandLine logCommandLine(LogOptions& o) {
                                        "--seconds takes a number of seconds above 0")},
                    eitherOption("--on-silence", "wait|exit", "when the instrument stays silent (wait)", o.exitOnSilence,
                                 false, true),
+                   {"--no-input", "", "for services: record at once and until a signal comes, without standard input",
+                    takeFlag(o.noInput)},
                    {"--show", "", "print every text of the panel", takeFlag(o.show)}}}},
       .check = [&o] { return contradiction(o); },
       .notes =
           "Commands on standard input: go, pause, line [NAME [START [INCREMENT [W|S|N|E]]]], station X,\n"
-          "comment TEXT, calibrate, delete-calibration, mark, status, exit\n"};
+          "comment [TEXT], calibrate, delete-calibration, mark, status, help, exit\n"
+          "Exit status: 0 a whole survey; 1 it could not start or the link was given up; 2 wrong usage;\n"
+          "3 it ended, but something is not where it should be: the last lines say what.\n"};
 }
 
 }  // namespace kalmira

@@ -4,6 +4,8 @@
 #include <array>
 #include <string_view>
 
+#include "settings/line_entry.h"
+
 namespace kalmira {
 
 RunSettings::RunSettings(SettingsPlace place, const FieldValues& overrides)
@@ -19,6 +21,7 @@ RunSettings::RunSettings(SettingsPlace place, const FieldValues& overrides)
   if (!incrementSet) {
     settings_.stationIncrement = settings_.modeIncrement[static_cast<std::size_t>(surveyModeOf(settings_))];
   }
+  takeAsFile(settings_);
   for (const auto& [field, text] : overrides) {
     overrides_.push_back({.field = field,
                           .fileValue = fieldText(fromFile, *field.field, field.index),

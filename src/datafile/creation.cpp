@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <cctype>
 #include <cerrno>
 #include <system_error>
 
@@ -66,6 +68,14 @@ std::string numberedName(const std::filesystem::path& file, int number) {
 std::filesystem::path dataFilePathFor(const DataPlace& place, std::string_view name) {
   if (name.find('\\') != std::string_view::npos) return localPath(place.root, name);
   return dataFolderOf(place) / (std::string(name) + std::string(instrumentOf(place.kind).extension));
+}
+
+std::string bareName(const std::string& name, std::string_view extension) {
+  if (name.size() <= extension.size()) return name;
+  const auto ending = std::string_view(name).substr(name.size() - extension.size());
+  const bool same = std::equal(ending.begin(), ending.end(), extension.begin(),
+                               [](unsigned char a, unsigned char b) { return std::toupper(a) == std::toupper(b); });
+  return same ? name.substr(0, name.size() - extension.size()) : name;
 }
 
 std::string baseNameOf(const std::filesystem::path& path) {

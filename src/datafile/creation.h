@@ -36,6 +36,9 @@ std::string numberedName(const std::filesystem::path& file, int number);
 // The path of a proposed or typed name: in the data folder and with the extension, unless the name is a path.
 std::filesystem::path dataFilePathFor(const DataPlace& place, std::string_view name);
 
+// A name without the ending that its file gets anyway, in capitals or small letters.
+std::string bareName(const std::string& name, std::string_view extension);
+
 // The file's name up to its first full stop.
 std::string baseNameOf(const std::filesystem::path& path);
 

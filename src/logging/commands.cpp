@@ -111,11 +111,11 @@ void newLine(Session& session, const LineEntry& entry) {
 }
 
 void newStation(Session& session, double station) {
-  session.station = station;
+  session.station = stationInFile(station);
   clearTraces(session);
   session.lineStarted = false;
-  session.view.show(PanelField::station, stationText(station));
-  WriteStationRecord(session.writer(), station);
+  session.view.show(PanelField::station, stationText(session.station));
+  WriteStationRecord(session.writer(), session.station);
   WriteTimeMark(session.writer());
   session.view.redrawProfile();
 }

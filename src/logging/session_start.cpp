@@ -3,6 +3,7 @@
 #include "logging/commands.h"
 #include "logging/panel.h"
 #include "logging/watchdog.h"
+#include "settings/line_entry.h"
 
 namespace kalmira {
 namespace {
@@ -33,6 +34,8 @@ void resetCounters(Session& session) {
   takeSettings(session);
   session.loggingState = kNoFile;
   session.linkLost = false;
+  // Also of settings made by hand or by an older program.
+  takeAsFile(session.settings);
   session.station = session.settings.startStation;
   session.stationReadingCount = 0;
   session.lineStarted = false;

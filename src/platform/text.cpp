@@ -101,4 +101,19 @@ std::string firstCharacters(std::string_view utf8, std::size_t count) {
   return std::string(utf8.substr(0, end));
 }
 
+bool hasControlCharacters(std::string_view text) {
+  return std::any_of(text.begin(), text.end(), [](char c) {
+    const auto byte = static_cast<unsigned char>(c);
+    return byte < 0x20 || byte == 0x7F;
+  });
+}
+
+std::string printable(std::string_view text) {
+  std::string shown(text);
+  for (char& c : shown) {
+    if (hasControlCharacters({&c, 1})) c = '?';
+  }
+  return shown;
+}
+
 }  // namespace kalmira

@@ -51,4 +51,9 @@ std::string narrow(std::string_view utf8);
 // The first `count` characters of a UTF-8 text, never splitting one.
 std::string firstCharacters(std::string_view utf8, std::size_t count);
 
+// Line ends and their like, which break a line of output or a name in two.
+bool hasControlCharacters(std::string_view text);
+// With "?" in their place.
+std::string printable(std::string_view text);
+
 }  // namespace kalmira

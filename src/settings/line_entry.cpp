@@ -27,6 +27,15 @@ LineEntry proposeLine(const Settings& settings, double station) {
   return entry;
 }
 
+double stationInFile(double station) { return parseReal(fmt::format("{:.2f}", station)); }
+
+double incrementInFile(double increment) { return parseReal(fmt::format("{:.3f}", increment)); }
+
+void takeAsFile(Settings& settings) {
+  settings.startStation = stationInFile(settings.startStation);
+  settings.stationIncrement = static_cast<float>(incrementInFile(static_cast<double>(settings.stationIncrement)));
+}
+
 void takeLine(const LineEntry& entry, Settings& settings) {
   settings.lineName = firstCharacters(entry.lineName, kLineNameCharacters);
   settings.lineIncrement = entry.lineIncrement;
@@ -34,6 +43,7 @@ void takeLine(const LineEntry& entry, Settings& settings) {
   settings.direction = entry.direction;
   settings.startStation = entry.startStation;
   settings.stationIncrement = entry.stationIncrement;
+  takeAsFile(settings);
 }
 
 }  // namespace kalmira

@@ -26,6 +26,14 @@ constexpr int oppositeDirection(int direction) { return 3 - direction; }
 // and, where lines are walked to and fro, back from there in the opposite direction.
 LineEntry proposeLine(const Settings& settings, double station);
 
+// As the data file will hold them: a station with two decimals, an increment with three. What is walked by is
+// what is written down, or the two drift apart.
+double stationInFile(double station);
+double incrementInFile(double increment);
+void takeAsFile(Settings& settings);  // the station to start from and the increment in use
+// Columns of header 2 for a wheel's increment.
+inline constexpr int kWheelColumns = 7;
+
 // Makes a confirmed entry the current line.
 void takeLine(const LineEntry& entry, Settings& settings);
 

@@ -7,6 +7,7 @@
 #include <cmath>
 
 #include "platform/text.h"
+#include "settings/line_entry.h"
 
 namespace kalmira {
 namespace {
@@ -112,11 +113,11 @@ void takeSurveyNumber(Settings& settings, SurveyNumber number, int mode, double 
   switch (number) {
     case SurveyNumber::readingsInterval: settings.readingsInterval = static_cast<float>(value); break;
     case SurveyNumber::stationIncrement:
-      settings.modeIncrement[static_cast<std::size_t>(mode)] = static_cast<float>(value);
+      settings.modeIncrement[static_cast<std::size_t>(mode)] = static_cast<float>(incrementInFile(value));
       break;
     case SurveyNumber::readingsCount: settings.readingsCount = static_cast<int>(value); break;
     case SurveyNumber::lineIncrement: settings.lineIncrement = static_cast<float>(value); break;
-    case SurveyNumber::startStation: settings.startStation = value; break;
+    case SurveyNumber::startStation: settings.startStation = stationInFile(value); break;
   }
 }
 

@@ -49,7 +49,7 @@ bool systemBusExists() {
 }
 
 // A descriptor that holds the lock while it is open, or -1.
-int inhibit(const BusLibrary& library, const char* who) {
+int inhibit(const BusLibrary& library, const char* who, const char* what) {
   constexpr std::uint64_t kAnswerMicroseconds = 1'000'000;
   int lock = -1;
   Bus* bus = nullptr;
@@ -58,7 +58,7 @@ int inhibit(const BusLibrary& library, const char* who) {
   library.setCallTimeout(bus, kAnswerMicroseconds);
   int received = -1;
   if (library.callMethod(bus, "org.freedesktop.login1", "/org/freedesktop/login1", "org.freedesktop.login1.Manager",
-                         "Inhibit", nullptr, &reply, "ssss", "idle:sleep", who, "A survey is being logged",
+                         "Inhibit", nullptr, &reply, "ssss", what, who, "A survey is being logged",
                          "block") >= 0 &&
       library.read(reply, "h", &received) > 0) {
     // The message owns the descriptor it brought.
@@ -73,20 +73,28 @@ int inhibit(const BusLibrary& library, const char* who) {
 
 bool IdleInhibitor::renew() {
   int lock = -1;
+  int lidLock = -1;
   if (systemBusExists()) {
     BusLibrary library;
-    if (load(library)) lock = inhibit(library, who_.c_str());
+    if (load(library)) {
+      lock = inhibit(library, who_.c_str(), "idle:sleep");
+      lidLock = inhibit(library, who_.c_str(), "handle-lid-switch");
+    }
     // Not needed for another minute; loaded, it would only hold memory.
     if (library.handle != nullptr) dlclose(library.handle);
   }
-  if (lock_ >= 0) close(lock_);
+  letGo();
   lock_ = lock;
+  lid_lock_ = lidLock;
   return lock_ >= 0;
 }
 
-IdleInhibitor::~IdleInhibitor() {
+void IdleInhibitor::letGo() {
   if (lock_ >= 0) close(lock_);
+  if (lid_lock_ >= 0) close(lid_lock_);
 }
+
+IdleInhibitor::~IdleInhibitor() { letGo(); }
 
 #else
 

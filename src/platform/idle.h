@@ -4,8 +4,8 @@
 
 namespace kalmira {
 
-// Asks the system's login service not to put the machine to sleep. Where there is no such service nothing
-// happens, and that is no error. One thread at a time.
+// Asks the system's login service not to put the machine to sleep, by itself or when its lid is closed. Where
+// there is no such service nothing happens, and that is no error. One thread at a time.
 class IdleInhibitor {
  public:
   // `who` is named to the user by whatever lists inhibitors.
@@ -14,13 +14,17 @@ class IdleInhibitor {
   IdleInhibitor(const IdleInhibitor&) = delete;
   IdleInhibitor& operator=(const IdleInhibitor&) = delete;
 
-  // Takes a new lock, then lets go of the one before it, so that there is no gap. Waits at most about a
-  // second for an answer. True while a lock is held.
+  // Takes new locks, then lets go of those before them, so that there is no gap. Waits at most about a second
+  // for an answer. True while idle sleep is held off.
   bool renew();
 
  private:
+  void letGo();
+
   std::string who_;
-  int lock_ = -1;  // held as long as it is open
+  // Held as long as they are open. Two, for a system may refuse the one of the lid alone.
+  int lock_ = -1;
+  int lid_lock_ = -1;
 };
 
 }  // namespace kalmira

@@ -24,12 +24,9 @@ using namespace std::string_view_literals;
 
 constexpr int kStepMs = 50;
 
-class Deadline {
- public:
-  bool passed() const { return steady_clock::now() >= end_; }
-
- private:
-  steady_clock::time_point end_ = steady_clock::now() + std::chrono::milliseconds(kPatienceMs);
+struct Deadline {
+  bool passed() const { return steady_clock::now() >= end; }
+  const steady_clock::time_point end = steady_clock::now() + std::chrono::milliseconds(kPatienceMs);
 };
 
 void closeFd(int& fd) {
@@ -104,10 +101,7 @@ void Program::say(std::string_view line) {
 
 void Program::closeInput() { closeFd(input_); }
 
-void Program::signal(int number) const {
-  ASSERT_GT(process_, 0);
-  ASSERT_EQ(::kill(process_, number), 0);
-}
+void Program::signal(int number) const { ASSERT_TRUE(process_ > 0 && ::kill(process_, number) == 0); }
 
 bool Program::gather(int milliseconds) {
   std::array<pollfd, 2> waits{
@@ -120,7 +114,6 @@ bool Program::gather(int milliseconds) {
 
 std::string Program::nextLine(std::string_view start, const std::function<void()>& onWait) {
   bool more = true;
-  auto lastCall = steady_clock::now() - std::chrono::seconds(1);
   for (const Deadline deadline; !deadline.passed();) {
     for (auto end = output_.find('\n', read_); end != std::string::npos; end = output_.find('\n', read_)) {
       auto line = output_.substr(read_, end - read_);
@@ -128,10 +121,7 @@ std::string Program::nextLine(std::string_view start, const std::function<void()
       if (line.starts_with(start)) return line;
     }
     if (!more) break;
-    if (onWait && steady_clock::now() - lastCall >= std::chrono::milliseconds(kStepMs)) {
-      onWait();
-      lastCall = steady_clock::now();
-    }
+    if (onWait) onWait();
     more = gather(kStepMs);
   }
   ADD_FAILURE() << "no line \"" << start << "\" in\n" << output_ << "and the messages\n" << errors_;
@@ -202,17 +192,14 @@ Device::Device() {
   EXPECT_EQ(tcsetattr(master(), TCSANOW, &settings), 0);
 }
 
+// What comes before the reader has begun is thrown away; a second try is due after five seconds.
 void Device::wakeUp(Logger& logger, std::string_view record, std::string_view text) const {
-  // What comes before the reader has begun is thrown away; a second try is then due.
-  constexpr int kTryAgainMs = 5000;
-  int waited = kTryAgainMs;
-  const auto sendAgain = [&] {
-    waited += kStepMs;
-    if (waited < kTryAgainMs) return;
-    waited = 0;
+  auto last = steady_clock::time_point{};
+  logger.nextLine(fmt::format("show {}", text), [&] {
+    if (steady_clock::now() - last < std::chrono::seconds(5)) return;
+    last = steady_clock::now();
     ASSERT_TRUE(send(record));
-  };
-  logger.nextLine(fmt::format("show {}", text), sendAgain);
+  });
 }
 
 Survey::Survey(const std::string& kind, const std::string& more, std::string_view record, std::string_view shown,

@@ -31,7 +31,7 @@ class Program {
   void closeInput();
   void signal(int number) const;
   // The next line of output that begins with `start`, behind the line found before; empty when none came.
-  // `onWait` is called about every 50 ms until then.
+  // `onWait` is called every 50 ms until then, and whenever something has come.
   std::string nextLine(std::string_view start, const std::function<void()>& onWait = {});
   // The exit status, 128 and more for a signal; -1 when the program does not end.
   int end();

@@ -80,14 +80,6 @@ TEST_F(DataFileTest, ACardTakenOutAtAPauseIsPickedUpAgainAndAnotherOneIsLeftAlon
   EXPECT_EQ(file.problem(), "");
 }
 
-TEST_F(DataFileTest, WhatCannotBeWrittenInTheEndIsHandedBack) {
-  file.append(record(1));
-  disk.setRoom(24);
-  file.append(record(2));
-  const auto rest = file.finish();
-  EXPECT_TRUE(rest && rest->records == record(2) && rest->cause == "Disk full");
-}
-
 struct CreationTest : testing::Test {
   TempFolder root;
   FakeClock clock;

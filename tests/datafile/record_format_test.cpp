@@ -57,16 +57,6 @@ TEST(DataRecord, KeepsItsColumnsAtBothLengths) {
   EXPECT_EQ(formatCalibration(26, 6, -12.3456, 0.5), "O6   -12.346      0.500  \n");
 }
 
-TEST(GpsSentence, IsCutIntoRecords) {
-  for (const auto& [sentence, bytes] : std::initializer_list<std::pair<std::string, std::string>>{
-           {"$GPAAA,12345678,ABC*00", records24({"@$GPAAA,12345678,ABC*00", "#"})},
-           {"$GPAAA,12345678,ABCDEF,87654321,GHIJKLMN*000",
-            records24({"@$GPAAA,12345678,ABCDEF", "#,87654321,GHIJKLMN*000", "#"})},
-           {"", records24({"@", "#"})}}) {
-    EXPECT_EQ(formatGpsSentence(24, sentence, 5000, '@', '#'), bytes + records24({"!                  5000"}));
-  }
-}
-
 TEST(ReadingsPerStation, FollowKindAndLists) {
   struct Case {
     Kind kind;

@@ -9,7 +9,6 @@
 #include <locale>
 
 #include "platform/battery.h"
-#include "platform/paths.h"
 #include "support/temp_folder.h"
 
 namespace kalmira {
@@ -77,13 +76,6 @@ TEST(Text, NoLanguageChangesANumber) {
   }
   std::setlocale(LC_ALL, systemBefore.c_str());
   std::locale::global(before);
-}
-
-TEST(LocalPath, FollowsTheCataloguesForms) {
-  EXPECT_EQ(localPath("/r", R"(Storage\KALINI\ORLA.INI)"), "/r/Storage/KALINI/ORLA.INI");
-  EXPECT_EQ(localPath("/r", R"(\KALINI)"), "/r/KALINI");
-  EXPECT_EQ(localPath("/r", R"(My Documents\DataOrla\)"), "/r/My Documents/DataOrla");
-  EXPECT_EQ(localPath("/r", ""), "/r");
 }
 
 TEST(Battery, TellsTheChargeOfTheMachinesOwnBatteries) {

@@ -279,6 +279,8 @@ TEST(GpsHandler, ManualModeTiesOnePositionToEachReading) {
   OnGpsLine(test.session, {.text = "$GPGGA,bad*00", .tick = 1});
   OnGpsLine(test.session, gga("5"));
   EXPECT_EQ(tags(), "X@##!@#!TT@##!");
+  OnGpsLine(test.session, gga("6"));
+  EXPECT_EQ(tags(), "X@##!@#!TT@##!") << "nor a second one by the line behind";
   EXPECT_EQ(test.session.gpsRecordCount, 2);
 }
 

@@ -23,13 +23,6 @@ struct DataFileTest : testing::Test {
   void TearDown() override { file.finish(); }
 };
 
-TEST_F(DataFileTest, OneWriteCallARecord) {
-  file.append(record(1) + record(2));
-  file.append(record(3));
-  EXPECT_EQ(disk.state.writes, 3);
-  EXPECT_EQ(disk.content(), record(1) + record(2) + record(3));
-}
-
 TEST_F(DataFileTest, FullDiskLeavesWholeRecordsAndLosesNone) {
   for (std::size_t room = 24; room < 72; room += 5) {
     DataFile fresh;
@@ -85,16 +78,6 @@ TEST_F(DataFileTest, ACardTakenOutAtAPauseIsPickedUpAgainAndAnotherOneIsLeftAlon
   file.closeAndReopen();
   EXPECT_EQ(disk.content(), ours + record(3));
   EXPECT_EQ(file.problem(), "");
-}
-
-TEST_F(DataFileTest, WhatCannotBeWrittenInTheEndIsHandedBack) {
-  file.append(record(1));
-  disk.setRoom(24);
-  file.append(record(2));
-  const auto rest = file.finish();
-  ASSERT_TRUE(rest);
-  EXPECT_EQ(rest->records, record(2));
-  EXPECT_EQ(rest->cause, "Disk full");
 }
 
 struct CreationTest : testing::Test {

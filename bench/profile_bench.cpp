@@ -12,7 +12,7 @@
 #include "chart/profile_redraw.h"
 #include "datafile/record_format.h"
 #include "logging/commands.h"
-#include "logging/reading_handler.h"
+#include "logging/handlers.h"
 #include "sim/encode.h"
 #include "ui/session/curve_window.h"
 

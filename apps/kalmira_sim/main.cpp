@@ -5,9 +5,8 @@
 #include <cstdio>
 #include <string>
 
-#include "platform/standard_streams.h"
+#include "platform/command_line.h"
 #include "sim/options.h"
-#include "sim/pace.h"
 #include "sim/player.h"
 #include "sim/replay.h"
 #include "sim/survey.h"

@@ -189,4 +189,22 @@ const Instrument* findInstrumentByHeader(std::string_view header1);
 // back alike. `listA` and `listB` are columns 19 and 17 of header 1.
 int readingsPerStationOf(Kind kind, int surveyMode, int listA, int listB);
 
+// The names of dialog templates and title pictures, by kind and screen. A dialog is loaded by the name given
+// here.
+
+std::string_view surveySetupTemplate(Kind kind, bool portrait, int storageClass);
+std::string_view loggerSetupTemplate(Kind kind, bool iceOption);
+std::string_view displayOptionsTemplate(Kind kind, bool iceOption);
+// `small`: storage class 1 without the wide layout.
+std::string_view profileScaleTemplate(Kind kind, bool iceOption, bool small);
+std::string_view newStationTemplate(bool small);
+inline constexpr std::string_view kGpsPortSetupTemplate = "GetGPSPortSetup";
+inline constexpr std::string_view kNewLineTemplate = "GetNewLine";
+inline constexpr std::string_view kCommentTemplate = "GetComment";
+
+// The title pictures of a kind, largest choice first as the screens came; MIRKA has none of its own.
+std::span<const std::string_view> titlePictures(Kind kind, bool iceOption);
+// The pictures that every kind's title shows.
+std::span<const std::string_view> commonTitlePictures();
+
 }  // namespace kalmira

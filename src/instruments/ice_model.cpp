@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include "instruments/ice_tables.h"
-
 namespace kalmira {
 namespace {
 

@@ -4,9 +4,17 @@
 
 #include "instruments/reading.h"
 
+namespace kalmira {
+
+inline constexpr int kIceTableEntries = 71;
+using IceTable = std::array<double, kIceTableEntries>;  // mS/m at thickness index / 10 m, strictly falling
+using IceTableFamily = std::array<IceTable, 11>;        // by sea-water case
+
+extern const IceTableFamily kShortOrlaIceTables;
+extern const IceTableFamily kStandardOrlaIceTables;
+
 // Ice thickness from the apparent conductivity of ice over sea water: inverse interpolation in tables of
 // conductivities that were computed from a layered-earth model for thicknesses of 0 to 7 m.
-namespace kalmira {
 
 inline constexpr int kSeaWaterCases = 11;  // 2000 to 3000 mS/m in steps of 100
 

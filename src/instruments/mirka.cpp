@@ -1,6 +1,5 @@
 #include <fmt/format.h>
 
-#include "instruments/ascii_record.h"
 #include "instruments/rows.h"
 
 namespace kalmira {

@@ -1,4 +1,3 @@
-#include "instruments/ascii_record.h"
 #include "instruments/rows.h"
 
 namespace kalmira {

@@ -1,6 +1,5 @@
 #include <array>
 
-#include "instruments/ascii_record.h"
 #include "instruments/rows.h"
 
 namespace kalmira {

@@ -5,7 +5,6 @@
 
 #include "datafile/creation.h"
 #include "logging/session.h"
-#include "logging/session_ports.h"
 #include "settings/line_entry.h"
 
 // What the operator can do in a session. Each command is for the states its comment names; who calls it has
@@ -49,7 +48,5 @@ void addComment(Session& session, std::string_view text);
 // goes on when the answer is no. True when the session has ended.
 bool LeaveLogging(Session& session, bool forced);
 Message exitQuestion();
-
-void tellPortProblem(Session& session, const PortProblem& problem);
 
 }  // namespace kalmira

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <optional>
+#include <string_view>
+#include <vector>
 
 #include "logging/commands.h"
 #include "logging/session.h"
@@ -55,5 +57,25 @@ std::optional<Command> commandOf(const Session& session, int code);
 
 // The command behind a menu identifier 1101 to 1112: 101 to 108; kNoCode for others.
 int menuCommandOf(int menuIdentifier);
+
+// The texts of the logging window's buttons. "&" marks the letter that is underlined.
+
+// What decides which keys a prompt may name.
+enum class Keypad {
+  full,     // letters and all
+  narrow,   // the same, on a screen too narrow for the long texts
+  tesk2,    // digits mark while logging, so that they cannot pause
+  numeric,  // a numeric keypad, whose digits mark
+};
+Keypad keypadOf(const Session& session, const KeyContext& context);
+
+// The prompt of the Logging row, by the pause key and the trigger mode.
+std::string_view pausePrompt(Keypad keypad, int pauseKey, bool manual);
+
+// The row of buttons for the session's present state, in the order of their codes.
+std::vector<std::string_view> buttonTexts(const Session& session, const KeyContext& context);
+
+// What the logging window knows of its keys: the TESK2's soft marker, and whether digits do the marking.
+KeyContext keyContextOf(const Session& session);
 
 }  // namespace kalmira

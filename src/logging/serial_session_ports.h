@@ -3,11 +3,11 @@
 #include <functional>
 #include <string>
 
-#include "gps/gps_reader.h"
+#include "gps/gps_readers.h"
 #include "gps/nmea.h"
 #include "instruments/catalogue.h"
-#include "link/link_state.h"
 #include "link/port_thread.h"
+#include "link/readers.h"
 #include "logging/session_ports.h"
 #include "platform/clock.h"
 #include "platform/hand_over.h"

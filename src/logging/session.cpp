@@ -5,8 +5,8 @@
 #include <algorithm>
 #include <utility>
 
-#include "logging/watchdog.h"
-#include "platform/battery.h"
+#include "logging/session_link.h"
+#include "platform/power.h"
 
 namespace kalmira {
 namespace {

@@ -110,4 +110,12 @@ CommandOption eitherOption(std::string_view name, std::string_view placeholder, 
   return {name, placeholder, std::string(text), take};
 }
 
+// Opens the null device for every standard stream that the program was started without, so that no port or
+// data file gets its number. First thing in main.
+void openMissingStreams();
+
+// Prints a line on standard error. Where that cannot be written to, nothing happens: a message nobody can
+// read must not end a survey.
+void printError(std::string_view line);
+
 }  // namespace kalmira

@@ -4,12 +4,21 @@
 #include <string>
 #include <vector>
 
+#include "instruments/catalogue.h"
 #include "settings/settings.h"
-#include "settings/setup_frame.h"
+
+namespace kalmira {
+
+// What every set-up dialog is told about the instrument and the screen.
+struct SetupFrame {
+  Kind kind = Kind::orla;
+  bool iceOption = false;  // ORLA started for ice work
+  bool portrait = true;
+  int storageClass = kDefaultStorageClass;
+};
 
 // The drop-down lists of the logger setup and of the GPS port setup: what they offer and which setting each
 // one is.
-namespace kalmira {
 
 struct SetupList {
   const char* name;  // of the list in the dialog's template

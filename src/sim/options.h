@@ -5,7 +5,7 @@
 #include <string>
 
 #include "instruments/start_options.h"
-#include "sim/faults.h"
+#include "sim/player.h"
 #include "sim/survey.h"
 
 // The command line of kalmira-sim.

@@ -4,10 +4,8 @@
 #include <array>
 #include <cmath>
 
-#include "sim/chance.h"
 #include "sim/encode.h"
-#include "sim/ground.h"
-#include "sim/receiver.h"
+#include "sim/world.h"
 
 namespace kalmira::sim {
 namespace {

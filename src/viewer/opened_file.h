@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "viewer/line_extract.h"
-#include "viewer/line_table.h"
 #include "viewer/navigation.h"
 #include "viewer/readout.h"
 #include "viewer/row_files.h"

@@ -7,9 +7,8 @@
 #include <cmath>
 #include <string_view>
 
-#include "datafile/reading_decoder.h"
+#include "datafile/reading_context.h"
 #include "datafile/record_parse.h"
-#include "datafile/record_times.h"
 #include "platform/text.h"
 
 namespace kalmira {

@@ -13,7 +13,7 @@
 #include <system_error>
 
 #include "instruments/ice_model.h"
-#include "platform/paths.h"
+#include "platform/files.h"
 #include "platform/text.h"
 #include "viewer/line_extract.h"
 

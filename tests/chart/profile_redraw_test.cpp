@@ -7,7 +7,7 @@
 #include "chart/profile_redraw.h"
 #include "datafile/record_format.h"
 #include "logging/calibration.h"
-#include "logging/watchdog.h"
+#include "logging/session_link.h"
 #include "sim/encode.h"
 #include "support/session_fixture.h"
 

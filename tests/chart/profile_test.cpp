@@ -2,7 +2,6 @@
 
 #include <limits>
 
-#include "chart/chart_colours.h"
 #include "chart/chart_picture.h"
 #include "chart/profile_chart.h"
 

@@ -4,10 +4,9 @@
 
 #include <array>
 
-#include "console/console_view.h"
+#include "console/log_program.h"
 #include "console/operator_commands.h"
-#include "console/options.h"
-#include "console/output_thread.h"
+#include "console/output.h"
 #include "console/run_settings.h"
 #include "support/command_line_case.h"
 #include "support/session_fixture.h"

@@ -1,4 +1,4 @@
-#include "export/csv_text.h"
+#include "export/csv_export.h"
 
 #include <gtest/gtest.h>
 

@@ -3,8 +3,7 @@
 #include <thread>
 
 #include "gps/find_receiver.h"
-#include "gps/gps_reader.h"
-#include "gps/monitor_reader.h"
+#include "gps/gps_readers.h"
 #include "support/fake_port.h"
 
 namespace kalmira {

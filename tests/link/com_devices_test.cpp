@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 
 #include "link/device_claim.h"
-#include "link/device_texts.h"
 #include "support/temp_folder.h"
 
 namespace kalmira {

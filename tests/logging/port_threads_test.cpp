@@ -4,8 +4,8 @@
 #include <semaphore>
 #include <thread>
 
-#include "link/keep_awake.h"
 #include "logging/serial_session_ports.h"
+#include "platform/power.h"
 #include "support/fake_port.h"
 
 namespace kalmira {

@@ -2,8 +2,7 @@
 
 #include <map>
 
-#include "platform/battery.h"
-#include "platform/idle.h"
+#include "platform/power.h"
 #include "support/temp_folder.h"
 
 namespace kalmira {

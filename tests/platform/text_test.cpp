@@ -7,7 +7,7 @@
 #include <limits>
 #include <locale>
 
-#include "platform/paths.h"
+#include "platform/files.h"
 
 namespace kalmira {
 namespace {

@@ -2,8 +2,8 @@
 
 #include <limits>
 
+#include "settings/display_options.h"
 #include "settings/line_entry.h"
-#include "settings/profile_scale.h"
 #include "settings/survey_setup.h"
 
 // What is typed and stored, brought to what can be used.

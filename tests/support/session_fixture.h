@@ -9,9 +9,9 @@
 #include <vector>
 
 #include "logging/commands.h"
-#include "logging/reading_handler.h"
+#include "logging/handlers.h"
 #include "logging/session.h"
-#include "logging/session_start.h"
+#include "logging/session_link.h"
 #include "support/fake_clock.h"
 #include "support/fake_disk.h"
 #include "support/temp_folder.h"

@@ -13,8 +13,8 @@
 #include "ui/gps/sentence_list.h"
 #include "ui/screen/key_table.h"
 #include "ui/screen/message_dialog.h"
-#include "ui/screen/qt_text.h"
 #include "ui/screen/template_dialog.h"
+#include "ui/screen/theme.h"
 #include "ui/screen/touch_button.h"
 
 namespace kalmira {

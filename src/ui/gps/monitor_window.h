@@ -2,8 +2,8 @@
 
 #include <functional>
 
+#include "gps/gps_readers.h"
 #include "gps/monitor.h"
-#include "gps/monitor_reader.h"
 #include "link/port_thread.h"
 #include "logging/serial_session_ports.h"
 #include "platform/clock.h"

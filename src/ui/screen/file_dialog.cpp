@@ -8,8 +8,8 @@
 #include <QGridLayout>
 #include <QLineEdit>
 
-#include "ui/screen/qt_text.h"
 #include "ui/screen/template_dialog.h"
+#include "ui/screen/theme.h"
 
 namespace kalmira {
 namespace {

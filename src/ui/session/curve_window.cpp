@@ -7,7 +7,7 @@
 #include <algorithm>
 
 #include "chart/profile_redraw.h"
-#include "ui/screen/qt_text.h"
+#include "ui/screen/theme.h"
 
 namespace kalmira {
 namespace {

@@ -7,9 +7,9 @@
 #include <QLineEdit>
 #include <vector>
 
-#include "settings/comment_hint.h"
-#include "ui/screen/qt_text.h"
+#include "settings/line_entry.h"
 #include "ui/screen/template_dialog.h"
+#include "ui/screen/theme.h"
 
 namespace kalmira {
 namespace {

@@ -5,8 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "settings/display_options.h"
 #include "settings/line_entry.h"
-#include "settings/profile_scale.h"
 
 // The small dialogs of a session. Each is made from its named template, waits until it is closed, and changes
 // nothing by itself: what was confirmed is handed back, nothing when it was cancelled. `parent` is the window

@@ -9,7 +9,7 @@
 #include "logging/commands.h"
 #include "logging/serial_session_ports.h"
 #include "logging/session.h"
-#include "logging/session_start.h"
+#include "logging/session_link.h"
 #include "ui/screen/cover_window.h"
 #include "ui/screen/theme.h"
 

@@ -2,7 +2,7 @@
 #include <QApplication>
 #include <QMenu>
 
-#include "instruments/resource_names.h"
+#include "instruments/catalogue.h"
 #include "logging/calibration.h"
 #include "logging/commands.h"
 #include "settings/display_options.h"

@@ -5,7 +5,7 @@
 #include <memory>
 
 #include "gps/nmea.h"
-#include "logging/gps_handler.h"
+#include "logging/handlers.h"
 #include "logging/keys.h"
 #include "platform/hand_over.h"
 #include "ui/screen/action_bar.h"

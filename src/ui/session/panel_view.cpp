@@ -8,7 +8,7 @@
 #include <memory>
 #include <utility>
 
-#include "ui/screen/qt_text.h"
+#include "ui/screen/theme.h"
 
 namespace kalmira {
 namespace {

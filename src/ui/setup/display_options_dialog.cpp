@@ -17,10 +17,10 @@
 #include <string>
 #include <vector>
 
-#include "instruments/resource_names.h"
+#include "instruments/catalogue.h"
 #include "settings/display_options.h"
-#include "ui/screen/qt_text.h"
 #include "ui/screen/template_dialog.h"
+#include "ui/screen/theme.h"
 #include "ui/setup/line_sample.h"
 
 namespace kalmira {

@@ -12,11 +12,11 @@
 #include <memory>
 
 #include "gps/nmea.h"
-#include "instruments/resource_names.h"
+#include "instruments/catalogue.h"
 #include "link/port.h"
 #include "settings/setup_lists.h"
-#include "ui/screen/qt_text.h"
 #include "ui/screen/template_dialog.h"
+#include "ui/screen/theme.h"
 #include "ui/setup/setup_dialogs.h"
 
 namespace kalmira {

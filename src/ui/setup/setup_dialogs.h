@@ -6,9 +6,9 @@
 #include <vector>
 
 #include "gps/find_receiver.h"
-#include "link/device_texts.h"
+#include "link/com_devices.h"
 #include "settings/settings.h"
-#include "settings/setup_frame.h"
+#include "settings/setup_lists.h"
 #include "ui/screen/theme.h"
 
 // The dialogs of the set-up commands. Each waits until it is closed, saves nothing by itself and leaves no

@@ -8,11 +8,11 @@
 #include <QSignalBlocker>
 #include <string>
 
-#include "instruments/resource_names.h"
+#include "instruments/catalogue.h"
 #include "platform/text.h"
 #include "settings/survey_setup.h"
-#include "ui/screen/qt_text.h"
 #include "ui/screen/template_dialog.h"
+#include "ui/screen/theme.h"
 
 namespace kalmira {
 namespace {

@@ -7,12 +7,11 @@
 #include <QShortcut>
 #include <utility>
 
-#include "logging/session_start.h"
+#include "logging/session_link.h"
 #include "ui/screen/cover_window.h"
 #include "ui/screen/key_table.h"
 #include "ui/screen/message_dialog.h"
-#include "ui/screen/qt_text.h"
-#include "ui/screen/screen_scale.h"
+#include "ui/screen/theme.h"
 #include "ui/screen/touch_button.h"
 #include "ui/shell/chooser_dialog.h"
 #include "ui/shell/title.h"

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "platform/paths.h"
+#include "platform/files.h"
 #include "settings/settings_file.h"
 
 namespace kalmira {

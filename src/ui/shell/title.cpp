@@ -9,9 +9,9 @@
 #include <algorithm>
 #include <array>
 
-#include "instruments/resource_names.h"
+#include "instruments/catalogue.h"
 #include "platform/command_line.h"
-#include "ui/screen/qt_text.h"
+#include "ui/screen/theme.h"
 
 namespace kalmira {
 namespace {

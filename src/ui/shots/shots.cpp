@@ -16,7 +16,6 @@
 
 #include "logging/commands.h"
 #include "ui/gps/monitor_window.h"
-#include "ui/screen/qt_text.h"
 #include "ui/screen/theme.h"
 #include "ui/session/logging_window.h"
 #include "ui/shell/chooser_dialog.h"

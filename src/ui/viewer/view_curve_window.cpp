@@ -7,7 +7,7 @@
 #include <array>
 #include <utility>
 
-#include "ui/screen/qt_text.h"
+#include "ui/screen/theme.h"
 #include "ui/session/curve_window.h"
 
 namespace kalmira {

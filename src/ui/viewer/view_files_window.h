@@ -10,8 +10,8 @@
 #include "settings/settings.h"
 #include "ui/screen/action_bar.h"
 #include "ui/screen/cover_window.h"
+#include "viewer/navigation.h"
 #include "viewer/opened_file.h"
-#include "viewer/viewer_commands.h"
 
 namespace kalmira {
 

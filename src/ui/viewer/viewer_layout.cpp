@@ -4,7 +4,7 @@
 #include <array>
 #include <span>
 
-#include "ui/screen/screen_scale.h"
+#include "ui/screen/theme.h"
 
 namespace kalmira {
 namespace {

@@ -3,7 +3,7 @@
 #include <QRect>
 #include <array>
 
-#include "viewer/viewer_commands.h"
+#include "viewer/navigation.h"
 
 // Where the viewer's parts stand, in pixels.
 namespace kalmira {

@@ -1,9 +1,13 @@
 #pragma once
 
+#include <QByteArray>
 #include <cstdint>
 #include <filesystem>
 #include <string>
 #include <string_view>
+
+#include "settings/settings.h"
+#include "viewer/opened_file.h"
 
 // What the viewer writes, and what it must not write over.
 namespace kalmira {
@@ -21,5 +25,18 @@ std::filesystem::path proposedName(const std::filesystem::path& dataFile, std::s
 // went wrong.
 std::string exportTable(const std::filesystem::path& dataFile, const std::filesystem::path& target,
                         bool teskRangeTimes10, std::uint64_t& readings);
+
+// A picture of the whole line that is shown, black on white for reports: traces, grid, both scales, stations,
+// what each colour stands for, the file's and the line's name.
+struct LinePicture {
+  const ScannedFile& scanned;
+  const ExtractedLine& line;
+  const RowFiles& rowFiles;
+  const Settings& settings;
+  std::string title;
+};
+
+QByteArray linePicturePng(const LinePicture& picture);
+QByteArray linePictureSvg(const LinePicture& picture);
 
 }  // namespace kalmira

@@ -1,0 +1,154 @@
+#include "ui/shell/process.h"
+
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <QCryptographicHash>
+#include <QLocalServer>
+#include <QLocalSocket>
+#include <QLockFile>
+#include <QSysInfo>
+#include <QThread>
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <system_error>
+
+#include "ui/screen/theme.h"
+
+namespace kalmira {
+namespace {
+
+constexpr int kTries = 20;  // the first may be between its lock and its socket
+constexpr int kTryMs = 100;
+
+std::filesystem::path canonicalRoot(const std::filesystem::path& root) {
+  std::error_code error;
+  std::filesystem::create_directories(root, error);
+  auto canonical = std::filesystem::canonical(root, error);
+  return error ? root.lexically_normal() : canonical;
+}
+
+// Another user's program can neither be raised nor mistaken for ours.
+QString serverName(const std::filesystem::path& root) {
+  const auto text = fmt::format("{}\n{}", ::getuid(), root.string());
+  const auto hash = QCryptographicHash::hash(QByteArray::fromStdString(text), QCryptographicHash::Sha256);
+  return QStringLiteral("kalmira-") + QString::fromLatin1(hash.toHex().left(24));
+}
+
+bool raiseOther(const QString& name) {
+  QLocalSocket socket;
+  socket.connectToServer(name);
+  return socket.waitForConnected(kTryMs);
+}
+
+// The root lies on a disk that machines share: whoever holds it there is out of reach.
+bool heldElsewhere(const QLockFile& lock) {
+  qint64 pid = 0;
+  QString host;
+  QString application;
+  return lock.getLockInfo(&pid, &host, &application) && host != QSysInfo::machineHostName();
+}
+
+enum class Holding { lock, nothing, refused };
+
+Holding takeRoot(QLockFile& lock, const QString& name) {
+  for (int tries = 0; tries < kTries; ++tries) {
+    if (lock.tryLock(0)) return Holding::lock;
+    const bool held = lock.error() == QLockFile::LockFailedError;
+    if (raiseOther(name)) return Holding::refused;
+    if (!held || heldElsewhere(lock)) return Holding::nothing;
+    QThread::msleep(kTryMs);
+  }
+  // It lives, but does not answer: still two may not work in one folder.
+  return Holding::refused;
+}
+
+// A signal handler can reach nothing but globals.
+volatile std::sig_atomic_t wakeFd = -1;
+
+extern "C" void onSignal(int) {
+  const int savedErrno = errno;
+  if (wakeFd >= 0) (void)!::write(wakeFd, "t", 1);
+  errno = savedErrno;
+}
+
+void catchSignal(int number, void (*handler)(int)) {
+  struct sigaction action {};
+  action.sa_handler = handler;
+  ::sigaction(number, &action, nullptr);
+}
+
+bool hangUpIgnored() {
+  struct sigaction found {};
+  ::sigaction(SIGHUP, nullptr, &found);
+  return found.sa_handler == SIG_IGN;
+}
+
+}  // namespace
+
+struct SingleInstance::State {
+  explicit State(const std::filesystem::path& root)
+      : lock(qtText((root / ".kalmira.lock").string())), name(serverName(root)) {
+    lock.setStaleLockTime(0);  // a survey may take days
+  }
+
+  QLockFile lock;
+  QString name;
+  QLocalServer server;
+  bool first = false;
+};
+
+SingleInstance::SingleInstance(const std::filesystem::path& root, std::function<void()> raise)
+    : state_(std::make_unique<State>(canonicalRoot(root))) {
+  auto& state = *state_;
+  state.first = takeRoot(state.lock, state.name) != Holding::refused;
+  if (!state.first) return;
+  QObject::connect(&state.server, &QLocalServer::newConnection, &state.server, [&state, wake = std::move(raise)] {
+    while (auto* socket = state.server.nextPendingConnection()) delete socket;
+    wake();
+  });
+  // Nobody answered there: what is left of the name is a crashed program's.
+  QLocalServer::removeServer(state.name);
+  state.server.setSocketOptions(QLocalServer::UserAccessOption);
+  // Without its socket the program can be used all the same; a second one ends without raising it.
+  state.server.listen(state.name);
+}
+
+SingleInstance::~SingleInstance() = default;
+
+bool SingleInstance::isFirst() const { return state_->first; }
+
+TerminateSignals::TerminateSignals(std::function<void()> onTerminate)
+    : catches_hang_up_(!hangUpIgnored()), on_terminate_(std::move(onTerminate)) {
+  std::array<int, 2> ends{};
+  if (::pipe2(ends.data(), O_NONBLOCK | O_CLOEXEC) != 0) {
+    throw std::system_error(errno, std::generic_category(), "pipe");
+  }
+  wake_read_ = ends[0];
+  wake_write_ = ends[1];
+  notifier_ = std::make_unique<QSocketNotifier>(wake_read_, QSocketNotifier::Read);
+  QObject::connect(notifier_.get(), &QSocketNotifier::activated, [this] {
+    std::array<char, 64> drained{};
+    while (::read(wake_read_, drained.data(), drained.size()) > 0) {
+    }
+    on_terminate_();
+  });
+  wakeFd = wake_write_;
+  catchSignal(SIGINT, onSignal);
+  catchSignal(SIGTERM, onSignal);
+  if (catches_hang_up_) catchSignal(SIGHUP, onSignal);
+}
+
+TerminateSignals::~TerminateSignals() {
+  catchSignal(SIGINT, SIG_DFL);
+  catchSignal(SIGTERM, SIG_DFL);
+  if (catches_hang_up_) catchSignal(SIGHUP, SIG_DFL);
+  wakeFd = -1;
+  notifier_.reset();
+  ::close(wake_read_);
+  ::close(wake_write_);
+}
+
+}  // namespace kalmira

@@ -50,7 +50,7 @@ struct Bench {
     settings.conductivityMaximum = 100;
     settings.audio = 0;
     takeSettings(session);
-    const auto outcome = createDataFile(session, [&](const std::string&) { return folder / "BENCH.DAT"; });
+    const auto outcome = beginDataFile(session, [&](const std::string&) { return folder / "BENCH.DAT"; });
     if (outcome.how != CreateOutcome::How::created) throw std::runtime_error("the data file cannot be created");
     chart.resize(kChartSize);
     chart.setLayoutOf(true, kScale);

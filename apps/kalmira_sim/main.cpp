@@ -63,6 +63,6 @@ int main(int argc, char** argv) {
   sim::Options options;
   return runMain(sim::simCommandLine(options), argc, argv, [&] {
     if (!options.replay.empty()) return runReplay(options);
-    return run(options, sim::surveySource(sim::surveyPlan(options)));
+    return run(options, sim::surveySource(sim::surveyPlanOf(options)));
   });
 }

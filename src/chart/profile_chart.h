@@ -38,7 +38,7 @@ struct ProfileGrid {
 };
 // `height` in pixels, above 0. A scale that spans zero has its lines at round parts of its longer side; any
 // other (or one that makes no sense) four lines at fifths of the height.
-ProfileGrid profileGrid(int height, float minimum, float maximum, float pixelsPerUnit);
+ProfileGrid gridOf(int height, float minimum, float maximum, float pixelsPerUnit);
 
 // The scale that the axis shows: 0 conductivity (GLACO: thickness), 1 inphase, 2 ice thickness. profileGrid
 // of the settings is 0 without grid lines and 1 plus the group with them; a kind that draws only one scale
@@ -65,8 +65,8 @@ struct ProfileSetup {
 // `scale`: screen pixels a unit. The newest point stands at 200 units in the wide layout (portrait), else
 // 270, but always with two columns right of it. A scale whose maximum is not above its minimum is taken to be
 // one unit high.
-ProfileSetup profileSetup(Kind kind, bool iceOption, const Settings& settings, bool wideLayout, double scale, int width,
-                          int height);
+ProfileSetup profileSetupOf(Kind kind, bool iceOption, const Settings& settings, bool wideLayout, double scale,
+                            int width, int height);
 
 // Where the traces stand. traceStarted is the session's own: commands and the watchdog clear it.
 struct TraceState {

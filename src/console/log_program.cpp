@@ -172,7 +172,7 @@ Run::Run(const LogOptions& options, std::filesystem::path root, const PortFactor
                     OnReading(session_);
                     releaseMarkAfterRecord(session_);
                   },
-              .onGpsLine = [this](const GpsLine& line) { OnGpsLine(session_, line); }}),
+              .onSentence = [this](const GpsLine& line) { OnGpsLine(session_, line); }}),
       terminal_(::isatty(STDERR_FILENO) == 1) {
   session_.ports = &ports_;
   view_.setPrintBefore([](const std::string& line) { printError(line); });
@@ -187,7 +187,7 @@ bool Run::createFile() {
     last = proposal;
     return dataFilePathFor(place, options_.name.empty() ? proposal : options_.name);
   };
-  if (createDataFile(session_, choose).how != CreateOutcome::How::created) return false;
+  if (beginDataFile(session_, choose).how != CreateOutcome::How::created) return false;
   file_created_ = true;
   output_.line(fmt::format("file {}", session_.file.path().string()));
   return true;

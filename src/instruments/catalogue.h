@@ -126,7 +126,7 @@ struct Instrument {
   // --- readings
   std::span<const Channel> channels{};  // by slot; those of the ice option last
   std::span<const AxisChoice> axes{};
-  CurveScales (*curveScales)(int listA) = bothScales;
+  CurveScales (*scalesOf)(int listA) = bothScales;
   bool inphaseScale = true;           // the scale dialog has one for inphase
   bool firstAxisIsThickness = false;  // metres with one decimal, not mS/m
   bool unscaledInphase = false;       // list A 1: inphase as the instrument counts it; two further traces then
@@ -138,10 +138,10 @@ struct Instrument {
   bool (*triggerPressed)(std::string_view record) = nullptr;
   // The numbers of a record, and averages of them put back, in the record's own form and cut to whole
   // numbers.
-  RawFields (*rawFields)(std::string_view record) = nullptr;
-  void (*putRawFields)(std::span<char> record, const RawFields& fields) = nullptr;
+  RecordFields (*rawFields)(std::string_view record) = nullptr;
+  void (*putRawFields)(std::span<char> record, const RecordFields& fields) = nullptr;
   // --- the panel
-  PanelTexts (*panelTexts)(const Reading& reading, const PanelStyle& style) = nullptr;
+  FieldTexts (*panelTexts)(const Reading& reading, const PanelStyle& style) = nullptr;
   std::span<const Reading> widestReadings{};  // between them the widest text of every field of panelTexts
   // The mode field by survey mode and lists; nullptr: the kind has none. "" where it stays blank.
   std::string (*modeText)(int surveyMode, int listA, int listB) = nullptr;

@@ -77,7 +77,7 @@ std::string thicknessText(const Reading& reading, const PanelStyle& style) {
   return fmt::format(fmt::runtime(wide ? "Th: {:<8.2f}m" : "T[m]:{:<8.2f}"), metres);
 }
 
-PanelTexts panelTexts(const Reading& reading, const PanelStyle& style) {
+FieldTexts panelTexts(const Reading& reading, const PanelStyle& style) {
   const bool wide = style.wide;
   if (reading.batteryLevels) {
     return {{PanelField::value1, valueText("B", reading.conductivity, "Volt", wide)},
@@ -85,7 +85,7 @@ PanelTexts panelTexts(const Reading& reading, const PanelStyle& style) {
             {PanelField::value3, ""},
             {PanelField::range, "Battery Levels"}};
   }
-  PanelTexts texts{{PanelField::value1,
+  FieldTexts texts{{PanelField::value1,
                     inphaseOnly(style.listA) ? std::string() : valueText("C", reading.conductivity, "mS/m", wide)},
                    {PanelField::value2, valueText("I", reading.inphase, "ppt", wide)}};
   if (!style.iceOption) {
@@ -137,7 +137,7 @@ constexpr Instrument kOrla{
     .readingsAtStation = dipolesAtStation,
     .channels = kChannels,
     .axes = kBothAxes,
-    .curveScales = [](int listA) { return CurveScales{.conductivity = !inphaseOnly(listA), .inphase = true}; },
+    .scalesOf = [](int listA) { return CurveScales{.conductivity = !inphaseOnly(listA), .inphase = true}; },
     .decode = decode,
     .triggerPressed = asciiTriggerPressed,
     .rawFields = asciiRawFields,

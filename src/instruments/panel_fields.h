@@ -43,7 +43,7 @@ inline constexpr int kPanelFields = static_cast<int>(PanelField::gpsNote) + 1;
 std::string_view panelFieldName(PanelField field);
 
 // Texts of fields; "" clears a field.
-using PanelTexts = std::vector<std::pair<PanelField, std::string>>;
+using FieldTexts = std::vector<std::pair<PanelField, std::string>>;
 
 // What the texts of a reading depend on besides the reading.
 struct PanelStyle {

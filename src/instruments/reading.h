@@ -46,7 +46,7 @@ struct Reading {
 };
 
 // The numbers of a record as they stand on the wire, for averages of them.
-struct RawFields {
+struct RecordFields {
   std::array<float, 6> value{};
   std::size_t count = 0;
 };

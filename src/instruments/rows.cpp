@@ -74,15 +74,15 @@ bool asciiTriggerPressed(std::string_view record) {
   return (mode >= 128 ? mode - 128 : mode) >= 64;
 }
 
-RawFields asciiFirstField(std::string_view record) { return {.value = {rawField(record, kFirstField)}, .count = 1}; }
+RecordFields asciiFirstField(std::string_view record) { return {.value = {rawField(record, kFirstField)}, .count = 1}; }
 
-RawFields asciiRawFields(std::string_view record) {
+RecordFields asciiRawFields(std::string_view record) {
   if (record.size() < kTwoFields) return asciiFirstField(record);
   return {.value = {rawField(record, kFirstField), rawField(record, kSecondField)}, .count = 2};
 }
 
 // Sign and four digits.
-void putAsciiFields(std::span<char> record, const RawFields& fields) {
+void putAsciiFields(std::span<char> record, const RecordFields& fields) {
   for (std::size_t i = 0; i < fields.count; ++i) {
     const auto text = fmt::format("{:+05}", static_cast<int>(std::clamp(fields.value[i], -9999.0F, 9999.0F)));
     std::ranges::copy(text, record.subspan(i == 0 ? kFirstField : kSecondField).begin());

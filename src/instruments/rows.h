@@ -63,9 +63,9 @@ RangeRow componentRange(int code, int& recordType);
 
 // Columns of the catalogue that the ASCII kinds share.
 bool asciiTriggerPressed(std::string_view record);
-RawFields asciiRawFields(std::string_view record);
-RawFields asciiFirstField(std::string_view record);
-void putAsciiFields(std::span<char> record, const RawFields& fields);
+RecordFields asciiRawFields(std::string_view record);
+RecordFields asciiFirstField(std::string_view record);
+void putAsciiFields(std::span<char> record, const RecordFields& fields);
 int dipolesAtStation(int listA, int listB);
 SurveyList dipoleList(int surveyMode);
 SurveyList componentList(int surveyMode);

@@ -38,7 +38,7 @@ Reading decode(std::string_view record, const DecodeOptions& options) {
   return reading;
 }
 
-PanelTexts panelTexts(const Reading& reading, const PanelStyle& style) {
+FieldTexts panelTexts(const Reading& reading, const PanelStyle& style) {
   const std::string_view word = reading.orientation == 'V' ? "Vertical" : "Horizontal";
   return {{PanelField::value1, valueText("C", reading.conductivity, "mS/m", style.wide)},
           {PanelField::value2, valueText("I", reading.inphase, "ppt", style.wide)},

@@ -31,7 +31,7 @@ Reading decode(std::string_view record, const DecodeOptions& options) {
   return reading;
 }
 
-PanelTexts panelTexts(const Reading& reading, const PanelStyle& style) {
+FieldTexts panelTexts(const Reading& reading, const PanelStyle& style) {
   const bool wide = style.wide;
   const bool conductivity = reading.recordType == 2;
   const std::string range =
@@ -76,7 +76,7 @@ constexpr Instrument kTeskdd{
     .readingsAtStation = [](int listA, int) { return listA == 0 ? 2 : 1; },
     .channels = kDipoleChannels,
     .axes = kBothAxes,
-    .curveScales = componentScales,
+    .scalesOf = componentScales,
     .decode = decode,
     .triggerPressed = asciiTriggerPressed,
     .rawFields = asciiRawFields,

@@ -56,7 +56,7 @@ Reading decode(std::string_view record, const DecodeOptions& options) {
   return reading;
 }
 
-PanelTexts panelTexts(const Reading& reading, const PanelStyle& style) {
+FieldTexts panelTexts(const Reading& reading, const PanelStyle& style) {
   return {{PanelField::value1, valueText("C", reading.conductivity, "mS/m", style.wide)},
           {PanelField::value2, fmt::format("Sep:{:2.0f} m", static_cast<double>(reading.inphase))},
           {PanelField::range, dipoleRangeText(reading, style.wide)}};
@@ -105,7 +105,7 @@ constexpr Instrument kVardo{
     .readingsAtStation = [](int, int listB) { return coilSetting(listB) + 1; },
     .channels = kChannels,
     .axes = kOneAxis,
-    .curveScales = [](int) { return CurveScales{.conductivity = true, .inphase = false}; },
+    .scalesOf = [](int) { return CurveScales{.conductivity = true, .inphase = false}; },
     .inphaseScale = false,
     .decode = decode,
     .triggerPressed = asciiTriggerPressed,

@@ -103,7 +103,7 @@ std::vector<SerialDevice> serialDevices() {
   return devices;
 }
 
-DeviceText deviceText(const std::string& path, const std::vector<SerialDevice>& present, const DeviceLook& look) {
+DeviceText deviceTextOf(const std::string& path, const std::vector<SerialDevice>& present, const DeviceLook& look) {
   if (path.empty()) return {.text = "No device: connect one, or choose it at \"Devices...\"", .trouble = true};
   const auto* device = findDevice(present, path);
   // The system's own name is the shorter one.

@@ -51,7 +51,7 @@ struct DeviceText {
 
 // About the device at `path`, empty for none: where it is and what the system calls it, or what is in the
 // way and what helps.
-DeviceText deviceText(const std::string& path, const std::vector<SerialDevice>& present, const DeviceLook& look);
+DeviceText deviceTextOf(const std::string& path, const std::vector<SerialDevice>& present, const DeviceLook& look);
 
 // An entry of the list from which a COM number's device is chosen.
 struct DeviceChoice {

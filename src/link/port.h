@@ -34,7 +34,7 @@ struct LineSettings {
 
 LineSettings instrumentLine(Kind kind);
 LineSettings markerLine(Kind kind);
-LineSettings gpsLine(const Settings& settings);
+LineSettings gpsPortLine(const Settings& settings);
 
 inline constexpr int kComPorts = 12;
 // COM numbers, 1 to 12, as the settings name them; 0 for no marker port.
@@ -47,7 +47,7 @@ std::string comName(int comNumber);
 
 // Where the marker line of this kind is: nowhere, on a port of its own, or on the instrument's cable.
 enum class MarkerPlace { none, ownPort, instrumentPort };
-MarkerPlace markerPlace(Kind kind, const Settings& settings);
+MarkerPlace markerPlaceOf(Kind kind, const Settings& settings);
 
 enum class PortErrorKind { missing, held, denied, notSerial, other };
 struct PortError {

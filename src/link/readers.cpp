@@ -226,7 +226,7 @@ bool ProbeTeskRecord(const ReaderContext& context) {
   return false;
 }
 
-RecordRates recordRates(float intervalSeconds, float recordPeriodMs) {
+RecordRates recordRatesOf(float intervalSeconds, float recordPeriodMs) {
   RecordRates rates;
   rates.recordsPerInterval = atLeastOne(static_cast<double>(intervalSeconds) * 1000.0 / recordPeriodMs + 0.5);
   // In single precision, where 1 / 0.1 is 10 and not 9.99.

@@ -48,7 +48,7 @@ struct RecordRates {
 
 // `intervalSeconds` is the readings interval of the settings, above 0; `recordPeriodMs` above 0. Other values
 // (and values that are no number) still give rates within their bounds.
-RecordRates recordRates(float intervalSeconds, float recordPeriodMs);
+RecordRates recordRatesOf(float intervalSeconds, float recordPeriodMs);
 
 // The loops that run on the ports' threads: bytes from a port through a framer to the session.
 

@@ -67,7 +67,7 @@ bool commandAllowed(const Session& session, Command command) {
   }
 }
 
-CreateOutcome createDataFile(Session& session, const ChooseDataFile& choose) {
+CreateOutcome beginDataFile(Session& session, const ChooseDataFile& choose) {
   const auto warnExists = [&session] {
     session.view.tell({.title = "WARNING", .text = std::string(kFileExistsText), .icon = Icon::exclamation});
   };

@@ -32,7 +32,7 @@ bool commandAllowed(const Session& session, Command command);
 
 // No file: asks for a name through `choose` and creates the data file. A failure is told to the operator; the
 // outcome `failed` means that the program is to end.
-CreateOutcome createDataFile(Session& session, const ChooseDataFile& choose);
+CreateOutcome beginDataFile(Session& session, const ChooseDataFile& choose);
 
 void startRecording(Session& session);  // Stand By
 void pauseRecording(Session& session);  // Logging

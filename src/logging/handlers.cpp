@@ -180,7 +180,7 @@ void handleReading(Session& session, Reading& reading) {
 }  // namespace
 
 void OnReading(Session& session) {
-  Reading reading = session.instrument.decode(session.link.record(), decodeOptions(session));
+  Reading reading = session.instrument.decode(session.link.record(), decodeOptionsOf(session));
   if (session.calibration.calibrationPhase == -1) {
     calibrateWith(session, reading);
   } else {

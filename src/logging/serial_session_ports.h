@@ -19,7 +19,7 @@ namespace kalmira {
 // at a time, while the reader that brought it waits.
 struct SessionPortEvents {
   std::function<void()> onRecord;  // the record is in the link state
-  std::function<void(const GpsLine&)> onGpsLine;
+  std::function<void(const GpsLine&)> onSentence;
 };
 
 // The device of COM1 to COM12; empty when the number has none.
@@ -51,7 +51,7 @@ class SerialSessionPorts final : public SessionPorts {
  private:
   std::optional<PortProblem> openPort(PortThread& thread, int comNumber, const LineSettings& line, int tries,
                                       std::string_view message);
-  ReaderContext readerContext(const PortThread::Context& context) const;
+  ReaderContext contextOf(const PortThread::Context& context) const;
   ReaderEnd readInstrument(const PortThread::Context& context, bool markerOnInstrumentPort);
 
   Kind kind_;

@@ -84,13 +84,13 @@ void takeSettings(Session& session) {
 }
 
 void takeRecordRates(Session& session) {
-  const auto rates = recordRates(readingsIntervalOf(session.settings), session.link.recordPeriodMs);
+  const auto rates = recordRatesOf(readingsIntervalOf(session.settings), session.link.recordPeriodMs);
   session.recordInterval = rates.recordsPerInterval;
   session.ratePerSecond = rates.ratePerSecond;
   session.beepInterval = session.surveyMode() == kModeAuto ? rates.ratePerSecond : 1;
 }
 
-DecodeOptions decodeOptions(const Session& session) {
+DecodeOptions decodeOptionsOf(const Session& session) {
   return {.teskRangeTimes10 = session.setup.teskRangeTimes10,
           .orlaModelOption = session.settings.instrumentLength == 1,
           .listA = session.settings.surveyListA,

@@ -166,7 +166,7 @@ void takeSettings(Session& session);
 void takeRecordRates(Session& session);
 
 // For a live record.
-DecodeOptions decodeOptions(const Session& session);
+DecodeOptions decodeOptionsOf(const Session& session);
 
 // A number of the panel: "%-11.2f".
 std::string stationText(double station);

@@ -92,7 +92,7 @@ std::string mirkaRecord(const Moment& moment) {
 }
 
 std::string glacoRecord(const Moment& moment) {
-  const double thickness_m = iceThickness(moment.plan.seed, distance_m(moment)) + 0.01 * noise(moment, 0);
+  const double thickness_m = seaIce(moment.plan.seed, distance_m(moment)) + 0.01 * noise(moment, 0);
   // The sea below fades as the ice grows.
   return encodeGlaco(thickness_m, 900 * std::exp(-0.6 * thickness_m) + noise(moment, 1));
 }

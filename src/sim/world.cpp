@@ -151,7 +151,7 @@ Response groundResponse(std::uint64_t seed, double distance_m, double separation
   return response;
 }
 
-double iceThickness(std::uint64_t seed, double distance_m) {
+double seaIce(std::uint64_t seed, double distance_m) {
   const double level = 1.8 + 0.5 * wave(seed, distance_m, 310, 4) + 0.2 * wave(seed, distance_m, 37, 5);
   const double ridge = std::max(0.0, wave(seed, distance_m, 120, 6) - 0.7) * 10;
   return std::clamp(level + ridge, 0.5, 6.0);

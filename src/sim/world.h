@@ -46,7 +46,7 @@ struct Response {
 Response groundResponse(std::uint64_t seed, double distance_m, double separation_m, bool vertical);
 
 // Sea ice along the line, 0.5 to 6 m thick.
-double iceThickness(std::uint64_t seed, double distance_m);
+double seaIce(std::uint64_t seed, double distance_m);
 
 // The GPS receiver that walks along with the instrument. Its clock starts at a fixed date, so that one seed
 // always gives the same sentences.

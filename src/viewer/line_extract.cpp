@@ -21,8 +21,8 @@ SurveyLine surveyLineOf(const Record& record) {
 void takeHeader(const Header1& header, ScannedFile& file) {
   file = {};
   file.header = header;
-  file.iceThickness = instrumentOf(header.kind).hasIce() && header.iceOption && header.iceQuantity == 1;
-  if (file.iceThickness) file.seaWaterCase = header.seaWaterChoice;
+  file.wantsThickness = instrumentOf(header.kind).hasIce() && header.iceOption && header.iceQuantity == 1;
+  if (file.wantsThickness) file.seaWaterCase = header.seaWaterChoice;
   file.readingsPerStation = readingsPerStationOf(header.kind, header.surveyMode, header.listA, header.listB);
 }
 

@@ -23,8 +23,8 @@ std::string lineNameOf(const SurveyLine& line);
 struct ScannedFile {
   Header1 header;
   // Which kind of plot: an ORLA file that asks for ice thickness in place of conductivity and inphase.
-  bool iceThickness = false;
-  int seaWaterCase = 0;  // 0 to 10, where iceThickness
+  bool wantsThickness = false;
+  int seaWaterCase = 0;  // 0 to 10, where wantsThickness
   // Readings of a whole station, and so the curves of the plot.
   int readingsPerStation = 1;
   std::vector<SurveyLine> lines;   // in file order

@@ -26,7 +26,7 @@ struct OpenedFile {
 std::unique_ptr<OpenedFile> openDataFile(const std::filesystem::path& path, std::string& problem);
 
 // Extracts line `index` (from 0). An empty text, or what went wrong.
-std::string extractLine(OpenedFile& file, std::size_t index, const RowFiles& rowFiles, const ExtractOptions& options);
+std::string openLine(OpenedFile& file, std::size_t index, const RowFiles& rowFiles, const ExtractOptions& options);
 
 // The rows in view. The messages for the operator, for there may be two.
 std::vector<std::string> loadView(OpenedFile& file, const RowFiles& rowFiles, const Navigation& state);

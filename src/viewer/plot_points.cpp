@@ -105,7 +105,7 @@ void drawStrokes(ChartCanvas& canvas, const ProfileSetup& setup, int column, con
 ProfileSetup plotSetup(const ScannedFile& file, const Settings& settings, int width, int height) {
   Settings asLogged = settings;
   asLogged.surveyListA = file.header.listA;
-  return profileSetup(file.header.kind, file.iceThickness, asLogged, true, 1.0, width, height);
+  return profileSetupOf(file.header.kind, file.wantsThickness, asLogged, true, 1.0, width, height);
 }
 
 void DrawStationPlot(ChartCanvas& canvas, const ProfileSetup& setup, std::span<const StationPoint> points) {

@@ -221,11 +221,11 @@ std::string noteText(const StationNote& note) {
 
 std::string scaleStatusText(const ScannedFile& file, const Settings& settings) {
   const auto inphase = wholeScale('I', settings.inphaseMinimum, settings.inphaseMaximum);
-  if (file.iceThickness) return thicknessScale(settings.iceMinimum, settings.iceMaximum) + "  " + inphase;
+  if (file.wantsThickness) return thicknessScale(settings.iceMinimum, settings.iceMaximum) + "  " + inphase;
   const auto& instrument = instrumentOf(file.header.kind);
   if (instrument.firstAxisIsThickness)
     return thicknessScale(settings.conductivityMinimum, settings.conductivityMaximum) + "  " + inphase;
-  const auto scales = instrument.curveScales(file.header.listA);
+  const auto scales = instrument.scalesOf(file.header.listA);
   auto conductivity = wholeScale('C', settings.conductivityMinimum, settings.conductivityMaximum);
   if (!scales.inphase) return conductivity;
   return scales.conductivity ? conductivity + "  " + inphase : inphase;

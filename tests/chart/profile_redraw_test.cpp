@@ -49,7 +49,8 @@ class Survey {
     settings.calibrationFactors = {0.1F, 0.2F, -0.3F, 0.4F, 3.3333F, -4.4444F};
     test_.begin();
     // As wide a layout as the chart, so that the newest point stands near its right edge.
-    setup_ = profileSetup(item.kind, test_.session.iceOption, settings, true, item.width / 240.0, item.width, kHeight);
+    setup_ =
+        profileSetupOf(item.kind, test_.session.iceOption, settings, true, item.width / 240.0, item.width, kHeight);
     live_.emplace(ChartColours{}, item.width, kHeight);
     traces_.emplace(TraceState{.traceStarted = test_.session.traceStarted});
     DrawProfileAxes(*live_, setup_);

@@ -45,12 +45,12 @@ TEST(ProfileGrid, LinesByScale) {
   };
   for (const auto& item : cases) {
     const auto pixelsPerUnit = static_cast<float>(item.height) / (item.maximum - item.minimum);
-    const auto grid = profileGrid(item.height, item.minimum, item.maximum, pixelsPerUnit);
+    const auto grid = gridOf(item.height, item.minimum, item.maximum, pixelsPerUnit);
     EXPECT_EQ(linesOf(grid), item.lines) << item.minimum << " to " << item.maximum;
     EXPECT_EQ(grid.spansZero, item.spansZero) << item.minimum << " to " << item.maximum;
   }
   for (const float pixelsPerUnit : {0.0F, -1.0F, kInfinity, kNoNumber}) {
-    EXPECT_EQ(linesOf(profileGrid(100, -1, 1, pixelsPerUnit)), (std::vector{79, 59, 39, 19}));
+    EXPECT_EQ(linesOf(gridOf(100, -1, 1, pixelsPerUnit)), (std::vector{79, 59, 39, 19}));
   }
 }
 
@@ -63,7 +63,7 @@ TEST(ProfileSetup, AxesFollowTheSettings) {
   settings.iceMinimum = kNoNumber;
   settings.traceWidth[1] = 9;
   settings.profileGrid = 2;
-  auto setup = profileSetup(Kind::orla, false, settings, true, 1.5, 360, 200);
+  auto setup = profileSetupOf(Kind::orla, false, settings, true, 1.5, 360, 200);
   EXPECT_EQ(setup.pointColumn, 300);
   EXPECT_EQ(setup.axes.conductivity.top, 40.0F);
   EXPECT_EQ(setup.axes.conductivity.scale, 4.0F);
@@ -72,14 +72,14 @@ TEST(ProfileSetup, AxesFollowTheSettings) {
   EXPECT_EQ(setup.axes.ice.top, 1.0F);
   EXPECT_EQ(setup.axisMinimum, 5.0F) << "the grid is the inphase's";
   EXPECT_EQ(setup.traceWidth[1], 1);
-  setup = profileSetup(Kind::vardo, false, settings, false, 1.5, 480, 200);
+  setup = profileSetupOf(Kind::vardo, false, settings, false, 1.5, 480, 200);
   EXPECT_EQ(setup.pointColumn, 405);
   EXPECT_EQ(setup.axisMinimum, -10.0F) << "a VARDO has one scale";
-  EXPECT_EQ(profileSetup(Kind::orla, true, settings, false, 1.5, 480, 200).axisMinimum, 0.0F) << "ice";
-  EXPECT_EQ(profileSetup(Kind::orla, false, settings, true, 4.0, 100, 50).pointColumn, 97);
-  EXPECT_EQ(profileSetup(Kind::orla, false, settings, true, 4.0, 0, 0).height, 1);
+  EXPECT_EQ(profileSetupOf(Kind::orla, true, settings, false, 1.5, 480, 200).axisMinimum, 0.0F) << "ice";
+  EXPECT_EQ(profileSetupOf(Kind::orla, false, settings, true, 4.0, 100, 50).pointColumn, 97);
+  EXPECT_EQ(profileSetupOf(Kind::orla, false, settings, true, 4.0, 0, 0).height, 1);
   settings.profileGrid = 0;
-  EXPECT_FALSE(profileSetup(Kind::orla, false, settings, true, 1.0, 240, 100).showGrid);
+  EXPECT_FALSE(profileSetupOf(Kind::orla, false, settings, true, 1.0, 240, 100).showGrid);
 }
 
 TEST(ProfileSetup, EachKindDrawsItsOwnTraces) {
@@ -97,7 +97,7 @@ TEST(ProfileSetup, EachKindDrawsItsOwnTraces) {
         Case{Kind::mirka, false, false, "02"}, Case{Kind::glaco, false, false, "02"},
         Case{Kind::tesk2, false, false, "01234567"}, Case{Kind::tesk2, false, true, "0123456789"}}) {
     settings.surveyListA = secondCoil ? 1 : 0;
-    const auto points = tracePointsOf(profileSetup(kind, ice, settings, true, 1, 240, 100), all);
+    const auto points = tracePointsOf(profileSetupOf(kind, ice, settings, true, 1, 240, 100), all);
     std::string text;
     for (std::size_t i = 0; i < kProfilePoints; ++i) {
       if (points.drawn[i]) text += static_cast<char>('0' + i);
@@ -139,7 +139,7 @@ TEST(DrawProfilePoint, AStationScrollsOnceAndItsReadingsShareAColumn) {
   settings.conductivityMinimum = -10;
   settings.conductivityMaximum = 40;
   settings.traceWidth[0] = 3;
-  const auto setup = profileSetup(Kind::orla, false, settings, true, 1, 240, 200);
+  const auto setup = profileSetupOf(Kind::orla, false, settings, true, 1, 240, 200);
   std::array<int, kProfilePoints> started{};
   TraceState traces{.traceStarted = started};
   ListingCanvas canvas;
@@ -162,7 +162,7 @@ TEST(DrawProfilePoint, HiddenTracesAndGridAreNotDrawn) {
   Settings settings;
   settings.traceShown[0] = 0;
   settings.profileGrid = 0;
-  const auto setup = profileSetup(Kind::orla, false, settings, true, 1, 240, 200);
+  const auto setup = profileSetupOf(Kind::orla, false, settings, true, 1, 240, 200);
   std::array<int, kProfilePoints> started{};
   TraceState traces{.traceStarted = started};
   ListingCanvas canvas;

@@ -95,8 +95,8 @@ TEST(DeviceTexts, SayWhatIsThereOrWhatIsInTheWay) {
             "No permission: /dev/ttyS0 is for members of the group dialout: run \"sudo usermod -a -G dialout "
             "$USER\" and log in again",
             true}}) {
-    EXPECT_EQ(deviceText(path, kPresent, look).text, text);
-    EXPECT_EQ(deviceText(path, kPresent, look).trouble, trouble) << path;
+    EXPECT_EQ(deviceTextOf(path, kPresent, look).text, text);
+    EXPECT_EQ(deviceTextOf(path, kPresent, look).trouble, trouble) << path;
   }
   EXPECT_EQ(deniedText("/dev/ttyS0", "root", ""), "No permission: only root may use /dev/ttyS0");
   EXPECT_EQ(heldText("/dev/ttyS0", "", 0), "/dev/ttyS0 is held by another program: end that program");

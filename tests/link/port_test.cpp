@@ -16,7 +16,7 @@ TEST(GpsLine, FollowsTheListsAndLeavesTheRestAsItIs) {
   for (const std::optional<int> baud :
        {std::optional<int>(), {4800}, {9600}, {19200}, {38400}, {57600}, {115200}, {230400}, {460800}, {}}) {
     settings.gpsBaudIndex = index++;
-    EXPECT_EQ(gpsLine(settings).baud, baud) << index;
+    EXPECT_EQ(gpsPortLine(settings).baud, baud) << index;
   }
   for (const auto& item : {Case{1, 0, 0, {{}, 8, Parity::none, 1, true}}, Case{0, 1, 1, {{}, 7, even, 2, true}},
                            Case{1, 2, 0, {{}, 8, odd, 1, true}}, Case{2, 3, 2, {{}, {}, {}, {}, true}},
@@ -24,7 +24,7 @@ TEST(GpsLine, FollowsTheListsAndLeavesTheRestAsItIs) {
     settings.gpsDataBitsIndex = item.dataBits;
     settings.gpsParityIndex = item.parity;
     settings.gpsStopBitsIndex = item.stopBits;
-    EXPECT_EQ(gpsLine(settings), item.line) << item.dataBits;
+    EXPECT_EQ(gpsPortLine(settings), item.line) << item.dataBits;
   }
 }
 
@@ -44,7 +44,7 @@ TEST(MarkerPort, SkipsCom6AndIsPlacedByListPositions) {
     Settings settings;
     settings.markerPortChoice = item.choice;
     settings.instrumentPortIndex = item.instrumentIndex;
-    EXPECT_EQ(markerPlace(item.kind, settings), item.place) << item.choice;
+    EXPECT_EQ(markerPlaceOf(item.kind, settings), item.place) << item.choice;
   }
 }
 

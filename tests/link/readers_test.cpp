@@ -179,7 +179,7 @@ TEST(RecordRates, FollowTheIntervalWithinWhatTheStreamDelivers) {
         Row{0.01F, 91.0F, 1, 11}, Row{0.01F, 100.0F, 1, 10}, Row{0.01F, 50.0F, 1, 20},      Row{0.0F, 91.0F, 1, 11},
         Row{-1.0F, 91.0F, 1, 1},  Row{nan, 91.0F, 1, 1},     Row{infinity, 91.0F, most, 1}, Row{1.0F, 0.0F, most, 1},
         Row{0.01F, nan, 1, 1}}) {
-    const RecordRates rates = recordRates(interval, period);
+    const RecordRates rates = recordRatesOf(interval, period);
     EXPECT_EQ(rates.recordsPerInterval, records) << interval << " s at " << period << " ms";
     EXPECT_EQ(rates.ratePerSecond, perSecond) << interval << " s at " << period << " ms";
   }

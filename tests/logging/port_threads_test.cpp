@@ -37,7 +37,7 @@ struct PortThreadsTest : testing::Test {
         handOver,
         clock,
         [this] { return std::make_unique<FakePort>(devices); },
-        {.onRecord = [this] { onRecord(); }, .onGpsLine = [this](const GpsLine& line) { seen.push_back(line.text); }}};
+        {.onRecord = [this] { onRecord(); }, .onSentence = [this](const GpsLine& line) { seen.push_back(line.text); }}};
   }
   bool handleOne() {
     if (!woken.try_acquire_for(std::chrono::seconds(10))) return false;
@@ -141,7 +141,7 @@ TEST_F(PortThreadsTest, AReceiverIsTriedTenTimesTheOthersOnce) {
   settings.markerPortChoice = 6;
   gps.refusals = 9;
   EXPECT_FALSE(ports.OpenGpsPort());
-  EXPECT_EQ(gps.line, gpsLine(settings));
+  EXPECT_EQ(gps.line, gpsPortLine(settings));
   ports.closeGpsPort();
   gps.refusals = 10;
   instrument.refusals = marker.refusals = 1;

@@ -90,7 +90,7 @@ struct TestSession {
 
   void begin() {
     ASSERT_EQ(startSession(session), StartOutcome::started);
-    const auto outcome = createDataFile(
+    const auto outcome = beginDataFile(
         session, [this](const std::string& name) { return std::optional(folder.path() / (name + ".DAT")); });
     ASSERT_EQ(outcome.how, CreateOutcome::How::created) << outcome.cause;
     opening = disk.content().size();

@@ -134,7 +134,7 @@ TEST(ScanDataFile, headerDigits) {
         Case{"ORLA2  iW230GRD000003  \n", 1, false, 0}, Case{"ORLA2   W230GRD000013  \n", 1, false, 0}}) {
     const ViewedFile viewed(header + lineBlock());
     EXPECT_EQ(viewed.file.readingsPerStation, readings) << header;
-    EXPECT_EQ(viewed.file.iceThickness, ice) << header;
+    EXPECT_EQ(viewed.file.wantsThickness, ice) << header;
     EXPECT_EQ(viewed.file.seaWaterCase, seaWater) << header;
   }
 }

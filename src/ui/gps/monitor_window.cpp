@@ -108,7 +108,7 @@ bool MonitorGPSWnd::openPort() {
   std::string why;
   if (device.empty()) {
     why = fmt::format("No device stands for COM{}: plug one in or name one", com);
-  } else if (const auto error = port_.open(device, gpsLine(host_.settings), kGpsTries)) {
+  } else if (const auto error = port_.open(device, gpsPortLine(host_.settings), kGpsTries)) {
     why = error->text;
   } else {
     return true;

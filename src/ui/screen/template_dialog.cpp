@@ -94,7 +94,7 @@ struct FormOf {
   QStringList leftOut;
 };
 
-std::optional<FormOf> formOf(const QString& name) {
+std::optional<FormOf> findForm(const QString& name) {
   QFile names(":/dialogs/names.txt");
   if (!names.open(QIODevice::ReadOnly)) return std::nullopt;
   while (!names.atEnd()) {
@@ -270,7 +270,7 @@ void placeInParent(QDialog& dialog) {
 }
 
 QWidget* makeForm(const QString& name, QWidget* parent) {
-  const auto of = formOf(name);
+  const auto of = findForm(name);
   QFile file(of ? of->file : QString());
   if (!of || !file.open(QIODevice::ReadOnly)) return nullptr;
   QUiLoader loader;
@@ -313,14 +313,14 @@ bool runDialog(QDialog& dialog) {
   return execDialog(dialog) == QDialog::Accepted;
 }
 
-double typedNumber(const QLineEdit& field) {
+double numberIn(const QLineEdit& field) {
   const double value = parseReal(typedText(field));
   return std::isfinite(value) ? value : 0.0;
 }
 
 float typedFloat(const QLineEdit& field) {
   constexpr double kMost = std::numeric_limits<float>::max();
-  return static_cast<float>(std::clamp(typedNumber(field), -kMost, kMost));
+  return static_cast<float>(std::clamp(numberIn(field), -kMost, kMost));
 }
 
 std::string typedText(const QLineEdit& field) { return field.text().toStdString(); }

@@ -50,7 +50,7 @@ bool runDialog(QDialog& dialog);
 int execDialog(QDialog& dialog);
 
 // What stands in a field, as a decimal number with a full stop; what is no finite number is 0.
-double typedNumber(const QLineEdit& field);
+double numberIn(const QLineEdit& field);
 // The same, brought to the nearest end of what a float holds.
 float typedFloat(const QLineEdit& field);
 std::string typedText(const QLineEdit& field);  // UTF-8

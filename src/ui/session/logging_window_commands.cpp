@@ -87,7 +87,7 @@ void LoggingWnd::createFile() {
     if (!session.sessionActive) return std::nullopt;
     return path;
   };
-  const auto outcome = createDataFile(session, choose);
+  const auto outcome = beginDataFile(session, choose);
   if (outcome.how == CreateOutcome::How::failed && host_.endProgram) host_.endProgram();
 }
 

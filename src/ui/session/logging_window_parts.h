@@ -53,9 +53,9 @@ class LoggingWnd::View final : public SessionView {
 struct LoggingRun {
   LoggingRun(const LoggingHost& host, SessionView& view, HandOver& handOver, std::function<void()> onRecord)
       : session(host.setup, host.settings, link, host.clock, host.disk, view, host.saveSettings),
-        ports(
-            host.setup.kind, host.settings, host.deviceOf, link, handOver, host.clock, host.portFactory,
-            {.onRecord = std::move(onRecord), .onGpsLine = [this](const GpsLine& line) { OnGpsLine(session, line); }}) {
+        ports(host.setup.kind, host.settings, host.deviceOf, link, handOver, host.clock, host.portFactory,
+              {.onRecord = std::move(onRecord),
+               .onSentence = [this](const GpsLine& line) { OnGpsLine(session, line); }}) {
     session.ports = &ports;
   }
 

@@ -261,7 +261,7 @@ class Assigner {
       ports_.item(row)->setText(qtText(comRowText(row + 1, devices[index], assigned_[index].empty(), present_)));
     }
     showChoices();
-    showDevice(line_, deviceText(devices[static_cast<std::size_t>(com() - 1)], present_, sight_.look));
+    showDevice(line_, deviceTextOf(devices[static_cast<std::size_t>(com() - 1)], present_, sight_.look));
   }
 
   void showChoices() {

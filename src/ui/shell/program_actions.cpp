@@ -35,10 +35,11 @@ std::string ProgramActions::deviceOf(int comNumber) const {
 }
 
 PortLists ProgramActions::machinePorts() {
-  return {
-      .deviceLine =
-          [this](int comNumber) { return deviceText(deviceOf(comNumber), host_.presentDevices(), host_.lookAtDevice); },
-      .assignDevices = [this](QWidget* parent) { assignDevices(parent); }};
+  return {.deviceLine =
+              [this](int comNumber) {
+                return deviceTextOf(deviceOf(comNumber), host_.presentDevices(), host_.lookAtDevice);
+              },
+          .assignDevices = [this](QWidget* parent) { assignDevices(parent); }};
 }
 
 void ProgramActions::take(const std::optional<Settings>& changed) {

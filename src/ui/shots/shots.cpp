@@ -284,7 +284,7 @@ void Stage::takeAll() {
   save("2-monitor");
   runCodeAndSave(0, "create-file");
   const auto name = session.setup.root / ("SHOT" + std::string(session.instrument.extension));
-  createDataFile(session, [&](const std::string&) { return std::optional(name); });
+  beginDataFile(session, [&](const std::string&) { return std::optional(name); });
   save("3-stand-by");
   window_.logging().runCode(0);
   allowance_.sentences = 60;

@@ -144,7 +144,7 @@ bool ViewFilesWnd::openFile(const std::filesystem::path& path) {
 
 std::string ViewFilesWnd::extractShown() {
   const WaitingCursor cursor;
-  return extractLine(*file_, static_cast<std::size_t>(std::max(0, lines_->currentIndex())), row_files_, host_.extract);
+  return openLine(*file_, static_cast<std::size_t>(std::max(0, lines_->currentIndex())), row_files_, host_.extract);
 }
 
 // The list shows another entry already.

@@ -188,7 +188,7 @@ void drawScale(QPainter& painter, const ProfileAxis& axis, bool atLeft, const st
 void drawScales(QPainter& painter, const LinePicture& picture) {
   const auto kind = picture.scanned.header.kind;
   const auto setup = setupOf(picture, kPlot.width());
-  if (picture.scanned.iceThickness) {
+  if (picture.scanned.wantsThickness) {
     return drawScale(painter, setup.axes.ice, true, "Ice thickness, m", 1);
   }
   const auto fields = scaleFieldsOf(kind, false);

@@ -18,8 +18,8 @@ using namespace kalmira;
 
 constexpr int kFailed = 1;
 constexpr int kWrongUsage = 2;
-// How long a reader may take for the last bytes before the devices go, and the wait between two looks: longer
-// than the kernel needs to hand bytes over.
+// How long a reader may take for the last bytes before the devices go, and the wait between two looks: longer than the
+// kernel needs to hand bytes over.
 constexpr double kFarewell_s = 0.5;
 constexpr double kLook_s = 0.02;
 

@@ -72,8 +72,8 @@ void ChartPicture::clear() {
   std::fill(pixels_.begin(), pixels_.end(), kOpaque | ground_.background);
 }
 
-// The whole picture moves. Right of x + 1 there is nothing but grid, alike in all columns: the two that come
-// in on the right are copies of the last one.
+// The whole picture moves. Right of x + 1 there is nothing but grid, alike in all columns: the two that come in on the
+// right are copies of the last one.
 void ChartPicture::scrollLeft(int /*x*/) {
   if (origin_ + 2 + width_ > stride_) backToStart();
   origin_ += 2;
@@ -101,8 +101,8 @@ void ChartPicture::gridPiece(int left, int right, int y, int pixels) {
 
 void ChartPicture::point(int x, int y, int colour, int width) { dab(x, y, traceColour(colour), width); }
 
-// Steps along the longer side and rounds the other coordinate anew at each step: whatever part of a line is
-// left out for lying outside, the rest stays where it was.
+// Steps along the longer side and rounds the other coordinate anew at each step: whatever part of a line is left out
+// for lying outside, the rest stays where it was.
 void ChartPicture::line(int x1, int y1, int x2, int y2, int colour, int width) {
   const auto drawn = traceColour(colour);
   const std::int64_t dx = std::int64_t{x2} - x1;

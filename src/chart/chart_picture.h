@@ -19,9 +19,9 @@ struct ChartColours {
 // A trace's colour (0x00BBGGRR, as the settings hold it, chosen on white) as it is drawn, 0xRRGGBB.
 std::uint32_t traceColourOn(const ChartColours& colours, int settingsColour);
 
-// A chart as pixels in memory, 0xFFRRGGBB, row by row. Scrolling moves the picture's origin over a wider
-// strip rather than the pixels; once in many columns the strip is taken back to its start. Lines are drawn in
-// whole numbers, so that they come out the same wherever they are drawn. A y may be any number.
+// A chart as pixels in memory, 0xFFRRGGBB, row by row. Scrolling moves the picture's origin over a wider strip rather
+// than the pixels; once in many columns the strip is taken back to its start. Lines are drawn in whole numbers, so that
+// they come out the same wherever they are drawn. A y may be any number.
 class ChartPicture final : public ChartCanvas {
  public:
   // Both sizes at least 1.

@@ -266,13 +266,13 @@ void Run::loop() {
                                      .onTerminate = [this] { leave(); }};
   while (session_.sessionActive) {
     const auto wait = nextWait();
-    EventLoop::Ready ready;
+    bool input = false;
     {
       // Readings and GPS lines are handled meanwhile, in turn with what this thread does.
       const HandOver::Rest rest(hand_over_);
-      ready = events_.wait(wait);
+      input = events_.wait(wait);
     }
-    events_.handle(ready, handlers);
+    events_.handle(input, handlers);
     if (!session_.sessionActive) break;
     serviceSession(session_);
     tellSettingsProblem();

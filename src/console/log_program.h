@@ -26,8 +26,8 @@ struct LogOptions : StartOptions {
 
 CommandLine logCommandLine(LogOptions& options);
 
-// kalmira-log, all but its command line: runs one session to its end. Returns the exit status: 0, or 1 when
-// the session could not start or the link was given up. `defaultRoot` serves when the options name no root.
+// kalmira-log, all but its command line: runs one session to its end. Returns the exit status: 0, or 1 when the session
+// could not start or the link was given up. `defaultRoot` serves when the options name no root.
 int runLogProgram(const LogOptions& options, const std::filesystem::path& defaultRoot, const PortFactory& portFactory);
 
 }  // namespace kalmira

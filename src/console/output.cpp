@@ -111,8 +111,7 @@ void OutputThread::run() {
   if (status_shown_) (void)!::write(status_fd_, "\n", 1);
 }
 
-// Writes whole items, waiting for room in slices so that finish is never held up by a reader that stands
-// still.
+// Writes whole items, waiting for room in slices so that finish is never held up by a reader that stands still.
 bool OutputThread::print(const Item& item) {
   std::string text =
       item.status ? std::string(kClearLine) + item.text.substr(0, terminalWidth(status_fd_) - 1) : item.text + '\n';

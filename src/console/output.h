@@ -15,8 +15,8 @@ class ConsoleView final : public SessionView {
  public:
   using Print = std::function<void(std::string line)>;
 
-  // `showTexts`: print every panel text; `exitOnSilence`: the answer when the instrument stays silent is no.
-  // Other questions are answered yes.
+  // `showTexts`: print every panel text; `exitOnSilence`: the answer when the instrument stays silent is no. Other
+  // questions are answered yes.
   ConsoleView(Print print, bool showTexts, bool exitOnSilence)
       : print_(std::move(print)), show_texts_(showTexts), exit_on_silence_(exitOnSilence) {}
 
@@ -29,14 +29,13 @@ class ConsoleView final : public SessionView {
   void clearProfile() override {}
   void loggingStateChanged() override {}
   void closeDialogs() override {}
-  void loggingLeft() override { left_ = true; }
+  void loggingLeft() override {}
 
   // From now on messages are notices on the output; before, they are plain lines for `printBefore`.
   void setPrintBefore(Print printBefore) { print_before_ = std::move(printBefore); }
   void sessionRuns() { print_before_ = nullptr; }
 
   const std::string& text(PanelField field) const { return texts_[static_cast<std::size_t>(field)]; }
-  bool left() const { return left_; }
   bool linkGivenUp() const { return link_given_up_; }
 
  private:
@@ -46,13 +45,12 @@ class ConsoleView final : public SessionView {
   Print print_before_;
   bool show_texts_;
   bool exit_on_silence_;
-  bool left_ = false;
   bool link_given_up_ = false;
   std::array<std::string, kPanelFields> texts_;
 };
 
-// Prints lines from a thread of its own, so that a reader of our output that stands still (a stopped pager, a
-// full pipe) holds up no reading. Members may be called from any thread and return at once, but for finish.
+// Prints lines from a thread of its own, so that a reader of our output that stands still (a stopped pager, a full
+// pipe) holds up no reading. Members may be called from any thread and return at once, but for finish.
 class OutputThread {
  public:
   OutputThread(int outputFd, int statusFd);
@@ -62,8 +60,8 @@ class OutputThread {
   void line(std::string text);
   // Replaces the line kept at the bottom of the terminal behind statusFd.
   void status(std::string text);
-  // Waits until everything is printed, at most two seconds, and ends the thread. False when it cannot end,
-  // for the terminal stands still: the program must then be left without destroying this object.
+  // Waits until everything is printed, at most two seconds, and ends the thread. False when it cannot end, for the
+  // terminal stands still: the program must then be left without destroying this object.
   bool finish();
 
  private:

@@ -2,8 +2,6 @@
 
 #include <chrono>
 
-#include "datafile/record_parse.h"
-
 namespace kalmira {
 namespace {
 

@@ -4,7 +4,6 @@
 #include <span>
 #include <utility>
 
-#include "gps/nmea.h"
 #include "instruments/framing.h"
 #include "platform/text.h"
 
@@ -14,8 +13,7 @@ namespace {
 using What = MonitorRequest::What;
 
 constexpr std::uint32_t kSettleMs = 2;  // for bytes on their way while the port is purged
-// What the system does not take at once is held up by the receiver (XOFF). Short, for a closing port waits
-// for it.
+// What the system does not take at once is held up by the receiver (XOFF). Short, for a closing port waits for it.
 constexpr int kWriteMs = 150;
 constexpr std::chrono::milliseconds kPausedSlice{kReadSliceMs};
 constexpr std::size_t kBlockBytes = 512;

@@ -17,18 +17,17 @@
 
 namespace kalmira {
 
-// Hands a completed line from the receiver over and waits until it has been handled; the line is valid during
-// the call only. False: the link is being closed; the reader then ends and touches nothing any more.
+// Hands a completed line from the receiver over and waits until it has been handled; the line is valid during the call
+// only. False: the link is being closed; the reader then ends and touches nothing any more.
 using LineHandOver = std::function<bool(const GpsLine&)>;
 
-// The loop that runs on the GPS port's thread. What is handed in must outlive it. Purges the port when it
-// begins.
+// The loop that runs on the GPS port's thread. What is handed in must outlive it. Purges the port when it begins.
 ReaderEnd GpsReaderThread(Port& port, const Clock& clock, const std::atomic<bool>& stop, const LineHandOver& handOver);
 
 // The monitor's reader: shows what a GPS receiver sends, and sends it messages, on the thread of its port.
 
-// What the window wants of the reader. The port belongs to the reader's thread alone, so that a pause is
-// a reader that waits, and nothing is ever read while a message goes out.
+// What the window wants of the reader. The port belongs to the reader's thread alone, so that a pause is a reader that
+// waits, and nothing is ever read while a message goes out.
 struct MonitorRequest {
   enum class What {
     go,     // purge the port, read on
@@ -45,8 +44,8 @@ class MonitorRequests {
   void ask(MonitorRequest request);
   // The next one; nothing when there is none within the time.
   std::optional<MonitorRequest> take(std::chrono::milliseconds wait = std::chrono::milliseconds(0));
-  // Has messages that have not been begun do no more than a go: for a receiver that has gone they would come
-  // too late. Their number.
+  // Has messages that have not been begun do no more than a go: for a receiver that has gone they would come too late.
+  // Their number.
   int dropMessages();
   void clear();
 
@@ -75,9 +74,9 @@ struct MonitorReaderContext {
   MonitorRequests& requests;
 };
 
-// Shows every completed line, whatever its checksum, and "NO DATA" after more than 7 s without one, again and
-// again. All but printable ASCII shows as "?". Runs until it is stopped or the device has gone, which it then
-// has told; `cameBack` has it tell first that the device is there again.
+// Shows every completed line, whatever its checksum, and "NO DATA" after more than 7 s without one, again and again.
+// All but printable ASCII shows as "?". Runs until it is stopped or the device has gone, which it then has told;
+// `cameBack` has it tell first that the device is there again.
 ReaderEnd GpsMonitorReaderThread(const MonitorReaderContext& context, const NewsHandOver& handOver, bool cameBack);
 
 }  // namespace kalmira

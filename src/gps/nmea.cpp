@@ -10,8 +10,8 @@
 namespace kalmira {
 namespace {
 
-// A hexadecimal number after blanks, with an optional sign and "0x"; what follows it is ignored, no digits
-// are 0. A negative number wraps round. False when 32 bits cannot hold it.
+// A hexadecimal number after blanks, with an optional sign and "0x"; what follows it is ignored, no digits are 0. A
+// negative number wraps round. False when 32 bits cannot hold it.
 bool parseHex(std::string_view text, std::uint32_t& value) {
   const auto start = text.find_first_not_of(" \t\r\n\v\f");
   text.remove_prefix(start == std::string_view::npos ? text.size() : start);

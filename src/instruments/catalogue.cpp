@@ -3,7 +3,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <array>
 #include <cctype>
 
 #include "instruments/rows.h"
@@ -56,14 +55,10 @@ std::span<const Channel> channelsOf(const Instrument& instrument, bool ice) {
   return ice || !instrument.hasIce() ? all : all.first(all.size() - 1);
 }
 
-std::string settingsFolder(Kind kind, int storageClass) {
-  return fmt::format("{}\\KALINI", storeName(instrumentOf(kind), storageClass));
-}
-
 std::string settingsPath(Kind kind, bool iceOption, int storageClass) {
   const auto& instrument = instrumentOf(kind);
   const bool iceFile = instrument.hasIce() && iceOption;
-  return fmt::format("{}\\{}", settingsFolder(kind, storageClass),
+  return fmt::format("{}\\KALINI\\{}", storeName(instrument, storageClass),
                      iceFile ? instrument.iceSettingsFile : instrument.settingsFile);
 }
 
@@ -77,11 +72,6 @@ std::string dataFolder(Kind kind, int storageClass) {
 
 std::string dataFolderPrefix(Kind kind, int storageClass) {
   return fmt::format("{}\\", dataFolder(kind, storageClass));
-}
-
-std::string dataFolderForDialog(Kind kind, int storageClass) {
-  const auto prefix = dataFolderPrefix(kind, storageClass);
-  return prefix.starts_with("C_DRIVE") ? prefix : fmt::format("\\{}", prefix);
 }
 
 std::string filterPattern(Kind kind) { return fmt::format("*{}", instrumentOf(kind).extension); }

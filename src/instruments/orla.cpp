@@ -40,8 +40,7 @@ RangeRow rangeOf(int code) {
   }
 }
 
-// A record is "TA+0123-0045": conductivity field first. One with an odd mode byte has the battery's two
-// voltages.
+// A record is "TA+0123-0045": conductivity field first. One with an odd mode byte has the battery's two voltages.
 Reading decode(std::string_view record, const DecodeOptions& options) {
   Reading reading;
   const auto mode = readMode(record, options, reading);
@@ -52,8 +51,8 @@ Reading decode(std::string_view record, const DecodeOptions& options) {
   double inphase = inphaseField * factor;
   reading.batteryLevels = mode.odd;
   if (!mode.odd && inphaseOnly(options.listA)) {
-    // Showing inphase only, the instrument sends it in the conductivity field; that value stays unscaled. The
-    // short instrument's inphase takes no range factor.
+    // Showing inphase only, the instrument sends it in the conductivity field; that value stays unscaled. The short
+    // instrument's inphase takes no range factor.
     conductivity = conductivityField;
     inphase = options.orlaModelOption ? conductivityField / kShortInphase : conductivityField * factor * 0.25;
   } else if (!mode.odd) {
@@ -139,9 +138,6 @@ constexpr Instrument kOrla{
     .axes = kBothAxes,
     .scalesOf = [](int listA) { return CurveScales{.conductivity = !inphaseOnly(listA), .inphase = true}; },
     .decode = decode,
-    .triggerPressed = asciiTriggerPressed,
-    .rawFields = asciiRawFields,
-    .putRawFields = putAsciiFields,
     .panelTexts = panelTexts,
     .widestReadings = kWidestReadings,
     .modeText = dipoleModeText,

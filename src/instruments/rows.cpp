@@ -110,4 +110,13 @@ std::string dipoleRangeText(const Reading& reading, bool wide) {
               : fmt::format("{}  G{:<4}", word, reading.range);
 }
 
+std::string valueText(std::string_view label, float value, std::string_view unit, bool wide) {
+  return fmt::format("{}:{:<8.2f}{}", label, static_cast<double>(value), wide ? unit : std::string_view{});
+}
+
+std::string dipoleModeText(int, int, int listB) {
+  constexpr std::string_view kModes = "VHB";
+  return fmt::format("Mode:{}", kModes[listB >= 0 && listB < 3 ? static_cast<std::size_t>(listB) : 0]);
+}
+
 }  // namespace kalmira

@@ -49,8 +49,8 @@ inline double firstField(std::string_view record) { return asciiField(record, 2,
 inline double secondField(std::string_view record) { return asciiField(record, 7, 5); }
 
 void put(Channels& channels, std::size_t slot, float value);
-// Of ORLA, TESKB, TESKDD and TESK: slots 0 and 1 hold the conductivity of the vertical and the horizontal
-// dipole, 2 and 3 the inphase.
+// Of ORLA, TESKB, TESKDD and TESK: slots 0 and 1 hold the conductivity of the vertical and the horizontal dipole, 2 and
+// 3 the inphase.
 inline std::size_t conductivitySlot(const Reading& reading) { return reading.orientation == 'V' ? 0 : 1; }
 inline std::size_t inphaseSlot(const Reading& reading) { return reading.orientation == 'V' ? 2 : 3; }
 
@@ -62,15 +62,17 @@ struct RangeRow {
 RangeRow componentRange(int code, int& recordType);
 
 // Columns of the catalogue that the ASCII kinds share.
-bool asciiTriggerPressed(std::string_view record);
-RecordFields asciiRawFields(std::string_view record);
 RecordFields asciiFirstField(std::string_view record);
-void putAsciiFields(std::span<char> record, const RecordFields& fields);
 int dipolesAtStation(int listA, int listB);
 SurveyList dipoleList(int surveyMode);
 SurveyList componentList(int surveyMode);
 
 // "Vertical Dipoles   Range:100 ", "Vertical  G100 "
 std::string dipoleRangeText(const Reading& reading, bool wide);
+
+// "%-8.2f" and its kind, as the value fields are written: "C:12.34   mS/m" when `wide`, "C:12.34   " else.
+std::string valueText(std::string_view label, float value, std::string_view unit, bool wide);
+// "Mode:V", "Mode:H", "Mode:B" by the dipole-mode setting.
+std::string dipoleModeText(int surveyMode, int listA, int listB);
 
 }  // namespace kalmira

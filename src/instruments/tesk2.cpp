@@ -105,8 +105,7 @@ void putRawFields(std::span<char> record, const RecordFields& fields) {
   }
 }
 
-// While a calibration measures, the auxiliary values stay as they are, and the first inphase is shown as a
-// raw one.
+// While a calibration measures, the auxiliary values stay as they are, and the first inphase is shown as a raw one.
 FieldTexts panelTexts(const Reading& reading, const PanelStyle& style) {
   const bool wide = style.wide;
   FieldTexts texts{{F::value1, valueText("C", reading.conductivity, "mS/m", wide)},

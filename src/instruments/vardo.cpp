@@ -31,8 +31,7 @@ RangeRow rangeOf(int code) {
   }
 }
 
-// Here the sense of the orientation bit is the reverse of the other kinds'. The second value is the coil
-// separation.
+// Here the sense of the orientation bit is the reverse of the other kinds'. The second value is the coil separation.
 Reading decode(std::string_view record, const DecodeOptions& options) {
   Reading reading;
   int rest = readMode(record, options, reading).rest;
@@ -108,9 +107,6 @@ constexpr Instrument kVardo{
     .scalesOf = [](int) { return CurveScales{.conductivity = true, .inphase = false}; },
     .inphaseScale = false,
     .decode = decode,
-    .triggerPressed = asciiTriggerPressed,
-    .rawFields = asciiRawFields,
-    .putRawFields = putAsciiFields,
     .panelTexts = panelTexts,
     .widestReadings = kWidestReadings,
     .modeText = modeText,

@@ -5,7 +5,6 @@
 #include <QSerialPortInfo>
 #include <algorithm>
 #include <cctype>
-#include <filesystem>
 #include <string_view>
 #include <system_error>
 

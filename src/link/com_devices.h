@@ -26,8 +26,8 @@ bool sameDevice(const std::string& a, const std::string& b);
 // Assigned device paths by COM number less 1; empty: not assigned.
 using ComAssignments = std::array<std::string, kComPorts>;
 
-// Every number's device: the assigned one, or else, in order of name, the machine's serial ports that are
-// assigned to no number. Stable names are taken where there are any. Empty where the ports run out.
+// Every number's device: the assigned one, or else, in order of name, the machine's serial ports that are assigned to
+// no number. Stable names are taken where there are any. Empty where the ports run out.
 ComAssignments resolveComDevices(const ComAssignments& assigned, std::vector<SerialDevice> present);
 
 // The one of `present` that a path of either form leads to; nullptr when it is not there.
@@ -49,8 +49,8 @@ struct DeviceText {
   bool trouble = false;  // nothing can be read from it as things stand
 };
 
-// About the device at `path`, empty for none: where it is and what the system calls it, or what is in the
-// way and what helps.
+// About the device at `path`, empty for none: where it is and what the system calls it, or what is in the way and what
+// helps.
 DeviceText deviceTextOf(const std::string& path, const std::vector<SerialDevice>& present, const DeviceLook& look);
 
 // An entry of the list from which a COM number's device is chosen.
@@ -63,8 +63,7 @@ std::vector<DeviceChoice> deviceChoices(const ComAssignments& assigned, const st
 // The position of a COM number's device among the choices.
 std::size_t choiceOf(const std::vector<DeviceChoice>& choices, const std::string& assigned);
 
-// Gives the number the device, and takes it from any other: two numbers with one device would be in each
-// other's way.
+// Gives the number the device, and takes it from any other: two numbers with one device would be in each other's way.
 void assignDevice(ComAssignments& assigned, int comNumber, const std::string& path);
 
 // "COM3:  ttyUSB0  USB adapter": the number in the list of all. `path` is its device as things stand.

@@ -98,8 +98,8 @@ void QtSerialPort::setLine(const LineSettings& line, const LineSettings& found) 
 
 #ifdef Q_OS_UNIX
 
-// Straight from the descriptor: the port's own way, through a buffer, notifiers and signals, takes a third
-// more processor time a record. Nothing else reads it, for no event loop runs.
+// Straight from the descriptor: the port's own way, through a buffer, notifiers and signals, takes a third more
+// processor time a record. Nothing else reads it, for no event loop runs.
 ReadResult QtSerialPort::read(std::span<std::uint8_t> buffer, int timeoutMs) {
   if (!port_) return {.count = 0, .gone = true};
   pollfd wait{.fd = port_->handle(), .events = POLLIN, .revents = 0};

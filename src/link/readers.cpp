@@ -1,7 +1,6 @@
 #include "link/readers.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstring>
 #include <limits>
@@ -144,8 +143,8 @@ ReaderEnd InstrumentReaderTesk2(const ReaderContext& context, bool markerOnInstr
 
 ReaderEnd MarkerLineThread(const ReaderContext& context) {
   unsigned lastCts = context.port.modemStatus() & kCtsOn;
-  // No call waits for a change of a modem line on every system and can be ended from outside as well, so the
-  // line is looked at often. Reading does the waiting: it notices when the device goes.
+  // No call waits for a change of a modem line on every system and can be ended from outside as well, so the line is
+  // looked at often. Reading does the waiting: it notices when the device goes.
   const ReaderEnd end = readBlocks(context.port, context.stop, kMarkerPollMs, [&](Bytes) {
     const unsigned status = context.port.modemStatus();
     if ((status & kCtsOn) != lastCts) context.link.markerLineState = static_cast<int>(status);

@@ -92,7 +92,6 @@ void startRecording(Session& session) {
   session.linkActive = true;
   session.gpsHeldWritten = false;
   session.readingLogged = false;  // a position that comes now belongs to no reading yet
-  if (session.triggerMode != kModeManual) session.savedTriggerMode = session.triggerMode;
   session.link.recordsPerReading = session.triggerMode == kModeAuto ? session.recordInterval : 1;
   session.link.recordCount = 0;
   session.beepCounter = 0;
@@ -112,7 +111,6 @@ void pauseRecording(Session& session) {
   session.file.closeAndReopen();
   session.link.recordsPerReading = 1;
   session.link.recordCount = 0;
-  if (session.triggerMode == kModeWheel) session.savedTriggerMode = 0;
   session.loggingState = kStandBy;
   showState(session);
   session.view.loggingStateChanged();

@@ -7,8 +7,8 @@
 #include "logging/commands.h"
 #include "logging/session.h"
 
-// From keys to what they do in the logging window. Key numbers are the handheld's virtual key codes: letters
-// and digits by their ASCII codes (letters of either case), the rest below.
+// From keys to what they do in the logging window. Key numbers are the handheld's virtual key codes: letters and digits
+// by their ASCII codes (letters of either case), the rest below.
 namespace kalmira {
 
 namespace key {
@@ -39,8 +39,8 @@ struct KeyContext {
   bool digitsPlatform = false;  // a numeric keypad: digits mark, where elsewhere arrows do
 };
 
-// What a button or key asks for in state 0 (no file), Stand By and Logging: codes 0 to 5 of the window's
-// rows, for a TESK2 without a file also the menu commands 107 and 108.
+// What a button or key asks for in state 0 (no file), Stand By and Logging: codes 0 to 5 of the window's rows, for a
+// TESK2 without a file also the menu commands 107 and 108.
 inline constexpr int kNoCode = -1;
 inline constexpr int kMenuCalibrate = 107;
 inline constexpr int kMenuDeleteCalibration = 108;

@@ -217,8 +217,8 @@ int spareWidth(const Job& job, const Row& row, const Sizes& sizes) {
   return spare;
 }
 
-// What the row leaves over goes to the last cell that can use it, else to all in equal parts. The battery
-// stands at the right.
+// What the row leaves over goes to the last cell that can use it, else to all in equal parts. The battery stands at the
+// right.
 void placeFlow(const Job& job, const Row& row, const Sizes& sizes, std::vector<PanelCell>& cells) {
   const int spare = std::max(spareWidth(job, row, sizes), 0);
   const auto stretched = std::find_if(row.fields.rbegin(), row.fields.rend(), stretches);

@@ -5,8 +5,6 @@
 #include <memory>
 #include <utility>
 
-#include "link/readers.h"
-
 namespace kalmira {
 namespace {
 

@@ -15,8 +15,8 @@
 
 namespace kalmira {
 
-// What a session does with what its ports bring. Both run on the session's thread, within HandOver::run, one
-// at a time, while the reader that brought it waits.
+// What a session does with what its ports bring. Both run on the session's thread, within HandOver::run, one at a time,
+// while the reader that brought it waits.
 struct SessionPortEvents {
   std::function<void()> onRecord;  // the record is in the link state
   std::function<void(const GpsLine&)> onSentence;
@@ -25,9 +25,8 @@ struct SessionPortEvents {
 // The device of COM1 to COM12; empty when the number has none.
 using DeviceResolver = std::function<std::string(int comNumber)>;
 
-// The session's three ports, each on a thread of its own. Everything handed in must outlive it; the settings
-// are read whenever a port is opened. A GPS receiver or a marker line that vanishes is tried again every
-// second.
+// The session's three ports, each on a thread of its own. Everything handed in must outlive it; the settings are read
+// whenever a port is opened. A GPS receiver or a marker line that vanishes is tried again every second.
 class SerialSessionPorts final : public SessionPorts {
  public:
   SerialSessionPorts(Kind kind, const Settings& settings, DeviceResolver deviceOf, LinkState& link, HandOver& handOver,

@@ -93,8 +93,7 @@ bool connectInstrument(Session& session) {
 
 void startReaders(Session& session) {
   takeRecordRates(session);
-  session.loggingStartTick = session.clock.tick();
-  session.link.lastRecordTick = session.loggingStartTick;
+  session.link.lastRecordTick = session.clock.tick();
   session.ports->startInstrumentReader();
   if (ownMarkerPort(session)) {
     if (const auto problem = session.ports->OpenMarkerPort()) {
@@ -162,8 +161,7 @@ void connectAgain(Session& session) {
   session.clock.pause(kReopenPauseMs);
   session.link.lastRecordTick = session.clock.tick();
   session.ports->startInstrumentReader();
-  session.loggingStartTick = session.clock.tick();
-  session.link.lastRecordTick = session.loggingStartTick;
+  session.link.lastRecordTick = session.clock.tick();
   pleaseWait(session);
   startTimer(session);
   session.view.redrawProfile();

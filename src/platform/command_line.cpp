@@ -9,7 +9,6 @@
 #include <cstdio>
 #include <exception>
 #include <set>
-#include <string>
 #include <system_error>
 
 namespace kalmira {

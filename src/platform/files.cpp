@@ -7,6 +7,7 @@
 
 #include <array>
 #include <cerrno>
+#include <fstream>
 #include <system_error>
 #include <utility>
 
@@ -36,6 +37,13 @@ void syncFolder(const std::filesystem::path& folder) {
   if (fd < 0) return;
   ::fsync(fd);
   ::close(fd);
+}
+
+std::string firstLineOf(const std::filesystem::path& path) {
+  std::ifstream in(path);
+  std::string line;
+  std::getline(in, line);
+  return line;
 }
 
 std::optional<std::string> readSmallFile(const std::filesystem::path& path) {

@@ -6,10 +6,9 @@
 
 #include <cstdint>
 #include <cstdlib>
-#include <fstream>
-#include <string>
 #include <system_error>
 
+#include "platform/files.h"
 #include "platform/text.h"
 
 namespace kalmira {
@@ -17,25 +16,18 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::string firstLine(const fs::path& file) {
-  std::ifstream in(file);
-  std::string line;
-  std::getline(in, line);
-  return line;
-}
-
 // A mouse or a headset has a battery too; the kernel gives those the scope "Device".
 std::optional<int> systemBatteryPercent(const fs::path& supply) {
-  if (firstLine(supply / "type") != "Battery" || firstLine(supply / "scope") == "Device") return std::nullopt;
-  const std::string capacity = firstLine(supply / "capacity");
+  if (firstLineOf(supply / "type") != "Battery" || firstLineOf(supply / "scope") == "Device") return std::nullopt;
+  const std::string capacity = firstLineOf(supply / "capacity");
   if (capacity.empty()) return std::nullopt;
   const int percent = parseInt(capacity);
   if (percent < 0 || percent > 100) return std::nullopt;
   return percent;
 }
 
-// The bus library is loaded only when there is a bus to speak to: linked, it and what it brings along would
-// cost every start memory and time, also on machines that have no login service.
+// The bus library is loaded only when there is a bus to speak to: linked, it and what it brings along would cost every
+// start memory and time, also on machines that have no login service.
 struct Bus;
 struct Message;
 struct BusLibrary {

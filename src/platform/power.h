@@ -11,12 +11,12 @@
 
 namespace kalmira {
 
-// The charge of the machine's own battery in percent, 0 to 100; the mean when it has several. Nothing when it
-// has none, or none that tells. `powerSupplies` is the kernel's power-supply folder. From any thread.
+// The charge of the machine's own battery in percent, 0 to 100; the mean when it has several. Nothing when it has none,
+// or none that tells. `powerSupplies` is the kernel's power-supply folder. From any thread.
 std::optional<int> batteryPercent(const std::filesystem::path& powerSupplies = "/sys/class/power_supply");
 
-// Asks the system's login service not to put the machine to sleep. Where there is no such service nothing
-// happens, and that is no error. One thread at a time.
+// Asks the system's login service not to put the machine to sleep. Where there is no such service nothing happens, and
+// that is no error. One thread at a time.
 class IdleInhibitor {
  public:
   // `who` is named to the user by whatever lists inhibitors.
@@ -25,8 +25,8 @@ class IdleInhibitor {
   IdleInhibitor(const IdleInhibitor&) = delete;
   IdleInhibitor& operator=(const IdleInhibitor&) = delete;
 
-  // Takes a new lock, then lets go of the one before it, so that there is no gap. Waits at most about a
-  // second for an answer. True while a lock is held.
+  // Takes a new lock, then lets go of the one before it, so that there is no gap. Waits at most about a second for an
+  // answer. True while a lock is held.
   bool renew();
 
  private:
@@ -34,8 +34,8 @@ class IdleInhibitor {
   int lock_ = -1;  // held as long as it is open
 };
 
-// Keeps the machine awake for as long as it lives: calls `resetIdleTimer` at once and then every period, on a
-// thread of its own. Its end waits for no more than a call that is just being made.
+// Keeps the machine awake for as long as it lives: calls `resetIdleTimer` at once and then every period, on a thread of
+// its own. Its end waits for no more than a call that is just being made.
 class KeepAwakeThread {
  public:
   static constexpr std::chrono::milliseconds kPeriod{59000};

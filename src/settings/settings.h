@@ -15,9 +15,9 @@ namespace kalmira {
 inline constexpr std::size_t kTraces = 8;
 inline constexpr std::size_t kLineNameCharacters = 24;
 
-// Everything the operator sets up, with the values a new logger starts from. List choices hold the position
-// in their list, counted from 0. A file may hold anything: readers of a choice go through indexOr, readers of
-// the interval through readingsIntervalOf.
+// Everything the operator sets up, with the values a new logger starts from. List choices hold the position in their
+// list, counted from 0. A file may hold anything: readers of a choice go through indexOr, readers of the interval
+// through readingsIntervalOf.
 struct Settings {
   int instrumentLength = 0;  // ORLA: 0 "Standard", 1 "Short"
   int iceDisplay = 0;        // ORLA with the ice option: 0 "Disabled", 1 "Enabled"

@@ -5,7 +5,6 @@
 
 #include "platform/files.h"
 #include "platform/text.h"
-#include "settings/settings.h"
 
 namespace kalmira {
 namespace {

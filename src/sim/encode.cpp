@@ -40,8 +40,8 @@ std::string field(double value, double factor) {
   return fmt::format("{:+05d}", static_cast<int>(std::lround(std::clamp(value / factor, -9999.0, 9999.0))));
 }
 
-// Below 32 the byte would be a control character, the carriage return that ends a record among them; the high
-// bit, which every decoder takes away, keeps it clear of those.
+// Below 32 the byte would be a control character, the carriage return that ends a record among them; the high bit,
+// which every decoder takes away, keeps it clear of those.
 char modeByte(int bits, bool pressed) {
   if (pressed) bits += kTrigger;
   if (bits < kDipole) bits += kHighBit;

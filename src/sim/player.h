@@ -33,8 +33,8 @@ std::vector<double> windowEdges(const std::vector<Window>& windows);
 // Corrupts transmission `number` (counted from 0 over both ports).
 void addNoise(std::string& bytes, const Faults& faults, std::uint64_t number);
 
-// When the next thing is due. Finer than the records' millisecond tick, so that 91 ms stay 91 ms and neither
-// errors nor the time spent sending add up.
+// When the next thing is due. Finer than the records' millisecond tick, so that 91 ms stay 91 ms and neither errors nor
+// the time spent sending add up.
 class Pace {
  public:
   Pace() = default;
@@ -45,8 +45,8 @@ class Pace {
   virtual bool waitUntil(double time_s) = 0;
 };
 
-// Real time, counted from construction. SIGINT, SIGTERM and SIGHUP end a wait and make every further one end
-// at once; the thread that constructs it keeps them blocked while it lives, and only that thread may wait.
+// Real time, counted from construction. SIGINT, SIGTERM and SIGHUP end a wait and make every further one end at once;
+// the thread that constructs it keeps them blocked while it lives, and only that thread may wait.
 class SignalPace final : public Pace {
  public:
   SignalPace();
@@ -90,9 +90,9 @@ class Outlet {
   virtual std::string plug() = 0;
 };
 
-// Plays `next` until it has no more, until `end_s` or until `pace` says stop. The outlet is plugged when it
-// begins. Silence and unplugging lose what falls into them; the survey walks on meanwhile. Returns an empty
-// text, or why it had to give up.
+// Plays `next` until it has no more, until `end_s` or until `pace` says stop. The outlet is plugged when it begins.
+// Silence and unplugging lose what falls into them; the survey walks on meanwhile. Returns an empty text, or why it had
+// to give up.
 std::string play(const TransmissionSource& next, const Faults& faults, double end_s, Pace& pace, Outlet& outlet);
 
 }  // namespace kalmira::sim

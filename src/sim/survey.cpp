@@ -43,8 +43,8 @@ Response measure(const Moment& moment, double separation_m, bool vertical) {
   return response;
 }
 
-// Both components take turns, record by record. The turn slips after every 13 records: a logger that takes,
-// say, every 14th record would otherwise see only one component.
+// Both components take turns, record by record. The turn slips after every 13 records: a logger that takes, say, every
+// 14th record would otherwise see only one component.
 Component componentOf(std::uint64_t number) {
   return (number + number / 13) % 2 == 0 ? Component::conductivity : Component::inphase;
 }

@@ -7,7 +7,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -95,8 +94,8 @@ bool PseudoTerminal::caughtUp() const {
 void PseudoTerminal::dropUnread() {
   ::tcflush(near_, TCOFLUSH);
   ::tcflush(far_, TCIFLUSH);
-  // A program that took the line for itself and was killed can no longer let go of it; on a real line the
-  // last close does that.
+  // A program that took the line for itself and was killed can no longer let go of it; on a real line the last close
+  // does that.
   ::ioctl(far_, TIOCNXCL);
 }
 

@@ -10,8 +10,8 @@
 
 namespace kalmira::sim {
 
-// One end of a serial line that exists only in this machine; a program opens the other end by device(). Holds
-// the far end open too, so that sending works before the program comes and after it has gone.
+// One end of a serial line that exists only in this machine; a program opens the other end by device(). Holds the far
+// end open too, so that sending works before the program comes and after it has gone.
 class PseudoTerminal {
  public:
   PseudoTerminal() = default;
@@ -25,9 +25,9 @@ class PseudoTerminal {
   void close();
   const std::string& device() const { return device_; }
 
-  // All bytes in one write, never waiting. When nobody has caught up with the stream for five seconds, or no
-  // more fits, everything that waits is thrown away first: whoever comes late gets what is sent now, as on a
-  // wire. `time_s` only ever grows. Bytes from the other side are taken and forgotten.
+  // All bytes in one write, never waiting. When nobody has caught up with the stream for five seconds, or no more fits,
+  // everything that waits is thrown away first: whoever comes late gets what is sent now, as on a wire. `time_s` only
+  // ever grows. Bytes from the other side are taken and forgotten.
   void send(std::string_view bytes, double time_s);
 
   // Whether everything sent has been taken.
@@ -45,8 +45,8 @@ class PseudoTerminal {
 // A pseudo-terminal for each port, each with a symbolic link to it when one is wanted.
 class TerminalOutlet final : public Outlet {
  public:
-  // Empty paths: no link. `names` gets a line "instrument DEVICE" and a line "gps DEVICE" whenever the
-  // devices have been made; it must outlive the outlet. Starts unplugged.
+  // Empty paths: no link. `names` gets a line "instrument DEVICE" and a line "gps DEVICE" whenever the devices have
+  // been made; it must outlive the outlet. Starts unplugged.
   TerminalOutlet(std::filesystem::path instrumentLink, std::filesystem::path gpsLink, std::FILE* names);
   ~TerminalOutlet() override { unplug(); }
 

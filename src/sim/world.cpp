@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
-#include <cmath>
 #include <numbers>
 
 namespace kalmira::sim {
@@ -37,8 +36,8 @@ double hump(double offset_m, double halfWidth_m) {
   return std::exp(-scaled * scaled);
 }
 
-// The share of the response that comes from below `depth`, a fraction of the coil separation: the standard
-// cumulative responses of the two dipoles at low induction numbers.
+// The share of the response that comes from below `depth`, a fraction of the coil separation: the standard cumulative
+// responses of the two dipoles at low induction numbers.
 double shareBelow(double depth, bool vertical) {
   const double root = std::sqrt(4 * depth * depth + 1);
   return vertical ? 1 / root : root - 2 * depth;
@@ -78,8 +77,8 @@ struct Fix {
   double pdop;
 };
 
-// Whole degrees and minutes with five decimals, as "5924.75000"; whole numbers of the last digit throughout,
-// so that no rounding makes 60 minutes.
+// Whole degrees and minutes with five decimals, as "5924.75000"; whole numbers of the last digit throughout, so that no
+// rounding makes 60 minutes.
 std::string degreesMinutes(double degrees, int degreeDigits) {
   constexpr std::int64_t kPerMinute = 100000;
   const std::int64_t total = std::llround(degrees * 60 * static_cast<double>(kPerMinute));

@@ -5,8 +5,8 @@
 #include <string>
 #include <string_view>
 
-// Chance without state: every number is a function of the seed, the use it is for and an index. So any record
-// of a run can be worked out by itself, and one more draw in one place changes nothing elsewhere.
+// Chance without state: every number is a function of the seed, the use it is for and an index. So any record of a run
+// can be worked out by itself, and one more draw in one place changes nothing elsewhere.
 namespace kalmira::sim {
 
 enum class Use : std::uint64_t { ground = 1, anomaly, reading, position, checksum, noise };
@@ -34,8 +34,8 @@ inline double bell(std::uint64_t seed, Use use, std::uint64_t index, std::uint64
   return sum * std::sqrt(3.0);
 }
 
-// The ground under the survey line: two layers whose conductivity and depth change slowly along the line,
-// with a buried thing every 30 m or so. A function of the seed and the place alone.
+// The ground under the survey line: two layers whose conductivity and depth change slowly along the line, with a buried
+// thing every 30 m or so. A function of the seed and the place alone.
 
 struct Response {
   double conductivity = 0;  // apparent, mS/m
@@ -48,19 +48,17 @@ Response groundResponse(std::uint64_t seed, double distance_m, double separation
 // Sea ice along the line, 0.5 to 6 m thick.
 double seaIce(std::uint64_t seed, double distance_m);
 
-// The GPS receiver that walks along with the instrument. Its clock starts at a fixed date, so that one seed
-// always gives the same sentences.
+// The GPS receiver that walks along with the instrument. Its clock starts at a fixed date, so that one seed always
+// gives the same sentences.
 
 // The operator's pace along the line, which runs north-east.
 inline constexpr double kWalk_mPerS = 1.2;
 
-// The text between "$" and "*" of sentence `number` (counted from 0) of GGA, GSA, RMC, GGA ..., for a
-// position fix `time_s` after the start. The fix is a plain one for the first five seconds, differential from
-// then on.
+// The text between "$" and "*" of sentence `number` (counted from 0) of GGA, GSA, RMC, GGA ..., for a position fix
+// `time_s` after the start. The fix is a plain one for the first five seconds, differential from then on.
 std::string nmeaBody(std::uint64_t seed, std::uint64_t number, double time_s);
 
-// The sentence from "$" to its checksum, which `error` (0 for the right one, else 1 to 255) is exclusive-ored
-// into.
+// The sentence from "$" to its checksum, which `error` (0 for the right one, else 1 to 255) is exclusive-ored into.
 std::string withChecksum(std::string_view body, unsigned error);
 
 }  // namespace kalmira::sim

@@ -74,8 +74,8 @@ class Extraction {
   }
 
  private:
-  // The line's own "B" and "A" stand before its first reading; further ones are strays. Sentences of the
-  // satellite receiver, which come whenever they come, may stand between them.
+  // The line's own "B" and "A" stand before its first reading; further ones are strays. Sentences of the satellite
+  // receiver, which come whenever they come, may stand between them.
   void takeIncrement(std::string_view record) {
     increment_ = numberFrom(record, 3);
     station_ = start_ - increment_;

@@ -8,8 +8,8 @@
 #include "datafile/record_reader.h"
 #include "viewer/row_files.h"
 
-// What a data file says about itself before any of its lines is shown. Everything the viewer needs of the
-// instrument and its setup comes from here, never from the present settings.
+// What a data file says about itself before any of its lines is shown. Everything the viewer needs of the instrument
+// and its setup comes from here, never from the present settings.
 namespace kalmira {
 
 // One survey line. Small, since a damaged file may hold a million of them.
@@ -32,8 +32,8 @@ struct ScannedFile {
   std::uint64_t tornBytes = 0;     // behind the last whole record
 };
 
-// Reads the whole file; `reader` is open and may stand anywhere. Lines that begin after the scan, in a file
-// that is being logged, are not in the table. On an error `file` holds what was found before it.
+// Reads the whole file; `reader` is open and may stand anywhere. Lines that begin after the scan, in a file that is
+// being logged, are not in the table. On an error `file` holds what was found before it.
 FileError ScanDataFile(RecordReader& reader, ScannedFile& file);
 
 // Where in the data file a row comes from.
@@ -59,8 +59,8 @@ struct ExtractOptions {
   bool teskRangeTimes10 = false;  // the program's start-up choice; the file does not say it
 };
 
-// Writes the two row files of line `line` (from 1). On an error (`cannotRead` or `cannotWrite`) the rows that
-// were complete before it are in the files and in `extracted`. The data file is only read.
+// Writes the two row files of line `line` (from 1). On an error (`cannotRead` or `cannotWrite`) the rows that were
+// complete before it are in the files and in `extracted`. The data file is only read.
 ViewerError ExtractLine(RecordReader& reader, const ScannedFile& file, std::size_t line, const RowFiles& rowFiles,
                         const ExtractOptions& options, ExtractedLine& extracted);
 

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "instruments/catalogue.h"
 #include "logging/keys.h"
 
 namespace kalmira {
@@ -87,8 +86,8 @@ bool selectLine(Navigation& state, std::size_t index) {
   return true;
 }
 
-// The bar stays where every line begins with it, even past the end of a short line: the readout is then
-// empty, and the next key brings it back.
+// The bar stays where every line begins with it, even past the end of a short line: the readout is then empty, and the
+// next key brings it back.
 ViewStep lineExtracted(Navigation& state, int totalRows) {
   state.totalRows = totalRows;
   barToOpening(state);

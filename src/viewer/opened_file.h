@@ -21,8 +21,8 @@ struct OpenedFile {
   std::vector<StationPoint> points;  // rows firstRow on, one a column
 };
 
-// Opens and scans the file; nullptr when it cannot be opened, or is no data file. `problem` says why, or what
-// went wrong later: what was read before it is there.
+// Opens and scans the file; nullptr when it cannot be opened, or is no data file. `problem` says why, or what went
+// wrong later: what was read before it is there.
 std::unique_ptr<OpenedFile> openDataFile(const std::filesystem::path& path, std::string& problem);
 
 // Extracts line `index` (from 0). An empty text, or what went wrong.

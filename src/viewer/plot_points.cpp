@@ -10,11 +10,6 @@
 namespace kalmira {
 namespace {
 
-// The traces of a TESK2's auxiliary values have the pens of these.
-constexpr std::array<std::size_t, kProfilePoints - kTraces> kExtraPens{1, 5};
-
-std::size_t penOf(std::size_t trace) { return trace < kTraces ? trace : kExtraPens.at(trace - kTraces); }
-
 TracePoints tracesOf(const ProfileSetup& setup, const StationPoint& point) {
   return tracePointsOf(
       setup, {.newStation = false, .channels = point.channels, .extra1 = point.extras[0], .extra2 = point.extras[1]});

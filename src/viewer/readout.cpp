@@ -102,8 +102,8 @@ class NoteCollector {
 
 bool hasRow(const ExtractedLine& line, int row) { return row >= 1 && row <= line.rowCount(); }
 
-// Where the next station's records begin. Break rows share one place, and a row that was written late has an
-// earlier one than the break rows before it.
+// Where the next station's records begin. Break rows share one place, and a row that was written late has an earlier
+// one than the break rows before it.
 std::uint64_t endOfRow(const ExtractedLine& line, int row) {
   const auto own = line.rows[static_cast<std::size_t>(row - 1)].offset;
   const auto next =

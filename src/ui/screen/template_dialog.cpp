@@ -39,8 +39,8 @@ constexpr int kNarrowestButton = 64;
 // What is always seen of a list's entry.
 constexpr int kShownLetters = 4;
 
-// A field's edge must be seen in the dark, too, and which one is being filled in, from further away than the
-// usual hair line.
+// A field's edge must be seen in the dark, too, and which one is being filled in, from further away than the usual hair
+// line.
 constexpr const char* kFieldStyle =
     "QLineEdit { border: 1px solid palette(text); border-radius: 3px; padding: 0 4px; }"
     "QLineEdit:focus { border: 2px solid palette(highlight); }";
@@ -170,8 +170,8 @@ void arrange(QDialog& dialog, QWidget& form) {
   area->setWidget(&form);
 }
 
-// The room that the form wants, now that it is filled: layouts within layouts remember what they wanted when
-// they were empty.
+// The room that the form wants, now that it is filled: layouts within layouts remember what they wanted when they were
+// empty.
 void remeasure(const QDialog& dialog) {
   auto& form = *part<QWidget>(dialog, "form").layout();
   form.invalidate();
@@ -188,8 +188,8 @@ int wrappedHeight(const QDialog& dialog, int width) {
   return std::max(0, form->layout()->totalHeightForWidth(room) - form->sizeHint().height());
 }
 
-// Half the world types a comma where the numbers of files have a full stop, and what stands behind it would
-// silently be lost: so the comma becomes a full stop before the operator's eyes.
+// Half the world types a comma where the numbers of files have a full stop, and what stands behind it would silently be
+// lost: so the comma becomes a full stop before the operator's eyes.
 void takeCommas(QLineEdit& field) {
   QObject::connect(&field, &QLineEdit::textEdited, &field, [&field](const QString& typed) {
     if (!typed.contains(',')) return;

@@ -8,8 +8,8 @@
 
 #include "chart/chart_picture.h"
 
-// The colours of everything on the screen, for the day (sunlight on a dim screen: black on white) and for the
-// night (eyes that must stay used to the dark). Colours are 0xRRGGBB.
+// The colours of everything on the screen, for the day (sunlight on a dim screen: black on white) and for the night
+// (eyes that must stay used to the dark). Colours are 0xRRGGBB.
 namespace kalmira {
 
 struct Theme {
@@ -45,8 +45,7 @@ std::uint32_t traceColourOn(const Theme& theme, int settingsColour);
 // The palette for everything Qt draws by itself: dialogs, menus, message boxes.
 QPalette paletteOf(const Theme& theme);
 
-// How large things are: windows are laid out in units of a screen of 240 x 320 (upright) or 320 x 240
-// (lying).
+// How large things are: windows are laid out in units of a screen of 240 x 320 (upright) or 320 x 240 (lying).
 
 struct ScreenScale {
   bool portrait = true;

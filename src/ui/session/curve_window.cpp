@@ -7,7 +7,6 @@
 #include <algorithm>
 
 #include "chart/profile_redraw.h"
-#include "ui/screen/theme.h"
 
 namespace kalmira {
 namespace {

@@ -7,7 +7,6 @@
 #include <QLineEdit>
 #include <vector>
 
-#include "settings/line_entry.h"
 #include "ui/screen/template_dialog.h"
 #include "ui/screen/theme.h"
 

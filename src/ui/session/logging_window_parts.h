@@ -48,8 +48,8 @@ class LoggingWnd::View final : public SessionView {
   LoggingWnd& window_;
 };
 
-// One session and its ports. Kept until the next one begins, for the code that ends a session may be on the
-// way back through it.
+// One session and its ports. Kept until the next one begins, for the code that ends a session may be on the way back
+// through it.
 struct LoggingRun {
   LoggingRun(const LoggingHost& host, SessionView& view, HandOver& handOver, std::function<void()> onRecord)
       : session(host.setup, host.settings, link, host.clock, host.disk, view, host.saveSettings),

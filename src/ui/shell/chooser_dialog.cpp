@@ -14,7 +14,6 @@
 #include <array>
 
 #include "ui/screen/template_dialog.h"
-#include "ui/screen/theme.h"
 #include "ui/screen/touch_button.h"
 #include "ui/shell/main_menu.h"
 #include "ui/shell/title.h"

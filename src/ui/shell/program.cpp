@@ -6,9 +6,9 @@
 #include <QGuiApplication>
 #include <QScreen>
 #include <QSettings>
+#include <QSocketNotifier>
 #include <csignal>
 #include <memory>
-#include <optional>
 #include <utility>
 
 #include "datafile/disk.h"
@@ -17,12 +17,13 @@
 #include "link/port.h"
 #include "platform/command_line.h"
 #include "platform/power.h"
+#include "platform/terminate.h"
 #include "settings/settings_file.h"
 #include "ui/shell/chooser_dialog.h"
 #include "ui/shell/main_menu.h"
 #include "ui/shell/main_window.h"
-#include "ui/shell/process.h"
 #include "ui/shell/program_actions.h"
+#include "ui/shell/single_instance.h"
 
 namespace kalmira {
 namespace {
@@ -272,7 +273,10 @@ int Program::run() {
     printError("kalmira: already running on this root");
     return 0;
   }
-  const TerminateSignals terminateSignals([this] {
+  TerminateSignals terminate;
+  const QSocketNotifier notifier(terminate.descriptor(), QSocketNotifier::Read);
+  QObject::connect(&notifier, &QSocketNotifier::activated, [this, &terminate] {
+    if (!terminate.take()) return;
     if (window_) {
       window_->endAtOnce();
     } else {

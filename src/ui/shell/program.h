@@ -19,8 +19,8 @@ struct ProgramOptions : StartOptions {
 
 CommandLine programCommandLine(ProgramOptions& options);
 
-// kalmira with its windows, from the start to the end: the exit status. Wants the QApplication and the
-// program's resources to be there, and the root folder in the options.
+// kalmira with its windows, from the start to the end: the exit status. Wants the QApplication and the program's
+// resources to be there, and the root folder in the options.
 int runProgram(const ProgramOptions& options);
 
 }  // namespace kalmira

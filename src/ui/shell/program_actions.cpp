@@ -136,8 +136,8 @@ bool ProgramActions::isInUse(Kind kind, bool ice) const {
   return used.kind == kind && used.ice == ice;
 }
 
-// Another instrument's file is shown as that instrument's own settings have it, where there are any. Nothing
-// is made for an instrument that is only looked at.
+// Another instrument's file is shown as that instrument's own settings have it, where there are any. Nothing is made
+// for an instrument that is only looked at.
 Settings ProgramActions::settingsFor(Kind kind, bool ice) const {
   if (isInUse(kind, ice)) return host_.settings();
   Settings settings;

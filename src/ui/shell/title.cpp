@@ -9,9 +9,7 @@
 #include <algorithm>
 #include <array>
 
-#include "instruments/catalogue.h"
 #include "platform/command_line.h"
-#include "ui/screen/theme.h"
 
 namespace kalmira {
 namespace {

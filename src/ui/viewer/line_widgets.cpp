@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "ui/screen/theme.h"
 #include "ui/session/curve_window.h"
 
 namespace kalmira {

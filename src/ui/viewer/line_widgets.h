@@ -30,8 +30,8 @@ class LineList final : public QComboBox {
   std::function<void()> closed_;
 };
 
-// The whole line in one strip, with the shown window framed and the bar's row marked. A tap, or a finger that
-// is drawn over it, asks for that row.
+// The whole line in one strip, with the shown window framed and the bar's row marked. A tap, or a finger that is drawn
+// over it, asks for that row.
 class OverviewStrip final : public QWidget {
  public:
   OverviewStrip(const Theme& theme, std::function<void(int row)> rowWanted, QWidget* parent);

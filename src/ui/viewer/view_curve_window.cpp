@@ -7,7 +7,6 @@
 #include <array>
 #include <utility>
 
-#include "ui/screen/theme.h"
 #include "ui/session/curve_window.h"
 
 namespace kalmira {

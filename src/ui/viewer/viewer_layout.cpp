@@ -1,7 +1,6 @@
 #include "ui/viewer/viewer_layout.h"
 
 #include <algorithm>
-#include <array>
 #include <span>
 
 #include "ui/screen/theme.h"

@@ -223,7 +223,7 @@ void drawLegend(QPainter& painter, const LinePicture& picture) {
   for (const auto& field : tracesOf(picture)) {
     const auto trace = static_cast<std::size_t>(field.trace);
     if (trace < kTraces ? setup.traceShown[trace] == 0 : !setup.secondCoil) continue;
-    painter.setPen(QPen(QColor(traceColourOn(dayTheme(), traceColourOf(setup, trace))), 4));
+    painter.setPen(QPen(QColor(traceColourOn(dayTheme(), setup.traceColour[penOf(trace)])), 4));
     painter.drawLine(left, top, left + 30, top);
     const auto name = field.unit.empty() ? field.label : fmt::format("{}, {}", field.label, field.unit);
     const int wide = painter.fontMetrics().horizontalAdvance(qtText(name));

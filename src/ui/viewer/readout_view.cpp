@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "viewer/plot_points.h"
+
 namespace kalmira {
 namespace {
 

@@ -107,7 +107,8 @@ TEST(OperatorCommands, StatesAndMistakes) {
   EXPECT_THAT(runOperatorCommand(test.session, "status").status,
               HasSubstr("state=\"Stand By\" line=\"7b\" station=10.00 readings=0"));
   runOperatorCommand(test.session, "go");
-  EXPECT_TRUE(runOperatorCommand(test.session, "exit").ends);
+  EXPECT_EQ(runOperatorCommand(test.session, "exit").error, "");
+  EXPECT_FALSE(test.session.sessionActive);
   EXPECT_THAT(test.disk.content(), testing::EndsWith("X$PAUSED         100050\n"));
   EXPECT_EQ(summaryText(test.session), "summary readings=0 gps=0 events=4 bytes=408");
 }

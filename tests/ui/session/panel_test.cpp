@@ -6,9 +6,9 @@
 
 #include "gps/nmea.h"
 #include "logging/calibration.h"
-#include "logging/gps_handler.h"
+#include "logging/handlers.h"
 #include "logging/panel.h"
-#include "logging/watchdog.h"
+#include "logging/session_link.h"
 #include "support/dialogs.h"
 #include "support/session_fixture.h"
 #include "ui/session/panel_view.h"

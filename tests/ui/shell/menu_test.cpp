@@ -3,7 +3,7 @@
 #include <QFile>
 #include <set>
 
-#include "instruments/resource_names.h"
+#include "instruments/catalogue.h"
 #include "support/dialogs.h"
 #include "ui/shell/chooser_dialog.h"
 #include "ui/shell/main_menu.h"

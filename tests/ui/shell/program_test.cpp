@@ -12,7 +12,6 @@
 #include "support/dialogs.h"
 #include "support/temp_folder.h"
 #include "ui/shell/main_window.h"
-#include "ui/shell/program_options.h"
 #include "ui/shell/remembered.h"
 #include "ui/shell/single_instance.h"
 

@@ -24,9 +24,7 @@ std::optional<double> stationNumber(std::string_view text) {
   return number && std::abs(*number) <= kLargestStation ? number : std::nullopt;
 }
 
-CommandAnswer failed(std::string why) {
-  return {.error = std::move(why), .status = {}, .ends = false, .newLine = false};
-}
+CommandAnswer failed(std::string why) { return {.error = std::move(why)}; }
 
 std::vector<std::string> words(std::string_view text) {
   std::vector<std::string> out;
@@ -74,7 +72,7 @@ CommandAnswer line(Session& session, std::string_view text) {
     entry.direction = static_cast<int>(direction);
   }
   newLine(session, entry);
-  return {.error = {}, .status = {}, .ends = false, .newLine = true};
+  return {.newLine = true};
 }
 
 CommandAnswer station(Session& session, std::string_view text) {
@@ -108,13 +106,11 @@ CommandAnswer mark(Session& session, std::string_view) {
   return {};
 }
 
-CommandAnswer status(Session& session, std::string_view) {
-  return {.error = {}, .status = "status " + statusText(session), .ends = false, .newLine = false};
-}
+CommandAnswer status(Session& session, std::string_view) { return {.status = "status " + statusText(session)}; }
 
 CommandAnswer leave(Session& session, std::string_view) {
   leaveCleanly(session);
-  return {.error = {}, .status = {}, .ends = true, .newLine = false};
+  return {};
 }
 
 struct OperatorCommand {

@@ -8,9 +8,8 @@
 namespace kalmira {
 
 struct CommandAnswer {
-  std::string error;     // empty: done
-  std::string status;    // a line to print before "ok"
-  bool ends = false;     // the session has been left
+  std::string error{};   // empty: done
+  std::string status{};  // a line to print before "ok"
   bool newLine = false;  // a new line was begun
 };
 

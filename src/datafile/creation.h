@@ -21,9 +21,9 @@ struct DataPlace {
 // The data folder on this machine.
 std::filesystem::path dataFolderOf(const DataPlace& place);
 
-// A bare name that is free in the data folder, month, day, hour and a letter: "111510A". Creates the folder.
-// When all 26 letters of the hour are taken, the catalogue path of the last one, folder and extension
-// included: the operator then sees that name and is asked for another.
+// A bare name that is free in the data folder, month, day, hour and a letter: "111510A". Creates the folder. When all
+// 26 letters of the hour are taken, the catalogue path of the last one, folder and extension included: the operator
+// then sees that name and is asked for another.
 std::string ProposeDataFileName(const DataPlace& place, const Clock& clock);
 
 // The path of a proposed or typed name: in the data folder and with the extension, unless the name is a path.
@@ -45,9 +45,9 @@ struct CreateOutcome {
   std::string cause;
 };
 
-// Proposes a name, lets `choose` confirm or change it, creates that file, writes header, line block and time
-// mark, closes it and opens it again at its end. When a file of the chosen name exists, `warnExists` is
-// called and the proposal starts anew; an existing file is never touched.
+// Proposes a name, lets `choose` confirm or change it, creates that file, writes header, line block and time mark,
+// closes it and opens it again at its end. When a file of the chosen name exists, `warnExists` is called and the
+// proposal starts anew; an existing file is never touched.
 CreateOutcome CreateDataFile(const DataPlace& place, const WriterContext& context, Disk& disk,
                              const ChooseDataFile& choose, const std::function<void()>& warnExists);
 

@@ -6,8 +6,8 @@
 #include <string>
 #include <string_view>
 
-// The few disk operations a data file needs, behind an interface so that tests can have a disk that is full,
-// slow or failing. Errors are errno values; 0 is success.
+// The few disk operations a data file needs, behind an interface so that tests can have a disk that is full, slow or
+// failing. Errors are errno values; 0 is success.
 namespace kalmira {
 
 struct WriteOutcome {
@@ -25,8 +25,8 @@ class DiskFile {
   // One write call at `offset`. Fewer bytes written than given, with or without an error, is a failed write.
   virtual WriteOutcome writeAt(std::uint64_t offset, std::string_view bytes) = 0;
   virtual int truncate(std::uint64_t size) = 0;
-  // Commits what was written to the medium. May take long, and may run on another thread than the rest when
-  // it is called on a duplicate.
+  // Commits what was written to the medium. May take long, and may run on another thread than the rest when it is
+  // called on a duplicate.
   virtual int sync() = 0;
   virtual int close() = 0;
   virtual std::uint64_t size() = 0;

@@ -2,12 +2,54 @@
 
 #include <fmt/format.h>
 
+#include <array>
+#include <cstdlib>
+#include <system_error>
+
 #include "logging/calibration.h"
 #include "logging/panel.h"
-#include "logging/rescue.h"
-#include "logging/watchdog.h"
+#include "platform/files.h"
 
 namespace kalmira {
+namespace {
+
+// Folders that may lie on another disk than the data.
+std::vector<std::filesystem::path> otherFolders(const std::filesystem::path& root) {
+  std::vector<std::filesystem::path> folders{root};
+  // Read once, on the session's thread; nothing in this program changes the environment.
+  if (const char* home = std::getenv("HOME")) folders.emplace_back(home);  // NOLINT(concurrency-mt-unsafe)
+  std::error_code error;
+  auto temporary = std::filesystem::temp_directory_path(error);
+  if (!error) folders.push_back(std::move(temporary));
+  return folders;
+}
+
+// Where the records went, or an empty path.
+std::filesystem::path writeElsewhere(const Session& session, const std::string& records) {
+  const auto name = session.file.path().filename().string() + ".REST";
+  for (const auto& folder : otherFolders(session.setup.root)) {
+    auto path = folder / name;
+    std::error_code error;
+    if (!std::filesystem::exists(path, error) && replaceFile(path, records).empty()) return path;
+  }
+  return {};
+}
+
+// Records that could not be written, because the disk is full or the card failed, are put into a file of their own
+// where there is room, and the operator is told where.
+void closeDataFile(Session& session) {
+  const auto rest = session.file.finish();
+  if (!rest) return;
+  const auto count = rest->records.size() / session.file.recordLength();
+  const auto path = writeElsewhere(session, rest->records);
+  const auto what =
+      fmt::format("{}. The last {} records are not safely in {}.", rest->cause, count, session.file.path().string());
+  const auto where = path.empty() ? std::string("There was no room for them elsewhere: they are lost.")
+                                  : fmt::format("They were saved as {}.", path.string());
+  session.view.tell({.title = "CRITICAL WARNING", .text = what + "\r\n" + where, .icon = Icon::stop});
+}
+
+}  // namespace
 
 bool commandAllowed(const Session& session, Command command) {
   const int state = session.loggingState;
@@ -25,7 +67,7 @@ bool commandAllowed(const Session& session, Command command) {
   }
 }
 
-CreateOutcome createDataFile(Session& session, const ChooseDataFile& choose) {
+CreateOutcome beginDataFile(Session& session, const ChooseDataFile& choose) {
   const auto warnExists = [&session] {
     session.view.tell({.title = "WARNING", .text = std::string(kFileExistsText), .icon = Icon::exclamation});
   };
@@ -50,7 +92,6 @@ void startRecording(Session& session) {
   session.linkActive = true;
   session.gpsHeldWritten = false;
   session.readingLogged = false;  // a position that comes now belongs to no reading yet
-  if (session.triggerMode != kModeManual) session.savedTriggerMode = session.triggerMode;
   session.link.recordsPerReading = session.triggerMode == kModeAuto ? session.recordInterval : 1;
   session.link.recordCount = 0;
   session.beepCounter = 0;
@@ -70,7 +111,6 @@ void pauseRecording(Session& session) {
   session.file.closeAndReopen();
   session.link.recordsPerReading = 1;
   session.link.recordCount = 0;
-  if (session.triggerMode == kModeWheel) session.savedTriggerMode = 0;
   session.loggingState = kStandBy;
   showState(session);
   session.view.loggingStateChanged();
@@ -117,7 +157,7 @@ bool LeaveLogging(Session& session, bool forced) {
   abandonCalibration(session);
   if (session.gpsEnabled()) session.ports->closeGpsPort();
   session.ports->closeMarkerPort();
-  stopTimer(session);
+  session.timer.running = false;
   session.ports->closeInstrumentPort();
   session.loggingState = kNoFile;
   session.stationReadingCount = 0;
@@ -126,10 +166,6 @@ bool LeaveLogging(Session& session, bool forced) {
   session.linkActive = false;
   session.view.loggingLeft();
   return true;
-}
-
-void tellPortProblem(Session& session, const PortProblem& problem) {
-  session.view.tell({.title = "Serial Port", .text = problem.message + "\r\n" + problem.detail, .icon = Icon::none});
 }
 
 }  // namespace kalmira

@@ -5,8 +5,6 @@
 #include <memory>
 #include <utility>
 
-#include "link/readers.h"
-
 namespace kalmira {
 namespace {
 
@@ -41,7 +39,7 @@ std::optional<PortProblem> SerialSessionPorts::openPort(PortThread& thread, int 
   return PortProblem{std::string(message), std::move(error->text)};
 }
 
-ReaderContext SerialSessionPorts::readerContext(const PortThread::Context& context) const {
+ReaderContext SerialSessionPorts::contextOf(const PortThread::Context& context) const {
   return {.port = context.port, .link = link_, .clock = clock_, .stop = context.stop};
 }
 
@@ -52,11 +50,11 @@ std::optional<PortProblem> SerialSessionPorts::OpenInstrumentPort() {
 
 bool SerialSessionPorts::ProbeTeskRecord() {
   return instrument_.call(
-      [this](const PortThread::Context& context) { return kalmira::ProbeTeskRecord(readerContext(context)); });
+      [this](const PortThread::Context& context) { return kalmira::ProbeTeskRecord(contextOf(context)); });
 }
 
 void SerialSessionPorts::startInstrumentReader() {
-  const bool markerOnInstrumentPort = markerPlace(kind_, settings_) == MarkerPlace::instrumentPort;
+  const bool markerOnInstrumentPort = markerPlaceOf(kind_, settings_) == MarkerPlace::instrumentPort;
   instrument_.start([this, markerOnInstrumentPort](const PortThread::Context& context) {
     return readInstrument(context, markerOnInstrumentPort);
   });
@@ -66,11 +64,11 @@ ReaderEnd SerialSessionPorts::readInstrument(const PortThread::Context& context,
   const HandOver::Work work = [this] { events_.onRecord(); };
   const RecordHandOver handOver = [&] { return context.sender.send(work); };
   switch (instrumentOf(kind_).framing) {
-    case Framing::ice: return InstrumentReaderIce(readerContext(context), handOver);
-    case Framing::tesk2: return InstrumentReaderTesk2(readerContext(context), markerOnInstrumentPort, handOver);
+    case Framing::ice: return InstrumentReaderIce(contextOf(context), handOver);
+    case Framing::tesk2: return InstrumentReaderTesk2(contextOf(context), markerOnInstrumentPort, handOver);
     case Framing::ascii: break;
   }
-  return InstrumentReaderAscii(readerContext(context), kind_, handOver);
+  return InstrumentReaderAscii(contextOf(context), kind_, handOver);
 }
 
 void SerialSessionPorts::closeInstrumentPort() { instrument_.close(); }
@@ -80,14 +78,14 @@ bool SerialSessionPorts::instrumentGone() const { return instrument_.gone(); }
 void SerialSessionPorts::reopenInstrumentPort() { instrument_.reopen(); }
 
 std::optional<PortProblem> SerialSessionPorts::OpenGpsPort() {
-  return openPort(gps_, gpsComNumber(settings_), gpsLine(settings_), kGpsTries, "Cannot open GPS port");
+  return openPort(gps_, gpsComNumber(settings_), gpsPortLine(settings_), kGpsTries, "Cannot open GPS port");
 }
 
 void SerialSessionPorts::startGpsReader() {
   gps_.start([this](const PortThread::Context& context) {
     return GpsReaderThread(context.port, clock_, context.stop, [&](const GpsLine& line) {
       // A copy: the handling may close this very port, and goes on with the line when its reader has ended.
-      return context.sender.send([this, kept = std::make_shared<const GpsLine>(line)] { events_.onGpsLine(*kept); });
+      return context.sender.send([this, kept = std::make_shared<const GpsLine>(line)] { events_.onSentence(*kept); });
     });
   });
 }
@@ -100,7 +98,7 @@ std::optional<PortProblem> SerialSessionPorts::OpenMarkerPort() {
 }
 
 void SerialSessionPorts::startMarkerReader() {
-  marker_.start([this](const PortThread::Context& context) { return MarkerLineThread(readerContext(context)); });
+  marker_.start([this](const PortThread::Context& context) { return MarkerLineThread(contextOf(context)); });
 }
 
 void SerialSessionPorts::closeMarkerPort() { marker_.close(); }

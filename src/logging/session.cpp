@@ -5,8 +5,8 @@
 #include <algorithm>
 #include <utility>
 
-#include "logging/watchdog.h"
-#include "platform/battery.h"
+#include "logging/session_link.h"
+#include "platform/power.h"
 
 namespace kalmira {
 namespace {
@@ -40,8 +40,8 @@ void endWaiting(Session& session) {
   showMessage(session, "");
 }
 
-// The watch period is over when it is. A session that was held up itself has kept records waiting: they get a
-// moment to be handled before anyone calls the instrument silent.
+// The watch period is over when it is. A session that was held up itself has kept records waiting: they get a moment to
+// be handled before anyone calls the instrument silent.
 void watchLink(Session& session) {
   const auto passed = ticksSince(session.clock.tick(), session.timer.since);
   if (passed < session.connectionTimeoutMs) return;
@@ -73,7 +73,6 @@ void takeSettings(Session& session) {
   const auto& settings = session.settings;
   const int mode = surveyModeOf(settings);
   session.triggerMode = mode;
-  session.savedTriggerMode = mode;
   session.samplesPerAverage = readingsCountOf(settings);
   session.averageOnTrigger = mode == kModeManual && session.samplesPerAverage >= 2 && session.instrument.hasTrigger;
   session.readingsPerStation =
@@ -84,13 +83,12 @@ void takeSettings(Session& session) {
 }
 
 void takeRecordRates(Session& session) {
-  const auto rates = recordRates(readingsIntervalOf(session.settings), session.link.recordPeriodMs);
+  const auto rates = recordRatesOf(readingsIntervalOf(session.settings), session.link.recordPeriodMs);
   session.recordInterval = rates.recordsPerInterval;
-  session.ratePerSecond = rates.ratePerSecond;
   session.beepInterval = session.surveyMode() == kModeAuto ? rates.ratePerSecond : 1;
 }
 
-DecodeOptions decodeOptions(const Session& session) {
+DecodeOptions decodeOptionsOf(const Session& session) {
   return {.teskRangeTimes10 = session.setup.teskRangeTimes10,
           .orlaModelOption = session.settings.instrumentLength == 1,
           .listA = session.settings.surveyListA,

@@ -6,7 +6,7 @@
 #include "chart/profile_redraw.h"
 #include "datafile/record_format.h"
 #include "logging/calibration.h"
-#include "logging/watchdog.h"
+#include "logging/session_link.h"
 #include "sim/encode.h"
 #include "sim/survey.h"
 #include "support/session_fixture.h"
@@ -55,7 +55,8 @@ class Survey {
     settings.calibrationFactors = {0.1F, 0.2F, -0.3F, 0.4F, 3.3333F, -4.4444F};
     test_.begin();
     // As wide a layout as the chart, so that the newest point stands near its right edge.
-    setup_ = profileSetup(item.kind, test_.session.iceOption, settings, true, item.width / 240.0, item.width, kHeight);
+    setup_ =
+        profileSetupOf(item.kind, test_.session.iceOption, settings, true, item.width / 240.0, item.width, kHeight);
     live_.emplace(ChartColours{}, item.width, kHeight);
     traces_.emplace(TraceState{.traceStarted = test_.session.traceStarted});
     DrawProfileAxes(*live_, setup_);

@@ -2,7 +2,6 @@
 
 #include <limits>
 
-#include "chart/chart_colours.h"
 #include "chart/chart_picture.h"
 #include "chart/profile_chart.h"
 #include "instruments/profile_map.h"
@@ -45,12 +44,12 @@ TEST(ProfileGrid, LinesByScale) {
   };
   for (const auto& item : cases) {
     const auto pixelsPerUnit = static_cast<float>(item.height) / (item.maximum - item.minimum);
-    const auto grid = profileGrid(item.height, item.minimum, item.maximum, pixelsPerUnit);
+    const auto grid = gridOf(item.height, item.minimum, item.maximum, pixelsPerUnit);
     EXPECT_EQ(linesOf(grid), item.lines) << item.minimum << " to " << item.maximum;
     EXPECT_EQ(grid.spansZero, item.spansZero) << item.minimum << " to " << item.maximum;
   }
   for (const float pixelsPerUnit : {0.0F, -1.0F, kInfinity, kNoNumber}) {
-    EXPECT_EQ(linesOf(profileGrid(100, -1, 1, pixelsPerUnit)), (std::vector{79, 59, 39, 19}));
+    EXPECT_EQ(linesOf(gridOf(100, -1, 1, pixelsPerUnit)), (std::vector{79, 59, 39, 19}));
   }
 }
 
@@ -63,7 +62,7 @@ TEST(ProfileSetup, AxesFollowTheSettings) {
   settings.iceMinimum = kNoNumber;
   settings.traceWidth[1] = 9;
   settings.profileGrid = 2;
-  auto setup = profileSetup(Kind::orla, false, settings, true, 1.5, 360, 200);
+  auto setup = profileSetupOf(Kind::orla, false, settings, true, 1.5, 360, 200);
   EXPECT_EQ(setup.pointColumn, 300);
   EXPECT_EQ(setup.axes.conductivity.top, 40.0F);
   EXPECT_EQ(setup.axes.conductivity.scale, 4.0F);
@@ -72,12 +71,12 @@ TEST(ProfileSetup, AxesFollowTheSettings) {
   EXPECT_EQ(setup.axes.ice.top, 1.0F);
   EXPECT_EQ(setup.axisMinimum, 5.0F) << "the grid is the inphase's";
   EXPECT_EQ(setup.traceWidth[1], 1);
-  setup = profileSetup(Kind::vardo, false, settings, false, 1.5, 480, 200);
+  setup = profileSetupOf(Kind::vardo, false, settings, false, 1.5, 480, 200);
   EXPECT_EQ(setup.pointColumn, 405);
   EXPECT_EQ(setup.axisMinimum, -10.0F) << "a VARDO has one scale";
-  EXPECT_EQ(profileSetup(Kind::orla, true, settings, false, 1.5, 480, 200).axisMinimum, 0.0F) << "ice";
-  EXPECT_EQ(profileSetup(Kind::orla, false, settings, true, 4.0, 100, 50).pointColumn, 97);
-  EXPECT_EQ(profileSetup(Kind::orla, false, settings, true, 4.0, 0, 0).height, 1);
+  EXPECT_EQ(profileSetupOf(Kind::orla, true, settings, false, 1.5, 480, 200).axisMinimum, 0.0F) << "ice";
+  EXPECT_EQ(profileSetupOf(Kind::orla, false, settings, true, 4.0, 100, 50).pointColumn, 97);
+  EXPECT_EQ(profileSetupOf(Kind::orla, false, settings, true, 4.0, 0, 0).height, 1);
 }
 
 // Conductivity: 100 - v; inphase: (5 - v) x 20; ice: (3 - v) x 100.
@@ -108,7 +107,7 @@ TEST(ProfileSetup, EachKindDrawsItsOwnTracesOnTheirAxes) {
         Case{Kind::tesk2, false, 0, "0:100 1:99 2:60 3:40 4:99 5:95 6:-20 7:-40 "},
         Case{Kind::tesk2, false, 1, "0:100 1:99 2:60 3:40 4:99 5:95 6:-20 7:-40 8:91 9:92 "}}) {
     settings.surveyListA = listA;
-    const auto points = tracePointsOf(profileSetup(kind, ice, settings, true, 1, 240, 100), all);
+    const auto points = tracePointsOf(profileSetupOf(kind, ice, settings, true, 1, 240, 100), all);
     std::string text;
     for (std::size_t i = 0; i < kProfilePoints; ++i) {
       if (points.drawn[i]) text += std::to_string(i) + ':' + std::to_string(points.y[i]) + ' ';
@@ -158,7 +157,7 @@ TEST(DrawProfilePoint, AStationScrollsOnceAndItsReadingsShareAColumn) {
   settings.conductivityMinimum = -10;
   settings.conductivityMaximum = 40;
   settings.traceWidth[0] = 3;
-  const auto setup = profileSetup(Kind::orla, false, settings, true, 1, 240, 200);
+  const auto setup = profileSetupOf(Kind::orla, false, settings, true, 1, 240, 200);
   std::array<int, kProfilePoints> started{};
   TraceState traces{.traceStarted = started};
   ListingCanvas canvas;
@@ -176,7 +175,7 @@ TEST(DrawProfilePoint, AStationScrollsOnceAndItsReadingsShareAColumn) {
   DrawProfilePoint(canvas, setup, traces, reading(-10, false));
   EXPECT_THAT(canvas.take(), ElementsAre("point 200 200 3"));
   settings.traceShown[0] = settings.profileGrid = 0;
-  DrawProfilePoint(canvas, profileSetup(Kind::orla, false, settings, true, 1, 240, 200), traces, reading(5, true));
+  DrawProfilePoint(canvas, profileSetupOf(Kind::orla, false, settings, true, 1, 240, 200), traces, reading(5, true));
   EXPECT_THAT(canvas.take(), ElementsAre("scroll 200", "erase 199 201")) << "neither trace nor grid";
 }
 

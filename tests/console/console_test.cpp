@@ -4,10 +4,9 @@
 
 #include <array>
 
-#include "console/console_view.h"
+#include "console/log_program.h"
 #include "console/operator_commands.h"
-#include "console/options.h"
-#include "console/output_thread.h"
+#include "console/output.h"
 #include "console/run_settings.h"
 #include "support/command_line_case.h"
 #include "support/session_fixture.h"
@@ -101,7 +100,8 @@ TEST(OperatorCommands, StatesAndMistakes) {
   for (const auto* line : {"go", "line 2", "station 4", "comment x", "calibrate"}) {
     EXPECT_NE(error(line), "") << line << " while logging";
   }
-  EXPECT_TRUE(runOperatorCommand(test.session, "exit").ends);
+  EXPECT_EQ(runOperatorCommand(test.session, "exit").error, "");
+  EXPECT_FALSE(test.session.sessionActive);
   EXPECT_THAT(test.disk.content(), testing::EndsWith("X$PAUSED         100050\n"));
 }
 

@@ -5,7 +5,7 @@
 
 #include <limits>
 
-#include "datafile/line_block.h"
+#include "datafile/reading_context.h"
 #include "datafile/record_parse.h"
 #include "datafile/record_text.h"
 

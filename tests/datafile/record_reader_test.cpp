@@ -6,8 +6,8 @@
 #include <sstream>
 #include <utility>
 
+#include "datafile/reading_context.h"
 #include "datafile/record_text.h"
-#include "datafile/record_times.h"
 
 namespace kalmira {
 namespace {

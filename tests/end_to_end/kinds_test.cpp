@@ -1,6 +1,8 @@
 #include <fmt/format.h>
+
 #include <gmock/gmock.h>
 #include <poll.h>
+#include <algorithm>
 
 #include "datafile/record_text.h"
 #include "end_to_end/programs.h"

@@ -12,7 +12,6 @@
 #include "ui/session/panel_view.h"
 #include "ui/shell/main_window.h"
 #include "ui/shell/program.h"
-#include "ui/shell/program_options.h"
 
 namespace kalmira {
 namespace {

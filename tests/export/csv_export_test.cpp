@@ -8,7 +8,7 @@
 
 #include "datafile/record_format.h"
 #include "datafile/record_text.h"
-#include "export/csv_text.h"
+#include "export/csv_export.h"
 #include "platform/text.h"
 
 namespace kalmira {

@@ -3,8 +3,7 @@
 #include <thread>
 
 #include "gps/find_receiver.h"
-#include "gps/gps_reader.h"
-#include "gps/monitor_reader.h"
+#include "gps/gps_readers.h"
 #include "support/fake_port.h"
 
 namespace kalmira {
@@ -137,7 +136,7 @@ struct FindReceiver : GpsReaders {
     device.stop = nullptr;
     device.onOpen = [&](const LineSettings& line) {
       bauds.push_back(static_cast<std::size_t>(line.baud.value_or(0)));
-      const auto& heard = line == gpsLine(right) ? bytes : noise;
+      const auto& heard = line == gpsPortLine(right) ? bytes : noise;
       device.steps.clear();
       // Byte by byte, as a slow line has it.
       for (const char byte : heard + heard) device.steps.push_back({.bytes = {byte}, .silenceMs = 1});

@@ -17,12 +17,11 @@ TEST(Catalogue, PathsHaveTheirOwnRules) {
                                      {settingsPath(Kind::mirka, false, 3), "C_DRIVE\\KALINI\\MIRKA.INI"},
                                      {settingsPath(Kind::orla, true, 1), "Storage\\KALINI\\ORLICE.INI"},
                                      {settingsPath(Kind::glaco, true, 1), "Storage\\KALINI\\GLACO.INI"},
-                                     // The forms of a folder differ in their backslashes on purpose.
                                      {dataFolderPrefix(Kind::orla, 1), "Storage\\DATAORLA\\"},
-                                     {dataFolderForDialog(Kind::orla, 0), "C_DRIVE\\DATAORLA\\"},
-                                     {dataFolderForDialog(Kind::orla, 3), "\\My Documents\\DataOrla\\"},
-                                     {dataFolderForDialog(Kind::glaco, 2), "\\Storage\\DATAICE\\"},
-                                     {dataFolderForDialog(Kind::mirka, 3), "C_DRIVE\\DATAMIRKA\\"}}) {
+                                     {dataFolderPrefix(Kind::orla, 0), "C_DRIVE\\DATAORLA\\"},
+                                     {dataFolderPrefix(Kind::orla, 3), "My Documents\\DataOrla\\"},
+                                     {dataFolderPrefix(Kind::glaco, 2), "Storage\\DATAICE\\"},
+                                     {dataFolderPrefix(Kind::mirka, 3), "C_DRIVE\\DATAMIRKA\\"}}) {
     EXPECT_EQ(path, wanted);
   }
 }

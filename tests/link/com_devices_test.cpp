@@ -2,8 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include "link/com_devices.h"
 #include "link/device_claim.h"
-#include "link/device_texts.h"
 #include "support/temp_folder.h"
 
 namespace kalmira {
@@ -74,8 +74,8 @@ TEST(DeviceTexts, SayWhatIsThereOrWhatIsInTheWay) {
                                    {"/dev/ttyS0",
                                     "No permission: /dev/ttyS0 is for members of the group dialout: run \"sudo usermod "
                                     "-a -G dialout $USER\" and log in again"}}) {
-    EXPECT_EQ(deviceText(path, kPresent, look).text, text);
-    EXPECT_EQ(deviceText(path, kPresent, look).trouble, path != kAdapter) << path;
+    EXPECT_EQ(deviceTextOf(path, kPresent, look).text, text);
+    EXPECT_EQ(deviceTextOf(path, kPresent, look).trouble, path != kAdapter) << path;
   }
   EXPECT_EQ(deniedText("/dev/ttyS0", "root", ""), "No permission: only root may use /dev/ttyS0");
   EXPECT_EQ(heldText("/dev/ttyS0", "", 0), "/dev/ttyS0 is held by another program: end that program");

@@ -1,4 +1,4 @@
-#include "link/qt_serial_port.h"
+#include "link/port.h"
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <limits>
 
 #include "support/fake_port.h"
@@ -170,7 +171,7 @@ TEST(RecordRates, FollowTheIntervalWithinWhatTheStreamDelivers) {
         Row{0.1F, 50.0F, 2, 10}, Row{0.3F, 50.0F, 6, 3}, Row{10.0F, 50.0F, 200, 1}, Row{0.01F, 72.0F, 1, 14},
         Row{0.01F, 91.0F, 1, 11}, Row{0.0F, 91.0F, 1, 11}, Row{-1.0F, 91.0F, 1, 1}, Row{nan, 91.0F, 1, 1},
         Row{infinity, 91.0F, most, 1}, Row{1.0F, 0.0F, most, 1}, Row{0.01F, nan, 1, 1}}) {
-    const RecordRates rates = recordRates(interval, period);
+    const RecordRates rates = recordRatesOf(interval, period);
     EXPECT_EQ(rates.recordsPerInterval, records) << interval << " s at " << period << " ms";
     EXPECT_EQ(rates.ratePerSecond, perSecond) << interval << " s at " << period << " ms";
   }
@@ -187,7 +188,7 @@ TEST(GpsLine, FollowsTheListsAndLeavesTheRestAsItIs) {
   for (const std::optional<int> baud :
        {std::optional<int>(), {4800}, {9600}, {19200}, {38400}, {57600}, {115200}, {230400}, {460800}, {}}) {
     settings.gpsBaudIndex = index++;
-    EXPECT_EQ(gpsLine(settings).baud, baud) << index;
+    EXPECT_EQ(gpsPortLine(settings).baud, baud) << index;
   }
   for (const auto& item : {Case{1, 0, 0, {{}, 8, Parity::none, 1, true}}, Case{0, 1, 1, {{}, 7, even, 2, true}},
                            Case{1, 2, 0, {{}, 8, odd, 1, true}}, Case{2, 3, 2, {{}, {}, {}, {}, true}},
@@ -195,7 +196,7 @@ TEST(GpsLine, FollowsTheListsAndLeavesTheRestAsItIs) {
     settings.gpsDataBitsIndex = item.dataBits;
     settings.gpsParityIndex = item.parity;
     settings.gpsStopBitsIndex = item.stopBits;
-    EXPECT_EQ(gpsLine(settings), item.line) << item.dataBits;
+    EXPECT_EQ(gpsPortLine(settings), item.line) << item.dataBits;
   }
 }
 
@@ -204,7 +205,7 @@ TEST(MarkerPort, SkipsCom6AndMayBeTheInstrumentsOwn) {
   for (int choice = -1; choice <= 12; ++choice) numbers.push_back(markerComNumber(choice));
   EXPECT_THAT(numbers, ElementsAre(0, 0, 1, 2, 3, 4, 5, 7, 8, 9, 10, 11, 12, 0));
   for (const auto& [index, place] : {std::pair{5, MarkerPlace::instrumentPort}, {6, MarkerPlace::ownPort}})
-    EXPECT_EQ(markerPlace(Kind::tesk2, {.instrumentPortIndex = index, .markerPortChoice = 6}), place);
+    EXPECT_EQ(markerPlaceOf(Kind::tesk2, {.instrumentPortIndex = index, .markerPortChoice = 6}), place);
 }
 
 }  // namespace

@@ -4,8 +4,8 @@
 #include <semaphore>
 #include <thread>
 
-#include "link/keep_awake.h"
 #include "logging/serial_session_ports.h"
+#include "platform/power.h"
 #include "support/fake_port.h"
 
 namespace kalmira {
@@ -37,7 +37,7 @@ struct PortThreadsTest : testing::Test {
         handOver,
         clock,
         [this] { return std::make_unique<FakePort>(devices); },
-        {.onRecord = [this] { onRecord(); }, .onGpsLine = [this](const GpsLine& line) { seen.push_back(line.text); }}};
+        {.onRecord = [this] { onRecord(); }, .onSentence = [this](const GpsLine& line) { seen.push_back(line.text); }}};
   }
   bool handleOne() {
     if (!woken.try_acquire_for(std::chrono::seconds(10))) return false;
@@ -156,7 +156,7 @@ TEST_F(PortThreadsTest, AReceiverIsTriedTenTimesTheOthersOnce) {
                                     "Cannot open External Marker port: refused",
                                     "Cannot open TESK2 port: No device stands for COM12: plug one in or name one"));
   EXPECT_EQ(gps.opens, 20);
-  EXPECT_EQ(gps.line, gpsLine(settings));
+  EXPECT_EQ(gps.line, gpsPortLine(settings));
   EXPECT_EQ(marker.line, markerLine(Kind::tesk2));
 }
 

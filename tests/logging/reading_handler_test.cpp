@@ -1,4 +1,4 @@
-#include "logging/reading_handler.h"
+#include "logging/handlers.h"
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>

@@ -1,8 +1,11 @@
 #include <gmock/gmock.h>
 
-#include "logging/gps_handler.h"
+#include <algorithm>
+#include <limits>
+
+#include "logging/handlers.h"
 #include "logging/keys.h"
-#include "logging/watchdog.h"
+#include "logging/session_link.h"
 #include "support/session_fixture.h"
 
 namespace kalmira {

@@ -8,7 +8,7 @@
 #include <limits>
 #include <locale>
 
-#include "platform/battery.h"
+#include "platform/power.h"
 #include "support/temp_folder.h"
 
 namespace kalmira {

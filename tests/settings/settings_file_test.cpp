@@ -5,8 +5,8 @@
 #include <algorithm>
 #include <sstream>
 
-#include "platform/paths.h"
-#include "settings/settings_fields.h"
+#include "platform/files.h"
+#include "settings/settings.h"
 #include "support/temp_folder.h"
 
 namespace kalmira {

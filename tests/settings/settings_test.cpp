@@ -9,7 +9,6 @@
 
 #include "settings/display_options.h"
 #include "settings/line_entry.h"
-#include "settings/profile_scale.h"
 #include "settings/setup_lists.h"
 #include "settings/survey_setup.h"
 

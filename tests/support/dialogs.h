@@ -19,7 +19,7 @@
 #include <set>
 #include <utility>
 
-#include "settings/settings_fields.h"
+#include "settings/settings.h"
 #include "ui/screen/template_dialog.h"
 #include "ui/screen/touch_button.h"
 

@@ -1,5 +1,7 @@
 #include "ui/gps/monitor_window.h"
 
+#include <thread>
+
 #include <gmock/gmock.h>
 
 #include <QElapsedTimer>

@@ -1,4 +1,4 @@
-#include "logging/button_texts.h"
+#include "logging/keys.h"
 
 #include <gmock/gmock.h>
 

@@ -1,5 +1,7 @@
 #include "ui/session/dialogs.h"
 
+#include <limits>
+
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 
@@ -8,7 +10,7 @@
 #include <QSettings>
 
 #include "datafile/record_format.h"
-#include "settings/comment_hint.h"
+#include "settings/line_entry.h"
 #include "support/dialogs.h"
 #include "support/temp_folder.h"
 #include "ui/screen/file_dialog.h"

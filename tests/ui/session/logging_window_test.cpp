@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "logging/keys.h"
-#include "logging/watchdog.h"
+#include "logging/session_link.h"
 #include "sim/encode.h"
 #include "ui/window_fixture.h"
 

@@ -1,14 +1,16 @@
 #include <fmt/format.h>
+
 #include <gmock/gmock.h>
+#include <algorithm>
 
 #include <QPaintEvent>
 #include <QPainter>
 
 #include "gps/nmea.h"
 #include "logging/calibration.h"
-#include "logging/gps_handler.h"
+#include "logging/handlers.h"
 #include "logging/panel.h"
-#include "logging/watchdog.h"
+#include "logging/session_link.h"
 #include "support/dialogs.h"
 #include "support/session_fixture.h"
 #include "ui/session/panel_view.h"

@@ -1,5 +1,7 @@
 #include <gmock/gmock.h>
 
+#include <algorithm>
+
 #include "platform/clock.h"
 #include "settings/settings_file.h"
 #include "support/dialogs.h"

@@ -2,7 +2,7 @@
 
 #include <gmock/gmock.h>
 
-#include "logging/session_start.h"
+#include "logging/session_link.h"
 #include "ui/window_fixture.h"
 
 namespace kalmira {

@@ -1,9 +1,10 @@
 #include <gmock/gmock.h>
 
 #include <QFile>
+#include <algorithm>
 #include <set>
 
-#include "instruments/resource_names.h"
+#include "instruments/catalogue.h"
 #include "support/dialogs.h"
 #include "ui/shell/chooser_dialog.h"
 #include "ui/shell/main_menu.h"

@@ -6,13 +6,13 @@
 
 #include <QElapsedTimer>
 #include <QSettings>
+#include <algorithm>
 #include <csignal>
 
 #include "support/command_line_case.h"
 #include "support/dialogs.h"
 #include "support/temp_folder.h"
 #include "ui/shell/main_window.h"
-#include "ui/shell/program_options.h"
 #include "ui/shell/remembered.h"
 #include "ui/shell/single_instance.h"
 

@@ -6,13 +6,14 @@
 #include <QListWidget>
 #include <QRegularExpression>
 #include <QSvgRenderer>
+#include <algorithm>
 #include <cmath>
 
 #include "platform/text.h"
 #include "support/dialogs.h"
 #include "support/viewed_file.h"
 #include "ui/viewer/font_window.h"
-#include "ui/viewer/line_list.h"
+#include "ui/viewer/line_widgets.h"
 #include "ui/viewer/readout_view.h"
 #include "ui/viewer/view_curve_window.h"
 #include "ui/viewer/viewer_layout.h"

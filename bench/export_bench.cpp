@@ -10,7 +10,7 @@
 
 #include "datafile/record_format.h"
 #include "export/csv_export.h"
-#include "platform/output_file.h"
+#include "platform/files.h"
 #include "platform/text.h"
 
 namespace {

@@ -1,6 +1,7 @@
 // Framing in bytes a second, decoding in records a second, over a block as large as the caches like.
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <random>
 #include <string>
 #include <vector>

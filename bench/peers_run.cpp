@@ -14,7 +14,7 @@
 
 #include "peers_process.h"
 #include "peers_stream.h"
-#include "sim/pseudo_terminal.h"
+#include "sim/terminal_outlet.h"
 
 namespace kalmira::bench {
 namespace {

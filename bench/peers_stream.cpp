@@ -16,7 +16,7 @@
 #include <thread>
 
 #include "platform/text.h"
-#include "sim/receiver.h"
+#include "sim/world.h"
 
 namespace kalmira::bench {
 namespace {

@@ -7,12 +7,13 @@
 
 #include <QApplication>
 #include <QImage>
+#include <algorithm>
 #include <filesystem>
 
 #include "chart/profile_redraw.h"
 #include "datafile/record_format.h"
 #include "logging/commands.h"
-#include "logging/reading_handler.h"
+#include "logging/handlers.h"
 #include "sim/encode.h"
 #include "ui/session/curve_window.h"
 
@@ -50,7 +51,7 @@ struct Bench {
     settings.conductivityMaximum = 100;
     settings.audio = 0;
     takeSettings(session);
-    const auto outcome = createDataFile(session, [&](const std::string&) { return folder / "BENCH.DAT"; });
+    const auto outcome = beginDataFile(session, [&](const std::string&) { return folder / "BENCH.DAT"; });
     if (outcome.how != CreateOutcome::How::created) throw std::runtime_error("the data file cannot be created");
     chart.resize(kChartSize);
     chart.setLayoutOf(true, kScale);

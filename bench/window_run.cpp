@@ -21,7 +21,6 @@
 #include "settings/settings_file.h"
 #include "ui/shell/main_window.h"
 #include "ui/shell/program.h"
-#include "ui/shell/program_options.h"
 #include "window_child.h"
 #include "window_painted.h"
 

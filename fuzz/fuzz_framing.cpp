@@ -1,5 +1,6 @@
 // The three framings on any stream, and the decoders on whatever comes out. The first byte chooses the
 // framing, the second the size of the blocks that the stream is cut into.
+#include <algorithm>
 #include <cstdlib>
 #include <string>
 #include <vector>

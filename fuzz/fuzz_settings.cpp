@@ -5,7 +5,7 @@
 #include <string>
 
 #include "settings/line_entry.h"
-#include "settings/settings_fields.h"
+#include "settings/settings.h"
 #include "settings/settings_file.h"
 
 using namespace kalmira;

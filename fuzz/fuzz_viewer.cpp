@@ -3,6 +3,7 @@
 // file says, their columns must not shift.
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <sstream>

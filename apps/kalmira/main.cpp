@@ -6,7 +6,6 @@
 
 #include "resources.h"
 #include "ui/shell/program.h"
-#include "ui/shell/program_options.h"
 
 int main(int argc, char** argv) {
   kalmira::ProgramOptions options;

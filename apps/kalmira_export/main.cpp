@@ -4,7 +4,7 @@
 #include <csignal>
 
 #include "export/export_command.h"
-#include "platform/standard_streams.h"
+#include "platform/command_line.h"
 
 int main(int argc, char** argv) {
 #ifdef SIGXFSZ

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <vector>
 
-#include "platform/standard_streams.h"
+#include "platform/command_line.h"
 #include "resources.h"
 #include "ui/shots/shots.h"
 

@@ -5,9 +5,8 @@
 #include <cstdio>
 #include <string>
 
-#include "platform/standard_streams.h"
+#include "platform/command_line.h"
 #include "sim/options.h"
-#include "sim/pace.h"
 #include "sim/player.h"
 #include "sim/replay.h"
 #include "sim/survey.h"
@@ -19,8 +18,8 @@ using namespace kalmira;
 
 constexpr int kFailed = 1;
 constexpr int kWrongUsage = 2;
-// How long a reader may take for the last bytes before the devices go, and the wait between two looks: longer
-// than the kernel needs to hand bytes over.
+// How long a reader may take for the last bytes before the devices go, and the wait between two looks: longer than the
+// kernel needs to hand bytes over.
 constexpr double kFarewell_s = 0.5;
 constexpr double kLook_s = 0.02;
 
@@ -64,6 +63,6 @@ int main(int argc, char** argv) {
   sim::Options options;
   return runMain(sim::simCommandLine(options), argc, argv, [&] {
     if (!options.replay.empty()) return runReplay(options);
-    return run(options, sim::surveySource(sim::surveyPlan(options)));
+    return run(options, sim::surveySource(sim::surveyPlanOf(options)));
   });
 }

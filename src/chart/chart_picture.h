@@ -5,14 +5,23 @@
 #include <utility>
 #include <vector>
 
-#include "chart/chart_colours.h"
 #include "chart/profile_chart.h"
 
 namespace kalmira {
 
-// A chart as pixels in memory, 0xFFRRGGBB, row by row. Scrolling moves the picture's origin over a wider
-// strip rather than the pixels; once in many columns the strip is taken back to its start. Lines are drawn in
-// whole numbers, so that they come out the same wherever they are drawn. A y may be any number.
+// What a chart is drawn on, 0xRRGGBB.
+struct ChartColours {
+  bool dark = false;  // traces are lightened where they would drown
+  std::uint32_t background = 0xFFFFFF;
+  std::uint32_t grid = 0xC0C0C0;
+};
+
+// A trace's colour (0x00BBGGRR, as the settings hold it, chosen on white) as it is drawn, 0xRRGGBB.
+std::uint32_t traceColourOn(const ChartColours& colours, int settingsColour);
+
+// A chart as pixels in memory, 0xFFRRGGBB, row by row. Scrolling moves the picture's origin over a wider strip rather
+// than the pixels; once in many columns the strip is taken back to its start. Lines are drawn in whole numbers, so that
+// they come out the same wherever they are drawn. A y may be any number.
 class ChartPicture final : public ChartCanvas {
  public:
   // Both sizes at least 1.

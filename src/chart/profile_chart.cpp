@@ -78,7 +78,7 @@ void takeScales(const Settings& settings, ProfileSetup& setup) {
   const auto& shown = scales.at(static_cast<std::size_t>(displayGroup(setup.kind, setup.iceOption, settings)));
   setup.axisMinimum = shown.minimum;
   setup.axisMaximum = shown.maximum;
-  setup.grid = profileGrid(setup.height, shown.minimum, shown.maximum, axisOf(shown, setup.height).scale);
+  setup.grid = gridOf(setup.height, shown.minimum, shown.maximum, axisOf(shown, setup.height).scale);
 }
 
 std::size_t penOf(std::size_t trace) { return trace < kFirstExtra ? trace : kExtraPens.at(trace - kFirstExtra); }
@@ -94,7 +94,7 @@ void drawGrid(ChartCanvas& canvas, const ProfileSetup& setup, int left, int righ
 
 }  // namespace
 
-ProfileGrid profileGrid(int height, float minimum, float maximum, float pixelsPerUnit) {
+ProfileGrid gridOf(int height, float minimum, float maximum, float pixelsPerUnit) {
   const bool spansZero = minimum < 0.0F && maximum > 0.0F;
   const bool usable = std::isfinite(minimum) && std::isfinite(maximum) && pixelsPerUnit > 0.0F;
   if (!spansZero || !usable) return fixedGrid(height);
@@ -127,8 +127,8 @@ int displayGroup(Kind kind, bool iceOption, const Settings& settings) {
   return instrument.axes.size() > 1 && settings.profileGrid == 1 + kInphaseAxis ? kInphaseAxis : kConductivityAxis;
 }
 
-ProfileSetup profileSetup(Kind kind, bool iceOption, const Settings& settings, bool wideLayout, double scale, int width,
-                          int height) {
+ProfileSetup profileSetupOf(Kind kind, bool iceOption, const Settings& settings, bool wideLayout, double scale,
+                            int width, int height) {
   ProfileSetup setup{.kind = kind,
                      .iceOption = iceOption,
                      .secondCoil = instrumentOf(kind).unscaledInphase && settings.surveyListA == 1,

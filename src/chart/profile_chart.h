@@ -8,12 +8,12 @@
 #include "logging/session_view.h"
 #include "settings/settings.h"
 
-// The scrolling profile, drawn on whatever a ChartCanvas draws on. Pixels count from the chart's upper left
-// corner, down and to the right. The grid is shared with the viewer's plot.
+// The scrolling profile, drawn on whatever a ChartCanvas draws on. Pixels count from the chart's upper left corner,
+// down and to the right. The grid is shared with the viewer's plot.
 namespace kalmira {
 
-// What the profile needs of a picture. Colours of traces are the settings' 0x00BBGGRR. The y of lines and
-// points may be any number, however far outside; x stands in the chart or a few columns left of it.
+// What the profile needs of a picture. Colours of traces are the settings' 0x00BBGGRR. The y of lines and points may be
+// any number, however far outside; x stands in the chart or a few columns left of it.
 class ChartCanvas {
  public:
   ChartCanvas() = default;
@@ -22,8 +22,7 @@ class ChartCanvas {
   virtual ~ChartCanvas() = default;
 
   virtual void clear() = 0;
-  // Moves what stands from column 2 to x + 1 to the left by two. Right of x + 1 nothing but grid is ever
-  // drawn.
+  // Moves what stands from column 2 to x + 1 to the left by two. Right of x + 1 nothing but grid is ever drawn.
   virtual void scrollLeft(int x) = 0;
   virtual void eraseColumns(int left, int right) = 0;                            // both included
   virtual void gridPiece(int left, int right, int y, int pixels) = 0;            // rows y to y + pixels - 1
@@ -36,13 +35,12 @@ struct ProfileGrid {
   std::array<int, 10> gridY{};  // from index 1 on; 1 is the zero line when the scale spans zero
   bool spansZero = false;
 };
-// `height` in pixels, above 0. A scale that spans zero has its lines at round parts of its longer side; any
-// other (or one that makes no sense) four lines at fifths of the height.
-ProfileGrid profileGrid(int height, float minimum, float maximum, float pixelsPerUnit);
+// `height` in pixels, above 0. A scale that spans zero has its lines at round parts of its longer side; any other (or
+// one that makes no sense) four lines at fifths of the height.
+ProfileGrid gridOf(int height, float minimum, float maximum, float pixelsPerUnit);
 
-// The scale that the axis shows: 0 conductivity (GLACO: thickness), 1 inphase, 2 ice thickness. profileGrid
-// of the settings is 0 without grid lines and 1 plus the group with them; a kind that draws only one scale
-// shows that.
+// The scale that the axis shows: 0 conductivity (GLACO: thickness), 1 inphase, 2 ice thickness. profileGrid of the
+// settings is 0 without grid lines and 1 plus the group with them; a kind that draws only one scale shows that.
 int displayGroup(Kind kind, bool iceOption, const Settings& settings);
 bool gridShown(const Settings& settings);
 
@@ -62,11 +60,10 @@ struct ProfileSetup {
   std::array<int, kTraces> traceWidth{};   // pixels, 1 to 4
   std::array<int, kTraces> traceColour{};  // 0x00BBGGRR
 };
-// `scale`: screen pixels a unit. The newest point stands at 200 units in the wide layout (portrait), else
-// 270, but always with two columns right of it. A scale whose maximum is not above its minimum is taken to be
-// one unit high.
-ProfileSetup profileSetup(Kind kind, bool iceOption, const Settings& settings, bool wideLayout, double scale, int width,
-                          int height);
+// `scale`: screen pixels a unit. The newest point stands at 200 units in the wide layout (portrait), else 270, but
+// always with two columns right of it. A scale whose maximum is not above its minimum is taken to be one unit high.
+ProfileSetup profileSetupOf(Kind kind, bool iceOption, const Settings& settings, bool wideLayout, double scale,
+                            int width, int height);
 
 // Where the traces stand. traceStarted is the session's own: commands and the watchdog clear it.
 struct TraceState {

@@ -15,9 +15,9 @@ namespace {
 // Columns left of the chart that are drawn too: a line reaches two columns back, its pen two more.
 constexpr int kMarginColumns = 4;
 
-// A trace that comes back after a rest is joined to its last point, wherever that is in the line. A rest
-// longer than this many records (minutes, with everything logged at full rate) is not bridged: what is found
-// there would not be worth the wait.
+// A trace that comes back after a rest is joined to its last point, wherever that is in the line. A rest longer than
+// this many records (minutes, with everything logged at full rate) is not bridged: what is found there would not be
+// worth the wait.
 constexpr int kMostOlderRecords = 4096;
 
 // No file that was recorded needs as many for one chart; a damaged one may, and must not hold up the screen.
@@ -93,8 +93,8 @@ class LineBackwards {
     return std::nullopt;
   }
 
-  // Readings before this record were taken with the factor that it replaced. The file has three decimals of
-  // it; the session knows the factors that were replaced last to the full.
+  // Readings before this record were taken with the factor that it replaced. The file has three decimals of it; the
+  // session knows the factors that were replaced last to the full.
   void goBackTo(std::string_view record) {
     const auto calibration = parseCalibration(record);
     if (!calibration) return;

@@ -2,8 +2,9 @@
 
 #include <cstdint>
 #include <functional>
-#include <optional>
 #include <string>
+
+#include "platform/terminate.h"
 
 namespace kalmira {
 
@@ -14,36 +15,26 @@ class EventLoop {
     std::function<void(const std::string&)> onLine;  // a line of standard input, without its end
     std::function<void()> onLongLine;                // one of more than 64 KiB was dropped
     std::function<void()> onEndOfInput;
-    std::function<void()> onTerminate;  // SIGINT or SIGTERM
+    std::function<void()> onTerminate;
   };
 
-  // With `readInput`, standard input is read. Catches SIGINT and SIGTERM from now on; there can be only one
-  // loop a program.
-  explicit EventLoop(bool readInput);
-  EventLoop(const EventLoop&) = delete;
-  EventLoop& operator=(const EventLoop&) = delete;
-  ~EventLoop();
+  // With `readInput`, standard input is read. There can be only one loop a program.
+  explicit EventLoop(bool readInput) : read_input_(readInput) {}
 
-  struct Ready {
-    bool woken = false;
-    bool input = false;
-  };
-  // Whether SIGINT or SIGTERM has come and has not been handled yet.
-  bool terminateWanted() const;
-  // Waits at most `milliseconds` for something to happen.
-  Ready wait(std::uint32_t milliseconds) const;
-  // Calls the handlers of what happened.
-  void handle(Ready ready, const Handlers& handlers);
+  // Whether the machine has asked the program to end, and that has not been handled yet.
+  bool terminateWanted() const { return signals_.wanted(); }
+  // Waits at most `milliseconds` for something to happen. True: there is input.
+  bool wait(std::uint32_t milliseconds) const;
+  // Calls the handlers of what happened; `input` is what wait said.
+  void handle(bool input, const Handlers& handlers);
 
  private:
   void readLines(const Handlers& handlers);
 
-  int wake_read_ = -1;
-  int wake_write_ = -1;
+  TerminateSignals signals_;
   bool read_input_;
   std::string input_;
   bool skipping_ = false;  // the rest of a line that is too long
-  bool catches_hang_up_ = true;
 };
 
 }  // namespace kalmira

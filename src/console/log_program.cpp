@@ -7,38 +7,80 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <limits>
+
 #include <system_error>
 #include <utility>
+#include "platform/text.h"
+#include "settings/setting_check.h"
 
-#include "console/console_view.h"
 #include "console/event_loop.h"
 #include "console/operator_commands.h"
-#include "console/output_thread.h"
+#include "console/output.h"
 #include "console/run_settings.h"
-#include "link/keep_awake.h"
+#include "link/com_devices.h"
 #include "logging/commands.h"
-#include "logging/gps_handler.h"
-#include "logging/reading_handler.h"
+#include "logging/handlers.h"
 #include "logging/serial_session_ports.h"
-#include "logging/session_start.h"
+#include "logging/session_link.h"
+#include "platform/command_line.h"
 #include "platform/hand_over.h"
-#include "platform/idle.h"
-#include "platform/standard_streams.h"
+#include "platform/power.h"
 #include "platform/text.h"
 
 namespace kalmira {
 namespace {
+
+constexpr double kLongest_s = 1e6;
+
+bool isTextField(const SettingsField& field) { return std::holds_alternative<std::string Settings::*>(field.member); }
+
+bool isIntField(const SettingsField& field) {
+  return std::holds_alternative<int Settings::*>(field.member) ||
+         std::holds_alternative<std::array<int, kTraces> Settings::*>(field.member);
+}
+
+std::string takeSet(LogOptions& options, const std::string& value) {
+  const auto equals = value.find('=');
+  if (equals == std::string::npos) return "--set takes FIELD=VALUE";
+  const auto name = value.substr(0, equals);
+  const auto text = value.substr(equals + 1);
+  const auto field = findField(name);
+  if (!field) return fmt::format("there is no setting \"{}\"", name);
+  if (isIntField(*field->field)) {
+    if (!wholeNumber<int>(text)) return fmt::format("\"{}\" is no whole number for {}", text, name);
+  } else if (!isTextField(*field->field) && !wholeNumber<double>(text)) {
+    return fmt::format("\"{}\" is no number for {}", text, name);
+  }
+  options.set.emplace_back(*field, text);
+  return {};
+}
+
+std::string takeName(LogOptions& options, const std::string& value) {
+  if (value.empty() || value.find('/') != std::string::npos || value.find('\\') != std::string::npos ||
+      value.starts_with('.') || hasControlCharacters(value)) {
+    return fmt::format("\"{}\" is no name for a data file: a bare name without folder is wanted", printable(value));
+  }
+  options.name = value;
+  return {};
+}
+
+std::string contradiction(const LogOptions& options) {
+  if (!options.kind) return "--kind is missing";
+  if (options.port.empty()) return "--port is missing";
+  if (!options.marker.empty() && !instrumentOf(*options.kind).hasMarker) return "--marker is for the TESK2";
+  if (options.noInput && options.seconds) return "--no-input and --seconds are two ways to end: one of them is enough";
+  for (const auto& [field, text] : options.set) {
+    if (auto problem = settingProblem(*options.kind, options.ice, field, text); !problem.empty()) return problem;
+  }
+  return startContradiction(options);
+}
 
 // The COM numbers of this run. They stand for the devices of the command line only.
 constexpr int kInstrumentCom = 1;
 constexpr int kGpsCom = 2;
 constexpr int kMarkerCom = 3;
 constexpr std::uint32_t kStatusPeriodMs = 500;
-
-bool sameDevice(const std::string& a, const std::string& b) {
-  std::error_code error;
-  return a == b || (std::filesystem::equivalent(a, b, error) && !error);
-}
 
 // COM number of a device: that of the port it shares with an earlier one.
 int comOf(const LogOptions& options, const std::string& device, int own) {
@@ -139,7 +181,7 @@ Run::Run(const LogOptions& options, std::filesystem::path root, const PortFactor
                     OnReading(session_);
                     releaseMarkAfterRecord(session_);
                   },
-              .onGpsLine = [this](const GpsLine& line) { OnGpsLine(session_, line); }}),
+              .onSentence = [this](const GpsLine& line) { OnGpsLine(session_, line); }}),
       terminal_(::isatty(STDERR_FILENO) == 1) {
   session_.ports = &ports_;
   session_.interrupted = [this] { return events_.terminateWanted(); };
@@ -158,7 +200,7 @@ bool Run::createFile() {
     if (std::exchange(asked, true)) return std::nullopt;
     return dataFilePathFor(place, bareName(options_.name, session_.instrument.extension));
   };
-  if (createDataFile(session_, choose).how != CreateOutcome::How::created) return false;
+  if (beginDataFile(session_, choose).how != CreateOutcome::How::created) return false;
   file_created_ = true;
   output_.line(fmt::format("file {}", session_.file.path().string()));
   return true;
@@ -239,13 +281,13 @@ void Run::loop() {
       .onTerminate = [this] { leave(); }};
   while (session_.sessionActive) {
     const auto wait = nextWait();
-    EventLoop::Ready ready;
+    bool input = false;
     {
       // Readings and GPS lines are handled meanwhile, in turn with what this thread does.
       const HandOver::Rest rest(hand_over_);
-      ready = events_.wait(wait);
+      input = events_.wait(wait);
     }
-    events_.handle(ready, handlers);
+    events_.handle(input, handlers);
     if (!session_.sessionActive) break;
     serviceSession(session_);
     tellSettingsProblem();
@@ -272,7 +314,48 @@ int Run::run() {
   return status;
 }
 
+CommandGroup withMirror(LogOptions& options) {
+  auto group = fileOptions(options);
+  group.options.push_back({"--mirror", "DIR", "a second copy as it is recorded, in a folder on another medium",
+                           takeText(options.mirror, "--mirror takes a folder")});
+  return group;
+}
+
 }  // namespace
+
+CommandLine logCommandLine(LogOptions& o) {
+  constexpr std::string_view kNoDevice = "a device is missing";
+  return {
+      .program = "kalmira-log",
+      .summary = "Logs one instrument without a screen.",
+      .usages = {"--kind NAME|0..7 --port DEVICE [options]"},
+      .groups = {instrumentOptions(o),
+                 {"Ports",
+                  {{"--port", "DEVICE", "the instrument's serial port, such as /dev/ttyUSB0",
+                    takeText(o.port, kNoDevice)},
+                   {"--gps", "DEVICE", "log a GPS receiver too", takeText(o.gps, kNoDevice)},
+                   {"--marker", "DEVICE", "TESK2: the external marker's port", takeText(o.marker, kNoDevice)}}},
+                 withMirror(o),
+                 {"This run",
+                  {{"--set", "FIELD=VALUE", "a setting for this run only, such as surveyMode=2 or traceWidth[2]=3",
+                    [&o](const std::string& value) { return takeSet(o, value); }, "", CommandOption::Again::allCount},
+                   {"--name", "BASENAME", "name of the data file, without extension",
+                    [&o](const std::string& value) { return takeName(o, value); }},
+                   {"--seconds", "S", "record at once for S seconds, then end",
+                    takeNumber<double>(o.seconds, std::numeric_limits<double>::min(), kLongest_s,
+                                       "--seconds takes a number of seconds above 0")},
+                   eitherOption("--on-silence", "wait|exit", "when the instrument stays silent (wait)", o.exitOnSilence,
+                                false, true),
+                   {"--no-input", "", "for services: record at once and until a signal comes, without standard input",
+                    takeFlag(o.noInput)},
+                   {"--show", "", "print every text of the panel", takeFlag(o.show)}}}},
+      .check = [&o] { return contradiction(o); },
+      .notes =
+          "Commands on standard input: go, pause, line [NAME [START [INCREMENT [W|S|N|E]]]], station X,\n"
+          "comment [TEXT], calibrate, delete-calibration, mark, status, help, exit\n"
+          "Exit status: 0 a whole survey; 1 it could not start or the link was given up; 2 wrong usage;\n"
+          "3 it ended, but something is not where it should be: the last lines say what.\n"};
+}
 
 int runLogProgram(const LogOptions& options, const std::filesystem::path& defaultRoot, const PortFactory& portFactory) {
   // A closed pipe or a file size limit is an error of one write, not the end of a survey.

@@ -103,14 +103,11 @@ CommandAnswer line(Session& session, std::string_view text) {
     entry.direction = static_cast<int>(direction);
   }
   if (hasControlCharacters(entry.lineName)) return failed("the line's name holds control characters");
-  if (incrementInFile(static_cast<double>(entry.stationIncrement)) == 0.0 && given.size() > 2) {
+  if (given.size() > 2 && incrementInFile(static_cast<double>(entry.stationIncrement)) == 0.0) {
     return failed(fmt::format("the increment \"{}\" is 0 in the file, which holds three decimals", given[2]));
   }
   newLine(session, entry);
-  CommandAnswer answer;
-  answer.newLine = true;
-  answer.kept = keptOfLine(session, entry);
-  return answer;
+  return {.error = {}, .status = {}, .kept = keptOfLine(session, entry), .newLine = true};
 }
 
 CommandAnswer station(Session& session, std::string_view text) {
@@ -150,19 +147,13 @@ CommandAnswer mark(Session& session, std::string_view) {
   return {};
 }
 
-CommandAnswer status(Session& session, std::string_view) {
-  CommandAnswer answer;
-  answer.status = "status " + statusText(session);
-  return answer;
-}
+CommandAnswer status(Session& session, std::string_view) { return {.status = "status " + statusText(session)}; }
 
 CommandAnswer help(Session&, std::string_view);
 
 CommandAnswer leave(Session& session, std::string_view) {
   leaveCleanly(session);
-  CommandAnswer answer;
-  answer.ends = true;
-  return answer;
+  return {};
 }
 
 struct OperatorCommand {

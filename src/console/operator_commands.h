@@ -8,10 +8,9 @@
 namespace kalmira {
 
 struct CommandAnswer {
-  std::string error;     // empty: done
-  std::string status;    // a line to print before "ok"
-  std::string kept;      // what the file holds in place of what was given; printed behind "ok"
-  bool ends = false;     // the session has been left
+  std::string error{};   // empty: done
+  std::string status{};  // a line to print before "ok"
+  std::string kept{};    // what the file holds in place of what was given; printed behind "ok"
   bool newLine = false;  // a new line was begun
 };
 

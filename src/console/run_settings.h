@@ -4,9 +4,8 @@
 #include <utility>
 #include <vector>
 
-#include "settings/settings_fields.h"
+#include "settings/settings.h"
 #include "settings/settings_file.h"
-#include "settings/settings_writer.h"
 
 namespace kalmira {
 

@@ -22,9 +22,9 @@ struct DataPlace {
 // The data folder on this machine.
 std::filesystem::path dataFolderOf(const DataPlace& place);
 
-// A bare name under which nothing stands in the data folder, nor in the second copy's: month, day, hour and a
-// letter, "111510A". Creates the data folder. When all 26 letters of the hour are taken, the catalogue path of
-// the last one, folder and extension included: the operator then sees that name and is asked for another.
+// A bare name under which nothing stands in the data folder, nor in the second copy's: month, day, hour and a letter,
+// "111510A". Creates the data folder. When all 26 letters of the hour are taken, the catalogue path of the last one,
+// folder and extension included: the operator then sees that name and is asked for another.
 std::string ProposeDataFileName(const DataPlace& place, const Clock& clock);
 // The same where nobody can be asked: after Z, "111510Z2" and so on; never a path.
 std::string unattendedName(const DataPlace& place, const Clock& clock);
@@ -55,9 +55,9 @@ struct CreateOutcome {
   std::string cause;
 };
 
-// Proposes a name, lets `choose` confirm or change it, creates that file, writes header, line block and time
-// mark, closes it and opens it again at its end. When a file of the chosen name exists, `warnExists` is
-// called and the proposal starts anew; an existing file is never touched.
+// Proposes a name, lets `choose` confirm or change it, creates that file, writes header, line block and time mark,
+// closes it and opens it again at its end. When a file of the chosen name exists, `warnExists` is called and the
+// proposal starts anew; an existing file is never touched.
 CreateOutcome CreateDataFile(const DataPlace& place, const WriterContext& context, Disk& disk,
                              const ChooseDataFile& choose, const std::function<void()>& warnExists);
 

@@ -7,7 +7,7 @@
 #include <cerrno>
 #include <system_error>
 
-#include "platform/paths.h"
+#include "platform/files.h"
 
 namespace kalmira {
 namespace {

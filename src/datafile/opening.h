@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "datafile/line_block.h"
+#include "datafile/reading_context.h"
 
 namespace kalmira {
 

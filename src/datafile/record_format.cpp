@@ -125,8 +125,8 @@ std::string formatGpsSentence(int recordLength, std::string_view sentence, std::
   for (std::size_t k = 1; k < fullChunks; ++k) {
     records += wholeRecord(recordLength, more + text.substr(k * chunk, chunk));
   }
-  // The rest always has a record of its own: blanks after a sentence of whole chunks, and a sentence shorter
-  // than one chunk stands in it a second time.
+  // The rest always has a record of its own: blanks after a sentence of whole chunks, and a sentence shorter than one
+  // chunk stands in it a second time.
   records += wholeRecord(recordLength, more + text.substr(fullChunks * chunk));
   return records + recordWithTick(recordLength, std::string(1, tag::kGpsTick), tick);
 }

@@ -8,11 +8,10 @@
 #include "instruments/catalogue.h"
 #include "platform/clock.h"
 
-// The records of a data file, as text. A file is a sequence of records of one length, 24 bytes (26 for
-// TESK2), each ended by a single line feed; the first byte is the tag. docs/data-file-format.md has every
-// column with an example. Every function here returns exactly one record (or records) of that length: values
-// too wide for their columns lose decimals or are brought to the widest number, text is cut, and characters
-// that are not plain ASCII become "?".
+// The records of a data file, as text. A file is a sequence of records of one length, 24 bytes (26 for TESK2), each
+// ended by a single line feed; the first byte is the tag. docs/data-file-format.md has every column with an example.
+// Every function here returns exactly one record (or records) of that length: values too wide for their columns lose
+// decimals or are brought to the widest number, text is cut, and characters that are not plain ASCII become "?".
 namespace kalmira {
 
 namespace tag {

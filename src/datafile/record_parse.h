@@ -7,11 +7,12 @@
 
 #include "datafile/record_format.h"
 
-// The way back from a data file's records to what they say: the counterpart of record_format.h. Every
-// function takes one whole record with its line feed, of either length; any bytes may be handed in. No value
-// means that the record's columns do not hold what the tag promises.
+// The way back from a data file's records to what they say: the counterpart of record_format.h. Every function takes
+// one whole record with its line feed, of either length; any bytes may be handed in. No value means that the record's
+// columns do not hold what the tag promises.
 namespace kalmira {
 
+// A sentence with a right checksum is "gps", any other line of the GPS port "text".
 enum class RecordType {
   header1,
   header2,
@@ -25,16 +26,16 @@ enum class RecordType {
   reading,
   comment,
   event,
-  gpsFirst,  // a sentence with a right checksum
+  gpsFirst,
   gpsMore,
-  textFirst,  // any other line of the GPS port
+  textFirst,
   textMore,
   gpsTick,
   unknown,
 };
 
-// By the tag. Header 1 has none and is known by its model and program tags: an ORLA's begins with the letter
-// of a calibration record, a TESK's with that of a reading.
+// By the tag. Header 1 has none and is known by its model and program tags: an ORLA's begins with the letter of a
+// calibration record, a TESK's with that of a reading.
 RecordType recordTypeOf(std::string_view record);
 
 // Nothing when no instrument's tags open the record. A column that is no digit counts as 0.

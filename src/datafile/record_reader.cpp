@@ -19,9 +19,8 @@ constexpr std::size_t kHeaderTagBytes = 15;
 
 std::string systemText(int error) { return std::generic_category().message(error); }
 
-// Whether these bytes are a record. A line feed inside means that they begin in one record and end in
-// another; only the instrument's bytes of a reading may hold one (any mode byte is possible). Those readings
-// are known by their tick.
+// Whether these bytes are a record. A line feed inside means that they begin in one record and end in another; only the
+// instrument's bytes of a reading may hold one (any mode byte is possible). Those readings are known by their tick.
 bool isRecord(std::string_view bytes) {
   if (bytes.back() != '\n') return false;
   const auto type = recordTypeOf(bytes);

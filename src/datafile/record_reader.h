@@ -35,9 +35,9 @@ struct Record {
 // of memory whatever the file's size. Records are found by their length, since a TESK2 record may hold line
 // feeds. A file may be read while it grows. Not for use by two threads at once.
 //
-// Damage: what has no known tag, no line feed at its end or one in its middle is no record. It is skipped to
-// the next place where records go on (bytes were lost or added) or else by one record (bytes were
-// overwritten); skippedBytes counts it. Bytes after the last whole record are a tear: tornBytes.
+// Damage: what has no known tag, no line feed at its end or one in its middle is no record. It is skipped to the next
+// place where records go on (bytes were lost or added) or else by one record (bytes were overwritten); skippedBytes
+// counts it. Bytes after the last whole record are a tear: tornBytes.
 class RecordReader {
  public:
   // Identifies the file by header 1 and stands behind it.
@@ -50,11 +50,11 @@ class RecordReader {
   bool headerWhole() const { return header_whole_; }
   int recordLength() const { return static_cast<int>(record_length_); }
 
-  // The record at the present place, and the place moves behind it. False at the end, and when reading
-  // failed: error then has a kind.
+  // The record at the present place, and the place moves behind it. False at the end, and when reading failed: error
+  // then has a kind.
   bool next(Record& record);
-  // The record before the present place, and the place moves to its start. False at the file's start
-  // (header 1 is the last record given) and when reading failed.
+  // The record before the present place, and the place moves to its start. False at the file's start (header 1 is the
+  // last record given) and when reading failed.
   bool previous(Record& record);
   // `offset` of a record, or recordLength() for the first one behind header 1.
   void seek(std::uint64_t offset) { place_ = offset; }

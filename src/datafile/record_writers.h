@@ -10,10 +10,9 @@
 #include "platform/clock.h"
 #include "settings/settings.h"
 
-// The writers of a session: each appends its records at the end of the open data file, in the order that
-// readers rely on: header, line block, time mark at creation; line block, time mark at a new line; station,
-// time mark at a new station. Called on the session's thread. A write that fails is the data file's to
-// remember.
+// The writers of a session: each appends its records at the end of the open data file, in the order that readers rely
+// on: header, line block, time mark at creation; line block, time mark at a new line; station, time mark at a new
+// station. Called on the session's thread. A write that fails is the data file's to remember.
 namespace kalmira {
 
 // What the writers draw on. Everything referred to outlives the session.
@@ -37,8 +36,7 @@ void WriteLineBlock(const WriterContext& context);  // with the calibration reco
 void WriteCalibrationRecords(const WriterContext& context);
 void WriteTimeMark(const WriterContext& context);
 void WriteStationRecord(const WriterContext& context, double station);
-// `text` as left by the handler, any bytes: the first 12 (TESK2: 14) are written, a shorter one is padded
-// with blanks.
+// `text` as left by the handler, any bytes: the first 12 (TESK2: 14) are written, a shorter one is padded with blanks.
 void WriteReadingRecord(const WriterContext& context, std::string_view text, std::uint32_t tick);
 // `text` is UTF-8; `tag` is tag::kComment or tag::kEvent.
 void WriteNoteRecord(const WriterContext& context, std::string_view text, char tag);

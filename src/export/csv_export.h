@@ -7,10 +7,22 @@
 
 #include "datafile/record_reader.h"
 
-// A data file as a table of comma-separated values, one row a reading: "Export" in docs/data-file-format.md
-// names every column. The file is read as a stream; neither its size nor the number of its readings takes
-// memory.
+// The cells of a table of comma-separated values, each appended to the row in the making.
 namespace kalmira {
+
+// In quotes where a comma, a quote or a blank at its end would be lost otherwise.
+void appendText(std::string& row, std::string_view text);
+// Rounded to `decimals` (0 to 9) decimals, halves away from zero; never "-0.00". Nothing at all for what is no finite
+// number.
+void appendReal(std::string& row, double value, int decimals);
+void appendInteger(std::string& row, std::int64_t value);
+// "2024-03-07", from days since 1970-01-01.
+void appendDate(std::string& row, std::int64_t day);
+// "09:05:04.089"
+void appendTimeOfDay(std::string& row, std::uint32_t ms);
+
+// A data file as a table of comma-separated values, one row a reading: "Export" in docs/data-file-format.md names every
+// column. The file is read as a stream; neither its size nor the number of its readings takes memory.
 
 // Takes the next piece of the table. False when it cannot; why is for the sink's owner to say.
 using TextSink = std::function<bool(std::string_view)>;
@@ -37,8 +49,8 @@ struct ExportResult {
 // "line,station,...": the header row of the file's kind, without the line end.
 std::string csvColumns(const Header1& header);
 
-// Adds the readings of the file that `reader` has opened. What damage it met, the reader tells.
-// `teskRangeTimes10`: the start-up choice for a TESK, which its files do not tell.
+// Adds the readings of the file that `reader` has opened. What damage it met, the reader tells. `teskRangeTimes10`: the
+// start-up choice for a TESK, which its files do not tell.
 ExportResult exportReadings(RecordReader& reader, CsvTable& table, bool teskRangeTimes10 = false);
 
 }  // namespace kalmira

@@ -6,7 +6,7 @@
 
 #include "export/csv_export.h"
 #include "instruments/start_options.h"
-#include "platform/output_file.h"
+#include "platform/files.h"
 
 namespace kalmira {
 namespace {

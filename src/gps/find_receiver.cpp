@@ -17,7 +17,7 @@ enum class Heard { nothing, noise, sentence, stopped };
 LineSettings lineOf(const ReceiverLine& line) {
   Settings settings;
   takeReceiverLine(line, settings);
-  return gpsLine(settings);
+  return gpsPortLine(settings);
 }
 
 // `sentence` is what was heard.

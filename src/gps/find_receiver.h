@@ -29,12 +29,12 @@ void takeReceiverLine(const ReceiverLine& line, Settings& settings);
 // How long to listen with each: receivers report once a second, and their sentences take a while.
 inline constexpr std::uint32_t kListenMs = 1300;
 
-// The lines to try, most likely first: as set up, then every baud rate with 8 data bits, no parity and one
-// stop bit, which is what receivers use.
+// The lines to try, most likely first: as set up, then every baud rate with 8 data bits, no parity and one stop bit,
+// which is what receivers use.
 std::vector<ReceiverLine> receiverTrials(const Settings& settings);
 
-// A complete sentence of at least an address whose two-digit checksum is right: nothing that noise at a wrong
-// baud rate looks like.
+// A complete sentence of at least an address whose two-digit checksum is right: nothing that noise at a wrong baud rate
+// looks like.
 bool isReceiverSentence(std::string_view line);
 
 struct FindOutcome {
@@ -51,14 +51,14 @@ struct FindOutcome {
   std::string problem{};   // cannotOpen: why
 };
 
-// Tries one after another on `port`, which is closed before and after. `onTrial` is told the number of each,
-// from 0. Ends within 100 ms once `stop` is set. On the port's thread.
+// Tries one after another on `port`, which is closed before and after. `onTrial` is told the number of each, from 0.
+// Ends within 100 ms once `stop` is set. On the port's thread.
 FindOutcome findReceiver(Port& port, const std::string& device, const std::vector<ReceiverLine>& trials,
                          const Clock& clock, const std::atomic<bool>& stop,
                          const std::function<void(std::size_t)>& onTrial);
 
-// The same on a thread of its own. Every member is called on one thread; the end of the object cancels the
-// search, waits for its thread (about 100 ms at the most) and leaves the port closed.
+// The same on a thread of its own. Every member is called on one thread; the end of the object cancels the search,
+// waits for its thread (about 100 ms at the most) and leaves the port closed.
 class ReceiverSearch {
  public:
   // The clock must outlive it.

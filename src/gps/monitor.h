@@ -6,8 +6,7 @@
 #include <string_view>
 #include <vector>
 
-// The GPS monitor as far as it needs no screen: which button does what, which keys press them, where
-// everything stands.
+// The GPS monitor as far as it needs no screen: which button does what, which keys press them, where everything stands.
 namespace kalmira {
 
 // In the order of the buttons, which Tab goes through.
@@ -23,8 +22,8 @@ struct MonitorState {
 };
 
 bool monitorButtonShown(const MonitorState& state, MonitorCommand command);
-// After "Go", and after a message has been sent; after "Pause". A default button that gives its place to the
-// other takes it along, for Enter never presses what is not to be seen.
+// After "Go", and after a message has been sent; after "Pause". A default button that gives its place to the other
+// takes it along, for Enter never presses what is not to be seen.
 void showStreaming(MonitorState& state);
 void showPaused(MonitorState& state);
 
@@ -39,8 +38,8 @@ std::string gpsMessageBytes(std::string_view message);
 
 inline constexpr std::size_t kMostMonitorLines = 2000;
 
-// A line in rows of at most `columns` characters, with nothing left out: broken behind a comma where there is
-// one, else anywhere. Rows from the second on are `indent` characters shorter. At least one row.
+// A line in rows of at most `columns` characters, with nothing left out: broken behind a comma where there is one, else
+// anywhere. Rows from the second on are `indent` characters shorter. At least one row.
 std::vector<std::string_view> monitorRows(std::string_view line, std::size_t columns, std::size_t indent);
 
 struct MonitorBox {
@@ -52,8 +51,8 @@ struct MonitorLayout {
   std::array<MonitorBox, kMonitorCommands> buttons;
   double scale = 1.0;  // pixels a unit, for fonts
 };
-// For a window of that size: upright 240 x 320 units, lying 320 x 240. The list gives up what the edit line
-// and the buttons need to be `touchHeight` pixels high.
+// For a window of that size: upright 240 x 320 units, lying 320 x 240. The list gives up what the edit line and the
+// buttons need to be `touchHeight` pixels high.
 MonitorLayout layOutMonitor(int width, int height, int touchHeight);
 
 }  // namespace kalmira

@@ -25,6 +25,12 @@ bool equalIgnoringCase(std::string_view a, std::string_view b) {
                     [](unsigned char x, unsigned char y) { return std::toupper(x) == std::toupper(y); });
 }
 
+// What an ORLA started for ice work has of its own, or what it shares.
+template <typename Names>
+Names iceOr(bool iceOption, const Names& ice, const Names& usual) {
+  return iceOption && !ice.empty() ? ice : usual;
+}
+
 }  // namespace
 
 const Instrument* findInstrument(int kindIndex) {
@@ -49,14 +55,10 @@ std::span<const Channel> channelsOf(const Instrument& instrument, bool ice) {
   return ice || !instrument.hasIce() ? all : all.first(all.size() - 1);
 }
 
-std::string settingsFolder(Kind kind, int storageClass) {
-  return fmt::format("{}\\KALINI", storeName(instrumentOf(kind), storageClass));
-}
-
 std::string settingsPath(Kind kind, bool iceOption, int storageClass) {
   const auto& instrument = instrumentOf(kind);
   const bool iceFile = instrument.hasIce() && iceOption;
-  return fmt::format("{}\\{}", settingsFolder(kind, storageClass),
+  return fmt::format("{}\\KALINI\\{}", storeName(instrument, storageClass),
                      iceFile ? instrument.iceSettingsFile : instrument.settingsFile);
 }
 
@@ -70,11 +72,6 @@ std::string dataFolder(Kind kind, int storageClass) {
 
 std::string dataFolderPrefix(Kind kind, int storageClass) {
   return fmt::format("{}\\", dataFolder(kind, storageClass));
-}
-
-std::string dataFolderForDialog(Kind kind, int storageClass) {
-  const auto prefix = dataFolderPrefix(kind, storageClass);
-  return prefix.starts_with("C_DRIVE") ? prefix : fmt::format("\\{}", prefix);
 }
 
 std::string filterPattern(Kind kind) { return fmt::format("*{}", instrumentOf(kind).extension); }
@@ -102,6 +99,44 @@ int readingsPerStationOf(Kind kind, int surveyMode, int listA, int listB) {
   const auto& instrument = instrumentOf(kind);
   if (surveyMode != kModeManual || instrument.readingsAtStation == nullptr) return 1;
   return instrument.readingsAtStation(listA, listB);
+}
+
+std::string_view surveySetupTemplate(Kind kind, bool portrait, int storageClass) {
+  const auto& row = instrumentOf(kind);
+  if (portrait) return row.surveySetupUpright.empty() ? row.surveySetup : row.surveySetupUpright;
+  const bool small = storageClass == 0 || storageClass == 1;
+  return small || row.surveySetupWide.empty() ? row.surveySetup : row.surveySetupWide;
+}
+
+std::string_view loggerSetupTemplate(Kind kind, bool iceOption) {
+  const auto& row = instrumentOf(kind);
+  return iceOr(iceOption, row.loggerSetupIce, row.loggerSetup);
+}
+
+std::string_view displayOptionsTemplate(Kind kind, bool iceOption) {
+  const auto& row = instrumentOf(kind);
+  return iceOr(iceOption, row.displayOptionsIce, row.displayOptions);
+}
+
+std::string_view profileScaleTemplate(Kind kind, bool iceOption, bool small) {
+  const auto& row = instrumentOf(kind);
+  if (!row.profileScale.empty()) return row.profileScale;
+  if (row.hasIce() && iceOption) return "GetNewProfileScaleICE";
+  return small ? "GetNewProfileScaleOrlaH" : "GetNewProfileScaleOrla";
+}
+
+std::string_view newStationTemplate(bool small) { return small ? "GetNewStationwm6" : "GetNewStation"; }
+
+std::span<const std::string_view> titlePictures(Kind kind, bool iceOption) {
+  const auto& row = instrumentOf(kind);
+  return iceOr(iceOption, row.titlePicturesIce, row.titlePictures);
+}
+
+std::span<const std::string_view> commonTitlePictures() {
+  static constexpr std::array<std::string_view, 8> kNames{"STATICBMPA",      "STATICBMPA_VGA", "STATICBMPAAR",
+                                                          "STATICBMPAARVGA", "STATICLEAD_H",   "STATICLEAD_H_VGA",
+                                                          "STATICLEADAR",    "STATICLEADARVGA"};
+  return kNames;
 }
 
 }  // namespace kalmira

@@ -9,9 +9,9 @@
 #include "instruments/panel_fields.h"
 #include "instruments/reading.h"
 
-// What an instrument is: one row a kind, each in a file of its own (orla.cpp ... tesk2.cpp). Whatever differs
-// between kinds is a column, as a value, a table or a small function; the rest of the program reads columns
-// and never asks which kind it has.
+// What an instrument is: one row a kind, each in a file of its own (orla.cpp ... tesk2.cpp). Whatever differs between
+// kinds is a column, as a value, a table or a small function; the rest of the program reads columns and never asks
+// which kind it has.
 namespace kalmira {
 
 enum class Kind : int { orla = 0, teskb, teskdd, tesk, vardo, mirka, glaco, tesk2 };
@@ -29,8 +29,7 @@ enum class Framing {
   tesk2,  // "T" or "t", 13 binary bytes, 255 255
 };
 
-// A value of a reading. `axis` is the scale it is drawn on: 0 conductivity (GLACO: thickness), 1 inphase, 2
-// ice.
+// A value of a reading. `axis` is the scale it is drawn on: 0 conductivity (GLACO: thickness), 1 inphase, 2 ice.
 struct Channel {
   std::size_t slot = 0;
   std::string_view name;    // of its trace, in the display options
@@ -66,6 +65,11 @@ struct CurveScales {
   bool inphase = true;
 };
 inline CurveScales bothScales(int) { return {}; }
+
+// Of a record of the ASCII kinds, see rows.h.
+bool asciiTriggerPressed(std::string_view record);
+RecordFields asciiRawFields(std::string_view record);
+void putAsciiFields(std::span<char> record, const RecordFields& fields);
 
 struct Instrument {
   Kind kind = Kind::orla;
@@ -117,8 +121,8 @@ struct Instrument {
   SurveyList (*listB)(int surveyMode) = noSurveyList;
   // Readings of a whole station in Manual mode, by the two lists of header 1; nullptr: always one.
   int (*readingsAtStation)(int listA, int listB) = nullptr;
-  // Has a trigger: Wheel and Manual mode wait for it, and samples are averaged in Manual mode. Without one
-  // every reading is recorded, and beeps.
+  // Has a trigger: Wheel and Manual mode wait for it, and samples are averaged in Manual mode. Without one every
+  // reading is recorded, and beeps.
   bool hasTrigger = true;
   bool rangeTimes10 = false;  // its ranges may be ten times as large: a start-up choice
   bool calibrated = false;    // has calibration factors, which the operator measures and files hold
@@ -126,22 +130,21 @@ struct Instrument {
   // --- readings
   std::span<const Channel> channels{};  // by slot; those of the ice option last
   std::span<const AxisChoice> axes{};
-  CurveScales (*curveScales)(int listA) = bothScales;
+  CurveScales (*scalesOf)(int listA) = bothScales;
   bool inphaseScale = true;           // the scale dialog has one for inphase
   bool firstAxisIsThickness = false;  // metres with one decimal, not mS/m
   bool unscaledInphase = false;       // list A 1: inphase as the instrument counts it; two further traces then
   bool drawsAuxiliary = false;        // the two auxiliary values are shown, and drawn where inphase is unscaled
-  // What `record` says; bytes past its end read as blanks, in a binary one as zero. Any bytes give some
-  // values; nothing here fails.
+  // What `record` says; bytes past its end read as blanks, in a binary one as zero. Any bytes give some values; nothing
+  // here fails.
   Reading (*decode)(std::string_view record, const DecodeOptions& options) = nullptr;
   // The trigger is pressed, by the record itself.
-  bool (*triggerPressed)(std::string_view record) = nullptr;
-  // The numbers of a record, and averages of them put back, in the record's own form and cut to whole
-  // numbers.
-  RawFields (*rawFields)(std::string_view record) = nullptr;
-  void (*putRawFields)(std::span<char> record, const RawFields& fields) = nullptr;
+  bool (*triggerPressed)(std::string_view record) = asciiTriggerPressed;
+  // The numbers of a record, and averages of them put back, in the record's own form and cut to whole numbers.
+  RecordFields (*rawFields)(std::string_view record) = asciiRawFields;
+  void (*putRawFields)(std::span<char> record, const RecordFields& fields) = putAsciiFields;
   // --- the panel
-  PanelTexts (*panelTexts)(const Reading& reading, const PanelStyle& style) = nullptr;
+  FieldTexts (*panelTexts)(const Reading& reading, const PanelStyle& style) = nullptr;
   std::span<const Reading> widestReadings{};  // between them the widest text of every field of panelTexts
   // The mode field by survey mode and lists; nullptr: the kind has none. "" where it stays blank.
   std::string (*modeText)(int surveyMode, int listA, int listB) = nullptr;
@@ -166,27 +169,39 @@ std::span<const Channel> channelsOf(const Instrument& instrument, bool ice);
 // Where the handheld keeps user files: 0 "C_DRIVE", 1 "Storage", 2 and 3 the root and "My Documents".
 inline constexpr int kDefaultStorageClass = 1;
 
-// All paths below use backslashes as the handheld does; localPath (platform/paths.h) makes them ours.
-// Settings: "Storage\KALINI\ORLA.INI". With `iceOption` an ORLA has a file of its own.
-std::string settingsFolder(Kind kind, int storageClass);
+// All paths below use backslashes as the handheld does; localPath (platform/paths.h) makes them ours. Settings:
+// "Storage\KALINI\ORLA.INI". With `iceOption` an ORLA has a file of its own.
 std::string settingsPath(Kind kind, bool iceOption, int storageClass);
 // Data folder without leading or trailing backslash: the form it is created by.
 std::string dataFolder(Kind kind, int storageClass);
 // The form the free-name probe starts from: with a trailing backslash.
 std::string dataFolderPrefix(Kind kind, int storageClass);
-// The form the save dialog starts in: trailing backslash, and a leading one except under "C_DRIVE".
-std::string dataFolderForDialog(Kind kind, int storageClass);
 // "*.ROR"
 std::string filterPattern(Kind kind);
 
-// The 15 characters that open header 1: model tag in 8 columns, program tag. `shortInstrument` is the ORLA's
-// instrument length "Short".
+// The 15 characters that open header 1: model tag in 8 columns, program tag. `shortInstrument` is the ORLA's instrument
+// length "Short".
 std::string headerTag(Kind kind, bool shortInstrument, bool gps);
 // The row whose header tags open `header1`, or nullptr: how a data file says which instrument wrote it.
 const Instrument* findInstrumentByHeader(std::string_view header1);
 
-// Readings of a whole station, how many "T", "2", "3" ... records stand at one: for logging and for reading
-// back alike. `listA` and `listB` are columns 19 and 17 of header 1.
+// Readings of a whole station, how many "T", "2", "3" ... records stand at one: for logging and for reading back alike.
+// `listA` and `listB` are columns 19 and 17 of header 1.
 int readingsPerStationOf(Kind kind, int surveyMode, int listA, int listB);
+
+// The names of dialog templates and title pictures, by kind and screen. A dialog is loaded by the name given here.
+
+std::string_view surveySetupTemplate(Kind kind, bool portrait, int storageClass);
+std::string_view loggerSetupTemplate(Kind kind, bool iceOption);
+std::string_view displayOptionsTemplate(Kind kind, bool iceOption);
+// `small`: storage class 1 without the wide layout.
+std::string_view profileScaleTemplate(Kind kind, bool iceOption, bool small);
+std::string_view newStationTemplate(bool small);
+inline constexpr std::string_view kGpsPortSetupTemplate = "GetGPSPortSetup";
+
+// The title pictures of a kind, largest choice first as the screens came; MIRKA has none of its own.
+std::span<const std::string_view> titlePictures(Kind kind, bool iceOption);
+// The pictures that every kind's title shows.
+std::span<const std::string_view> commonTitlePictures();
 
 }  // namespace kalmira

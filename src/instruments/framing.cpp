@@ -54,8 +54,8 @@ FrameStep IceFramer::feed(Bytes block) {
   return {FrameStep::Result::needMore, block.size()};
 }
 
-// The words of a record may hold 255 255 themselves. Such a false end has no start letter 15 places before it
-// (nearly always), so it is passed over and the true end is still found.
+// The words of a record may hold 255 255 themselves. Such a false end has no start letter 15 places before it (nearly
+// always), so it is passed over and the true end is still found.
 FrameStep Tesk2Framer::feed(Bytes block) {
   constexpr std::size_t kFrameLength = kRecordLength + 2;
   std::size_t fill = fill_;

@@ -7,9 +7,9 @@
 #include <span>
 #include <string_view>
 
-// Cutting the instruments' serial streams into records. Pure: bytes in, records out; nothing here reads a
-// port, a clock or a setting. Each framer looks at one byte after the other, in blocks of any size: how the
-// stream is cut into blocks never changes what comes out. A framer belongs to one thread.
+// Cutting the instruments' serial streams into records. Pure: bytes in, records out; nothing here reads a port, a clock
+// or a setting. Each framer looks at one byte after the other, in blocks of any size: how the stream is cut into blocks
+// never changes what comes out. A framer belongs to one thread.
 namespace kalmira {
 
 using Bytes = std::span<const std::uint8_t>;
@@ -24,13 +24,13 @@ struct FrameStep {
   std::size_t used = 0;  // bytes of the block that were taken
 };
 
-// The working buffer of the ASCII and TESK2 framings holds 181 bytes; a longer run without a good record is
-// dropped, together with the byte that found it full.
+// The working buffer of the ASCII and TESK2 framings holds 181 bytes; a longer run without a good record is dropped,
+// together with the byte that found it full.
 inline constexpr std::size_t kFrameBufferBytes = 181;
 
-// "T", recordLength - 1 further characters, carriage return. A carriage return without a "T" in that place
-// makes a bad record and leaves the buffer as it is, so the next one is looked at the same way: a stream that
-// starts in the middle, or loses bytes, is back in step with its next whole record.
+// "T", recordLength - 1 further characters, carriage return. A carriage return without a "T" in that place makes a bad
+// record and leaves the buffer as it is, so the next one is looked at the same way: a stream that starts in the middle,
+// or loses bytes, is back in step with its next whole record.
 class AsciiFramer {
  public:
   // `recordLength` is the number of bytes before the carriage return, 1 to 180.
@@ -48,8 +48,8 @@ class AsciiFramer {
   std::array<std::uint8_t, kFrameBufferBytes> buffer_{};
 };
 
-// "T", three digits, "I", three digits; no terminator. After a bad step the caller throws away what the port
-// has received and starts afresh with the next byte.
+// "T", three digits, "I", three digits; no terminator. After a bad step the caller throws away what the port has
+// received and starts afresh with the next byte.
 class IceFramer {
  public:
   static constexpr std::size_t kRecordLength = 8;

@@ -1,4 +1,3 @@
-#include "instruments/ascii_record.h"
 #include "instruments/rows.h"
 
 namespace kalmira {
@@ -24,7 +23,7 @@ Reading decode(std::string_view record, const DecodeOptions&) {
   return reading;
 }
 
-PanelTexts panelTexts(const Reading& reading, const PanelStyle&) {
+FieldTexts panelTexts(const Reading& reading, const PanelStyle&) {
   return {{PanelField::value1, valueText("Th", reading.conductivity, "", false)},
           {PanelField::value2, valueText("IP", reading.inphase, "", false)}};
 }

@@ -2,16 +2,14 @@
 
 #include <algorithm>
 
-#include "instruments/ice_tables.h"
-
 namespace kalmira {
 namespace {
 
 constexpr std::size_t kMiddle = 35;
 constexpr std::size_t kLast = kIceTableEntries - 1;
 
-// The first i whose interval, entry i down to entry i + 1, holds the conductivity. When none does, the end of
-// the searched half.
+// The first i whose interval, entry i down to entry i + 1, holds the conductivity. When none does, the end of the
+// searched half.
 std::size_t findInterval(const IceTable& table, double conductivity) {
   const bool thin = conductivity > table[kMiddle];
   const std::size_t end = thin ? kMiddle : kLast;
@@ -32,8 +30,8 @@ void LoadIceTable(int seaWaterCase, bool orlaModelOption, IceModel& model) {
   model.iceTable = table;
   model.upperLimit = table.front();
   model.lowerLimit = table.back();
-  // The standard instrument's tables begin with the single-precision value of the limit, while the limit is
-  // tested in double precision: a reading between the two passes the test and is extrapolated.
+  // The standard instrument's tables begin with the single-precision value of the limit, while the limit is tested in
+  // double precision: a reading between the two passes the test and is extrapolated.
   if (!orlaModelOption) model.iceTable.front() = static_cast<float>(table.front());
 }
 

@@ -1,4 +1,4 @@
-#include "instruments/ice_tables.h"
+#include "instruments/ice_model.h"
 
 // Apparent conductivities computed from a layered-earth model: ice of 0 to 7.0 m over sea water of 2000 to
 // 3000 mS/m, one table for each 100 mS/m. Entry 0, the instrument standing on the water, is the upper limit

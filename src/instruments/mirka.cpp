@@ -1,6 +1,5 @@
 #include <fmt/format.h>
 
-#include "instruments/ascii_record.h"
 #include "instruments/rows.h"
 
 namespace kalmira {
@@ -32,7 +31,7 @@ Reading decode(std::string_view record, const DecodeOptions& options) {
   return reading;
 }
 
-PanelTexts panelTexts(const Reading& reading, const PanelStyle& style) {
+FieldTexts panelTexts(const Reading& reading, const PanelStyle& style) {
   return {{PanelField::value1, valueText("C", reading.conductivity, "", style.wide)},
           {PanelField::value2, fmt::format("Sep:{:<8.2f} m", static_cast<double>(reading.inphase))}};
 }
@@ -59,11 +58,8 @@ constexpr Instrument kMirka{
     .drawing = "mirka",
     .channels = kChannels,
     .axes = kOneAxis,
-    .curveScales = [](int) { return CurveScales{.conductivity = true, .inphase = false}; },
+    .scalesOf = [](int) { return CurveScales{.conductivity = true, .inphase = false}; },
     .decode = decode,
-    .triggerPressed = asciiTriggerPressed,
-    .rawFields = asciiRawFields,
-    .putRawFields = putAsciiFields,
     .panelTexts = panelTexts,
     .widestReadings = kWidestReadings,
     .modeText = [](int, int, int) { return std::string(); },

@@ -1,6 +1,5 @@
 #include <fmt/format.h>
 
-#include "instruments/ascii_record.h"
 #include "instruments/rows.h"
 
 namespace kalmira {
@@ -41,8 +40,7 @@ RangeRow rangeOf(int code) {
   }
 }
 
-// A record is "TA+0123-0045": conductivity field first. One with an odd mode byte has the battery's two
-// voltages.
+// A record is "TA+0123-0045": conductivity field first. One with an odd mode byte has the battery's two voltages.
 Reading decode(std::string_view record, const DecodeOptions& options) {
   Reading reading;
   const auto mode = readMode(record, options, reading);
@@ -53,8 +51,8 @@ Reading decode(std::string_view record, const DecodeOptions& options) {
   double inphase = inphaseField * factor;
   reading.batteryLevels = mode.odd;
   if (!mode.odd && inphaseOnly(options.listA)) {
-    // Showing inphase only, the instrument sends it in the conductivity field; that value stays unscaled. The
-    // short instrument's inphase takes no range factor.
+    // Showing inphase only, the instrument sends it in the conductivity field; that value stays unscaled. The short
+    // instrument's inphase takes no range factor.
     conductivity = conductivityField;
     inphase = options.orlaModelOption ? conductivityField / kShortInphase : conductivityField * factor * 0.25;
   } else if (!mode.odd) {
@@ -78,7 +76,7 @@ std::string thicknessText(const Reading& reading, const PanelStyle& style) {
   return fmt::format(fmt::runtime(wide ? "Th: {:<8.2f}m" : "T[m]:{:<8.2f}"), metres);
 }
 
-PanelTexts panelTexts(const Reading& reading, const PanelStyle& style) {
+FieldTexts panelTexts(const Reading& reading, const PanelStyle& style) {
   const bool wide = style.wide;
   if (reading.batteryLevels) {
     return {{PanelField::value1, valueText("B", reading.conductivity, "Volt", wide)},
@@ -86,7 +84,7 @@ PanelTexts panelTexts(const Reading& reading, const PanelStyle& style) {
             {PanelField::value3, ""},
             {PanelField::range, "Battery Levels"}};
   }
-  PanelTexts texts{{PanelField::value1,
+  FieldTexts texts{{PanelField::value1,
                     inphaseOnly(style.listA) ? std::string() : valueText("C", reading.conductivity, "mS/m", wide)},
                    {PanelField::value2, valueText("I", reading.inphase, "ppt", wide)}};
   if (!style.iceOption) {
@@ -138,11 +136,8 @@ constexpr Instrument kOrla{
     .readingsAtStation = dipolesAtStation,
     .channels = kChannels,
     .axes = kBothAxes,
-    .curveScales = [](int listA) { return CurveScales{.conductivity = !inphaseOnly(listA), .inphase = true}; },
+    .scalesOf = [](int listA) { return CurveScales{.conductivity = !inphaseOnly(listA), .inphase = true}; },
     .decode = decode,
-    .triggerPressed = asciiTriggerPressed,
-    .rawFields = asciiRawFields,
-    .putRawFields = putAsciiFields,
     .panelTexts = panelTexts,
     .widestReadings = kWidestReadings,
     .modeText = dipoleModeText,

@@ -40,10 +40,16 @@ enum class PanelField {
 inline constexpr int kPanelFields = static_cast<int>(PanelField::gpsNote) + 1;
 
 // "state", "value1" ...
-std::string_view panelFieldName(PanelField field);
+constexpr std::string_view panelFieldName(PanelField field) {
+  constexpr std::array<std::string_view, kPanelFields> kNames{
+      "file",        "state",       "battery",  "triggerMode", "stationLabel", "station", "line",   "repeat", "mode",
+      "value1",      "value2",      "value3",   "value4",      "value5",       "value6",  "range",  "marker", "message",
+      "calibration", "gpsActivity", "gpsCount", "satellites",  "fix",          "pdop",    "gpsNote"};
+  return kNames[static_cast<std::size_t>(field)];
+}
 
 // Texts of fields; "" clears a field.
-using PanelTexts = std::vector<std::pair<PanelField, std::string>>;
+using FieldTexts = std::vector<std::pair<PanelField, std::string>>;
 
 // What the texts of a reading depend on besides the reading.
 struct PanelStyle {
@@ -65,8 +71,8 @@ struct PanelRow {
   std::span<const PanelField> fields;
 };
 
-// The rows that show a reading, as most kinds have them: of an upright panel, which has the width for large
-// figures one below the other, and of a lying one, which has no row to spare.
+// The rows that show a reading, as most kinds have them: of an upright panel, which has the width for large figures one
+// below the other, and of a lying one, which has no row to spare.
 namespace rows {
 using F = PanelField;
 using Shape = PanelRow::Shape;
@@ -88,10 +94,5 @@ inline constexpr std::array kUprightPairs{PanelRow{Shape::columns, kValues12}, P
 inline constexpr std::array kLying{PanelRow{Shape::band, kBand}, PanelRow{Shape::flow, kStation},
                                    PanelRow{Shape::columns, kValues123}, PanelRow{Shape::flow, kFileRange}};
 }  // namespace rows
-
-// "%-8.2f" and its kind, as the value fields are written: "C:12.34   mS/m" when `wide`, "C:12.34   " else.
-std::string valueText(std::string_view label, float value, std::string_view unit, bool wide);
-// "Mode:V", "Mode:H", "Mode:B" by the dipole-mode setting.
-std::string dipoleModeText(int surveyMode, int listA, int listB);
 
 }  // namespace kalmira

@@ -5,9 +5,9 @@
 #include <cstdint>
 #include <string_view>
 
-// What a record of an instrument says. Conductivity is in mS/m, inphase in parts per thousand, ice thickness
-// in metres. Values are computed in double precision and rounded to float once, unless a comment says
-// otherwise. docs/instrument-links.md has the records and their tables.
+// What a record of an instrument says. Conductivity is in mS/m, inphase in parts per thousand, ice thickness in metres.
+// Values are computed in double precision and rounded to float once, unless a comment says otherwise.
+// docs/instrument-links.md has the records and their tables.
 namespace kalmira {
 
 inline constexpr std::size_t kSlots = 8;
@@ -46,7 +46,7 @@ struct Reading {
 };
 
 // The numbers of a record as they stand on the wire, for averages of them.
-struct RawFields {
+struct RecordFields {
   std::array<float, 6> value{};
   std::size_t count = 0;
 };

@@ -1,4 +1,3 @@
-#include "instruments/ascii_record.h"
 #include "instruments/rows.h"
 
 namespace kalmira {
@@ -29,7 +28,7 @@ Reading decode(std::string_view record, const DecodeOptions& options) {
   return reading;
 }
 
-PanelTexts panelTexts(const Reading& reading, const PanelStyle& style) {
+FieldTexts panelTexts(const Reading& reading, const PanelStyle& style) {
   const auto range = dipoleRangeText(reading, style.wide);
   if (reading.recordType == 2) {
     return {{PanelField::value1, valueText("C", reading.conductivity, "mS/m", style.wide)}, {PanelField::range, range}};
@@ -73,11 +72,9 @@ constexpr Instrument kTesk{
     .rangeTimes10 = true,
     .channels = kDipoleChannels,
     .axes = kBothAxes,
-    .curveScales = componentScales,
+    .scalesOf = componentScales,
     .decode = decode,
-    .triggerPressed = asciiTriggerPressed,
     .rawFields = asciiFirstField,
-    .putRawFields = putAsciiFields,
     .panelTexts = panelTexts,
     .widestReadings = kWidestReadings,
     .modeText = dipoleModeText,

@@ -1,6 +1,5 @@
 #include <array>
 
-#include "instruments/ascii_record.h"
 #include "instruments/rows.h"
 
 namespace kalmira {
@@ -92,13 +91,13 @@ Reading decode(std::string_view record, const DecodeOptions& options) {
   return reading;
 }
 
-RawFields rawFields(std::string_view record) {
-  RawFields fields{.value = {}, .count = kWords};
+RecordFields rawFields(std::string_view record) {
+  RecordFields fields{.value = {}, .count = kWords};
   for (std::size_t i = 0; i < kWords; ++i) fields.value[i] = static_cast<float>(wordAt(record, i));
   return fields;
 }
 
-void putRawFields(std::span<char> record, const RawFields& fields) {
+void putRawFields(std::span<char> record, const RecordFields& fields) {
   for (std::size_t i = 0; i < fields.count; ++i) {
     const auto word = static_cast<unsigned>(fields.value[i]);
     record[kFirstWord + 2 * i] = static_cast<char>(word >> 8U);
@@ -106,11 +105,10 @@ void putRawFields(std::span<char> record, const RawFields& fields) {
   }
 }
 
-// While a calibration measures, the auxiliary values stay as they are, and the first inphase is shown as a
-// raw one.
-PanelTexts panelTexts(const Reading& reading, const PanelStyle& style) {
+// While a calibration measures, the auxiliary values stay as they are, and the first inphase is shown as a raw one.
+FieldTexts panelTexts(const Reading& reading, const PanelStyle& style) {
   const bool wide = style.wide;
-  PanelTexts texts{{F::value1, valueText("C", reading.conductivity, "mS/m", wide)},
+  FieldTexts texts{{F::value1, valueText("C", reading.conductivity, "mS/m", wide)},
                    {F::value2, valueText("I", reading.inphase, style.measuring ? "mS/m" : "ppt", wide)},
                    {F::value3, valueText("c", reading.conductivity2, "mS/m", wide)},
                    {F::value4, valueText("i", reading.inphase2, "ppt", wide)}};

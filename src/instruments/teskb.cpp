@@ -1,6 +1,5 @@
 #include <fmt/format.h>
 
-#include "instruments/ascii_record.h"
 #include "instruments/rows.h"
 
 namespace kalmira {
@@ -39,7 +38,7 @@ Reading decode(std::string_view record, const DecodeOptions& options) {
   return reading;
 }
 
-PanelTexts panelTexts(const Reading& reading, const PanelStyle& style) {
+FieldTexts panelTexts(const Reading& reading, const PanelStyle& style) {
   const std::string_view word = reading.orientation == 'V' ? "Vertical" : "Horizontal";
   return {{PanelField::value1, valueText("C", reading.conductivity, "mS/m", style.wide)},
           {PanelField::value2, valueText("I", reading.inphase, "ppt", style.wide)},
@@ -76,9 +75,6 @@ constexpr Instrument kTeskb{
     .channels = kDipoleChannels,
     .axes = kBothAxes,
     .decode = decode,
-    .triggerPressed = asciiTriggerPressed,
-    .rawFields = asciiRawFields,
-    .putRawFields = putAsciiFields,
     .panelTexts = panelTexts,
     .widestReadings = kWidestReadings,
     .modeText = dipoleModeText,

@@ -1,6 +1,5 @@
 #include <fmt/format.h>
 
-#include "instruments/ascii_record.h"
 #include "instruments/rows.h"
 
 namespace kalmira {
@@ -32,7 +31,7 @@ Reading decode(std::string_view record, const DecodeOptions& options) {
   return reading;
 }
 
-PanelTexts panelTexts(const Reading& reading, const PanelStyle& style) {
+FieldTexts panelTexts(const Reading& reading, const PanelStyle& style) {
   const bool wide = style.wide;
   const bool conductivity = reading.recordType == 2;
   const std::string range =
@@ -77,11 +76,8 @@ constexpr Instrument kTeskdd{
     .readingsAtStation = [](int listA, int) { return listA == 0 ? 2 : 1; },
     .channels = kDipoleChannels,
     .axes = kBothAxes,
-    .curveScales = componentScales,
+    .scalesOf = componentScales,
     .decode = decode,
-    .triggerPressed = asciiTriggerPressed,
-    .rawFields = asciiRawFields,
-    .putRawFields = putAsciiFields,
     .panelTexts = panelTexts,
     .widestReadings = kWidestReadings,
     .modeText = modeText,

@@ -1,6 +1,5 @@
 #include <fmt/format.h>
 
-#include "instruments/ascii_record.h"
 #include "instruments/rows.h"
 
 namespace kalmira {
@@ -32,8 +31,7 @@ RangeRow rangeOf(int code) {
   }
 }
 
-// Here the sense of the orientation bit is the reverse of the other kinds'. The second value is the coil
-// separation.
+// Here the sense of the orientation bit is the reverse of the other kinds'. The second value is the coil separation.
 Reading decode(std::string_view record, const DecodeOptions& options) {
   Reading reading;
   int rest = readMode(record, options, reading).rest;
@@ -57,7 +55,7 @@ Reading decode(std::string_view record, const DecodeOptions& options) {
   return reading;
 }
 
-PanelTexts panelTexts(const Reading& reading, const PanelStyle& style) {
+FieldTexts panelTexts(const Reading& reading, const PanelStyle& style) {
   return {{PanelField::value1, valueText("C", reading.conductivity, "mS/m", style.wide)},
           {PanelField::value2, fmt::format("Sep:{:2.0f} m", static_cast<double>(reading.inphase))},
           {PanelField::range, dipoleRangeText(reading, style.wide)}};
@@ -106,12 +104,9 @@ constexpr Instrument kVardo{
     .readingsAtStation = [](int, int listB) { return coilSetting(listB) + 1; },
     .channels = kChannels,
     .axes = kOneAxis,
-    .curveScales = [](int) { return CurveScales{.conductivity = true, .inphase = false}; },
+    .scalesOf = [](int) { return CurveScales{.conductivity = true, .inphase = false}; },
     .inphaseScale = false,
     .decode = decode,
-    .triggerPressed = asciiTriggerPressed,
-    .rawFields = asciiRawFields,
-    .putRawFields = putAsciiFields,
     .panelTexts = panelTexts,
     .widestReadings = kWidestReadings,
     .modeText = modeText,

@@ -25,6 +25,7 @@
 #include <system_error>
 #include <utility>
 
+#include "platform/files.h"
 #include "platform/text.h"
 
 namespace kalmira {
@@ -61,20 +62,13 @@ struct Holder {
   std::string name;
 };
 
-std::string firstLine(const fs::path& file) {
-  std::ifstream in(file);
-  std::string line;
-  std::getline(in, line);
-  return line;
-}
-
-Holder holderOf(int pid) { return {pid, firstLine(fmt::format("/proc/{}/comm", pid))}; }
+Holder holderOf(int pid) { return {pid, firstLineOf(fmt::format("/proc/{}/comm", pid))}; }
 
 bool isRunning(int pid) { return kill(pid, 0) == 0 || errno == EPERM; }
 
-// The lock file of the terminal programs: one line with the number of the process. The serial port library
-// writes files of the same name with more lines, and judges those itself. Nothing when no running program
-// holds it; a file that a dead one left is removed.
+// The lock file of the terminal programs: one line with the number of the process. The serial port library writes files
+// of the same name with more lines, and judges those itself. Nothing when no running program holds it; a file that a
+// dead one left is removed.
 std::optional<Holder> lockFileHolder(const std::string& path) {
   std::string name = path.starts_with("/dev/") ? path.substr(5) : path;
   for (char& c : name) {

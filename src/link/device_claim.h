@@ -8,11 +8,10 @@
 
 namespace kalmira {
 
-// A serial device taken for this port alone, for as long as the claim lives. Three conventions are in use
-// among programs that read serial lines: a lock file, an advisory lock on the device, and the device's own
-// exclusive mode. All are looked at and the second is held here; the serial port library adds the other two.
-// Only the advisory lock stops a superuser's program too, and only it leaves nothing behind when a program is
-// killed.
+// A serial device taken for this port alone, for as long as the claim lives. Three conventions are in use among
+// programs that read serial lines: a lock file, an advisory lock on the device, and the device's own exclusive mode.
+// All are looked at and the second is held here; the serial port library adds the other two. Only the advisory lock
+// stops a superuser's program too, and only it leaves nothing behind when a program is killed.
 class DeviceClaim {
  public:
   DeviceClaim() = default;
@@ -31,15 +30,15 @@ class DeviceClaim {
   int descriptor_ = -1;
 };
 
-// What would keep this user from opening the device at `path`, as far as can be seen without touching it;
-// nothing also when another program holds it.
+// What would keep this user from opening the device at `path`, as far as can be seen without touching it; nothing also
+// when another program holds it.
 std::optional<PortError> lookAtDevice(const std::string& path);
 
-// Tells the device's driver to deliver bytes as they come; adapters that collect them for 16 ms and more can
-// do that. Devices that cannot ignore it.
+// Tells the device's driver to deliver bytes as they come; adapters that collect them for 16 ms and more can do that.
+// Devices that cannot ignore it.
 void askForLowLatency(int descriptor);
-// A pseudo-terminal keeps its exclusive mode when the program that set it is killed, so that nobody could
-// open it again: let go of that mode there. The advisory lock remains.
+// A pseudo-terminal keeps its exclusive mode when the program that set it is killed, so that nobody could open it
+// again: let go of that mode there. The advisory lock remains.
 void dropLastingExclusiveMode(int descriptor, std::string_view path);
 
 // The texts of errors, each for the device at `path`.

@@ -37,7 +37,7 @@ LineSettings markerLine(Kind kind) {
   return line;
 }
 
-LineSettings gpsLine(const Settings& settings) {
+LineSettings gpsPortLine(const Settings& settings) {
   return {.baud = choice(kGpsBauds, settings.gpsBaudIndex),
           .dataBits = choice(kGpsDataBits, settings.gpsDataBitsIndex),
           .parity = choice(kGpsParities, settings.gpsParityIndex),
@@ -63,7 +63,7 @@ int markerComNumber(int markerPortChoice) {
 
 std::string comName(int comNumber) { return fmt::format("COM{}:", comNumber); }
 
-MarkerPlace markerPlace(Kind kind, const Settings& settings) {
+MarkerPlace markerPlaceOf(Kind kind, const Settings& settings) {
   const int position = indexOr(settings.markerPortChoice, kComPorts, 0);
   if (!instrumentOf(kind).hasMarker || position < 1) return MarkerPlace::none;
   // The list position is compared as it stands, not the COM number behind it.

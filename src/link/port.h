@@ -23,8 +23,8 @@ struct LineSettings {
   std::optional<Parity> parity{};
   std::optional<int> stopBits{};  // 1 or 2
   bool xonXoff = false;           // software flow control in both directions
-  // Output waits for DSR. Nothing is ever sent on the marker line, the only one that asks for it, so a system
-  // without this kind of flow control loses nothing.
+  // Output waits for DSR. Nothing is ever sent on the marker line, the only one that asks for it, so a system without
+  // this kind of flow control loses nothing.
   bool dsrOutputFlow = false;
   std::optional<bool> dtr{};
   std::optional<bool> rts{};
@@ -34,7 +34,7 @@ struct LineSettings {
 
 LineSettings instrumentLine(Kind kind);
 LineSettings markerLine(Kind kind);
-LineSettings gpsLine(const Settings& settings);
+LineSettings gpsPortLine(const Settings& settings);
 
 inline constexpr int kComPorts = 12;
 // COM numbers, 1 to 12, as the settings name them; 0 for no marker port.
@@ -47,7 +47,7 @@ std::string comName(int comNumber);
 
 // Where the marker line of this kind is: nowhere, on a port of its own, or on the instrument's cable.
 enum class MarkerPlace { none, ownPort, instrumentPort };
-MarkerPlace markerPlace(Kind kind, const Settings& settings);
+MarkerPlace markerPlaceOf(Kind kind, const Settings& settings);
 
 enum class PortErrorKind { missing, held, denied, notSerial, other };
 struct PortError {
@@ -76,8 +76,7 @@ class Port {
 
   // Takes the device for this program alone. The port must be closed.
   virtual std::optional<PortError> open(const std::string& device, const LineSettings& line) = 0;
-  // Waits until anything has come, at most `timeoutMs`, and returns what is there, up to the size of
-  // `buffer`.
+  // Waits until anything has come, at most `timeoutMs`, and returns what is there, up to the size of `buffer`.
   virtual ReadResult read(std::span<std::uint8_t> buffer, int timeoutMs) = 0;
   // Drops what has not been sent, then what has not been read.
   virtual void purge() = 0;
@@ -91,5 +90,9 @@ class Port {
 
 // Called on the thread that will use the port.
 using PortFactory = std::function<std::unique_ptr<Port>()>;
+
+// A port of this machine. A QCoreApplication must exist while it is used; no event loop has to run. A pseudo-terminal
+// will do as a device: what it cannot do (modem lines) is passed over.
+std::unique_ptr<Port> makeQtSerialPort();
 
 }  // namespace kalmira

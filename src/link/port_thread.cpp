@@ -35,8 +35,7 @@ void PortThread::close() {
   if (!isOpen()) return;
   worker_.requestStop();
   sender_->close();
-  // From within work done directly on the port's own thread: it ends with that, and is waited for another
-  // time.
+  // From within work done directly on the port's own thread: it ends with that, and is waited for another time.
   if (worker_.isThisThread()) return;
   worker_.stop();
   gone_ = false;

@@ -14,8 +14,8 @@
 
 namespace kalmira {
 
-// One port with the thread that it belongs to: the port is made, opened, used and closed there. Every member
-// is called on one other thread, the session's.
+// One port with the thread that it belongs to: the port is made, opened, used and closed there. Every member is called
+// on one other thread, the session's.
 class PortThread {
  public:
   // What a job may use, on the port's thread.
@@ -43,8 +43,7 @@ class PortThread {
   // Runs `job` and waits for it, but no longer than `interrupted` says no: then the port is closed, and false.
   // Only between open and start.
   bool call(const std::function<bool(const Context&)>& job, const std::function<bool()>& interrupted);
-  // Runs `job` until the port is closed, and anew whenever a vanished device could be opened again. Once an
-  // open.
+  // Runs `job` until the port is closed, and anew whenever a vanished device could be opened again. Once an open.
   void start(Job job);
 
   // True while the device has vanished under the open port and is not back.
@@ -52,8 +51,8 @@ class PortThread {
   // Has a vanished device tried once more, without waiting for it.
   void reopen();
 
-  // Ends the thread, within 200 ms whatever it is doing; also from within work that it has handed over. The
-  // job has ended when this returns.
+  // Ends the thread, within 200 ms whatever it is doing; also from within work that it has handed over. The job has
+  // ended when this returns.
   void close();
 
  private:

@@ -1,14 +1,13 @@
-#include "link/qt_serial_port.h"
+#include "link/port.h"
 
 #include <fmt/format.h>
 
 #include <QtCore/QEventLoop>
 #include <QtSerialPort/QSerialPort>
-#include <filesystem>
 #include <optional>
 #include <string>
-#include <system_error>
 
+#include "link/com_devices.h"
 #include "link/device_claim.h"
 
 #ifdef Q_OS_UNIX
@@ -28,13 +27,6 @@ QSerialPort::Parity qtParity(Parity parity) {
     case Parity::none: break;
   }
   return QSerialPort::NoParity;
-}
-
-// Links (".../by-id/...") are followed to the device itself: two names of one device must not give two ports.
-std::string realDevice(const std::string& device) {
-  std::error_code error;
-  const std::filesystem::path path = std::filesystem::canonical(device, error);
-  return error ? device : path.string();
 }
 
 class QtSerialPort final : public Port {
@@ -60,6 +52,7 @@ class QtSerialPort final : public Port {
 
 std::optional<PortError> QtSerialPort::open(const std::string& device, const LineSettings& line) {
   close();
+  // Links (".../by-id/...") are followed: two names of one device must not give two ports.
   const std::string path = realDevice(device);
   if (auto error = claim_.take(path)) return error;
   const LineSettings found = claim_.found();
@@ -105,8 +98,8 @@ void QtSerialPort::setLine(const LineSettings& line, const LineSettings& found) 
 
 #ifdef Q_OS_UNIX
 
-// Straight from the descriptor: the port's own way, through a buffer, notifiers and signals, takes a third
-// more processor time a record. Nothing else reads it, for no event loop runs.
+// Straight from the descriptor: the port's own way, through a buffer, notifiers and signals, takes a third more
+// processor time a record. Nothing else reads it, for no event loop runs.
 ReadResult QtSerialPort::read(std::span<std::uint8_t> buffer, int timeoutMs) {
   if (!port_) return {.count = 0, .gone = true};
   pollfd wait{.fd = port_->handle(), .events = POLLIN, .revents = 0};

@@ -1,8 +1,9 @@
 #include "link/readers.h"
 
 #include <algorithm>
-#include <array>
+#include <cmath>
 #include <cstring>
+#include <limits>
 #include <optional>
 
 namespace kalmira {
@@ -61,6 +62,12 @@ bool feedBlock(Framer& framer, Bytes block, LinkState& link, const OnGood& onGoo
     if (step.result == Result::good && !onGood(framer.record())) return false;
   }
   return true;
+}
+
+// Truncated to 1 or more; what is no number gives 1.
+int atLeastOne(double value) {
+  if (!(value >= 1.0)) return 1;
+  return value >= std::numeric_limits<int>::max() ? std::numeric_limits<int>::max() : static_cast<int>(value);
 }
 
 }  // namespace
@@ -138,8 +145,8 @@ ReaderEnd InstrumentReaderTesk2(const ReaderContext& context, bool markerOnInstr
 
 ReaderEnd MarkerLineThread(const ReaderContext& context) {
   unsigned lastCts = context.port.modemStatus() & kCtsOn;
-  // No call waits for a change of a modem line on every system and can be ended from outside as well, so the
-  // line is looked at often. Reading does the waiting: it notices when the device goes.
+  // No call waits for a change of a modem line on every system and can be ended from outside as well, so the line is
+  // looked at often. Reading does the waiting: it notices when the device goes.
   const ReaderEnd end = readBlocks(context.port, context.stop, kMarkerPollMs, [&](Bytes) {
     const unsigned status = context.port.modemStatus();
     if ((status & kCtsOn) != lastCts) context.link.markerLineState = static_cast<int>(status);
@@ -226,6 +233,15 @@ bool ProbeTeskRecord(const ReaderContext& context, bool* gone) {
     return true;
   }
   return false;
+}
+
+RecordRates recordRatesOf(float intervalSeconds, float recordPeriodMs) {
+  RecordRates rates;
+  rates.recordsPerInterval = atLeastOne(static_cast<double>(intervalSeconds) * 1000.0 / recordPeriodMs + 0.5);
+  // In single precision, where 1 / 0.1 is 10 and not 9.99.
+  const double perSecond = std::trunc(1.0F / intervalSeconds) + (intervalSeconds <= 1.0F ? 0.0 : 1.0);
+  rates.ratePerSecond = std::min(atLeastOne(perSecond), atLeastOne(std::round(1000.0 / recordPeriodMs)));
+  return rates;
 }
 
 }  // namespace kalmira

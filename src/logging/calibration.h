@@ -4,15 +4,15 @@
 
 namespace kalmira {
 
-// The TESK2's calibration in the air: two seconds of readings with vertical dipoles, a rotation, two seconds
-// with horizontal ones. They give six factors: the inphase that is left in each mode and channel, and what
-// each conductivity lacks to be, with vertical dipoles, twice what it is with horizontal ones.
+// The TESK2's calibration in the air: two seconds of readings with vertical dipoles, a rotation, two seconds with
+// horizontal ones. They give six factors: the inphase that is left in each mode and channel, and what each conductivity
+// lacks to be, with vertical dipoles, twice what it is with horizontal ones.
 
 // At least so many readings in the right mode make a stage good.
 inline constexpr int kCalibrationReadings = 30;
 inline constexpr std::uint32_t kCalibrationStageMs = 2000;
-// The operator is told of 60 seconds, but a rotation takes two; ten seconds tell an instrument that does not
-// report its orientation from one that is being turned.
+// The operator is told of 60 seconds, but a rotation takes two; ten seconds tell an instrument that does not report its
+// orientation from one that is being turned.
 inline constexpr std::uint32_t kCalibrationRotationMs = 10000;
 
 // Both ask first. True when the answer was yes and the calibration runs, or the factors are deleted.

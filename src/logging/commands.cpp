@@ -6,10 +6,8 @@
 #include "logging/file_guard.h"
 #include "logging/gps_watch.h"
 #include "logging/panel.h"
-#include "logging/watchdog.h"
 
 namespace kalmira {
-
 bool commandAllowed(const Session& session, Command command) {
   const int state = session.loggingState;
   const bool calibrated = session.instrument.calibrated;
@@ -26,7 +24,7 @@ bool commandAllowed(const Session& session, Command command) {
   }
 }
 
-CreateOutcome createDataFile(Session& session, const ChooseDataFile& choose) {
+CreateOutcome beginDataFile(Session& session, const ChooseDataFile& choose) {
   const auto warnExists = [&session] {
     session.view.tell({.title = "WARNING", .text = std::string(kFileExistsText), .icon = Icon::exclamation});
   };
@@ -54,7 +52,6 @@ void startRecording(Session& session) {
   session.linkActive = true;
   session.gpsHeldWritten = false;
   session.readingLogged = false;  // a position that comes now belongs to no reading yet
-  if (session.triggerMode != kModeManual) session.savedTriggerMode = session.triggerMode;
   session.link.recordsPerReading = session.triggerMode == kModeAuto ? session.recordInterval : 1;
   session.link.recordCount = 0;
   session.beepCounter = 0;
@@ -90,7 +87,6 @@ void pauseRecording(Session& session) {
   session.file.closeAndReopen();
   session.link.recordsPerReading = 1;
   session.link.recordCount = 0;
-  if (session.triggerMode == kModeWheel) session.savedTriggerMode = 0;
   session.loggingState = kStandBy;
   showState(session);
   tellUnfinished(session);
@@ -141,7 +137,7 @@ bool LeaveLogging(Session& session, bool forced) {
   abandonCalibration(session);
   if (session.gpsEnabled()) session.ports->closeGpsPort();
   session.ports->closeMarkerPort();
-  stopTimer(session);
+  session.timer.running = false;
   session.ports->closeInstrumentPort();
   session.loggingState = kNoFile;
   session.stationReadingCount = 0;
@@ -150,10 +146,6 @@ bool LeaveLogging(Session& session, bool forced) {
   session.linkActive = false;
   session.view.loggingLeft();
   return true;
-}
-
-void tellPortProblem(Session& session, const PortProblem& problem) {
-  session.view.tell({.title = "Serial Port", .text = problem.message + "\r\n" + problem.detail, .icon = Icon::none});
 }
 
 }  // namespace kalmira

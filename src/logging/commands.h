@@ -5,11 +5,10 @@
 
 #include "datafile/creation.h"
 #include "logging/session.h"
-#include "logging/session_ports.h"
 #include "settings/line_entry.h"
 
-// What the operator can do in a session. Each command is for the states its comment names; who calls it has
-// looked (commandAllowed). Called on the session's thread.
+// What the operator can do in a session. Each command is for the states its comment names; who calls it has looked
+// (commandAllowed). Called on the session's thread.
 namespace kalmira {
 
 enum class Command {
@@ -31,9 +30,9 @@ enum class Command {
 // Whether the logging window offers the command in the session's present state.
 bool commandAllowed(const Session& session, Command command);
 
-// No file: asks for a name through `choose` and creates the data file. A failure is told to the operator; the
-// outcome `failed` means that the program is to end.
-CreateOutcome createDataFile(Session& session, const ChooseDataFile& choose);
+// No file: asks for a name through `choose` and creates the data file. A failure is told to the operator; the outcome
+// `failed` means that the program is to end.
+CreateOutcome beginDataFile(Session& session, const ChooseDataFile& choose);
 
 void startRecording(Session& session);  // Stand By
 void pauseRecording(Session& session);  // Logging
@@ -45,11 +44,9 @@ void newStation(Session& session, double station);
 // The comment dialog was confirmed; `text` is UTF-8.
 void addComment(Session& session, std::string_view text);
 
-// Ends the session: closes file and ports. Unless `forced`, asks first when there is a data file; the session
-// goes on when the answer is no. True when the session has ended.
+// Ends the session: closes file and ports. Unless `forced`, asks first when there is a data file; the session goes on
+// when the answer is no. True when the session has ended.
 bool LeaveLogging(Session& session, bool forced);
 Message exitQuestion();
-
-void tellPortProblem(Session& session, const PortProblem& problem);
 
 }  // namespace kalmira

@@ -12,8 +12,7 @@
 
 #include "logging/panel.h"
 #include "logging/session_view.h"
-#include "platform/output_file.h"
-#include "platform/paths.h"
+#include "platform/files.h"
 
 namespace kalmira {
 namespace {

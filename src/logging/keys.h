@@ -1,12 +1,14 @@
 #pragma once
 
 #include <optional>
+#include <string_view>
+#include <vector>
 
 #include "logging/commands.h"
 #include "logging/session.h"
 
-// From keys to what they do in the logging window. Key numbers are the handheld's virtual key codes: letters
-// and digits by their ASCII codes (letters of either case), the rest below.
+// From keys to what they do in the logging window. Key numbers are the handheld's virtual key codes: letters and digits
+// by their ASCII codes (letters of either case), the rest below.
 namespace kalmira {
 
 namespace key {
@@ -37,8 +39,8 @@ struct KeyContext {
   bool digitsPlatform = false;  // a numeric keypad: digits mark, where elsewhere arrows do
 };
 
-// What a button or key asks for in state 0 (no file), Stand By and Logging: codes 0 to 5 of the window's
-// rows, for a TESK2 without a file also the menu commands 107 and 108.
+// What a button or key asks for in state 0 (no file), Stand By and Logging: codes 0 to 5 of the window's rows, for a
+// TESK2 without a file also the menu commands 107 and 108.
 inline constexpr int kNoCode = -1;
 inline constexpr int kMenuCalibrate = 107;
 inline constexpr int kMenuDeleteCalibration = 108;
@@ -55,5 +57,25 @@ std::optional<Command> commandOf(const Session& session, int code);
 
 // The command behind a menu identifier 1101 to 1112: 101 to 108; kNoCode for others.
 int menuCommandOf(int menuIdentifier);
+
+// The texts of the logging window's buttons. "&" marks the letter that is underlined.
+
+// What decides which keys a prompt may name.
+enum class Keypad {
+  full,     // letters and all
+  narrow,   // the same, on a screen too narrow for the long texts
+  tesk2,    // digits mark while logging, so that they cannot pause
+  numeric,  // a numeric keypad, whose digits mark
+};
+Keypad keypadOf(const Session& session, const KeyContext& context);
+
+// The prompt of the Logging row, by the pause key and the trigger mode.
+std::string_view pausePrompt(Keypad keypad, int pauseKey, bool manual);
+
+// The row of buttons for the session's present state, in the order of their codes.
+std::vector<std::string_view> buttonTexts(const Session& session, const KeyContext& context);
+
+// What the logging window knows of its keys: the TESK2's soft marker, and whether digits do the marking.
+KeyContext keyContextOf(const Session& session);
 
 }  // namespace kalmira

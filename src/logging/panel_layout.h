@@ -8,8 +8,8 @@
 #include "instruments/catalogue.h"
 #include "logging/session_view.h"
 
-// Where the panel's fields stand, worked out from the width, the scale and the font: nothing overlaps, and
-// every field has room for the widest text that its kind of instrument can show in it.
+// Where the panel's fields stand, worked out from the width, the scale and the font: nothing overlaps, and every field
+// has room for the widest text that its kind of instrument can show in it.
 namespace kalmira {
 
 enum class PanelFont {

@@ -5,8 +5,6 @@
 #include <memory>
 #include <utility>
 
-#include "link/readers.h"
-
 namespace kalmira {
 namespace {
 
@@ -42,7 +40,7 @@ std::optional<PortProblem> SerialSessionPorts::openPort(PortThread& thread, int 
   return PortProblem{std::string(message), std::move(error->text)};
 }
 
-ReaderContext SerialSessionPorts::readerContext(const PortThread::Context& context) const {
+ReaderContext SerialSessionPorts::contextOf(const PortThread::Context& context) const {
   return {.port = context.port, .link = link_, .clock = clock_, .stop = context.stop};
 }
 
@@ -53,13 +51,12 @@ std::optional<PortProblem> SerialSessionPorts::OpenInstrumentPort() {
 
 bool SerialSessionPorts::ProbeTeskRecord(const std::function<bool()>& interrupted) {
   probed_ = instrument_.call(
-      [this](const PortThread::Context& context) { return kalmira::ProbeTeskRecord(readerContext(context)); },
-      interrupted);
+      [this](const PortThread::Context& context) { return kalmira::ProbeTeskRecord(contextOf(context)); }, interrupted);
   return probed_;
 }
 
 void SerialSessionPorts::startInstrumentReader() {
-  const bool markerOnInstrumentPort = markerPlace(kind_, settings_) == MarkerPlace::instrumentPort;
+  const bool markerOnInstrumentPort = markerPlaceOf(kind_, settings_) == MarkerPlace::instrumentPort;
   instrument_.start([this, markerOnInstrumentPort](const PortThread::Context& context) {
     return readInstrument(context, markerOnInstrumentPort);
   });
@@ -69,7 +66,7 @@ ReaderEnd SerialSessionPorts::readInstrument(const PortThread::Context& context,
   // An instrument that was switched off and on may send the other length.
   while (instrumentOf(kind_).asksRecordLength && !probed_.exchange(false)) {
     bool gone = false;
-    const bool answered = kalmira::ProbeTeskRecord(readerContext(context), &gone);
+    const bool answered = kalmira::ProbeTeskRecord(contextOf(context), &gone);
     if (gone) return ReaderEnd::gone;
     if (context.stop) return ReaderEnd::stopped;
     if (answered) break;
@@ -77,11 +74,11 @@ ReaderEnd SerialSessionPorts::readInstrument(const PortThread::Context& context,
   const HandOver::Work work = [this] { events_.onRecord(); };
   const RecordHandOver handOver = [&] { return context.sender.send(work); };
   switch (instrumentOf(kind_).framing) {
-    case Framing::ice: return InstrumentReaderIce(readerContext(context), handOver);
-    case Framing::tesk2: return InstrumentReaderTesk2(readerContext(context), markerOnInstrumentPort, handOver);
+    case Framing::ice: return InstrumentReaderIce(contextOf(context), handOver);
+    case Framing::tesk2: return InstrumentReaderTesk2(contextOf(context), markerOnInstrumentPort, handOver);
     case Framing::ascii: break;
   }
-  return InstrumentReaderAscii(readerContext(context), kind_, handOver);
+  return InstrumentReaderAscii(contextOf(context), kind_, handOver);
 }
 
 void SerialSessionPorts::closeInstrumentPort() { instrument_.close(); }
@@ -91,7 +88,7 @@ bool SerialSessionPorts::instrumentGone() const { return instrument_.gone(); }
 void SerialSessionPorts::reopenInstrumentPort() { instrument_.reopen(); }
 
 std::optional<PortProblem> SerialSessionPorts::openGps() {
-  return openPort(gps_, gpsComNumber(settings_), gpsLine(settings_), kGpsTries, "Cannot open GPS port",
+  return openPort(gps_, gpsComNumber(settings_), gpsPortLine(settings_), kGpsTries, "Cannot open GPS port",
                   PortThread::Absent::triedAgain);
 }
 
@@ -105,7 +102,7 @@ void SerialSessionPorts::startGpsReader() {
   gps_.start([this](const PortThread::Context& context) {
     return GpsReaderThread(context.port, clock_, context.stop, [&](const GpsLine& line) {
       // A copy: the handling may close this very port, and goes on with the line when its reader has ended.
-      return context.sender.send([this, kept = std::make_shared<const GpsLine>(line)] { events_.onGpsLine(*kept); });
+      return context.sender.send([this, kept = std::make_shared<const GpsLine>(line)] { events_.onSentence(*kept); });
     });
   });
 }
@@ -142,7 +139,7 @@ void SerialSessionPorts::lookForAbsentPorts() {
 
 void SerialSessionPorts::startMarkerReader() {
   if (!marker_.isOpen()) return;
-  marker_.start([this](const PortThread::Context& context) { return MarkerLineThread(readerContext(context)); });
+  marker_.start([this](const PortThread::Context& context) { return MarkerLineThread(contextOf(context)); });
 }
 
 void SerialSessionPorts::closeMarkerPort() {

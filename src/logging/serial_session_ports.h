@@ -4,11 +4,11 @@
 #include <functional>
 #include <string>
 
-#include "gps/gps_reader.h"
+#include "gps/gps_readers.h"
 #include "gps/nmea.h"
 #include "instruments/catalogue.h"
-#include "link/link_state.h"
 #include "link/port_thread.h"
+#include "link/readers.h"
 #include "logging/session_ports.h"
 #include "platform/clock.h"
 #include "platform/hand_over.h"
@@ -16,19 +16,18 @@
 
 namespace kalmira {
 
-// What a session does with what its ports bring. Both run on the session's thread, within HandOver::run, one
-// at a time, while the reader that brought it waits.
+// What a session does with what its ports bring. Both run on the session's thread, within HandOver::run, one at a time,
+// while the reader that brought it waits.
 struct SessionPortEvents {
   std::function<void()> onRecord;  // the record is in the link state
-  std::function<void(const GpsLine&)> onGpsLine;
+  std::function<void(const GpsLine&)> onSentence;
 };
 
 // The device of COM1 to COM12; empty when the number has none.
 using DeviceResolver = std::function<std::string(int comNumber)>;
 
-// The session's three ports, each on a thread of its own. Everything handed in must outlive it; the settings
-// are read whenever a port is opened. A GPS receiver or a marker line that vanishes is tried again every
-// second.
+// The session's three ports, each on a thread of its own. Everything handed in must outlive it; the settings are read
+// whenever a port is opened. A GPS receiver or a marker line that vanishes is tried again every second.
 class SerialSessionPorts final : public SessionPorts {
  public:
   SerialSessionPorts(Kind kind, const Settings& settings, DeviceResolver deviceOf, LinkState& link, HandOver& handOver,
@@ -57,7 +56,7 @@ class SerialSessionPorts final : public SessionPorts {
                                       std::string_view message, PortThread::Absent absent);
   std::optional<PortProblem> openGps();
   std::optional<PortProblem> openMarker();
-  ReaderContext readerContext(const PortThread::Context& context) const;
+  ReaderContext contextOf(const PortThread::Context& context) const;
   ReaderEnd readInstrument(const PortThread::Context& context, bool markerOnInstrumentPort);
 
   Kind kind_;

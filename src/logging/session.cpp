@@ -7,8 +7,8 @@
 
 #include "logging/file_guard.h"
 #include "logging/gps_watch.h"
-#include "logging/watchdog.h"
-#include "platform/battery.h"
+#include "logging/session_link.h"
+#include "platform/power.h"
 
 namespace kalmira {
 namespace {
@@ -63,13 +63,13 @@ void noticeSleep(Session& session) {
     session.link.missedTicks = 1;  // written: the watch need not do so again
   }
   clearTraces(session);
-  startTimer(session);
+  session.timer = {.running = true, .since = session.clock.tick()};
   session.gps.lastGoodTick = session.clock.tick();
   showMessage(session, fmt::format("The machine slept for {} s", (gap + 500) / 1000));
 }
 
-// The watch period is over when it is. A session that was held up itself has kept records waiting: they get a
-// moment to be handled before anyone calls the instrument silent.
+// The watch period is over when it is. A session that was held up itself has kept records waiting: they get a moment to
+// be handled before anyone calls the instrument silent.
 void watchLink(Session& session) {
   const auto passed = ticksSince(session.clock.tick(), session.timer.since);
   if (passed < session.connectionTimeoutMs) return;
@@ -101,7 +101,6 @@ void takeSettings(Session& session) {
   const auto& settings = session.settings;
   const int mode = surveyModeOf(settings);
   session.triggerMode = mode;
-  session.savedTriggerMode = mode;
   session.samplesPerAverage = readingsCountOf(settings);
   session.averageOnTrigger = mode == kModeManual && session.samplesPerAverage >= 2 && session.instrument.hasTrigger;
   session.readingsPerStation =
@@ -113,13 +112,12 @@ void takeSettings(Session& session) {
 
 void takeRecordRates(Session& session) {
   session.periodOfRates = session.link.recordPeriodMs;
-  const auto rates = recordRates(readingsIntervalOf(session.settings), session.periodOfRates);
+  const auto rates = recordRatesOf(readingsIntervalOf(session.settings), session.periodOfRates);
   session.recordInterval = rates.recordsPerInterval;
-  session.ratePerSecond = rates.ratePerSecond;
   session.beepInterval = session.surveyMode() == kModeAuto ? rates.ratePerSecond : 1;
 }
 
-DecodeOptions decodeOptions(const Session& session) {
+DecodeOptions decodeOptionsOf(const Session& session) {
   return {.teskRangeTimes10 = session.setup.teskRangeTimes10,
           .orlaModelOption = session.settings.instrumentLength == 1,
           .listA = session.settings.surveyListA,

@@ -6,18 +6,17 @@
 #include <functional>
 #include <optional>
 #include <string>
-#include <vector>
 
 #include "datafile/creation.h"
 #include "datafile/data_file.h"
 #include "datafile/mirror.h"
-#include "datafile/reading_decoder.h"
+#include "datafile/reading_context.h"
 #include "datafile/record_writers.h"
-#include "gps/held_sentences.h"
+#include "gps/nmea.h"
 #include "instruments/catalogue.h"
 #include "instruments/ice_model.h"
 #include "instruments/profile_map.h"
-#include "link/link_state.h"
+#include "link/readers.h"
 #include "logging/session_ports.h"
 #include "logging/session_view.h"
 #include "platform/clock.h"
@@ -101,9 +100,7 @@ struct Session {
 
   // Taken from the settings when the session begins, see takeSettings.
   int triggerMode = kModeAuto;
-  int savedTriggerMode = kModeAuto;
   int recordInterval = 1;  // instrument records per logged reading in Auto mode
-  int ratePerSecond = 1;
   int beepInterval = 1;
   bool averageOnTrigger = false;
   int samplesPerAverage = 1;
@@ -120,7 +117,6 @@ struct Session {
   bool instrumentOpen = false;  // false: the port could not be opened again after the link was lost
   bool inputEnabled = false;
   WatchTimer timer;
-  std::uint32_t loggingStartTick = 0;
 
   double station = 0;
   int stationReadingCount = 0;
@@ -188,15 +184,15 @@ struct Session {
   }
 };
 
-// Copies what a session takes from the settings and clears its counters: at the session's begin, and again
-// when the operator has changed the display options.
+// Copies what a session takes from the settings and clears its counters: at the session's begin, and again when the
+// operator has changed the display options.
 void takeSettings(Session& session);
 
 // The kind's record period gives the rates; a TESK's period is known only after its probe.
 void takeRecordRates(Session& session);
 
 // For a live record.
-DecodeOptions decodeOptions(const Session& session);
+DecodeOptions decodeOptionsOf(const Session& session);
 
 // A number of the panel: "%-11.2f".
 std::string stationText(double station);
@@ -217,8 +213,8 @@ void writeEvent(Session& session, std::string_view text);
 // Saves the settings file and tells the operator when that failed.
 void saveSettingsOrTell(Session& session);
 
-// Looks after the data file (what waits is written, trouble and its end are shown) and calls the watchdog
-// when its period is over. Called whenever msUntilService says.
+// Looks after the data file (what waits is written, trouble and its end are shown) and calls the watchdog when its
+// period is over. Called whenever msUntilService says.
 void serviceSession(Session& session);
 std::uint32_t msUntilService(const Session& session);
 

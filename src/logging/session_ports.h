@@ -11,10 +11,10 @@ struct PortProblem {
   std::string detail;   // "/dev/ttyUSB0 is held by another program ..."
 };
 
-// The ports of one session and the threads that read them, as the session sees them. Every member is called
-// on the session's own thread. Opening waits until the device has answered; closing ends the port's thread
-// within 200 ms, whatever it is doing, and is safe on a port that is not open and from within the handling of
-// a message of that very port.
+// The ports of one session and the threads that read them, as the session sees them. Every member is called on the
+// session's own thread. Opening waits until the device has answered; closing ends the port's thread within 200 ms,
+// whatever it is doing, and is safe on a port that is not open and from within the handling of a message of that very
+// port.
 class SessionPorts {
  public:
   SessionPorts() = default;
@@ -23,9 +23,9 @@ class SessionPorts {
   virtual ~SessionPorts() = default;
 
   virtual std::optional<PortProblem> OpenInstrumentPort() = 0;
-  // TESK: finds out the record length of the instrument behind the open port; sets recordLength and
-  // recordPeriodMs of the link state. False when nothing known answered, and once `interrupted` says yes. The
-  // reader asks again by itself whenever it begins anew.
+  // TESK: finds out the record length of the instrument behind the open port; sets recordLength and recordPeriodMs of
+  // the link state. False when nothing known answered, and once `interrupted` says yes. The reader asks again by itself
+  // whenever it begins anew.
   virtual bool ProbeTeskRecord(const std::function<bool()>& interrupted) = 0;
   virtual void startInstrumentReader() = 0;
   virtual void closeInstrumentPort() = 0;

@@ -8,9 +8,9 @@
 #include "instruments/panel_fields.h"
 #include "instruments/reading.h"
 
-// How a session speaks to whoever shows it: the logging window, kalmira-log, the tests' recorder. Every
-// member is called on the session's thread, in the middle of what the session is doing; a question may let
-// other messages of the session be handled before it is answered.
+// How a session speaks to whoever shows it: the logging window, kalmira-log, the tests' recorder. Every member is
+// called on the session's thread, in the middle of what the session is doing; a question may let other messages of the
+// session be handled before it is answered.
 namespace kalmira {
 
 enum class Beep { hand, exclamation };

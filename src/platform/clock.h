@@ -14,8 +14,8 @@ struct LocalTime {
   int millisecond = 0;
 };
 
-// The one source of times. Everything that needs a tick or the time of day is handed a Clock; tests hand
-// in one that they move by hand. All members may be called from any thread.
+// The one source of times. Everything that needs a tick or the time of day is handed a Clock; tests hand in one that
+// they move by hand. All members may be called from any thread.
 class Clock {
  public:
   Clock() = default;
@@ -23,8 +23,8 @@ class Clock {
   Clock& operator=(const Clock&) = delete;
   virtual ~Clock() = default;
 
-  // Milliseconds on a 32-bit counter that wraps after 49.7 days. Differences of two ticks are right across
-  // the wrap when taken as unsigned 32-bit numbers: use ticksSince.
+  // Milliseconds on a 32-bit counter that wraps after 49.7 days. Differences of two ticks are right across the wrap
+  // when taken as unsigned 32-bit numbers: use ticksSince.
   virtual std::uint32_t tick() const = 0;
   // The device's date and time of day, in its time zone.
   virtual LocalTime localTime() const = 0;

@@ -1,6 +1,8 @@
 #include "platform/command_line.h"
 
+#include <fcntl.h>
 #include <fmt/format.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -8,8 +10,6 @@
 #include <exception>
 #include <set>
 #include <system_error>
-
-#include "platform/standard_streams.h"
 
 namespace kalmira {
 namespace {
@@ -155,6 +155,18 @@ TakeValue takeFlag(bool& target) {
     target = true;
     return std::string{};
   };
+}
+
+void openMissingStreams() {
+  // The lowest free number is taken first, so each null device lands on the missing stream.
+  int fd = 0;
+  while (fd >= 0 && fd <= STDERR_FILENO) fd = ::open("/dev/null", O_RDWR);
+  if (fd > STDERR_FILENO) ::close(fd);
+}
+
+void printError(std::string_view line) {
+  const std::string text = std::string(line) + '\n';
+  (void)!::write(STDERR_FILENO, text.data(), text.size());
 }
 
 }  // namespace kalmira

@@ -54,11 +54,10 @@ struct CommandLine {
   CommandWording wording = {};
 };
 
-// Takes the arguments, without the program's name: "--name VALUE" or "--name=VALUE"; where there are
-// operands,
-// "--" ends the options. Nothing: the program is to run. Else what it prints and ends with: status 0 and a
-// text for standard output, or 2, wrong usage, and one for standard error that tells the first mistake. Help
-// or the version asked for anywhere goes before mistakes.
+// Takes the arguments, without the program's name: "--name VALUE" or "--name=VALUE"; where there are operands,
+// "--" ends the options. Nothing: the program is to run. Else what it prints and ends with: status 0 and a text for
+// standard output, or 2, wrong usage, and one for standard error that tells the first mistake. Help or the version
+// asked for anywhere goes before mistakes.
 struct LineAnswer {
   int status = 0;
   std::string text;
@@ -72,9 +71,8 @@ std::string_view programVersion();
 std::string usageText(const CommandLine& line);
 std::string helpText(const CommandLine& line);
 
-// The whole of a program's main: missing streams, command line, the run, an exception that nobody caught.
-// Returns the exit status: that of `run`, 0 or 2 as above, 1 for what could not be printed and for an
-// exception.
+// The whole of a program's main: missing streams, command line, the run, an exception that nobody caught. Returns the
+// exit status: that of `run`, 0 or 2 as above, 1 for what could not be printed and for an exception.
 int runMain(const CommandLine& line, int argc, const char* const* argv, const std::function<int()>& run);
 
 // Take functions, each with what it says of a wrong value.
@@ -109,5 +107,13 @@ CommandOption eitherOption(std::string_view name, std::string_view placeholder, 
   };
   return {name, placeholder, std::string(text), take};
 }
+
+// Opens the null device for every standard stream that the program was started without, so that no port or data file
+// gets its number. First thing in main.
+void openMissingStreams();
+
+// Prints a line on standard error. Where that cannot be written to, nothing happens: a message nobody can read must not
+// end a survey.
+void printError(std::string_view line);
 
 }  // namespace kalmira

@@ -11,20 +11,18 @@ namespace kalmira {
 // The waiting message between threads: a sender's thread hands over a piece of work and waits until it has
 // been done. So all handling is done one piece at a time, while whoever sent it leaves its data alone.
 //
-// Where windows are, work is queued and done on the receiving thread, for windows know no other. Where there
-// are none, work is done directly on the sender's thread, in turn with the receiving thread: that saves two
-// changes of threads a record, most of what a record costs.
+// Where windows are, work is queued and done on the receiving thread, for windows know no other. Where there are none,
+// work is done directly on the sender's thread, in turn with the receiving thread: that saves two changes of threads a
+// record, most of what a record costs.
 class HandOver {
  public:
   using Work = std::function<void()>;
 
-  // Queued. `wake` is called on the sender's thread whenever work has been handed over; it must make the
-  // receiving thread call run() soon, and must not wait for it.
+  // Queued. `wake` is called on the sender's thread whenever work has been handed over; it must make the receiving
+  // thread call run() soon, and must not wait for it.
   explicit HandOver(std::function<void()> wake) : wake_(std::move(wake)) {}
   // Direct. The constructing thread is the receiving one and has the turn from the start.
   HandOver() : taken_(true) {}
-  HandOver(const HandOver&) = delete;
-  HandOver& operator=(const HandOver&) = delete;
 
   // Queued: does everything that waits. Only on the receiving thread; may be called again from within work.
   void run();
@@ -44,8 +42,7 @@ class HandOver {
   class Sender;
 
  private:
-  // One sender's piece of work. Shared, because work may still be running after its sender was released and
-  // has gone.
+  // One sender's piece of work. Shared, because work may still be running after its sender was released and has gone.
   struct Slot {
     Work work;
     bool done = false;
@@ -69,12 +66,12 @@ class HandOver::Sender {
   Sender& operator=(const Sender&) = delete;
 
   // Waits until `work` has been done (true), or until the sender is closed (false: it was not
-  // done, or is still being done). `work` is copied and may outlive this call when the sender is closed, so
-  // it may refer only to what the receiving thread keeps alive. One thread at a time.
+  // done, or is still being done). `work` is copied and may outlive this call when the sender is closed, so it may
+  // refer only to what the receiving thread keeps alive. One thread at a time.
   bool send(const Work& work);
 
-  // Releases a waiting send at once, drops work that was not begun, and makes later sends fail. From any
-  // thread, also from within the work of this very sender.
+  // Releases a waiting send at once, drops work that was not begun, and makes later sends fail. From any thread, also
+  // from within the work of this very sender.
   void close();
 
  private:

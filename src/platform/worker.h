@@ -9,8 +9,8 @@
 
 namespace kalmira {
 
-// A thread that is woken, stopped and waited for, with the lock of what it shares. start, stop and their like
-// are for its owner's thread alone; the rest may be called from any.
+// A thread that is woken, stopped and waited for, with the lock of what it shares. start, stop and their like are for
+// its owner's thread alone; the rest may be called from any.
 class Worker {
  public:
   using Lock = std::unique_lock<std::mutex>;
@@ -18,11 +18,9 @@ class Worker {
   // `name` is shown by the system's tools: at most 15 characters, which stay.
   explicit Worker(const char* name) : name_(name) {}
   ~Worker() { stop(); }
-  Worker(const Worker&) = delete;
-  Worker& operator=(const Worker&) = delete;
 
-  // Runs `body` on a thread of its own; nothing when one has been started and not stopped. std::system_error
-  // where there is no thread to be had.
+  // Runs `body` on a thread of its own; nothing when one has been started and not stopped. std::system_error where
+  // there is no thread to be had.
   template <class Body>
   void start(Body body) {
     if (started()) return;
@@ -41,8 +39,8 @@ class Worker {
   void requestStop();
   // The same, and waits for its end. What is to be done first is the body's matter. It can be started anew.
   void stop();
-  // As stop; false when the body has not ended in time: then it is no longer waited for, and all that it uses
-  // must be left standing.
+  // As stop; false when the body has not ended in time: then it is no longer waited for, and all that it uses must be
+  // left standing.
   bool stopWithin(std::chrono::milliseconds time);
   const std::atomic<bool>& stopping() const { return stopping_; }
 

@@ -2,7 +2,9 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <array>
+#include <cmath>
 #include <limits>
 
 namespace kalmira {
@@ -41,6 +43,23 @@ int squaredDistance(const std::array<int, 3>& a, const std::array<int, 3>& b) {
   int sum = 0;
   for (std::size_t i = 0; i < a.size(); ++i) sum += (a[i] - b[i]) * (a[i] - b[i]);
   return sum;
+}
+
+constexpr float kFarthest = 9000.0F;
+constexpr float kLeastSpan = 100.0F;
+constexpr float kThickest = 10.0F;  // metres
+constexpr float kThickestMinimum = 9.0F;
+constexpr float kLeastThicknessSpan = 1.0F;
+
+ScaleEnds numbersOnly(ScaleEnds ends) {
+  if (std::isnan(ends.minimum)) ends.minimum = 0;
+  if (std::isnan(ends.maximum)) ends.maximum = 0;
+  return ends;
+}
+
+ScaleEnds apart(ScaleEnds ends, float span) {
+  if (!(ends.maximum > ends.minimum)) ends.maximum = ends.minimum + span;
+  return ends;
 }
 
 }  // namespace
@@ -99,5 +118,34 @@ std::string colourNumber(int colour) {
 }
 
 int settingsColour(int red, int green, int blue) { return blue << 16 | green << 8 | red; }
+
+ScaleFields scaleFieldsOf(Kind kind, bool iceOption) {
+  const auto& instrument = instrumentOf(kind);
+  return {.inphase = instrument.inphaseScale,
+          .ice = instrument.hasIce() && iceOption,
+          .firstIsThickness = instrument.firstAxisIsThickness};
+}
+
+ScaleEnds limitedScale(ScaleEnds typed) {
+  const ScaleEnds ends = numbersOnly(typed);
+  return apart({std::clamp(ends.minimum, -kFarthest, kFarthest), std::clamp(ends.maximum, -kFarthest, kFarthest)},
+               kLeastSpan);
+}
+
+ScaleEnds limitedThickness(ScaleEnds typed) {
+  ScaleEnds ends = numbersOnly(typed);
+  ends.minimum = ends.minimum > kThickest ? kThickestMinimum : std::max(ends.minimum, 0.0F);
+  ends.maximum = std::clamp(ends.maximum, 0.0F, kThickest);
+  return apart(ends, kLeastThicknessSpan);
+}
+
+void takeScales(const Settings& from, Settings& to) {
+  to.conductivityMinimum = from.conductivityMinimum;
+  to.conductivityMaximum = from.conductivityMaximum;
+  to.inphaseMinimum = from.inphaseMinimum;
+  to.inphaseMaximum = from.inphaseMaximum;
+  to.iceMinimum = from.iceMinimum;
+  to.iceMaximum = from.iceMaximum;
+}
 
 }  // namespace kalmira

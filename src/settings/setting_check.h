@@ -4,7 +4,7 @@
 #include <string_view>
 
 #include "instruments/catalogue.h"
-#include "settings/settings_fields.h"
+#include "settings/settings.h"
 
 namespace kalmira {
 

@@ -1,7 +1,12 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
+#include <optional>
+#include <span>
 #include <string>
+#include <string_view>
+#include <variant>
 
 #include "instruments/catalogue.h"
 
@@ -10,9 +15,9 @@ namespace kalmira {
 inline constexpr std::size_t kTraces = 8;
 inline constexpr std::size_t kLineNameCharacters = 24;
 
-// Everything the operator sets up, with the values a new logger starts from. List choices hold the position
-// in their list, counted from 0. A file may hold anything: readers of a choice go through indexOr, readers of
-// the interval through readingsIntervalOf.
+// Everything the operator sets up, with the values a new logger starts from. List choices hold the position in their
+// list, counted from 0. A file may hold anything: readers of a choice go through indexOr, readers of the interval
+// through readingsIntervalOf.
 struct Settings {
   int instrumentLength = 0;  // ORLA: 0 "Standard", 1 "Short"
   int iceDisplay = 0;        // ORLA with the ice option: 0 "Disabled", 1 "Enabled"
@@ -68,5 +73,38 @@ int surveyModeOf(const Settings& settings);
 float readingsIntervalOf(const Settings& settings);
 // The samples of an average as used: 1 to 100.
 int readingsCountOf(const Settings& settings);
+
+// Which settings files hold a field.
+enum class FieldScope { all, lengths, ice, variant, calibration, marker };
+
+// One line of the settings file: where the value lives in the record and how it is written.
+struct SettingsField {
+  using Member = std::variant<int Settings::*, float Settings::*, double Settings::*, std::string Settings::*,
+                              std::array<int, kTraces> Settings::*, std::array<float, 3> Settings::*,
+                              std::array<float, 6> Settings::*>;
+  std::string_view name;  // "readingsInterval", "traceWidth"
+  FieldScope scope;
+  Member member;
+};
+
+// All fields in file order; an array stands once and takes a line an element.
+std::span<const SettingsField> settingsFields();
+
+// Whether files of this kind (and, for an ORLA, ice option) hold the field.
+bool fieldApplies(const SettingsField& field, Kind kind, bool iceOption);
+
+// Lines the field takes in a file: 1, or the size of its array.
+std::size_t fieldSize(const SettingsField& field);
+
+// Element `index` (0 for a plain field) as it stands in a file, and back. Numbers that do not parse give 0.
+std::string fieldText(const Settings& settings, const SettingsField& field, std::size_t index);
+void setFieldText(Settings& settings, const SettingsField& field, std::size_t index, std::string_view text);
+
+// A field, or an element of one, by the name users write: "surveyMode", "traceWidth[2]".
+struct FieldRef {
+  const SettingsField* field;
+  std::size_t index;
+};
+std::optional<FieldRef> findField(std::string_view name);
 
 }  // namespace kalmira

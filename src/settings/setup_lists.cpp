@@ -32,8 +32,7 @@ Entries seaWaterEntries() {
   return entries;
 }
 
-// An upright handheld of the ORLA's time had no key but "any"; instruments with a marker go with keypads of
-// digits.
+// An upright handheld of the ORLA's time had no key but "any"; instruments with a marker go with keypads of digits.
 Entries pauseKeyEntries(const SetupFrame& frame) {
   if (instrumentOf(frame.kind).hasMarker) return {"Non numeric key", "<-> <0> <.>", "ENTER key", "Key <0>"};
   if (frame.portrait) return {"Any key"};

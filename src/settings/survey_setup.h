@@ -8,15 +8,15 @@
 #include "instruments/catalogue.h"
 #include "settings/settings.h"
 
-// What the operator chooses before a survey: how readings are triggered, what is measured, and where the
-// first line begins. Which choices there are depends on the kind, and on the survey mode.
+// What the operator chooses before a survey: how readings are triggered, what is measured, and where the first line
+// begins. Which choices there are depends on the kind, and on the survey mode.
 namespace kalmira {
 
 // The names of the survey modes, by mode. The panel calls a GLACO's second mode "Manual", too.
 std::span<const std::string_view> surveyModeNames();
 
-// What is chosen in one list, mode by mode, while the operator looks through the modes. Modes in which the
-// list means the same share the choice.
+// What is chosen in one list, mode by mode, while the operator looks through the modes. Modes in which the list means
+// the same share the choice.
 class ModeChoices {
  public:
   using ListOf = SurveyList (*)(int mode);
@@ -57,8 +57,7 @@ struct TypedNumber {
   double value = 0;
   std::string note;  // what was changed and why, for the operator; empty when nothing was
 };
-// The nearest number within `limits`. What is no number at all becomes `former`; what follows a number is
-// dropped.
+// The nearest number within `limits`. What is no number at all becomes `former`; what follows a number is dropped.
 TypedNumber limitedNumber(std::string_view typed, const NumberLimits& limits, double former);
 
 // "= 4.000/s": the readings a second that an interval gives; empty when it is no positive number.

@@ -40,8 +40,8 @@ std::string field(double value, double factor) {
   return fmt::format("{:+05d}", static_cast<int>(std::lround(std::clamp(value / factor, -9999.0, 9999.0))));
 }
 
-// Below 32 the byte would be a control character, the carriage return that ends a record among them; the high
-// bit, which every decoder takes away, keeps it clear of those.
+// Below 32 the byte would be a control character, the carriage return that ends a record among them; the high bit,
+// which every decoder takes away, keeps it clear of those.
 char modeByte(int bits, bool pressed) {
   if (pressed) bits += kTrigger;
   if (bits < kDipole) bits += kHighBit;
@@ -66,7 +66,7 @@ struct TeskScale {
   int bits;
   double factor;
 };
-TeskScale teskScale(Component component, double larger) {
+TeskScale teskScaleOf(Component component, double larger) {
   const bool highRange = beyond(larger, teskFactor(component, false));
   const double factor = teskFactor(component, highRange);
   const bool gain = !beyond(larger, factor / 8);
@@ -115,13 +115,13 @@ std::string encodeTeskb(Stance stance, double conductivity, double inphase) {
 }
 
 std::string encodeTeskdd(Stance stance, Component component, double vertical, double horizontal) {
-  const auto scale = teskScale(component, std::max(std::abs(vertical), std::abs(horizontal)));
+  const auto scale = teskScaleOf(component, std::max(std::abs(vertical), std::abs(horizontal)));
   return asciiRecord(stance, dipoleBit(stance) + scale.bits, field(vertical, scale.factor),
                      field(horizontal, scale.factor));
 }
 
 std::string encodeTesk(Stance stance, Component component, double value, int recordLength) {
-  const auto scale = teskScale(component, value);
+  const auto scale = teskScaleOf(component, value);
   return asciiRecord(stance, dipoleBit(stance) + scale.bits, field(value, scale.factor),
                      recordLength == 12 ? "+0000" : "");
 }

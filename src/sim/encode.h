@@ -6,10 +6,10 @@
 
 #include "instruments/catalogue.h"
 
-// Engineering values to the records that the instruments send: the other way round of link/decode.h.
-// Conductivity is in mS/m, inphase in parts per thousand. Each record is given without its terminator, and
-// each value is rounded to the nearest count of the smallest range that holds it; a value beyond the largest
-// range becomes the widest number of its field.
+// Engineering values to the records that the instruments send: the other way round of link/decode.h. Conductivity is in
+// mS/m, inphase in parts per thousand. Each record is given without its terminator, and each value is rounded to the
+// nearest count of the smallest range that holds it; a value beyond the largest range becomes the widest number of its
+// field.
 namespace kalmira::sim {
 
 struct Stance {

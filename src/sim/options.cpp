@@ -88,7 +88,7 @@ CommandLine simCommandLine(Options& o) {
       .wording = {.unknown = "{0}: there is no such option", .then = CommandWording::Then::help}};
 }
 
-SurveyPlan surveyPlan(const Options& options) {
+SurveyPlan surveyPlanOf(const Options& options) {
   auto plan = naturalPlan(*options.kind, options.teskLength.value_or(instrumentOf(*options.kind).instrumentLength));
   if (options.rate_hz) plan.recordPeriod_s = 1 / *options.rate_hz;
   const double sentences_hz = options.gpsRate_hz.value_or(kDefaultSentences_hz);

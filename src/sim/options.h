@@ -5,7 +5,7 @@
 #include <string>
 
 #include "instruments/start_options.h"
-#include "sim/faults.h"
+#include "sim/player.h"
 #include "sim/survey.h"
 
 // The command line of kalmira-sim.
@@ -29,6 +29,6 @@ struct Options {
 CommandLine simCommandLine(Options& options);
 
 // The plan of a survey by these options, which must hold a kind.
-SurveyPlan surveyPlan(const Options& options);
+SurveyPlan surveyPlanOf(const Options& options);
 
 }  // namespace kalmira::sim

@@ -11,8 +11,8 @@
 
 namespace kalmira::sim {
 
-// Plays a recorded data file: its readings as the instrument sent them and its GPS sentences, each at its
-// recorded tick, counted from the first and divided by the speed. Reads as it goes, in constant memory.
+// Plays a recorded data file: its readings as the instrument sent them and its GPS sentences, each at its recorded
+// tick, counted from the first and divided by the speed. Reads as it goes, in constant memory.
 class Replay {
  public:
   // `speed` is above 0.
@@ -38,8 +38,8 @@ class Replay {
   std::string error_;
 };
 
-// What the instrument sent for a reading that is recorded as `text`, without terminator: the digit that
-// counts the readings of a station becomes "T" again, and the blanks that fill up a short record go.
+// What the instrument sent for a reading that is recorded as `text`, without terminator: the digit that counts the
+// readings of a station becomes "T" again, and the blanks that fill up a short record go.
 std::string instrumentRecord(Kind kind, std::string_view text);
 
 }  // namespace kalmira::sim

@@ -4,10 +4,8 @@
 #include <array>
 #include <cmath>
 
-#include "sim/chance.h"
 #include "sim/encode.h"
-#include "sim/ground.h"
-#include "sim/receiver.h"
+#include "sim/world.h"
 
 namespace kalmira::sim {
 namespace {
@@ -45,8 +43,8 @@ Response measure(const Moment& moment, double separation_m, bool vertical) {
   return response;
 }
 
-// Both components take turns, record by record. The turn slips after every 13 records: a logger that takes,
-// say, every 14th record would otherwise see only one component.
+// Both components take turns, record by record. The turn slips after every 13 records: a logger that takes, say, every
+// 14th record would otherwise see only one component.
 Component componentOf(std::uint64_t number) {
   return (number + number / 13) % 2 == 0 ? Component::conductivity : Component::inphase;
 }
@@ -94,7 +92,7 @@ std::string mirkaRecord(const Moment& moment) {
 }
 
 std::string glacoRecord(const Moment& moment) {
-  const double thickness_m = iceThickness(moment.plan.seed, distance_m(moment)) + 0.01 * noise(moment, 0);
+  const double thickness_m = seaIce(moment.plan.seed, distance_m(moment)) + 0.01 * noise(moment, 0);
   // The sea below fades as the ice grows.
   return encodeGlaco(thickness_m, 900 * std::exp(-0.6 * thickness_m) + noise(moment, 1));
 }

@@ -6,8 +6,8 @@
 #include "instruments/catalogue.h"
 #include "sim/player.h"
 
-// A survey that never took place: an operator walks a line with an instrument and a GPS receiver. Every
-// record and sentence is a function of the plan and its number, so the same plan always gives the same bytes.
+// A survey that never took place: an operator walks a line with an instrument and a GPS receiver. Every record and
+// sentence is a function of the plan and its number, so the same plan always gives the same bytes.
 namespace kalmira::sim {
 
 struct SurveyPlan {

@@ -3,13 +3,28 @@
 #include <algorithm>
 #include <cmath>
 
-#include "datafile/reading_decoder.h"
+#include "datafile/reading_context.h"
 #include "datafile/record_parse.h"
-#include "datafile/record_times.h"
 #include "platform/text.h"
 
 namespace kalmira {
 namespace {
+
+SurveyLine surveyLineOf(const Record& record) {
+  SurveyLine line{.offset = record.offset};
+  const auto columns = record.bytes.substr(1, line.letters.size());
+  const auto name = columns.substr(0, columns.find(' '));
+  std::copy(name.begin(), name.end(), line.letters.begin());
+  return line;
+}
+
+void takeHeader(const Header1& header, ScannedFile& file) {
+  file = {};
+  file.header = header;
+  file.wantsThickness = instrumentOf(header.kind).hasIce() && header.iceOption && header.iceQuantity == 1;
+  if (file.wantsThickness) file.seaWaterCase = header.seaWaterChoice;
+  file.readingsPerStation = readingsPerStationOf(header.kind, header.surveyMode, header.listA, header.listB);
+}
 
 constexpr int kBreakRows = 4;
 
@@ -59,8 +74,8 @@ class Extraction {
   }
 
  private:
-  // The line's own "B" and "A" stand before its first reading; further ones are strays. Sentences of the
-  // satellite receiver, which come whenever they come, may stand between them.
+  // The line's own "B" and "A" stand before its first reading; further ones are strays. Sentences of the satellite
+  // receiver, which come whenever they come, may stand between them.
   void takeIncrement(std::string_view record) {
     increment_ = numberFrom(record, 3);
     station_ = start_ - increment_;
@@ -151,6 +166,24 @@ ViewerError readError(const FileError& error) {
 }
 
 }  // namespace
+
+std::string lineNameOf(const SurveyLine& line) {
+  const auto end = std::find(line.letters.begin(), line.letters.end(), '\0');
+  return narrow(std::string(line.letters.begin(), end));
+}
+
+FileError ScanDataFile(RecordReader& reader, ScannedFile& file) {
+  takeHeader(reader.header(), file);
+  const auto skippedBefore = reader.skippedBytes();
+  reader.seek(static_cast<std::uint64_t>(reader.recordLength()));
+  Record record;
+  while (reader.next(record)) {
+    if (record.bytes[0] == tag::kLine) file.lines.push_back(surveyLineOf(record));
+  }
+  file.skippedBytes = reader.skippedBytes() - skippedBefore;
+  file.tornBytes = reader.tornBytes();
+  return reader.error();
+}
 
 ViewerError ExtractLine(RecordReader& reader, const ScannedFile& file, std::size_t line, const RowFiles& rowFiles,
                         const ExtractOptions& options, ExtractedLine& extracted) {

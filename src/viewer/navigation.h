@@ -1,9 +1,15 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
 
-// Where the operator stands in a line: which rows the plot shows and which of them the bar marks. Rows and
-// bar count from 1.
+#include "instruments/catalogue.h"
+
+// Where the operator stands in a line: which rows the plot shows and which of them the bar marks. Rows and bar count
+// from 1.
 namespace kalmira {
 
 inline constexpr int kPageStep = 80;  // rows
@@ -53,8 +59,8 @@ void setPlotWidth(Navigation& state, int plotWidth);
 // Commands lineStart to lineEnd; the others do nothing here. Without an open file nothing happens.
 ViewStep moveView(Navigation& state, ViewCommand command);
 
-// An entry of the line list was confirmed. True: another line than the present one, to be extracted;
-// then call lineExtracted. False: only redraw.
+// An entry of the line list was confirmed. True: another line than the present one, to be extracted; then call
+// lineExtracted. False: only redraw.
 bool selectLine(Navigation& state, std::size_t index);
 ViewStep lineExtracted(Navigation& state, int totalRows);
 
@@ -62,8 +68,36 @@ ViewStep lineExtracted(Navigation& state, int totalRows);
 ViewStep fileOpened(Navigation& state, int totalRows);
 void fileClosed(Navigation& state);
 
-// The view begins so that `row` stands in its middle, as far as the line goes; the bar moves onto the row.
-// For a tap into the overview.
+// The view begins so that `row` stands in its middle, as far as the line goes; the bar moves onto the row. For a tap
+// into the overview.
 ViewStep goToRow(Navigation& state, int row);
+
+// The viewer's commands: their buttons and keys, and the texts that go with them.
+
+// Behind the numbered commands: the two that save.
+inline constexpr ViewCommand kSavePicture{11};
+inline constexpr ViewCommand kExportCsv{12};
+
+struct ViewEntry {
+  ViewCommand command;
+  std::string_view text;          // of the button, with "&" before the letter that is underlined
+  std::string_view keys;          // capital letters
+  std::array<int, 2> keyCodes;    // the handheld's, 0 for none
+  bool needsFile = true;          // greyed while none is open
+  std::string_view toolTip = {};  // for who has a mouse, and for screen readers
+};
+inline constexpr int kViewButtons = 12;
+// In the order in which Tab goes over the buttons.
+const std::array<ViewEntry, kViewButtons>& viewEntries();
+
+// What a key asks for, by the handheld's virtual key codes (letters of either case by their ASCII codes); nothing for
+// Tab and Enter, which go by the highlight.
+std::optional<ViewCommand> viewCommandOfKey(int keyCode);
+
+// "View Files Help"; there is a shorter wording for storage classes other than 0, whose screens are smaller.
+std::string viewHelpText(int storageClass);
+
+// The profile scale dialog's template.
+std::string_view viewScaleTemplate(Kind kind);
 
 }  // namespace kalmira

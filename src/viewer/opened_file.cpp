@@ -16,7 +16,7 @@ std::unique_ptr<OpenedFile> openDataFile(const std::filesystem::path& path, std:
   return file;
 }
 
-std::string extractLine(OpenedFile& file, std::size_t index, const RowFiles& rowFiles, const ExtractOptions& options) {
+std::string openLine(OpenedFile& file, std::size_t index, const RowFiles& rowFiles, const ExtractOptions& options) {
   file.line = {};
   file.points.clear();
   if (index >= file.scanned.lines.size()) return {};

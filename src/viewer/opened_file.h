@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "viewer/line_extract.h"
-#include "viewer/line_table.h"
 #include "viewer/navigation.h"
 #include "viewer/readout.h"
 #include "viewer/row_files.h"
@@ -22,12 +21,12 @@ struct OpenedFile {
   std::vector<StationPoint> points;  // rows firstRow on, one a column
 };
 
-// Opens and scans the file; nullptr when it cannot be opened, or is no data file. `problem` says why, or what
-// went wrong later: what was read before it is there.
+// Opens and scans the file; nullptr when it cannot be opened, or is no data file. `problem` says why, or what went
+// wrong later: what was read before it is there.
 std::unique_ptr<OpenedFile> openDataFile(const std::filesystem::path& path, std::string& problem);
 
 // Extracts line `index` (from 0). An empty text, or what went wrong.
-std::string extractLine(OpenedFile& file, std::size_t index, const RowFiles& rowFiles, const ExtractOptions& options);
+std::string openLine(OpenedFile& file, std::size_t index, const RowFiles& rowFiles, const ExtractOptions& options);
 
 // The rows in view. The messages for the operator, for there may be two.
 std::vector<std::string> loadView(OpenedFile& file, const RowFiles& rowFiles, const Navigation& state);

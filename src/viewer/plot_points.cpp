@@ -10,11 +10,6 @@
 namespace kalmira {
 namespace {
 
-// The traces of a TESK2's auxiliary values have the pens of these.
-constexpr std::array<std::size_t, kProfilePoints - kTraces> kExtraPens{1, 5};
-
-std::size_t penOf(std::size_t trace) { return trace < kTraces ? trace : kExtraPens.at(trace - kTraces); }
-
 TracePoints tracesOf(const ProfileSetup& setup, const StationPoint& point) {
   return tracePointsOf(
       setup, {.newStation = false, .channels = point.channels, .extra1 = point.extras[0], .extra2 = point.extras[1]});
@@ -105,7 +100,7 @@ void drawStrokes(ChartCanvas& canvas, const ProfileSetup& setup, int column, con
 ProfileSetup plotSetup(const ScannedFile& file, const Settings& settings, int width, int height) {
   Settings asLogged = settings;
   asLogged.surveyListA = file.header.listA;
-  return profileSetup(file.header.kind, file.iceThickness, asLogged, true, 1.0, width, height);
+  return profileSetupOf(file.header.kind, file.wantsThickness, asLogged, true, 1.0, width, height);
 }
 
 void DrawStationPlot(ChartCanvas& canvas, const ProfileSetup& setup, std::span<const StationPoint> points) {

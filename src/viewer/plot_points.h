@@ -13,15 +13,21 @@
 // The viewer's plot: one station a pixel column, on whatever a ChartCanvas draws on.
 namespace kalmira {
 
-// Colours, widths, shown flags, grid and scales are the operator's; kind and quantity are the file's. The
-// result fits DrawProfileAxes. `width` and `height` of the plot in pixels.
+// Colours, widths, shown flags, grid and scales are the operator's; kind and quantity are the file's. The result fits
+// DrawProfileAxes. `width` and `height` of the plot in pixels.
 ProfileSetup plotSetup(const ScannedFile& file, const Settings& settings, int width, int height);
+
+// Whose colour and width a trace is drawn with: its own, or for the auxiliary values those of other traces.
+constexpr std::size_t penOf(std::size_t trace) {
+  constexpr std::array<std::size_t, kProfilePoints - kTraces> kExtraPens{1, 5};
+  return trace < kTraces ? trace : kExtraPens[trace - kTraces];
+}
 
 // Column of the first point; the plot's outermost columns are its frame.
 inline constexpr int kFirstColumn = 1;
 
-// Clears, draws the grid, then the traces; points[0] stands in kFirstColumn. A trace is joined over stations
-// where it has no value, never over a break row.
+// Clears, draws the grid, then the traces; points[0] stands in kFirstColumn. A trace is joined over stations where it
+// has no value, never over a break row.
 void DrawStationPlot(ChartCanvas& canvas, const ProfileSetup& setup, std::span<const StationPoint> points);
 
 struct StationLabel {
@@ -47,8 +53,8 @@ Overview lineOverview(const RowFiles& rowFiles, const ScannedFile& file, const E
 // Clears, then draws the shown traces as upright strokes that touch their neighbours. No grid.
 void DrawOverview(ChartCanvas& canvas, const ProfileSetup& setup, const Overview& overview);
 
-// From an overview column (0 to columns - 1) to the row in its middle, and from a row to its column. Both
-// stay within the line; 0 when it is empty.
+// From an overview column (0 to columns - 1) to the row in its middle, and from a row to its column. Both stay within
+// the line; 0 when it is empty.
 int overviewRow(const Overview& overview, int column);
 int overviewColumn(const Overview& overview, int row);
 

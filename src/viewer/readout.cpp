@@ -7,9 +7,8 @@
 #include <cmath>
 #include <string_view>
 
-#include "datafile/reading_decoder.h"
+#include "datafile/reading_context.h"
 #include "datafile/record_parse.h"
-#include "datafile/record_times.h"
 #include "platform/text.h"
 
 namespace kalmira {
@@ -103,8 +102,8 @@ class NoteCollector {
 
 bool hasRow(const ExtractedLine& line, int row) { return row >= 1 && row <= line.rowCount(); }
 
-// Where the next station's records begin. Break rows share one place, and a row that was written late has an
-// earlier one than the break rows before it.
+// Where the next station's records begin. Break rows share one place, and a row that was written late has an earlier
+// one than the break rows before it.
 std::uint64_t endOfRow(const ExtractedLine& line, int row) {
   const auto own = line.rows[static_cast<std::size_t>(row - 1)].offset;
   const auto next =
@@ -222,11 +221,11 @@ std::string noteText(const StationNote& note) {
 
 std::string scaleStatusText(const ScannedFile& file, const Settings& settings) {
   const auto inphase = wholeScale('I', settings.inphaseMinimum, settings.inphaseMaximum);
-  if (file.iceThickness) return thicknessScale(settings.iceMinimum, settings.iceMaximum) + "  " + inphase;
+  if (file.wantsThickness) return thicknessScale(settings.iceMinimum, settings.iceMaximum) + "  " + inphase;
   const auto& instrument = instrumentOf(file.header.kind);
   if (instrument.firstAxisIsThickness)
     return thicknessScale(settings.conductivityMinimum, settings.conductivityMaximum) + "  " + inphase;
-  const auto scales = instrument.curveScales(file.header.listA);
+  const auto scales = instrument.scalesOf(file.header.listA);
   auto conductivity = wholeScale('C', settings.conductivityMinimum, settings.conductivityMaximum);
   if (!scales.inphase) return conductivity;
   return scales.conductivity ? conductivity + "  " + inphase : inphase;

@@ -18,15 +18,15 @@ struct StationNote {
   std::optional<std::uint32_t> timeOfDayMs;
 };
 
-// What stands in the file from a station's first reading to the next station; with row 1 also what stands
-// before it in the line.
+// What stands in the file from a station's first reading to the next station; with row 1 also what stands before it in
+// the line.
 struct StationNotes {
   std::vector<StationNote> notes;
   bool batteryLevels = false;  // ORLA: the reading holds battery voltages
   bool more = false;           // there were too many to list
 };
-// Found again in the data file: nothing but their places is kept in memory. A row that does not exist has
-// none, nor has one whose records are gone from the file.
+// Found again in the data file: nothing but their places is kept in memory. A row that does not exist has none, nor has
+// one whose records are gone from the file.
 StationNotes readStationNotes(RecordReader& reader, const ScannedFile& file, const ExtractedLine& line, int row);
 
 // One value of the readout.
@@ -37,8 +37,8 @@ struct ReadoutField {
   int trace = -1;     // 0 to 9: the trace in whose colour the label may be marked; -1: none
 };
 
-// The fields of the row's point in a fixed order: station, time of day, then every channel present; none for
-// a row that does not exist. Thickness is in the file's own unit of length.
+// The fields of the row's point in a fixed order: station, time of day, then every channel present; none for a row that
+// does not exist. Thickness is in the file's own unit of length.
 std::vector<ReadoutField> readoutFields(const ScannedFile& file, const ExtractedLine& line, int row,
                                         const StationPoint& point);
 // "C V: 12.34 mS/m"

@@ -13,7 +13,7 @@
 #include <system_error>
 
 #include "instruments/ice_model.h"
-#include "platform/paths.h"
+#include "platform/files.h"
 #include "platform/text.h"
 #include "viewer/line_extract.h"
 
@@ -152,7 +152,7 @@ float valueField(std::string_view row, std::size_t column) {
 class PointReader {
  public:
   PointReader(const RowFiles& rowFiles, const ScannedFile& file, const ExtractedLine& line)
-      : one_(rowFiles.line1), two_(rowFiles.line2), line_(line), thickness_(file.iceThickness) {
+      : one_(rowFiles.line1), two_(rowFiles.line2), line_(line), thickness_(file.wantsThickness) {
     if (thickness_) LoadIceTable(file.seaWaterCase, file.header.shortInstrument, model_);
   }
 

@@ -9,9 +9,8 @@
 
 #include "instruments/reading.h"
 
-// The two row files of an extracted line, one row a station: LINE1 has the station and eight channel flags
-// (29 bytes), LINE2 the station and eight values (109 bytes). Four break rows stand where the operator
-// entered a new station.
+// The two row files of an extracted line, one row a station: LINE1 has the station and eight channel flags (29 bytes),
+// LINE2 the station and eight values (109 bytes). Four break rows stand where the operator entered a new station.
 namespace kalmira {
 
 struct ExtractedLine;
@@ -31,8 +30,7 @@ struct RowFiles {
 inline constexpr std::size_t kLine1Row = 29;
 inline constexpr std::size_t kLine2Row = 109;
 
-// In the settings folder of the storage class (0 to 3), whatever the instrument; 2 and 3 have it in the root
-// itself.
+// In the settings folder of the storage class (0 to 3), whatever the instrument; 2 and 3 have it in the root itself.
 RowFiles rowFilesOf(const std::filesystem::path& root, int storageClass);
 
 // One station of the plot. Of a row that does not exist everything is 0.
@@ -54,14 +52,14 @@ struct LoadOutcome {
 inline constexpr const char* kInvalidHandle1 = "invalid handle 1";
 inline constexpr const char* kInvalidHandle2 = "invalid handle 2";
 
-// Fills points[firstIndex] to points[lastIndex] (both included; `points` is made long enough) with the rows
-// from `firstRow` on, counted from 1. Rows below 1 and rows past the line's end read as cleared points, so
-// that every row keeps its column.
+// Fills points[firstIndex] to points[lastIndex] (both included; `points` is made long enough) with the rows from
+// `firstRow` on, counted from 1. Rows below 1 and rows past the line's end read as cleared points, so that every row
+// keeps its column.
 LoadOutcome LoadLineRows(const RowFiles& rowFiles, const ScannedFile& file, const ExtractedLine& line, int firstIndex,
                          int lastIndex, int firstRow, std::vector<StationPoint>& points);
 
-// All rows of the line in order, in blocks, with a few dozen kilobytes of memory. `take` gets the row number
-// (from 1) and the point.
+// All rows of the line in order, in blocks, with a few dozen kilobytes of memory. `take` gets the row number (from 1)
+// and the point.
 LoadOutcome forEachRow(const RowFiles& rowFiles, const ScannedFile& file, const ExtractedLine& line,
                        const std::function<void(int, const StationPoint&)>& take);
 
@@ -70,8 +68,6 @@ class RowWriter {
  public:
   RowWriter();
   ~RowWriter();  // closes without a word when finish() was not called
-  RowWriter(const RowWriter&) = delete;
-  RowWriter& operator=(const RowWriter&) = delete;
 
   ViewerError open(const RowFiles& rowFiles);
   // A value too wide for its 12 columns loses decimals or is brought to the widest number; the columns stay.

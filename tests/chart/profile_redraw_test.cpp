@@ -1,14 +1,14 @@
 #include <gmock/gmock.h>
 
 #include <optional>
-#include <random>
 
 #include "chart/chart_picture.h"
 #include "chart/profile_redraw.h"
 #include "datafile/record_format.h"
 #include "logging/calibration.h"
-#include "logging/watchdog.h"
+#include "logging/session_link.h"
 #include "sim/encode.h"
+#include "sim/survey.h"
 #include "support/session_fixture.h"
 
 // The profile drawn anew from the file is the one that was drawn reading by reading, to the pixel.
@@ -27,6 +27,7 @@ struct Case {
   int readingsCount = 1;
   int width = 240;  // of the chart
   bool fineScale = false;
+  double recordPeriod_s = 1.3;  // in every 20 s the instrument lies on its side from the 12th to the 16th
 };
 
 void PrintTo(const Case& item, std::ostream* out) { *out << item.name; }
@@ -34,7 +35,12 @@ void PrintTo(const Case& item, std::ostream* out) { *out << item.name; }
 // A survey whose profile is drawn as a window would, and redrawn at will.
 class Survey {
  public:
-  explicit Survey(const Case& item) : test_(item.kind, item.ice), case_(item) {
+  explicit Survey(const Case& item)
+      : test_(item.kind, item.ice),
+        case_(item),
+        plan_{.kind = item.kind, .recordLength = 12, .recordPeriod_s = item.recordPeriod_s} {
+    if (item.surveyMode == kModeManual) plan_.triggerEvery_s = 2 * plan_.recordPeriod_s;
+
     auto& settings = test_.settings;
     settings.conductivityMinimum = item.kind == Kind::glaco ? 0.0F : -20.0F;
     settings.conductivityMaximum = item.kind == Kind::glaco ? 8.0F : item.fineScale ? -19.9F : 95.0F;
@@ -49,7 +55,8 @@ class Survey {
     settings.calibrationFactors = {0.1F, 0.2F, -0.3F, 0.4F, 3.3333F, -4.4444F};
     test_.begin();
     // As wide a layout as the chart, so that the newest point stands near its right edge.
-    setup_ = profileSetup(item.kind, test_.session.iceOption, settings, true, item.width / 240.0, item.width, kHeight);
+    setup_ =
+        profileSetupOf(item.kind, test_.session.iceOption, settings, true, item.width / 240.0, item.width, kHeight);
     live_.emplace(ChartColours{}, item.width, kHeight);
     traces_.emplace(TraceState{.traceStarted = test_.session.traceStarted});
     DrawProfileAxes(*live_, setup_);
@@ -58,11 +65,12 @@ class Survey {
   void readings(int count) {
     for (int i = 0; i < count; ++i) {
       test_.clock.advance(91);
-      const bool pressed = case_.surveyMode == kModeManual;
-      test_.record(encoded(pressed));
-      drawNewPoints();
-      if (pressed) test_.record(encoded(false));  // the trigger is let go; or the next sample
-      drawNewPoints();
+      // In Manual mode every other record is pressed, and another sample, or the trigger let go, follows it.
+      for (int n = case_.surveyMode == kModeManual ? 2 : 1; n > 0; --n) {
+        test_.record(next());
+        for (const auto& point : std::exchange(test_.view.points, {}))
+          DrawProfilePoint(*live_, setup_, *traces_, point);
+      }
       if (i % 7 == 3) {
         WriteGpsSentence(test_.session.writer(), "$GPGGA,101307,4400.0,N,07900.0,W,1,05,1.5,100,M,,,,*42", 5, '@', '#');
       }
@@ -82,28 +90,20 @@ class Survey {
     DrawProfileAxes(*live_, setup_);
   }
   void deleteFactors() { ASSERT_TRUE(deleteCalibration(test_.session)); }
-  void onlyDipole(bool vertical) { dipole_ = vertical; }
-  void anyDipole() { dipole_.reset(); }
-
   // The pixels that differ between what was drawn and what a redraw draws. The redraw's picture is drawn on
   // from here when `goOnWithIt`.
   int difference(bool goOnWithIt = false) {
     ChartPicture redrawn({}, setup_.width, kHeight);
-    std::array<int, kProfilePoints> startedThen{};
     const auto startedNow = test_.session.traceStarted;
     const auto tracesNow = traces_->previousY;
     cost = redraw(redrawn);
-    startedThen = std::exchange(test_.session.traceStarted, startedNow);
-    EXPECT_EQ(startedThen, startedNow);
+    EXPECT_EQ(std::exchange(test_.session.traceStarted, startedNow), startedNow);
     int differing = 0;
     for (int y = 0; y < kHeight; ++y) {
       for (int x = 0; x < setup_.width; ++x) differing += redrawn.at(x, y) != live_->at(x, y) ? 1 : 0;
     }
-    if (goOnWithIt) {
-      redraw(*live_);
-    } else {
-      traces_->previousY = tracesNow;
-    }
+    traces_->previousY = tracesNow;
+    if (goOnWithIt) redraw(*live_);
     return differing;
   }
 
@@ -114,41 +114,19 @@ class Survey {
 
   TestSession& test() { return test_; }
   const ProfileSetup& setup() const { return setup_; }
-  const ChartPicture& live() const { return *live_; }
   RedrawCost cost;
 
  private:
-  void drawNewPoints() {
-    auto& points = test_.view.points;
-    for (const auto& point : points) DrawProfilePoint(*live_, setup_, *traces_, point);
-    points.clear();
-  }
-
-  double value(double from, double to) { return std::uniform_real_distribution<double>(from, to)(random_); }
-  int choice(int count) { return std::uniform_int_distribution<int>(0, count - 1)(random_); }
-
-  std::string encoded(bool pressed) {
-    const sim::Stance stance{.vertical = dipole_.value_or(choice(2) == 0), .pressed = pressed};
-    const double conductivity = choice(50) == 0 ? 5000.0 : case_.fineScale ? value(-23.4, -23.2) : value(-30, 110);
-    const double inphase = value(-9, 9);
-    const auto component = choice(2) == 0 ? sim::Component::inphase : sim::Component::conductivity;
-    switch (case_.kind) {
-      case Kind::orla: return sim::encodeOrla(stance, case_.ice ? value(20, 900) : conductivity, inphase);
-      case Kind::teskb: return sim::encodeTeskb(stance, conductivity, inphase);
-      case Kind::teskdd: return sim::encodeTeskdd(stance, component, value(-9, 90), value(-9, 90));
-      case Kind::tesk: return sim::encodeTesk(stance, component, conductivity, choice(2) == 0 ? 7 : 12);
-      case Kind::vardo: return sim::encodeVardo(stance, 10 << choice(3), conductivity);
-      case Kind::mirka: return sim::encodeMirka(stance, conductivity, inphase);
-      case Kind::glaco: return sim::encodeGlaco(value(0, 9), value(0, 20));
-      case Kind::tesk2:
-        return sim::encodeTesk2(stance, {.conductivity1 = conductivity,
-                                         .inphase1 = inphase,
-                                         .conductivity2 = value(-30, 110),
-                                         .inphase2 = value(-8, 8),
-                                         .auxiliary1 = value(-10, 30),
-                                         .auxiliary2 = value(-10, 30)});
+  // Dipoles, components and coils change as the instrument is carried along.
+  std::string next() {
+    const auto number = number_++;
+    if (case_.fineScale) {
+      const double value = -23.4 + 0.001 * static_cast<double>(number * 61 % 200);
+      return sim::encodeTesk2({.vertical = number % 3 == 0}, {.conductivity1 = value, .conductivity2 = value});
     }
-    return {};
+    auto text = sim::recordAt(plan_, number);
+    text.resize(text.size() - sim::terminated(instrumentOf(case_.kind).framing, "").size());
+    return text;
   }
 
   TestSession test_;
@@ -156,8 +134,8 @@ class Survey {
   ProfileSetup setup_;
   std::optional<ChartPicture> live_;
   std::optional<TraceState> traces_;
-  std::optional<bool> dipole_;
-  std::mt19937 random_{7};
+  sim::SurveyPlan plan_;
+  std::uint64_t number_ = 0;
 };
 
 class RedrawEveryKind : public testing::TestWithParam<Case> {};
@@ -223,22 +201,18 @@ INSTANTIATE_TEST_SUITE_P(
                     Case{.name = "narrow", .width = 3}),
     [](const auto& item) { return item.param.name; });
 
+// 40 horizontal readings, 160 vertical ones, of which the chart shows 100, and horizontal ones again.
 TEST(Redraw, JoinsATraceToItsLastPointFromBeforeTheChart) {
-  Survey survey({.name = "orla"});
+  Survey survey({.name = "orla", .recordPeriod_s = 0.1});
   survey.start();
-  survey.onlyDipole(false);
-  survey.readings(20);
-  survey.onlyDipole(true);
-  survey.readings(400);  // the chart holds 100 stations
+  survey.readings(310);
   EXPECT_EQ(survey.difference(true), 0);
-  survey.onlyDipole(false);
-  survey.readings(1);
-  EXPECT_EQ(survey.difference(), 0) << "the horizontal traces go on where they rested";
-  survey.readings(5);
-  EXPECT_EQ(survey.difference(), 0);
+  for (const int more : {11, 5}) {
+    survey.readings(more);
+    EXPECT_EQ(survey.difference(), 0);
+  }
   survey.breakLink();
-  survey.onlyDipole(true);
-  survey.readings(2);
+  survey.readings(30);
   EXPECT_EQ(survey.difference(), 0);
 }
 
@@ -259,17 +233,15 @@ TEST(Redraw, LeavesTheChartEmptyWithoutAReadableFile) {
   Survey survey({.name = "orla"});
   survey.start();
   survey.readings(10);
-  ChartPicture empty({}, survey.setup().width, kHeight);
-  DrawProfileAxes(empty, survey.setup());
   ChartPicture picture({}, survey.setup().width, kHeight);
   std::array<int, kProfilePoints> started{1, 1};
   TraceState traces{.traceStarted = started};
   auto& session = survey.test().session;
-  EXPECT_EQ(RedrawProfileFromFile(session, survey.setup(), picture, traces).recordsRead, 0) << "no such file";
-  writeFile(session.file.path(), "TESKB   W222GRD");
-  EXPECT_EQ(RedrawProfileFromFile(session, survey.setup(), picture, traces).recordsRead, 0) << "another kind's";
-  for (int y = 0; y < kHeight; ++y) ASSERT_EQ(picture.at(100, y), empty.at(100, y));
-  EXPECT_EQ(started[0], 0);
+  for (const auto* content : {"", "TESKB   W222GRD"}) {  // no such file, another kind's
+    if (*content != '\0') writeFile(session.file.path(), content);
+    EXPECT_EQ(RedrawProfileFromFile(session, survey.setup(), picture, traces).recordsRead, 0) << content;
+    EXPECT_EQ(started[0], 0);
+  }
 }
 
 TEST(Redraw, EndsOnAFileOfOneEndlessStation) {

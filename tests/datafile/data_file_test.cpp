@@ -25,13 +25,6 @@ struct DataFileTest : testing::Test {
   void TearDown() override { file.finish(); }
 };
 
-TEST_F(DataFileTest, OneWriteCallARecord) {
-  file.append(record(1) + record(2));
-  file.append(record(3));
-  EXPECT_EQ(disk.state.writes, 3);
-  EXPECT_EQ(disk.content(), record(1) + record(2) + record(3));
-}
-
 TEST_F(DataFileTest, FullDiskLeavesWholeRecordsAndLosesNone) {
   for (std::size_t room = 24; room < 72; room += 5) {
     DataFile fresh;
@@ -145,16 +138,6 @@ TEST_F(DataFileTest, ACardThatComesBackIsUsedAgainOnlyWithTheFileAsWeLeftIt) {
   }
   EXPECT_EQ(old->content, record(1) + record(2) + record(3));
   EXPECT_EQ(other->content, old->content);
-}
-
-TEST_F(DataFileTest, WhatCannotBeWrittenInTheEndIsHandedBack) {
-  file.append(record(1));
-  disk.setRoom(24);
-  file.append(record(2));
-  const auto rest = file.finish();
-  ASSERT_TRUE(rest);
-  EXPECT_EQ(rest->records, record(2));
-  EXPECT_EQ(rest->cause, "Disk full");
 }
 
 struct CreationTest : testing::Test {

@@ -14,6 +14,7 @@ namespace {
 using testing::EndsWith;
 using testing::HasSubstr;
 using testing::Not;
+using testing::StartsWith;
 
 struct Recording : Survey {
   explicit Recording(const std::string& more = "") : Survey("ORLA", more) { EXPECT_EQ(logger.answer("go"), "ok"); }
@@ -32,23 +33,15 @@ std::string readingRecords(int from, int to) {
 const std::string kStarted = records24({withTick(24, "X$STARTED")});
 const std::string kPaused = records24({withTick(24, "X$PAUSED")});
 
-TEST(Kill, LosesNoRecord) {
-  Recording survey;
-  ASSERT_TRUE(survey.readings(1, 25));
-  survey.logger.signal(SIGKILL);
-  EXPECT_EQ(survey.logger.end(), 128 + SIGKILL);
-  EXPECT_THAT(survey.content(), EndsWith(kStarted + readingRecords(1, 25)));
-  EXPECT_THAT(run(KALMIRA_EXPORT, survey.path).output, EndsWith(",V,0,100,-0.62500,,2.00000,\n"));
-}
-
-TEST(Terminate, PausesClosesAndEnds) {
-  for (const int number : {SIGTERM, SIGINT}) {
+TEST(Signal, LosesNoRecordAndPausesBeforeTheEndWhereItCan) {
+  for (const int number : {SIGKILL, SIGTERM, SIGINT}) {
+    const bool killed = number == SIGKILL;
     Recording survey;
-    ASSERT_TRUE(survey.readings(1, 2));
+    ASSERT_TRUE(survey.readings(1, 25));
     survey.logger.signal(number);
-    EXPECT_EQ(survey.logger.end(), 0);
-    EXPECT_THAT(survey.content(), EndsWith(kStarted + readingRecords(1, 2) + kPaused));
-    EXPECT_THAT(survey.logger.output(), EndsWith("summary readings=2 gps=0 events=2 bytes=264\n"));
+    EXPECT_EQ(survey.logger.end(), killed ? 128 + SIGKILL : 0);
+    EXPECT_THAT(survey.content(), EndsWith(kStarted + readingRecords(1, 25) + (killed ? "" : kPaused)));
+    EXPECT_EQ(survey.logger.output().ends_with("summary readings=25 gps=0 events=2 bytes=816\n"), !killed);
   }
 }
 
@@ -127,6 +120,119 @@ TEST(FullDisk, KeepsTheRecordsUntilThereIsRoomOrSavesThemElsewhere) {
     }
   }
 }
+
+TEST(Start, FailsWithTheKindsTextAndTheReasonBehindIt) {
+  const TempFolder folder;
+  const Device device;
+  const auto root = folder.path().string();
+  const auto fails = [&](const char* kind, const std::string& port, const std::string& errors, const char* more = "") {
+    Logger logger(kind, port, folder.path(), more);
+    EXPECT_EQ(logger.end(), 1) << errors;
+    EXPECT_THAT(logger.errors(), StartsWith(errors));
+    EXPECT_EQ(logger.output().find("file "), std::string::npos);
+  };
+  writeFile(root + "/plain", "no port");
+  fails("TESKDD", root + "/none", "Cannot open TESKD port\nThere is no device " + root + "/none");
+  fails("TESK2", root + "/plain", "Cannot open TESK2 port\n" + root + "/plain is a file, not a serial port");
+  fails("GLACO", root, "Cannot open GLACO port\n" + root + " is a folder");
+  fails("MIRKA", "/dev/null", "Cannot open MIRKA port\n/dev/null is a file, not a serial port");
+  fails("ORLA", device.name, "Same Port Assigned\n", ("--gps " + device.name).c_str());
+  fails("TESK", device.name, "Instrument OFF or Disconnected\n");
+  const auto mine = folder.path() / "Storage/DATAORLA/MINE.ROR";
+  writeFile(mine, "a day's work");
+  fails("ORLA", device.name, "The file already exisits. Please enter another name\n", "--name MINE");
+  EXPECT_EQ(readFile(mine), "a day's work");
+  {
+    // A receiver that is not there is told, and the survey goes on; the end of the commands ends it.
+    Logger first("ORLA", device.name, folder.path(), "--gps /dev/kalmira-none");
+    EXPECT_FALSE(first.file().empty());
+    fails("TESKB", device.name,
+          fmt::format("Cannot open TESKB port\n{} is held by kalmira-log (process {})", device.name, first.process()));
+    first.closeInput();
+    EXPECT_EQ(first.end(), 0);
+    EXPECT_THAT(first.errors(), StartsWith("Cannot open GPS port\nThere is no device /dev/kalmira-none"));
+  }
+  std::filesystem::remove_all(folder.path() / "Storage");
+  writeFile(folder.path() / "Storage", "in the way");
+  fails("VARDO", device.name, "File not created. Potential disk problem.");
+}
+
+TEST(Usage, IsToldByEveryProgram) {
+  using Case = std::array<std::string, 3>;
+  for (const auto& [program, mistake, behind] :
+       {Case{KALMIRA_LOG, "--kind is missing", "kalmira-log --help shows the usage\n"},
+        Case{KALMIRA_SIM, "--kind is missing", "usage: kalmira-sim --kind NAME|0..7 [options]\n"},
+        Case{KALMIRA_EXPORT, "no data file was named",
+             "kalmira-export: usage: kalmira-export FILE... [-o OUT] [--tesk-x10]\n"}}) {
+    const auto name = std::filesystem::path(program).filename().string();
+    const auto wrong = run(program);
+    EXPECT_EQ(wrong.status, 2);
+    EXPECT_EQ(wrong.output, "");
+    EXPECT_THAT(wrong.errors, StartsWith(name + ": " + mistake + "\n" + behind));
+    const auto help = run(program, "--help");
+    EXPECT_EQ(help.status, 0);
+    EXPECT_THAT(help.output, StartsWith("usage: " + name + ' '));
+    EXPECT_THAT(run(program, "--version").output, testing::MatchesRegex(name + " [0-9.]+\n"));
+    EXPECT_NE(std::system((program + " --help > /dev/full 2> /dev/null").c_str()), 0);
+  }
+}
+
+struct Stream {
+  const char* test;
+  std::string kind, simulator, logger;
+  bool killed = false;
+  std::string tag = "?";  // of sentences that must be there
+};
+
+void PrintTo(const Stream& stream, std::ostream* out) { *out << stream.test; }
+
+class Simulated : public testing::TestWithParam<Stream> {};
+
+// Every record that gets into the file stays whole, whatever its bytes were on the line and however it ends.
+TEST_P(Simulated, GivesWholeRecordsOnly) {
+  const auto& stream = GetParam();
+  const std::size_t length = stream.kind == "TESK2" ? 26 : 24;
+  const TempFolder folder;
+  Program sim(KALMIRA_SIM, "--seconds 100 --kind " + stream.kind + ' ' + stream.simulator);
+  const auto instrument = sim.nextLine("instrument ").substr(11);
+  Logger logger(stream.kind, instrument, folder.path(),
+                "--gps " + sim.nextLine("gps ").substr(4) + ' ' + stream.logger);
+  const auto path = logger.file();
+  if (stream.killed) {
+    ASSERT_EQ(logger.answer("go"), "ok");
+    ASSERT_TRUE(logger.counted("readings", 60));
+    logger.signal(SIGKILL);
+  }
+  ASSERT_EQ(logger.end(), stream.killed ? 128 + SIGKILL : 0) << logger.errors();
+  const auto content = readFile(path);
+  ASSERT_EQ(content.size() % length, 0U);
+  for (auto at = length; at <= content.size(); at += length) ASSERT_EQ(content[at - 1], '\n') << at;
+  const int readings = countRecords(content, length, "Tt");
+  // A loaded machine may start late.
+  EXPECT_GE(readings, 5);
+  EXPECT_EQ(countRecords(content, length, "!"), countRecords(content, length, "@?"));
+  EXPECT_EQ(countRecords(content, length, stream.tag) > 0, !stream.tag.empty());
+  if (stream.tag == "@") {
+    EXPECT_EQ(countRecords(content, length, "?"), 0);
+    EXPECT_LE(readings, 12) << "two seconds at five readings a second";
+  }
+  const auto table = run(KALMIRA_EXPORT, path);
+  EXPECT_EQ(table.status, 0) << table.errors;
+  EXPECT_EQ(std::count(table.output.begin(), table.output.end(), '\n'), readings + 1);
+}
+
+const std::string kWheel = "--set surveyMode=1 --set readingsInterval=60";
+const std::string kNoise = "--rate 100 --noise 0.05 --gps-rate 20 --bad-checksum 0.2";
+
+// One kind a framing.
+INSTANTIATE_TEST_SUITE_P(Streams, Simulated,
+                         testing::Values(Stream{"Clean", "ORLA", "--gps-rate 10",
+                                                "--seconds 2 --set readingsInterval=0.2", false, "@"},
+                                         Stream{"NoisyAscii", "MIRKA", kNoise, "--seconds 1 " + kWheel},
+                                         Stream{"NoisyIce", "GLACO", kNoise, "--seconds 1 " + kWheel},
+                                         Stream{"NoisyTesk2", "TESK2", kNoise, "--seconds 1 " + kWheel},
+                                         Stream{"Killed", "TESK2", "--rate 200", kWheel, true, ""}),
+                         [](const auto& row) { return row.param.test; });
 
 }  // namespace
 }  // namespace kalmira

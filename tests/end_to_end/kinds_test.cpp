@@ -1,6 +1,8 @@
 #include <fmt/format.h>
+
 #include <gmock/gmock.h>
 #include <poll.h>
+#include <algorithm>
 
 #include "datafile/record_text.h"
 #include "end_to_end/programs.h"
@@ -101,20 +103,6 @@ TEST_P(SurveyOf, GivesItsFileByteForByteAndItsTable) {
 
 INSTANTIATE_TEST_SUITE_P(Kinds, SurveyOf, testing::ValuesIn(kCases), [](const auto& row) { return row.param.test; });
 
-TEST(Commands, AreAnsweredAndEndWithTheInput) {
-  const TempFolder folder;
-  const Device device;
-  Logger logger("ORLA", device.name, folder.path());
-  ASSERT_FALSE(logger.file().empty());
-  EXPECT_EQ(logger.answer("GO"), "error there is no command \"GO\"");
-  EXPECT_EQ(logger.answer("line 2 0 1 X"), "error the direction \"X\" is none of W, S, N, E");
-  EXPECT_EQ(logger.answer("calibrate"), "error only the TESK2 is calibrated");
-  EXPECT_EQ(logger.answer("comment   x  "), "ok");
-  logger.closeInput();
-  EXPECT_THAT(logger.nextLine("summary"), HasSubstr("readings=0 gps=0 events=0"));
-  EXPECT_EQ(logger.end(), 0);
-}
-
 TEST(NewLine, IsWhatTheDialogWouldProposeAndIsKeptForTheNextRun) {
   const TempFolder folder;
   const Device device;
@@ -146,18 +134,6 @@ TEST(AutoMode, TakesEveryNthRecord) {
                                                      withTick(24, "T$+0066+0000"), withTick(24, "X$PAUSED")})));
 }
 
-TEST(Marker, KeyMarksOneRecordOfATesk2) {
-  const auto record = "T\x06\x80\0\x80\0\x80\0\x80\0\0\0\0\0\xff\xff"s;
-  Survey survey("TESK2", "", record, "value1 C:0.00");
-  ASSERT_EQ(survey.logger.answer("go"), "ok");
-  ASSERT_EQ(survey.logger.answer("mark"), "ok");
-  ASSERT_TRUE(survey.send(record + record));
-  ASSERT_TRUE(survey.logger.counted("readings", 2));
-  survey.logger.leave();
-  EXPECT_THAT(readFile(survey.path), HasSubstr("T\x0e\x80\0\x80"s));
-  EXPECT_THAT(run(KALMIRA_EXPORT, survey.path).output, testing::ContainsRegex(",V,1,,.*\n.*,V,0,,"));
-}
-
 // A receiver's sentences are cut into records of 22 bytes a piece.
 TEST(Gps, WritesEverySentenceAsItComesOutsideManualMode) {
   Survey survey("ORLA", "--gps {gps}");
@@ -184,13 +160,6 @@ TEST(Gps, WritesEverySentenceAsItComesOutsideManualMode) {
                                   "\"$GPGSA,A,3*00", tick, "?$GPRMC,101309.00,A,505", "\"7.90,N", tick, "?hello Jo?",
                                   "\"hello Jo?", tick, "@$A*41", "#$A*41", tick}) +
                        endless + records24({"\"xxxxxx", tick, withTick(24, "X$PAUSED")})));
-}
-
-TEST(Gps, PortThatCannotBeOpenedIsToldAndTheSurveyGoesOn) {
-  Survey survey("ORLA", "--gps /dev/kalmira-none");
-  survey.logger.leave();
-  EXPECT_THAT(survey.logger.errors(),
-              testing::StartsWith("Cannot open GPS port\nThere is no device /dev/kalmira-none"));
 }
 
 }  // namespace

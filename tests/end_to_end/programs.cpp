@@ -1,17 +1,11 @@
 #include "end_to_end/programs.h"
 
-#include <fcntl.h>
 #include <fmt/format.h>
-#include <poll.h>
-#include <spawn.h>
-#include <sys/wait.h>
+#include <signal.h>
 #include <termios.h>
 
-#include <cerrno>
 #include <chrono>
-#include <csignal>
-#include <iterator>
-#include <sstream>
+#include <thread>
 
 #include "datafile/record_text.h"
 #include "platform/text.h"
@@ -24,26 +18,10 @@ using namespace std::string_view_literals;
 
 constexpr int kStepMs = 50;
 
-class Deadline {
- public:
-  bool passed() const { return steady_clock::now() >= end_; }
-
- private:
-  steady_clock::time_point end_ = steady_clock::now() + std::chrono::milliseconds(kPatienceMs);
+struct Deadline {
+  bool passed() const { return steady_clock::now() >= end; }
+  const steady_clock::time_point end = steady_clock::now() + std::chrono::milliseconds(kPatienceMs);
 };
-
-void closeFd(int& fd) {
-  if (fd >= 0) ::close(fd);
-  fd = -1;
-}
-
-// Takes what there is; false at its end.
-bool take(int fd, std::string& text) {
-  std::array<char, 4096> block{};
-  const auto count = ::read(fd, block.data(), block.size());
-  if (count > 0) text.append(block.data(), static_cast<std::size_t>(count));
-  return count > 0 || (count < 0 && errno == EINTR);
-}
 
 void zeroDigits(std::string& record, std::size_t from, std::size_t to) {
   for (std::size_t i = from; i < to && i < record.size(); ++i) {
@@ -63,64 +41,38 @@ void wipeTick(std::string& record) {
 }  // namespace
 
 Program::Program(const std::string& program, const std::string& arguments) {
-  // A program that has ended must not end the test that speaks to it.
-  (void)std::signal(SIGPIPE, SIG_IGN);
-  std::istringstream stream(arguments);
-  std::vector<std::string> words{std::istream_iterator<std::string>(stream), {}};
-  words.insert(words.begin(), program);
-  if (std::string_view(KALMIRA_EMULATOR) != "") words.insert(words.begin(), KALMIRA_EMULATOR);
-  std::vector<char*> pointers;
-  for (auto& word : words) pointers.push_back(word.data());
-  pointers.push_back(nullptr);
-  std::array<std::array<int, 2>, 3> pipes{};
-  posix_spawn_file_actions_t actions;
-  ::posix_spawn_file_actions_init(&actions);
-  for (int fd = 0; fd < 3; ++fd) {
-    auto& ends = pipes.at(static_cast<std::size_t>(fd));
-    EXPECT_EQ(::pipe2(ends.data(), O_CLOEXEC), 0);
-    if (fd > 0) std::swap(ends[0], ends[1]);  // the program's end first
-    ::posix_spawn_file_actions_adddup2(&actions, ends[0], fd);
-  }
-  EXPECT_EQ(::posix_spawn(&process_, pointers[0], &actions, nullptr, pointers.data(), environ), 0) << program;
-  ::posix_spawn_file_actions_destroy(&actions);
-  for (auto& ends : pipes) ::close(ends[0]);
-  input_ = pipes[0][1];
-  output_fd_ = pipes[1][1];
-  errors_fd_ = pipes[2][1];
+  auto words = QString::fromStdString(arguments).split(' ', Qt::SkipEmptyParts);
+  words.prepend(QString::fromStdString(program));
+  if (std::string_view(KALMIRA_EMULATOR) != "") words.prepend(KALMIRA_EMULATOR);
+  process_.setProgram(words.takeFirst());
+  process_.setArguments(words);
+  process_.start();
+  EXPECT_TRUE(process_.waitForStarted()) << program;
 }
 
 Program::~Program() {
-  if (!ended_ && process_ > 0) {
-    ::kill(process_, SIGKILL);
-    ::waitpid(process_, nullptr, 0);
-  }
-  for (int* fd : {&input_, &output_fd_, &errors_fd_}) closeFd(*fd);
+  process_.kill();
+  process_.waitForFinished();
 }
 
 void Program::say(std::string_view line) {
   const auto text = std::string(line) + '\n';
-  EXPECT_EQ(::write(input_, text.data(), text.size()), static_cast<ssize_t>(text.size())) << line;
+  EXPECT_EQ(process_.write(text.data(), static_cast<qint64>(text.size())), static_cast<qint64>(text.size())) << line;
+  while (process_.bytesToWrite() > 0 && process_.waitForBytesWritten(kStepMs)) {
+  }
 }
 
-void Program::closeInput() { closeFd(input_); }
+void Program::signal(int number) const { ASSERT_TRUE(process() > 0 && ::kill(process(), number) == 0); }
 
-void Program::signal(int number) const {
-  ASSERT_GT(process_, 0);
-  ASSERT_EQ(::kill(process_, number), 0);
-}
-
-bool Program::gather(int milliseconds) {
-  std::array<pollfd, 2> waits{
-      {{.fd = output_fd_, .events = POLLIN, .revents = 0}, {.fd = errors_fd_, .events = POLLIN, .revents = 0}}};
-  if (::poll(waits.data(), waits.size(), milliseconds) <= 0) return true;
-  if (waits[0].revents != 0 && !take(output_fd_, output_)) closeFd(output_fd_);
-  if (waits[1].revents != 0 && !take(errors_fd_, errors_)) closeFd(errors_fd_);
-  return output_fd_ >= 0 || errors_fd_ >= 0;
+bool Program::gather() {
+  process_.waitForReadyRead(kStepMs);
+  output_ += process_.readAllStandardOutput().toStdString();
+  errors_ += process_.readAllStandardError().toStdString();
+  return process_.state() != QProcess::NotRunning;
 }
 
 std::string Program::nextLine(std::string_view start, const std::function<void()>& onWait) {
   bool more = true;
-  auto lastCall = steady_clock::now() - std::chrono::seconds(1);
   for (const Deadline deadline; !deadline.passed();) {
     for (auto end = output_.find('\n', read_); end != std::string::npos; end = output_.find('\n', read_)) {
       auto line = output_.substr(read_, end - read_);
@@ -128,25 +80,18 @@ std::string Program::nextLine(std::string_view start, const std::function<void()
       if (line.starts_with(start)) return line;
     }
     if (!more) break;
-    if (onWait && steady_clock::now() - lastCall >= std::chrono::milliseconds(kStepMs)) {
-      onWait();
-      lastCall = steady_clock::now();
-    }
-    more = gather(kStepMs);
+    if (onWait) onWait();
+    more = gather();
   }
   ADD_FAILURE() << "no line \"" << start << "\" in\n" << output_ << "and the messages\n" << errors_;
   return {};
 }
 
 int Program::end() {
-  for (const Deadline deadline; !ended_ && !deadline.passed();) {
-    if (!gather(kStepMs)) ::poll(nullptr, 0, 5);
-    ended_ = process_ > 0 && ::waitpid(process_, &status_, WNOHANG) == process_;
+  for (const Deadline deadline; gather() && !deadline.passed();) {
   }
-  if (!ended_) return -1;
-  while ((output_fd_ >= 0 || errors_fd_ >= 0) && gather(0)) {
-  }
-  return WIFEXITED(status_) ? WEXITSTATUS(status_) : 128 + WTERMSIG(status_);
+  if (process_.state() != QProcess::NotRunning) return -1;
+  return process_.exitStatus() == QProcess::NormalExit ? process_.exitCode() : 128 + process_.exitCode();
 }
 
 Logger::Logger(const std::string& kind, const std::string& device, const std::filesystem::path& root,
@@ -177,7 +122,7 @@ bool Logger::counted(std::string_view what, int number, const std::function<void
     const auto at = line.find(field);
     if (at == std::string::npos) break;
     if (parseInt(std::string_view(line).substr(at + field.size())) >= number) return true;
-    ::poll(nullptr, 0, 20);
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
   }
   ADD_FAILURE() << what << " did not become " << number << " in\n" << output();
   return false;
@@ -202,17 +147,14 @@ Device::Device() {
   EXPECT_EQ(tcsetattr(master(), TCSANOW, &settings), 0);
 }
 
+// What comes before the reader has begun is thrown away; a second try is due after five seconds.
 void Device::wakeUp(Logger& logger, std::string_view record, std::string_view text) const {
-  // What comes before the reader has begun is thrown away; a second try is then due.
-  constexpr int kTryAgainMs = 5000;
-  int waited = kTryAgainMs;
-  const auto sendAgain = [&] {
-    waited += kStepMs;
-    if (waited < kTryAgainMs) return;
-    waited = 0;
+  auto last = steady_clock::time_point{};
+  logger.nextLine(fmt::format("show {}", text), [&] {
+    if (steady_clock::now() - last < std::chrono::seconds(5)) return;
+    last = steady_clock::now();
     ASSERT_TRUE(send(record));
-  };
-  logger.nextLine(fmt::format("show {}", text), sendAgain);
+  });
 }
 
 Survey::Survey(const std::string& kind, const std::string& more, std::string_view record, std::string_view shown,

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <sys/types.h>
 
+#include <QtCore/QProcess>
 #include <filesystem>
 #include <functional>
 #include <string>
@@ -28,25 +29,23 @@ class Program {
   Program& operator=(const Program&) = delete;
 
   void say(std::string_view line);
-  void closeInput();
+  void closeInput() { process_.closeWriteChannel(); }
   void signal(int number) const;
   // The next line of output that begins with `start`, behind the line found before; empty when none came.
-  // `onWait` is called about every 50 ms until then.
+  // `onWait` is called every 50 ms until then, and whenever something has come.
   std::string nextLine(std::string_view start, const std::function<void()>& onWait = {});
   // The exit status, 128 and more for a signal; -1 when the program does not end.
   int end();
 
   const std::string& output() const { return output_; }
   const std::string& errors() const { return errors_; }
-  pid_t process() const { return process_; }
+  pid_t process() const { return static_cast<pid_t>(process_.processId()); }
 
  private:
-  bool gather(int milliseconds);
+  // Waits for what comes; false when the program has ended.
+  bool gather();
 
-  pid_t process_ = -1;
-  int status_ = 0;
-  bool ended_ = false;
-  int input_ = -1, output_fd_ = -1, errors_fd_ = -1;
+  QProcess process_;
   std::string output_, errors_;
   std::size_t read_ = 0;  // of output_
 };

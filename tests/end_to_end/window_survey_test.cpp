@@ -2,11 +2,16 @@
 #include <fmt/format.h>
 #include <gmock/gmock.h>
 
-#include <QTimer>
+#include <QSettings>
 #include <csignal>
 
 #include "datafile/record_text.h"
-#include "end_to_end/window_operator.h"
+#include "end_to_end/programs.h"
+#include "settings/settings_file.h"
+#include "support/dialogs.h"
+#include "ui/session/panel_view.h"
+#include "ui/shell/main_window.h"
+#include "ui/shell/program.h"
 
 namespace kalmira {
 namespace {
@@ -16,79 +21,174 @@ using testing::EndsWith;
 
 constexpr std::string_view kGga = "$GPGGA,101308.00,5057.90,N,00659.10,E,1,08,1.1,50.0,M,46.0,M,,*5D\r\n";
 constexpr std::string_view kGsa = "$GPGSA,A,3,10,07,05,02,29,04,08,13,,,,,1.72,1.03,1.38*0A\r\n";
-
 // In Wheel mode every record is a reading; an interval of a minute keeps the watch over the link quiet.
-Settings quietWheel() {
-  Settings settings;
-  settings.audio = 0;
-  settings.surveyMode = kModeWheel;
-  settings.readingsInterval = 60;
-  return settings;
+const std::string kQuietWheel = "audio=0|surveyMode=1|readingsInterval=60";
+constexpr int kLookMs = 10;
+
+// Waits, with the windows alive; what comes after a failure is not waited for.
+bool comes(const std::function<bool()>& happened) {
+  return testing::Test::HasFailure() ? happened() : QTest::qWaitFor(happened, kPatienceMs);
 }
 
-// Into Stand By, with a data file.
-void createFile(Operator& person, const Operator::Fields& name = {}) {
-  person.fills("Create Data File", person.commands(Qt::Key_C, "&Create File"), name, "Save");
-  person.sees(PanelField::state, "Stand By");
+// Somebody who works with the program's windows, by keys or by taps: sees what the panel shows, and answers.
+struct Operator {
+  MainWindow& window;
+  bool byTouch;
+
+  LoggingWnd& logging() const { return window.logging(); }
+  std::string text(PanelField field) const {
+    return dynamic_cast<PanelView*>(window.findChild<QWidget*>("panel"))->text(field);
+  }
+  // Waits until a panel text begins so.
+  void sees(PanelField field, std::string_view start) const {
+    EXPECT_TRUE(comes([&] { return text(field).starts_with(start); }))
+        << panelFieldName(field) << " shows \"" << text(field) << "\", not \"" << start << '"';
+  }
+  // Sends `record` and waits for what is shown of it then: sent once, it must not be shown yet. An instrument
+  // that is just being listened to is `waking`: what it sends may be lost, a second try is then due.
+  void sends(const Device& device, std::string_view record, std::string_view start,
+             PanelField field = PanelField::value1, bool waking = false) const {
+    const auto shown = [&] { return text(field).starts_with(start); };
+    ASSERT_TRUE(waking || !shown()) << "a new reading could not be told from the last";
+    ASSERT_TRUE(device.send(record));
+    if (waking && !QTest::qWaitFor(shown, 5000)) (void)device.send(record);
+    sees(field, start);
+  }
+  // Who gets the keys. Where a dialog has closed, a desktop makes its window the active one again; here there
+  // is no desktop.
+  QWidget* keyboard() const {
+    window.activateWindow();
+    EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
+    auto* focus = QApplication::focusWidget();
+    return focus != nullptr ? focus : &window;
+  }
+  // A command of the present row: its key, to the window that has the keyboard now, or its button.
+  void command(Qt::Key key, const QString& button = {}) const {
+    if (!byTouch || button.isEmpty()) return QTest::keyClick(keyboard(), key);
+    // Taps in a row, at one place, are not meant as double taps.
+    QTest::qWait(QApplication::doubleClickInterval() + kLookMs);
+    tapButton(window, button);
+  }
+  // A command of the menu, by its letter.
+  void choose(Qt::Key key) const {
+    pressInMenu(key);
+    command(Qt::Key_M, "&Menu");
+  }
+  // Gives the command, does `act` in the dialog that opens from it, and fails where that stays open.
+  static void answers(const char* title, const std::function<void()>& open, const DialogActor::Act& act) {
+    {
+      const DialogActor actor(title, act);
+      open();
+    }
+    EXPECT_EQ(openDialog(title), nullptr);
+  }
+  // Fills the fields in and confirms by the button or by Enter.
+  void fills(const char* title, const std::function<void()>& open, const std::string& fields,
+             const QString& button = "OK") const {
+    answers(title, open, [&](QDialog& dialog) {
+      fill(dialog, fields);
+      byTouch ? tapButton(dialog, button) : press(dialog, Qt::Key_Return);
+    });
+  }
+
+  // Into Stand By, with a data file: its path.
+  std::filesystem::path createFile() const {
+    const auto create = [this] { command(Qt::Key_C, "&Create File"); };
+    fills("Create Data File", create, "fileNameEdit=E2E", "Save");
+    sees(PanelField::state, "Stand By");
+    return logging().session()->file.path();
+  }
+  void go() const {
+    command(Qt::Key_G, "&Go");
+    sees(PanelField::state, "Logging");
+  }
+  void pause() const {
+    command(Qt::Key_Space, "TAP ME or press any key to Pause");
+    sees(PanelField::state, "Stand By");
+  }
+  void enterLineCommentAndStation() const {
+    const auto line = [this] { command(Qt::Key_L, "&Line"); };
+    fills("New Line", line, "newLine=7/a|startStation=100|stationIncrement=-2,5|direction=E");
+    EXPECT_EQ(text(PanelField::line), "7/a");
+    const auto comment = [this] { command(Qt::Key_C, "&Cmnt"); };
+    fills("Enter Comment", comment, "comment=Fence by the road");
+    const auto station = [this] { command(Qt::Key_N, "&NStn"); };
+    fills("New Station", station, "newStation=42.5");
+    sees(PanelField::station, "42.50");
+  }
+  void leave() const {
+    const auto exit = [this] { command(Qt::Key_X, "E&xit"); };
+    answers("Confirm Exit", exit, answered(QMessageBox::Yes));
+    EXPECT_FALSE(logging().isVisible());
+    exit();
+  }
+};
+
+MainWindow* mainWindow() {
+  for (auto* widget : QApplication::topLevelWidgets()) {
+    auto* window = dynamic_cast<MainWindow*>(widget);
+    if (window != nullptr && window->isVisible()) return window;
+  }
+  return nullptr;
 }
 
-void go(Operator& person) {
-  person.command(Qt::Key_G, "&Go");
-  person.sees(PanelField::state, "Logging");
-}
+// A machine with the program on it: a storage root, and settings of its own.
+struct Machine {
+  Machine(Kind kind, const std::string& settings) {
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, QString::fromStdString(folder.path() / "config"));
+    options.kind = kind;
+    options.root = folder.path() / "Kalmira";
+    options.tickBase = TickBase::program;
+    EXPECT_EQ(saveSettings({.kind = kind, .root = options.root}, settingsOf(settings)), "");
+  }
+  // Runs the program with its windows and lets the operator work in it. The program's exit status; the
+  // operator has to end it.
+  int run(const std::function<void(const Operator&)>& work, bool byTouch = false) const {
+    QApplication::setDoubleClickInterval(kLookMs);
+    QTimer::singleShot(0, [&work, byTouch] {
+      EXPECT_TRUE(comes([] { return mainWindow() != nullptr && mainWindow()->isActiveWindow(); }));
+      auto* window = mainWindow();
+      if (window == nullptr) return QCoreApplication::exit(-1);
+      work(Operator{*window, byTouch});
+      if (mainWindow() == nullptr) return;
+      ADD_FAILURE() << "the program goes on";
+      window->endAtOnce();
+    });
+    return runProgram(options);
+  }
 
-void pause(Operator& person) {
-  person.command(Qt::Key_Space, "TAP ME or press any key to Pause");
-  person.sees(PanelField::state, "Stand By");
-}
-
-void enterLineCommentAndStation(Operator& person) {
-  person.fills("New Line", person.commands(Qt::Key_L, "&Line"),
-               {{"newLine", "7/a"}, {"startStation", "100"}, {"stationIncrement", "-2,5"}, {"direction", "E"}});
-  EXPECT_EQ(person.text(PanelField::line), "7/a");
-  person.fills("Enter Comment", person.commands(Qt::Key_C, "&Cmnt"), {{"comment", "Fence by the road"}});
-  person.fills("New Station", person.commands(Qt::Key_N, "&NStn"), {{"newStation", "42.5"}});
-  person.sees(PanelField::station, "42.50");
-}
-
-// The survey's file.
-std::filesystem::path leave(Operator& person) {
-  const auto path = person.file();
-  person.answers("Confirm Exit", person.commands(Qt::Key_X, "E&xit"), "Yes");
-  EXPECT_FALSE(person.logging().isVisible());
-  person.command(Qt::Key_X, "E&xit");
-  return path;
-}
+  TempFolder folder;
+  ProgramOptions options;
+};
 
 // By taps, on a lying screen.
 TEST(WindowSurvey, OfAnOrlaWithItsReceiverGivesItsFileByteForByte) {
   const Device instrument, receiver;
-  auto settings = quietWheel();
-  settings.gpsInput = 1;
-  Machine machine(Kind::orla, settings);
+  Machine machine(Kind::orla, kQuietWheel + "|gpsInput=1");
   machine.options.portrait = false;
   machine.options.com[0] = instrument.name;
   machine.options.com[1] = receiver.name;
   const auto later = "Td-0412+0796\r";
   std::filesystem::path path;
-  const auto work = [&](Operator& person) {
+  const auto work = [&](const Operator& person) {
     person.command(Qt::Key_L, "Monitor/&Log");
     person.sees(PanelField::state, "Monitor");
     person.sends(instrument, kOrlaRecord, "C:-10.00", PanelField::value1, true);
     person.sends(instrument, later, "C:10.30");
     person.sends(receiver, kGsa, "1.7", PanelField::pdop, true);
-    createFile(person, {{"fileNameEdit", "E2E"}});
-    go(person);
+    path = person.createFile();
+    person.go();
     person.sends(instrument, kOrlaRecord, "C:-10.00");
     person.sends(receiver, kGga, " 8", PanelField::satellites);
     person.sends(instrument, later, "C:10.30");
-    pause(person);
-    enterLineCommentAndStation(person);
-    person.fills("Enter Scale", person.chooses(Qt::Key_S), {{"firstMinimum", "3"}, {"firstMaximum", "8"}});
-    go(person);
+    person.pause();
+    person.enterLineCommentAndStation();
+    person.fills(
+        "Enter Scale", [&] { person.choose(Qt::Key_S); }, "firstMinimum=3|firstMaximum=8");
+    person.go();
     person.sends(instrument, kOrlaRecord, "C:-10.00");
-    pause(person);
-    path = leave(person);
+    person.pause();
+    person.leave();
   };
   EXPECT_EQ(machine.run(work, true), 0);
   EXPECT_EQ(wiped(readFile(path), 24),
@@ -96,10 +196,9 @@ TEST(WindowSurvey, OfAnOrlaWithItsReceiverGivesItsFileByteForByte) {
                      .firstPiece = {withTick(24, "T$+0400-0800"), "@$GPGGA,101308.00,5057.", "#90,N,00659.10,E,1,08,1",
                                     "#.1,50.0,M,46.0,M,,*5D", withTick(24, "!"), withTick(24, "Td-0412+0796")},
                      .lastReading = "T$+0400-0800"}));
-  const auto saved = machine.savedSettings();
-  EXPECT_EQ(saved.conductivityMinimum, 3.0F);
-  EXPECT_EQ(saved.conductivityMaximum, 8.0F);
-  EXPECT_EQ(saved.lineName, "7/a");
+  Settings saved;
+  EXPECT_EQ(loadSettings({.kind = Kind::orla, .root = machine.options.root}, saved).how, SettingsLoad::loaded);
+  expectSettings(saved, "conductivityMinimum=3.000000|conductivityMaximum=8.000000|lineName=7/a");
 }
 
 // Words of 32768 + 1024 k are 40 k mS/m; the fifth calibration factor adds 20 to the first conductivity.
@@ -117,33 +216,30 @@ std::string factors(double fifth, double replaced) {
 // By keys, on a standing screen.
 TEST(WindowSurvey, OfATesk2WithMarkAndCalibrationGivesItsFileByteForByte) {
   const Device instrument;
-  auto settings = quietWheel();
-  settings.softMarker = 1;
-  settings.tesk2Variant = 2;
-  settings.calibrationFactors[4] = 20;
-  Machine machine(Kind::tesk2, settings);
+  Machine machine(Kind::tesk2, kQuietWheel + "|softMarker=1|tesk2Variant=2|calibrationFactors[4]=20");
   machine.options.portrait = true;
   machine.options.com[0] = instrument.name;
   std::filesystem::path path;
-  const auto work = [&](Operator& person) {
+  const auto work = [&](const Operator& person) {
     person.command(Qt::Key_L, "Monitor/&Log");
     person.sends(instrument, kTesk2First, "C:1299.96", PanelField::value1, true);
     person.sends(instrument, kTesk2Second, "C:100.00");
     person.answers(
-        "CALIBRATION", [&] { person.press(Qt::Key_A); }, "No");
-    createFile(person, {{"fileNameEdit", "E2E"}});
-    go(person);
+        "CALIBRATION", [&] { person.command(Qt::Key_A); }, answered(QMessageBox::No));
+    path = person.createFile();
+    person.go();
     person.sends(instrument, kTesk2First, "C:1299.96");
-    person.hold(Qt::Key_5);
+    QTest::keyPress(person.keyboard(), Qt::Key_5);
     person.sends(instrument, kTesk2Second, "C:100.00");
-    person.release(Qt::Key_5);
-    pause(person);
-    enterLineCommentAndStation(person);
-    person.answers("Delete Calibration", person.chooses(Qt::Key_E), "Yes");
-    go(person);
+    QTest::keyRelease(person.keyboard(), Qt::Key_5);
+    person.pause();
+    person.enterLineCommentAndStation();
+    person.answers(
+        "Delete Calibration", [&] { person.choose(Qt::Key_E); }, answered(QMessageBox::Yes));
+    person.go();
     person.sends(instrument, kTesk2First, "C:1279.96");
-    pause(person);
-    path = leave(person);
+    person.pause();
+    person.leave();
   };
   EXPECT_EQ(machine.run(work), 0);
   const auto text = kTesk2First.substr(0, 14);
@@ -184,22 +280,19 @@ class Cable {
 };
 
 TEST(WindowCable, PulledBehindADialogAndPluggedInAgainResumesAndTheFrameEndsTheProgram) {
-  auto settings = quietWheel();
-  settings.readingsInterval = 2;  // five periods are ten seconds
-  Machine machine(Kind::orla, settings);
+  Machine machine(Kind::orla, kQuietWheel + "|readingsInterval=2");  // five periods are ten seconds
   const auto link = machine.folder.path() / "port";
   machine.options.com[0] = link;
   Cable cable(link);
   cable.plugIn(kOrlaRecord);
   std::filesystem::path path;
-  const int status = machine.run([&](Operator& person) {
-    const auto closeFrame = [&person] { person.window().close(); };
-    person.press(Qt::Key_L);
+  const int status = machine.run([&](const Operator& person) {
+    const auto closeFrame = [&person] { person.window.close(); };
+    person.command(Qt::Key_L);
     person.sees(PanelField::value1, "C:-10.00");
-    createFile(person);
-    path = person.file();
+    path = person.createFile();
     person.answers(
-        "New Line", [&person] { person.press(Qt::Key_L); },
+        "New Line", [&] { person.command(Qt::Key_L); },
         [&](QDialog& dialog) {
           cable.pull();
           person.sees(PanelField::message, "Please Wait...");
@@ -208,11 +301,11 @@ TEST(WindowCable, PulledBehindADialogAndPluggedInAgainResumesAndTheFrameEndsTheP
           EXPECT_EQ(QApplication::activeModalWidget(), &dialog);
           dialog.accept();
         });
-    person.press(Qt::Key_G);
-    person.answers("Confirm Exit", closeFrame, "No");
+    person.command(Qt::Key_G);
+    person.answers("Confirm Exit", closeFrame, answered(QMessageBox::No));
     EXPECT_EQ(person.text(PanelField::state), "Logging");
     EXPECT_TRUE(comes([&person] { return person.logging().session()->counts.readings >= 2; }));
-    person.answers("Confirm Exit", closeFrame, "Yes");
+    person.answers("Confirm Exit", closeFrame, answered(QMessageBox::Yes));
   });
   EXPECT_EQ(status, 0);
   // One break, then the line and its readings.

@@ -2,8 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include "link/com_devices.h"
 #include "link/device_claim.h"
-#include "link/device_texts.h"
 #include "support/temp_folder.h"
 
 namespace kalmira {
@@ -17,42 +17,26 @@ const std::vector<SerialDevice> kPresent{{"/dev/ttyUSB0", kAdapter, "USB adapter
 
 struct Case {
   const char* what;
-  std::vector<std::pair<int, std::string>> assigned;         // COM number, device
-  std::vector<std::pair<std::string, std::string>> present;  // and stable name
-  std::vector<std::string> first;                            // of COM1 and on; the rest is empty
+  std::vector<std::pair<int, std::string>> assigned;  // COM number, device
+  std::vector<std::string> present, first;            // of COM1 and on; the rest is empty
 };
 
 TEST(ComDevices, UnassignedNumbersTakeWhatIsLeftInOrderOfName) {
-  std::vector<std::pair<std::string, std::string>> twenty;
-  std::vector<std::string> twelve;
-  for (int i = 0; i < 20; ++i) {
-    twenty.emplace_back("/dev/ttyS" + std::to_string(i), "");
-    if (i < kComPorts) twelve.push_back(twenty.back().first);
-  }
-  for (const auto& item :
-       std::initializer_list<Case>{{"nothing there", {}, {}, {}},
-                                   {"order of number, not of letters",
-                                    {},
-                                    {{"/dev/ttyS10", ""}, {"/dev/ttyUSB0", ""}, {"/dev/ttyS2", ""}},
-                                    {"/dev/ttyS2", "/dev/ttyS10", "/dev/ttyUSB0"}},
-                                   {"a stable name is taken", {}, {{"/dev/ttyUSB0", kAdapter}}, {kAdapter}},
-                                   {"an assigned port is not given out again, nor its number",
-                                    {{2, "/dev/ttyS0"}},
-                                    {{"/dev/ttyS0", ""}, {"/dev/ttyS1", ""}, {"/dev/ttyS3", ""}},
-                                    {"/dev/ttyS1", "/dev/ttyS0", "/dev/ttyS3"}},
-                                   {"assigned by its stable name",
-                                    {{1, kAdapter}},
-                                    {{"/dev/ttyUSB0", kAdapter}, {"/dev/ttyUSB1", ""}},
-                                    {kAdapter, "/dev/ttyUSB1"}},
-                                   {"assigned although it is not there: the number waits for it",
-                                    {{1, "/dev/ttyUSB7"}, {3, "/dev/pts/4"}},
-                                    {{"/dev/ttyS0", ""}},
-                                    {"/dev/ttyUSB7", "/dev/ttyS0", "/dev/pts/4"}},
-                                   {"more ports than numbers", {}, twenty, twelve}}) {
+  std::vector<std::string> twenty, twelve;
+  for (int i = 0; i < 20; ++i) twenty.push_back("/dev/ttyS" + std::to_string(i));
+  twelve.assign(twenty.begin(), twenty.begin() + kComPorts);
+  const std::string S0 = twenty[0], S1 = twenty[1], S2 = twenty[2], S10 = twenty[10], usb = "/dev/ttyUSB0";
+  // Of the present ones, USB0 has a stable name.
+  for (const auto& item : {Case{"nothing there", {}, {}, {}},
+                           Case{"order of number, not of letters", {}, {S10, usb, S2}, {S2, S10, kAdapter}},
+                           Case{"an assigned port is not given out again", {{2, S0}}, {S0, S1, S2}, {S1, S0, S2}},
+                           Case{"assigned by its stable name", {{1, kAdapter}}, {usb, S1}, {kAdapter, S1}},
+                           Case{"not there: the number waits for it", {{1, S1}, {3, S2}}, {S0}, {S1, S0, S2}},
+                           Case{"more ports than numbers", {}, twenty, twelve}}) {
     ComAssignments assigned;
     std::vector<SerialDevice> present;
     for (const auto& [number, device] : item.assigned) assigned.at(static_cast<std::size_t>(number - 1)) = device;
-    for (const auto& [path, stable] : item.present) present.push_back({path, stable, ""});
+    for (const auto& path : item.present) present.push_back({path, path == usb ? kAdapter : "", ""});
     auto wanted = item.first;
     wanted.resize(kComPorts);
     EXPECT_THAT(resolveComDevices(assigned, present), ElementsAreArray(wanted)) << item.what;
@@ -85,40 +69,29 @@ TEST(DeviceTexts, SayWhatIsThereOrWhatIsInTheWay) {
     if (path != "/dev/ttyS0") return std::nullopt;
     return PortError{.kind = PortErrorKind::denied, .text = deniedText(path, "root", "dialout")};
   };
-  struct Row {
-    std::string path, text;
-    bool trouble = false;
-  };
-  for (const auto& [path, text, trouble] :
-       {Row{kAdapter, "/dev/ttyUSB0, USB adapter"}, Row{"/dev/pts/7", "/dev/pts/7"},
-        Row{"", "No device: connect one, or choose it at \"Devices...\"", true},
-        Row{"/dev/ttyS0",
-            "No permission: /dev/ttyS0 is for members of the group dialout: run \"sudo usermod -a -G dialout "
-            "$USER\" and log in again",
-            true}}) {
-    EXPECT_EQ(deviceText(path, kPresent, look).text, text);
-    EXPECT_EQ(deviceText(path, kPresent, look).trouble, trouble) << path;
+  for (const auto& [path, text] : {std::pair{kAdapter, "/dev/ttyUSB0, USB adapter"},
+                                   {std::string(), "No device: connect one, or choose it at \"Devices...\""},
+                                   {"/dev/ttyS0",
+                                    "No permission: /dev/ttyS0 is for members of the group dialout: run \"sudo usermod "
+                                    "-a -G dialout $USER\" and log in again"}}) {
+    EXPECT_EQ(deviceTextOf(path, kPresent, look).text, text);
+    EXPECT_EQ(deviceTextOf(path, kPresent, look).trouble, path != kAdapter) << path;
   }
   EXPECT_EQ(deniedText("/dev/ttyS0", "root", ""), "No permission: only root may use /dev/ttyS0");
   EXPECT_EQ(heldText("/dev/ttyS0", "", 0), "/dev/ttyS0 is held by another program: end that program");
   // Looking opens nothing.
   EXPECT_EQ(lookAtDevice("/dev/kalmira-nowhere").value().kind, PortErrorKind::missing);
-  EXPECT_EQ(lookAtDevice("/dev").value().text, "/dev is a folder, not a serial port");
   EXPECT_FALSE(lookAtDevice("/dev/null"));
 }
 
+// One that was assigned by its plain name keeps it, and stands there once.
 TEST(DeviceTexts, ChoicesHoldWhatIsThereAndWhatWasAssigned) {
-  ComAssignments assigned;
-  assigned[2] = "/dev/ttyUSB0";
-  assigned[4] = "/dev/rfcomm0";
-  const auto choices = deviceChoices(assigned, kPresent);
+  const auto choices = deviceChoices({"", "", "/dev/ttyUSB0", "", "/dev/rfcomm0"}, kPresent);
   std::vector<std::string> texts;
   for (const auto& choice : choices) texts.push_back(choice.text + "|" + choice.path);
-  // A device that was assigned by its plain name keeps it, and stands there once.
   EXPECT_THAT(texts, ElementsAre("Automatic|", "ttyUSB0, USB adapter|/dev/ttyUSB0", "ttyS0|/dev/ttyS0",
                                  "/dev/rfcomm0|/dev/rfcomm0"));
   EXPECT_EQ(choiceOf(choices, "/dev/rfcomm0"), 3U);
-  EXPECT_EQ(choiceOf(choices, ""), 0U);
   EXPECT_EQ(comRowText(1, kAdapter, true, kPresent), "COM1:  ttyUSB0, USB adapter (automatic)");
   EXPECT_EQ(comRowText(12, "/dev/pts/7", false, kPresent), "COM12:  7");
   EXPECT_EQ(comRowText(3, "", true, kPresent), "COM3:  -");
@@ -129,8 +102,7 @@ TEST(DeviceTexts, ADeviceBelongsToOneNumber) {
   assignDevice(assigned, 1, "/dev/null");
   assignDevice(assigned, 12, "/dev/../dev/null");
   EXPECT_EQ(assigned[0], "");
-  assignDevice(assigned, 1, "");
-  assignDevice(assigned, 13, "/dev/null");
+  for (const auto& [number, device] : {std::pair{1, ""}, {13, "/dev/null"}}) assignDevice(assigned, number, device);
   EXPECT_EQ(assigned[11], "/dev/../dev/null");
   assignDevice(assigned, 12, "");
   EXPECT_EQ(assigned, ComAssignments{});

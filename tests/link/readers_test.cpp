@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <limits>
 
 #include "support/fake_port.h"
@@ -59,21 +60,15 @@ TEST_F(ReadersTest, GoodRecordsFillTheCountAndBadOnesUseItUp) {
   }
 }
 
-TEST_F(ReadersTest, AGoodRecordIsNotedAndTheWatchSetBack) {
+TEST_F(ReadersTest, AGoodRecordIsNotedAndARefusedHandOverOrAVanishedDeviceEndsTheReaderAtOnce) {
   link.missedTicks = 4;
-  link.recordsPerReading = 5;
-  play({{.bytes = "T12345678901\r", .silenceMs = 250}});
-  InstrumentReaderAscii(context, Kind::teskdd, handOver);
+  play({{.bytes = "T12345678901\r", .silenceMs = 250}, {.gone = true}});
+  EXPECT_EQ(InstrumentReaderAscii(context, Kind::orla, handOver), ReaderEnd::gone);
+  EXPECT_EQ(handed.size(), 1U);
   EXPECT_EQ(link.missedTicks, 0);
   EXPECT_EQ(link.lastRecordTick, 100250U);
   EXPECT_EQ(link.recordLength, 12);
   EXPECT_EQ(purges(), 1);
-}
-
-TEST_F(ReadersTest, ARefusedHandOverOrAVanishedDeviceEndsTheReaderAtOnce) {
-  play({{.bytes = "T12345678901\r"}, {.gone = true}});
-  EXPECT_EQ(InstrumentReaderAscii(context, Kind::orla, handOver), ReaderEnd::gone);
-  EXPECT_EQ(handed.size(), 1U);
   goOn = false;
   play({{.bytes = "T12345678901\rT12345678901\r"}, {.bytes = "T12345678901\r"}});
   EXPECT_EQ(InstrumentReaderAscii(context, Kind::orla, handOver), ReaderEnd::stopped);
@@ -168,21 +163,49 @@ TEST(RecordRates, FollowTheIntervalWithinWhatTheStreamDelivers) {
     float interval, period;
     int records, perSecond;
   };
-  const float infinity = std::numeric_limits<float>::infinity();
-  const float nan = std::numeric_limits<float>::quiet_NaN();
+  const float infinity = std::numeric_limits<float>::infinity(), nan = std::numeric_limits<float>::quiet_NaN();
   const int most = std::numeric_limits<int>::max();
   // The last two lines are what no setting should hold.
   for (const auto& [interval, period, records, perSecond] :
-       {Row{1.0F, 72.0F, 14, 1},  Row{1.0F, 91.0F, 11, 1},   Row{0.5F, 91.0F, 5, 2},        Row{0.5F, 72.0F, 7, 2},
-        Row{0.2F, 100.0F, 2, 5},  Row{0.1F, 100.0F, 1, 10},  Row{0.1F, 50.0F, 2, 10},       Row{0.3F, 50.0F, 6, 3},
-        Row{0.7F, 50.0F, 14, 1},  Row{2.0F, 91.0F, 22, 1},   Row{10.0F, 50.0F, 200, 1},     Row{0.01F, 72.0F, 1, 14},
-        Row{0.01F, 91.0F, 1, 11}, Row{0.01F, 100.0F, 1, 10}, Row{0.01F, 50.0F, 1, 20},      Row{0.0F, 91.0F, 1, 11},
-        Row{-1.0F, 91.0F, 1, 1},  Row{nan, 91.0F, 1, 1},     Row{infinity, 91.0F, most, 1}, Row{1.0F, 0.0F, most, 1},
-        Row{0.01F, nan, 1, 1}}) {
-    const RecordRates rates = recordRates(interval, period);
+       {Row{1.0F, 72.0F, 14, 1}, Row{1.0F, 91.0F, 11, 1}, Row{0.5F, 72.0F, 7, 2}, Row{0.2F, 100.0F, 2, 5},
+        Row{0.1F, 50.0F, 2, 10}, Row{0.3F, 50.0F, 6, 3}, Row{10.0F, 50.0F, 200, 1}, Row{0.01F, 72.0F, 1, 14},
+        Row{0.01F, 91.0F, 1, 11}, Row{0.0F, 91.0F, 1, 11}, Row{-1.0F, 91.0F, 1, 1}, Row{nan, 91.0F, 1, 1},
+        Row{infinity, 91.0F, most, 1}, Row{1.0F, 0.0F, most, 1}, Row{0.01F, nan, 1, 1}}) {
+    const RecordRates rates = recordRatesOf(interval, period);
     EXPECT_EQ(rates.recordsPerInterval, records) << interval << " s at " << period << " ms";
     EXPECT_EQ(rates.ratePerSecond, perSecond) << interval << " s at " << period << " ms";
   }
+}
+
+TEST(GpsLine, FollowsTheListsAndLeavesTheRestAsItIs) {
+  using Parity::even, Parity::odd;
+  struct Case {
+    int dataBits, parity, stopBits;
+    LineSettings line;  // without the rate
+  };
+  Settings settings;
+  int index = -1;
+  for (const std::optional<int> baud :
+       {std::optional<int>(), {4800}, {9600}, {19200}, {38400}, {57600}, {115200}, {230400}, {460800}, {}}) {
+    settings.gpsBaudIndex = index++;
+    EXPECT_EQ(gpsPortLine(settings).baud, baud) << index;
+  }
+  for (const auto& item : {Case{1, 0, 0, {{}, 8, Parity::none, 1, true}}, Case{0, 1, 1, {{}, 7, even, 2, true}},
+                           Case{1, 2, 0, {{}, 8, odd, 1, true}}, Case{2, 3, 2, {{}, {}, {}, {}, true}},
+                           Case{-1, -1, -1, {{}, {}, {}, {}, true}}}) {
+    settings.gpsDataBitsIndex = item.dataBits;
+    settings.gpsParityIndex = item.parity;
+    settings.gpsStopBitsIndex = item.stopBits;
+    EXPECT_EQ(gpsPortLine(settings), item.line) << item.dataBits;
+  }
+}
+
+TEST(MarkerPort, SkipsCom6AndMayBeTheInstrumentsOwn) {
+  std::vector<int> numbers;
+  for (int choice = -1; choice <= 12; ++choice) numbers.push_back(markerComNumber(choice));
+  EXPECT_THAT(numbers, ElementsAre(0, 0, 1, 2, 3, 4, 5, 7, 8, 9, 10, 11, 12, 0));
+  for (const auto& [index, place] : {std::pair{5, MarkerPlace::instrumentPort}, {6, MarkerPlace::ownPort}})
+    EXPECT_EQ(markerPlaceOf(Kind::tesk2, {.instrumentPortIndex = index, .markerPortChoice = 6}), place);
 }
 
 }  // namespace

@@ -15,7 +15,7 @@ const std::vector<std::string> kReadings{"T0000001", "T0000002", "T0000003", "T0
 bool survey(TestSession& test) {
   auto& session = test.session;
   if (startSession(session) != StartOutcome::started) return false;
-  const auto created = createDataFile(session, [&, asked = false](const std::string&) mutable {
+  const auto created = beginDataFile(session, [&, asked = false](const std::string&) mutable {
     return std::exchange(asked, true) ? std::nullopt : std::optional(test.folder.path() / "A.ROR");
   });
   if (created.how != CreateOutcome::How::created) return false;

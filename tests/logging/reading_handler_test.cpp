@@ -1,8 +1,9 @@
-#include "logging/reading_handler.h"
+#include "logging/handlers.h"
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>
 
+#include "logging/calibration.h"
 #include "support/session_fixture.h"
 
 namespace kalmira {
@@ -26,36 +27,23 @@ std::string tesk2Record(char mode, std::array<unsigned, 6> words) {
   return text;
 }
 
-TEST(Reading, StandingByShowsValuesAndWritesNothing) {
+// Readings 0.2 s apart: a beep with every fifth.
+TEST(Reading, TheFirstTwoOfALineShareItsStartStationAndBeepsFollowTheRate) {
   TestSession test(Kind::orla);
-  test.begin();
-  test.record(kReleased);
-  EXPECT_EQ(test.view.texts[value1], "C:25.00   mS/m");
-  EXPECT_EQ(test.view.texts[value2], "I:1.00    ppt");
-  EXPECT_EQ(test.view.texts[range], "Vertical Dipoles   Range:1000");
-  EXPECT_EQ(test.view.texts[mode], "Mode:V");
-  EXPECT_TRUE(test.records().empty());
-  EXPECT_EQ(test.link.recordText[0], '\0') << "the record is consumed";
-}
-
-TEST(Reading, TheFirstTwoOfALineShareItsStartStation) {
-  for (const auto kind : {Kind::orla, Kind::glaco}) {
-    TestSession test(kind);
-    test.settings.startStation = 10.0;
-    test.settings.audio = 1;
-    test.go();
-    const int before = test.view.beeps;
-    std::vector<double> stationsBefore;
-    const std::string text = kind == Kind::orla ? kReleased : "T123I456    ";
-    for (int i = 0; i < 4; ++i) {
-      stationsBefore.push_back(test.session.station);
-      test.record(kind == Kind::orla ? text : text.substr(0, 8));
-    }
-    EXPECT_THAT(stationsBefore, ElementsAre(10.0, 10.0, 11.0, 12.0));
-    EXPECT_EQ(test.view.beeps - before, 4);
-    EXPECT_THAT(test.readings(), ElementsAre(text, text, text, text));
-    EXPECT_EQ(test.records()[1], text + "     100050");
+  test.settings.startStation = 10.0;
+  test.settings.audio = 1;
+  test.settings.readingsInterval = 0.2F;
+  test.go();
+  const int before = test.view.beeps;
+  std::vector<double> stationsBefore;
+  for (int i = 0; i < 10; ++i) {
+    stationsBefore.push_back(test.session.station);
+    test.record(kReleased);
   }
+  EXPECT_THAT(stationsBefore, ElementsAre(10, 10, 11, 12, 13, 14, 15, 16, 17, 18));
+  EXPECT_EQ(test.view.beeps - before, 2);
+  EXPECT_EQ(test.records()[1], "T -0100-0400     100050");
+  EXPECT_EQ(test.link.recordText[0], '\0') << "the record is consumed";
 }
 
 TEST(Reading, RepeatsAtAStationAreNumberedAndShareAColumn) {
@@ -151,86 +139,65 @@ TEST(Average, OfSamplesIsOneRecordAndEndsInManualMode) {
   }
 }
 
-TEST(Reading, AShortTeskRecordIsPaddedAndBeepsFollowTheRate) {
-  TestSession test(Kind::tesk);
-  test.settings.audio = 1;
-  test.settings.readingsInterval = 0.2F;  // five readings a second: a beep a second
-  test.go();
-  const int before = test.view.beeps;
-  for (int i = 0; i < 10; ++i) test.record("T\x20-0100");
-  EXPECT_EQ(test.view.beeps - before, 2);
-  EXPECT_EQ(test.readings().at(0), "T -0100     ");
-}
-
 TEST(Reading, OfAnOrlaOverIceShowsThicknessInHorizontalModeOnly) {
   TestSession test(Kind::orla, true);
-  test.settings.iceDisplay = 1;
-  test.settings.iceQuantity = 1;
-  test.settings.instrumentLength = 1;
+  test.settings.iceDisplay = test.settings.iceQuantity = test.settings.instrumentLength = 1;
   test.go();
-  test.record("T\x10-5040+0000");  // horizontal, factor -0.25: 1260 mS/m is a tenth of a metre
-  EXPECT_EQ(test.view.texts[value3], "Th: 0.10    m");
-  EXPECT_EQ(test.view.texts[range], "Mode:H  R:1000");
-  ASSERT_EQ(test.view.points.size(), 1U);
-  EXPECT_EQ(test.view.points[0].channels.present[4], 1);
-  EXPECT_NEAR(test.view.points[0].channels.value[4], 0.1, 1e-6);
-  test.record("T\x20-5040+0000");
-  EXPECT_EQ(test.view.texts[value3], "Th: N/A in mode V");
-  EXPECT_EQ(test.view.points[1].channels.present[4], 0);
-  test.record("T\x10-9999+0000");
-  EXPECT_EQ(test.view.texts[value3], "T: Out of Range");
-  test.settings.lengthUnits = 1;
-  test.record("T\x10-5040+0000");
-  EXPECT_EQ(test.view.texts[value3], "Th: 0.33    ft");
+  // Factor -0.25; 1260 mS/m is a tenth of a metre.
+  struct Case {
+    const char *record, *shown;
+    int present, lengthUnits;
+  };
+  for (const auto& item :
+       {Case{"T\x10-5040+0000", "Th: 0.10    m", 1, 0}, Case{"T\x20-5040+0000", "Th: N/A in mode V", 0, 0},
+        Case{"T\x10-9999+0000", "T: Out of Range", 0, 0}, Case{"T\x10-5040+0000", "Th: 0.33    ft", 1, 1}}) {
+    test.settings.lengthUnits = item.lengthUnits;
+    test.record(item.record);
+    EXPECT_EQ(test.view.texts[value3], item.shown);
+    EXPECT_EQ(test.view.points.back().channels.present[4], item.present);
+    EXPECT_NEAR(test.view.points.back().channels.value[4], item.present == 1 ? 0.1 : 0, 1e-6) << item.shown;
+  }
 }
 
 struct ValueCase {
   Kind kind;
-  std::string record;
-  std::vector<std::pair<PanelField, std::string>> wide, narrow;
+  std::string record, wide, narrow;  // value1 to value6, range, mode
 };
 
-TEST(Reading, ValueTextsOfEveryKind) {
+TEST(Reading, PanelTextsOfEveryKind) {
   for (const auto& item : std::initializer_list<ValueCase>{
-           {Kind::orla,
-            "T\x21-0100-0200",  // odd: battery levels, code 1: factor -0.0025
-            {{value1, "B:0.25    Volt"}, {value2, "B:0.50    Volt"}, {range, "Battery Levels"}},
-            {{value1, "B:0.25    "}, {value2, "B:0.50    "}, {range, "Battery Levels"}}},
-           {Kind::teskb,
-            "T\x01-1000-0100",  // horizontal, gains 1000 and 100
-            {{value1, "C:100.00  mS/m"}, {value2, "I:2.88    ppt"}, {range, "Horizontal    GnC:1000  GnI:100 "}},
-            {{value1, "C:100.00  "}, {range, "Horizontal G1000,100 "}}},
-           {Kind::teskdd,
-            "T\x27-0100-0200",  // conductivity, range 1000
-            {{value1, "CV:100.00  "}, {value2, "CH:200.00  "}, {range, "Conductivity [mS/m]  Range:1000"}},
-            {{range, "Conductivity  G1000"}}},
-           {Kind::teskdd,
-            "T\x23-0100-0200",
-            {{value3, "IV:2.88    "}, {value4, "IH:5.76    "}, {range, "      Inphase [ppt]  Range:1000"}},
-            {{range, "Inphase  G1000"}}},
-           {Kind::tesk,
-            "T\x23-0100",
-            {{value2, "I:2.88    ppt"}, {range, "Vertical Dipoles   Range:1000"}},
-            {{value2, "I:2.88    "}, {range, "Vertical  G1000"}}},
-           {Kind::vardo,
-            "T\x20-1000     ",  // inverted: 32 is horizontal; 20 m; range 3
-            {{value1, "C:0.75    mS/m"}, {value2, "Sep:20 m"}, {range, "Horizontal Dipoles   Range:3   "}},
-            {{value1, "C:0.75    "}}},
-           {Kind::mirka,
-            "T\x24-0100-0004",
-            {{value1, "C:250.00  "}, {value2, "Sep:1.00     m"}},
-            {{value1, "C:250.00  "}}},
-           {Kind::glaco, "T123I456", {{value1, "Th:1.23    "}, {value2, "IP:456.00  "}}, {}},
-           {Kind::tesk2,
-            tesk2Record(6, {33792, 32768, 0x0A0A, 33792, 311, 0}),
-            {{value2, "I:1.15    ppt"}, {value3, "c:40.00   mS/m"}, {value5, "T:50.06   "}, {value6, "t:-50.00  "}},
-            {}}}) {
+           {Kind::orla, kReleased, "C:25.00   mS/m|I:1.00    ppt|||||Vertical Dipoles   Range:1000|Mode:V|",
+            "C:25.00   |I:1.00    |||||Vertical  G1000|Mode:V|"},
+           // Odd: battery levels, code 1: factor -0.0025.
+           {Kind::orla, "T\x21-0100-0200", "B:0.25    Volt|B:0.50    Volt|||||Battery Levels|Mode:V|",
+            "B:0.25    |B:0.50    |||||Battery Levels|Mode:V|"},
+           // Horizontal, gains 1000 and 100.
+           {Kind::teskb, "T\x01-1000-0100", "C:100.00  mS/m|I:2.88    ppt|||||Horizontal    GnC:1000  GnI:100 |Mode:V|",
+            "C:100.00  |I:2.88    |||||Horizontal G1000,100 |Mode:V|"},
+           // Range 1000; conductivity, then inphase.
+           {Kind::teskdd, "T\x27-0100-0200", "CV:100.00  |CH:200.00  |||||Conductivity [mS/m]  Range:1000|Mode:B|",
+            "CV:100.00  |CH:200.00  |||||Conductivity  G1000|Mode:B|"},
+           {Kind::teskdd, "T\x23-0100-0200", "||IV:2.88    |IH:5.76    |||      Inphase [ppt]  Range:1000|Mode:B|",
+            "||IV:2.88    |IH:5.76    |||Inphase  G1000|Mode:B|"},
+           {Kind::tesk, "T\x23-0100", "|I:2.88    ppt|||||Vertical Dipoles   Range:1000|Mode:V|",
+            "|I:2.88    |||||Vertical  G1000|Mode:V|"},
+           // Inverted: 32 is horizontal; 20 m; range 3.
+           {Kind::vardo, "T\x20-1000     ", "C:0.75    mS/m|Sep:20 m|||||Horizontal Dipoles   Range:3   |M:V10|",
+            "C:0.75    |Sep:20 m|||||Horizontal  G3   |M:V10|"},
+           {Kind::mirka, "T\x24-0100-0004", "C:250.00  |Sep:1.00     m|||||||", "C:250.00  |Sep:1.00     m|||||||"},
+           {Kind::glaco, "T123I456", "Th:1.23    |IP:456.00  |||||||", "Th:1.23    |IP:456.00  |||||||"},
+           {Kind::tesk2, tesk2Record(6, {33792, 32768, 0x0A0A, 33792, 311, 0}),
+            "C:-1179.61mS/m|I:1.15    ppt|c:40.00   mS/m|i:0.00    ppt|T:50.06   |t:-50.00  ||Mode:V|",
+            "C:-1179.61|I:1.15    |c:40.00   |i:0.00    |T:50.06   |t:-50.00  ||Mode:V|"}}) {
     for (const bool wide : {true, false}) {
       TestSession test(item.kind, false, wide);
       test.begin();
       test.record(item.record);
-      for (const auto& [field, text] : wide ? item.wide : item.narrow)
-        EXPECT_EQ(test.view.texts[field], text) << instrumentOf(item.kind).name;
+      std::string shown;
+      for (const auto field : {value1, value2, value3, value4, value5, value6, range, mode})
+        shown += test.view.texts[field] + '|';
+      EXPECT_EQ(shown, wide ? item.wide : item.narrow) << instrumentOf(item.kind).name;
+      EXPECT_TRUE(test.records().empty()) << "standing by";
     }
   }
 }
@@ -245,6 +212,99 @@ TEST(Battery, IsShownEveryThreeMinutes) {
     test.record(kReleased);
     EXPECT_EQ(test.view.texts[battery], text);
   }
+}
+
+constexpr char kVertical = 6;    // no marker
+constexpr char kHorizontal = 2;  // no marker
+
+struct CalibrationTest : testing::Test {
+  TestSession test{Kind::tesk2};
+  Calibration& calibration = test.session.calibration;
+
+  void SetUp() override {
+    test.settings.calibrationFactors = {9, 8, 7, 6, 5, 4};
+    test.begin();
+    ASSERT_TRUE(startCalibration(test.session));
+  }
+  // One reading every 50 ms; conductivities 40 and 80 mS/m with vertical, 16 and 24 with horizontal dipoles.
+  // What is shown then.
+  std::string readings(char mode, int count) {
+    for (int i = 0; i < count; ++i) {
+      test.clock.advance(50);
+      test.record(mode == kVertical ? tesk2Record(mode, {34816, 33792, 33792, 33792, 0, 0})
+                                    : tesk2Record(mode, {33382, 32768, 33178, 33280, 0, 0}));
+    }
+    return test.view.texts[PanelField::calibration];
+  }
+};
+
+TEST_F(CalibrationTest, GoodSequenceSavesAndWritesTheFactors) {
+  EXPECT_EQ(test.view.questions.at(0).text,
+            "Place  TESK-2  on  Monopod\r\nin  Vertical  Dipole  Mode\r\nand  press  YES  when  ready\r\n");
+  EXPECT_FALSE(commandAllowed(test.session, Command::calibrate));
+  EXPECT_FALSE(commandAllowed(test.session, Command::deleteCalibration));
+  EXPECT_EQ(readings(kVertical, 40), "Vertical Calibration");
+  EXPECT_EQ(readings(kVertical, 1), "Rotate to Horiz. Mode within 60 s");
+  EXPECT_EQ(readings(kHorizontal, 22), "Preparing for Horizontal Calibration");
+  EXPECT_EQ(readings(kHorizontal, 41), "Horizontal Calibration");
+  EXPECT_EQ(readings(kHorizontal, 2), "Calibration Completed - Wait for Beep");
+
+  // Raw inphase words 33792 and 33280: 40 and 20 times the channel's factor; 33792 in the second channel.
+  const auto& factors = test.settings.calibrationFactors;
+  const std::array<double, 6> wanted{40 * 0.028819,   40 * 0.00720475, 20 * 0.028819, 0,
+                                     40 - 2 * 16.016, 80 - 2 * 23.984};
+  for (std::size_t i = 0; i < 6; ++i) EXPECT_NEAR(factors[i], wanted[i], i < 4 ? 1e-4 : 0.01) << i;
+  ASSERT_EQ(test.saved.size(), 1U);
+  EXPECT_EQ(test.saved[0].calibrationFactors, factors);
+  ASSERT_EQ(test.records().size(), 6U);
+  EXPECT_EQ(test.records()[0], "O1     1.153      9.000  ");
+  EXPECT_EQ(test.records()[5], "O6    32.031      4.000  ");
+
+  EXPECT_EQ(readings(kHorizontal, 61), "");
+  EXPECT_EQ(calibration.calibrationPhase, 0);
+  ASSERT_TRUE(deleteCalibration(test.session));
+  EXPECT_NEAR(calibration.deletedCalibration[0], wanted[0], 1e-4);
+  EXPECT_EQ(test.settings.calibrationFactors[0], 0.0F);
+  EXPECT_EQ(test.records().at(6), "O1     0.000      1.153  ");
+}
+
+TEST_F(CalibrationTest, ThirtyReadingsPassAndTwentyNineFailAndSoDoesStayingVertical) {
+  readings(kVertical, 29);
+  readings(kHorizontal, 12);  // not counted
+  EXPECT_EQ(readings(kVertical, 1), "Vert. Mode Failed - Wait for Beep");
+  readings(kVertical, 60);
+  EXPECT_EQ(calibration.calibrationPhase, 0);
+  EXPECT_EQ(test.settings.calibrationFactors[0], 9.0F) << "the factors from before are back";
+  EXPECT_TRUE(test.saved.empty() && test.records().empty());
+
+  ASSERT_TRUE(startCalibration(test.session));
+  readings(kVertical, 30);
+  readings(kHorizontal, 11);
+  EXPECT_EQ(calibration.calibrationActive, 2);
+  EXPECT_EQ(calibration.calibrationStep, 0);
+  abandonCalibration(test.session);
+
+  ASSERT_TRUE(startCalibration(test.session));
+  readings(kVertical, 241);  // ten seconds upright behind the forty that count
+  EXPECT_EQ(calibration.calibrationStep, 0);
+  EXPECT_EQ(readings(kVertical, 2), "Hor. Mode Not Detected - Wait for Beep");
+}
+
+TEST_F(CalibrationTest, WhatEndsItMidwayKeepsTheFactorsThatHeld) {
+  readings(kVertical, 10);
+  newLine(test.session, proposeLine(test.settings, 0));
+  EXPECT_EQ(test.records().at(4), "O1     9.000      0.000  ");
+  EXPECT_EQ(test.saved.at(0).calibrationFactors[0], 9.0F);
+  abandonCalibration(test.session);
+  EXPECT_TRUE(commandAllowed(test.session, Command::calibrate));
+  test.view.answer = false;
+  EXPECT_FALSE(startCalibration(test.session));
+  EXPECT_EQ(test.settings.calibrationFactors[0], 9.0F) << "the answer no changes nothing";
+  test.view.answer = true;
+  ASSERT_TRUE(startCalibration(test.session));
+  readings(kVertical, 41);
+  ASSERT_TRUE(LeaveLogging(test.session, false));
+  EXPECT_EQ(test.settings.calibrationFactors[5], 4.0F);
 }
 
 }  // namespace

@@ -6,6 +6,8 @@
 #include <string>
 #include <thread>
 
+#include "platform/worker.h"
+
 namespace kalmira {
 namespace {
 
@@ -125,6 +127,29 @@ TEST(DirectHandOver, ClosingReleasesASendThatWaitsForItsTurn) {
     begun.acquire();
     for (int k = 0; k < i; ++k) std::this_thread::yield();
     sender.close();
+  }
+}
+
+TEST(Worker, DoesWhatIsLeftThenEndsAndStartsAnew) {
+  Worker worker("test");
+  int wanted = 0;
+  int done = 0;
+  const auto body = [&] {
+    auto held = worker.lock();
+    while (worker.wait(held, [&] { return wanted > 0; })) {
+      --wanted;
+      ++done;
+      EXPECT_FALSE(worker.waitFor(held, std::chrono::seconds(60), [] { return false; }));  // ends with stop
+    }
+  };
+  EXPECT_TRUE(worker.stopWithin(std::chrono::seconds(0)));
+  for (int round = 1; round <= 2; ++round) {
+    worker.change([&] { wanted = 3; });
+    worker.start(body);
+    worker.start(body);  // one at a time
+    EXPECT_TRUE(worker.stopWithin(std::chrono::seconds(60)));
+    EXPECT_FALSE(worker.started());
+    EXPECT_EQ(done, 3 * round);
   }
 }
 

@@ -1,4 +1,4 @@
-#include "platform/output_file.h"
+#include "platform/files.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>

@@ -5,8 +5,8 @@
 #include <algorithm>
 #include <sstream>
 
-#include "platform/paths.h"
-#include "settings/settings_fields.h"
+#include "platform/files.h"
+#include "settings/settings.h"
 #include "support/temp_folder.h"
 
 namespace kalmira {
@@ -84,13 +84,12 @@ TEST(SettingsFile, HasTheBytesOfANewOrla) {
 
 TEST(SettingsFile, HasTheIceFieldsBehindTheLengthAndTheTesk2FieldsInTheirPlaces) {
   Settings settings;
-  settings.instrumentLength = 1;
-  settings.iceDisplay = 1;
-  settings.iceQuantity = 1;
+  settings.instrumentLength = settings.iceDisplay = settings.iceQuantity = 1;
   settings.seaWaterChoice = 10;
+  EXPECT_TRUE(
+      formatSettings(settings, Kind::orla, true)
+          .starts_with(lines({"CEVer2.30", "1", "1", "1", "10", "9.000000", "10.000000", "0", "0", "1", "0", "1"})));
   settings.lineName = "N\xC3\xBA 7";
-  EXPECT_EQ(formatSettings(settings, Kind::orla, true).substr(0, 60),
-            lines({"CEVer2.30", "1", "1", "1", "10", "9.000000", "10.000000", "0", "0", "1", "0", "1"}).substr(0, 60));
   settings.calibrationFactors = {0.5F, -1.25F, 2, 3, 4, 0.1F};
   settings.tesk2Variant = 2;
   settings.softMarker = 1;
@@ -138,31 +137,19 @@ TEST(SettingsFile, IsThatOfTheFormatDocument) {
   EXPECT_EQ(read.calibrationFactors, settings.calibrationFactors);
 }
 
-std::string incrementLine(int mode, float increment) {
-  Settings settings;
-  settings.surveyMode = mode;
-  settings.stationIncrement = increment;
-  auto text = formatSettings(settings, Kind::mirka, false);
-  text.resize(text.size() - 2);
-  return text.substr(text.rfind('\n') + 1);
-}
-
-TEST(SettingsFile, KeepsOnlyTheSignOfTheIncrementInWheelMode) {
-  EXPECT_EQ(incrementLine(kModeWheel, -2.5F), "-1.000000");
-  EXPECT_EQ(incrementLine(kModeWheel, 2.5F), "1.000000");
-  EXPECT_EQ(incrementLine(kModeWheel, 0.0F), "1.000000");
-  EXPECT_EQ(incrementLine(kModeAuto, -2.5F), "-2.500000");
-  EXPECT_EQ(incrementLine(kModeManual, 0.0F), "0.000000");
-}
-
-TEST(SettingsFile, GivesTheIncrementOfTheLoadedMode) {
-  for (const int mode : {0, 1, 2, 9}) {
-    Settings settings;
-    settings.modeIncrement = {3, 4, 5};
-    settings.surveyMode = mode;
-    settings.stationIncrement = -77;
+// The last line holds the increment: in Wheel mode its sign alone.
+TEST(SettingsFile, KeepsTheIncrementOfEachMode) {
+  for (const auto& [mode, increment, line] : {std::tuple{kModeWheel, -2.5F, "-1.000000"},
+                                              {kModeWheel, 2.5F, "1.000000"},
+                                              {kModeWheel, 0.0F, "1.000000"},
+                                              {kModeAuto, -2.5F, "-2.500000"},
+                                              {kModeManual, 0.0F, "0.000000"},
+                                              {9, 1.0F, "1.000000"}}) {
+    Settings settings{.surveyMode = mode, .modeIncrement = {3, 4, 5}, .stationIncrement = increment};
+    const auto text = formatSettings(settings, Kind::mirka, false);
+    EXPECT_TRUE(text.ends_with(std::string("\n") + line + "\r\n")) << mode;
     Settings read;
-    ASSERT_TRUE(parseSettings(formatSettings(settings, Kind::vardo, false), Kind::vardo, false, read));
+    ASSERT_TRUE(parseSettings(text, Kind::mirka, false, read));
     EXPECT_EQ(read.stationIncrement, mode == 9 ? 3.0F : static_cast<float>(3 + mode));
   }
 }

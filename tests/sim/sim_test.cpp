@@ -4,9 +4,14 @@
 #include <poll.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <cmath>
 #include <cstdio>
+#include <functional>
 #include <limits>
 
+#include "instruments/catalogue.h"
+#include "sim/encode.h"
 #include "sim/player.h"
 #include "sim/replay.h"
 #include "sim/survey.h"
@@ -113,6 +118,64 @@ TEST(Survey, OneSeedGivesOneSurvey) {
       different += recordAt(plan, i) != recordAt(other, i) ? 1 : 0;
     }
     EXPECT_GT(different, 20) << kind;
+  }
+}
+
+// Half a count of the range that a value needs: never finer than `finest`, else a share of the value.
+struct Precision {
+  double finest;
+  double share;
+  double of(double value) const { return std::max(finest, std::abs(value) * share) * 1.001 + 1e-5; }
+};
+
+TEST(Encode, DecodesBackToTheValues) {
+  struct Row {
+    Kind kind;
+    std::function<std::string(Stance, double, double)> encode;
+    Precision conductivity, inphase;
+  };
+  const Precision anything{1e9, 0};  // not in the record
+  const auto conductivityOf = [](Stance s, double c, double) { return encodeTesk(s, Component::conductivity, c, 7); };
+  const auto inphaseOf = [](Stance s, double, double i) { return encodeTesk(s, Component::inphase, i, 12); };
+  const auto vardo = [](Stance s, double c, double) { return encodeVardo(s, 20, c); };
+  for (const auto& row : {Row{Kind::orla, encodeOrla, {0.00125, 1.0 / 800}, {0.00125, 0}},
+                          Row{Kind::teskb, encodeTeskb, {0.05, 1.0 / 200}, {0.00144, 1.0 / 200}},
+                          Row{Kind::tesk, conductivityOf, {0.00625, 1.0 / 200}, anything},
+                          Row{Kind::tesk, inphaseOf, anything, {0.00018, 1.0 / 200}},
+                          Row{Kind::vardo, vardo, {0.000375, 1.0 / 2000}, anything},
+                          Row{Kind::mirka, encodeMirka, {0.125, 1.0 / 8}, {0.125, 0}}}) {
+    for (const int stance : {0, 1, 2, 3}) {
+      for (const double conductivity :
+           {-76.5, -3.3, 0.0, 0.37, 2.9, 9.99, 12.4, 12.6, 99.0, 101.0, 124.9, 512.0, 999.0}) {
+        for (const double inphase : {-5.5, -0.2, 0.0, 0.31, 0.37, 2.87, 2.89, 7.4}) {
+          const auto record = row.encode({.vertical = stance % 2 == 0, .pressed = stance > 1}, conductivity, inphase);
+          SCOPED_TRACE(record);
+          const auto reading = instrumentOf(row.kind).decode(record, {});
+          EXPECT_NEAR(reading.conductivity, conductivity, row.conductivity.of(conductivity));
+          EXPECT_NEAR(reading.inphase, row.kind == Kind::vardo ? 20 : inphase, row.inphase.of(inphase));
+          EXPECT_EQ(reading.orientation, stance % 2 == 0 ? 'V' : 'H');
+          EXPECT_EQ(reading.secondMode, stance > 1 ? 'M' : 'N');
+        }
+      }
+    }
+  }
+}
+
+TEST(Encode, Tesk2DecodesBackAndNeverLooksEnded) {
+  for (int step = 0; step < 3000; ++step) {
+    const double conductivity = -1200 + 0.8 * step;
+    const Tesk2Values values{conductivity, -34 + step * 0.0226, conductivity / 3, -8.6 + step * 0.0057, 31, 31};
+    const Stance stance{.vertical = step % 2 == 0};
+    const auto record = encodeTesk2(stance, values);
+    EXPECT_EQ(terminated(Framing::tesk2, record).find("\xFF\xFF"), 14U);
+    const auto reading = instrumentOf(Kind::tesk2).decode(record, {});
+    const auto& channels = reading.channels;
+    const std::size_t slot = stance.vertical ? 0 : 1;
+    EXPECT_NEAR(channels.value[slot], values.conductivity1, 0.0197);
+    EXPECT_NEAR(channels.value[slot + 2], values.inphase1, 0.00058);
+    EXPECT_NEAR(channels.value[slot + 4], values.conductivity2, 0.0197);
+    EXPECT_NEAR(channels.value[slot + 6], values.inphase2, 0.00016);
+    EXPECT_EQ(reading.secondMode, 'N');
   }
 }
 

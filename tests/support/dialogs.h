@@ -8,6 +8,7 @@
 #include <QDialog>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMenu>
 #include <QMessageBox>
 #include <QPointer>
 #include <QPushButton>
@@ -15,8 +16,10 @@
 #include <QTest>
 #include <QTimer>
 #include <functional>
+#include <set>
 #include <utility>
 
+#include "settings/settings.h"
 #include "ui/screen/template_dialog.h"
 #include "ui/screen/touch_button.h"
 
@@ -60,6 +63,7 @@ class DialogActor {
     });
   }
   void giveUp() {
+    if (auto* popup = QApplication::activePopupWidget()) popup->close();
     auto* open = qobject_cast<QDialog*>(QApplication::activeModalWidget());
     if (open == nullptr) return;
     ADD_FAILURE() << "left open: " << open->windowTitle().toStdString();
@@ -68,7 +72,7 @@ class DialogActor {
   }
 
   static constexpr int kLookMs = 5;
-  static constexpr int kMostLooks = 2000;  // ten seconds
+  static constexpr int kMostLooks = 8000;  // forty seconds: a sanitized build on a loaded machine
   QString title_;
   Act act_;
   QObject context_;
@@ -88,6 +92,52 @@ inline DialogActor::Act answered(QMessageBox::StandardButton which) {
   };
 }
 
+// Reads a message and takes note by Enter.
+inline DialogActor::Act noted(std::string& text) {
+  return [&text](QDialog& dialog) {
+    text = dynamic_cast<QMessageBox&>(dialog).text().toStdString();
+    QTest::keyClick(&dialog, Qt::Key_Return);
+  };
+}
+// The menu that opens next gets a key; `texts` is what it offers.
+inline void pressInMenu(Qt::Key key, QStringList* texts = nullptr) {
+  QTimer::singleShot(5, [key, texts] {
+    auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+    if (menu == nullptr) return pressInMenu(key, texts);
+    for (const auto* action : menu->actions()) {
+      if (texts != nullptr) *texts << action->text();
+    }
+    QTest::keyClick(menu, key);
+  });
+}
+
+// What stands on the visible buttons of a window, or on the marked one alone, which Enter presses.
+inline std::vector<std::string> buttonsOf(const QWidget& window, bool marked = false) {
+  std::vector<std::string> out;
+  for (const auto* each : window.findChildren<QPushButton*>()) {
+    if (each->isVisible() && (!marked || each->isDefault())) out.push_back(each->text().toStdString());
+  }
+  return out;
+}
+inline std::string markedOf(const QWidget& window) {
+  const auto marked = buttonsOf(window, true);
+  EXPECT_LE(marked.size(), 1U) << "two buttons are marked";
+  return marked.empty() ? "" : marked[0];
+}
+// The button with that text, one that is seen where there are several.
+inline QPushButton& buttonOf(const QWidget& window, const QString& text) {
+  QPushButton* found = nullptr;
+  for (auto* each : window.findChildren<QPushButton*>()) {
+    const bool named = each->text() == text || each->text().remove('&') == text;
+    if (named && (found == nullptr || each->isVisible())) found = each;
+  }
+  EXPECT_NE(found, nullptr) << "no button " << text.toStdString();
+  return found == nullptr ? *new QPushButton : *found;
+}
+inline void tapButton(const QWidget& window, const QString& text) {
+  QTest::mouseClick(&buttonOf(window, text), Qt::LeftButton);
+}
+
 inline void tap(QWidget& dialog, const char* button) {
   QTest::mouseClick(dialog.findChild<QAbstractButton*>(QLatin1String(button)), Qt::LeftButton);
 }
@@ -95,6 +145,13 @@ inline void tapOk(QDialog& dialog) { tap(dialog, "ok"); }
 inline void tapCancel(QDialog& dialog) { tap(dialog, "cancel"); }
 inline void press(QDialog& dialog, Qt::Key key) { QTest::keyClick(dialog.focusWidget(), key); }
 inline QComboBox& list(const QDialog& dialog, const char* name) { return part<QComboBox>(dialog, name); }
+// "entry|entry=what is chosen"
+inline std::string entriesOf(const QDialog& dialog, const char* name) {
+  const auto& box = list(dialog, name);
+  QStringList texts;
+  for (int i = 0; i < box.count(); ++i) texts << box.itemText(i);
+  return (texts.join('|') + '=' + box.currentText()).toStdString();
+}
 // Goes to an entry of a list as fingers on a keypad do.
 inline void choose(const QDialog& dialog, const char* name, int position) {
   auto& box = list(dialog, name);
@@ -111,18 +168,71 @@ inline void type(const QDialog& dialog, const char* field, const char* text) {
   QTest::keyClick(&edit, Qt::Key_Delete);
   QTest::keyClicks(&edit, QString::fromUtf8(text));
 }
-inline std::string fieldText(const QDialog& dialog, const char* field) {
-  return part<QLineEdit>(dialog, field).text().toStdString();
+// "name=value|name=value"
+inline std::vector<std::pair<std::string, std::string>> pairsOf(const std::string& text) {
+  std::vector<std::pair<std::string, std::string>> pairs;
+  for (const auto& each : QString::fromStdString(text).split('|'))
+    pairs.emplace_back(each.section('=', 0, 0).toStdString(), each.section('=', 1).toStdString());
+  return pairs;
 }
-inline std::string labelText(const QDialog& dialog, const char* label) {
-  return part<QLabel>(dialog, label).text().toStdString();
+// Fields are typed into, lists go to the entry that begins so.
+inline void fill(const QDialog& dialog, const std::string& texts) {
+  for (const auto& [name, text] : pairsOf(texts)) {
+    const auto* box = dialog.findChild<QComboBox*>(name.c_str());
+    if (box != nullptr) choose(dialog, name.c_str(), box->findText(text.c_str(), Qt::MatchStartsWith));
+    if (box == nullptr) type(dialog, name.c_str(), text.c_str());
+  }
+}
+// What a control shows, and whether it is greyed; "" where it is not to be seen.
+inline std::string textOf(const QDialog& dialog, const std::string& name) {
+  const auto* widget = dialog.findChild<QWidget*>(name.c_str());
+  if (widget == nullptr || !widget->isVisible()) return "";
+  const auto text = widget->property(widget->inherits("QComboBox") ? "currentText" : "text").toString();
+  return text.toStdString() + (widget->isEnabled() ? "" : " (greyed)");
+}
+inline void shows(const QDialog& dialog, const std::string& texts) {
+  for (const auto& [name, text] : pairsOf(texts)) EXPECT_EQ(textOf(dialog, name), text) << name;
+}
+
+// Settings by their names; the others are those of a new logger.
+inline Settings settingsOf(const std::string& values) {
+  Settings settings;
+  for (const auto& [name, value] : pairsOf(values)) {
+    const auto found = findField(name);
+    EXPECT_TRUE(found) << name;
+    if (found) setFieldText(settings, *found->field, found->index, value);
+  }
+  return settings;
+}
+inline void expectSettings(const std::optional<Settings>& settings, const std::string& values) {
+  ASSERT_TRUE(settings);
+  for (const auto& [name, value] : pairsOf(values)) {
+    const auto found = findField(name).value();
+    EXPECT_EQ(fieldText(*settings, *found.field, found.index), value) << name;
+  }
+}
+
+// How many dots of a picture have a colour, 0xRRGGBB.
+inline int countPixels(const QImage& picture, QRgb colour) {
+  int count = 0;
+  for (int y = 0; y < picture.height(); ++y) {
+    for (int x = 0; x < picture.width(); ++x) count += (picture.pixel(x, y) & RGB_MASK) == colour ? 1 : 0;
+  }
+  return count;
+}
+
+// Nothing overlaps or leaves its place.
+inline void expectApart(const QRect& place, const std::vector<QRect>& rects) {
+  for (std::size_t i = 0; i < rects.size(); ++i) {
+    EXPECT_TRUE(place.contains(rects[i])) << i;
+    for (std::size_t j = 0; j < i; ++j) EXPECT_FALSE(rects[i].intersects(rects[j])) << i << " on " << j;
+  }
 }
 
 // What every dialog of the program's own owes the operator: it stays within its window; its buttons are seen,
 // and Tab brings every other control in sight, each as high as a finger; nothing is wider than there is room
 // for, and no label is cut. `whole`: all is seen at once.
 inline void expectFits(QDialog& dialog, bool whole = false) {
-  const auto nameOf = [](const QWidget& widget) { return widget.objectName().toStdString(); };
   EXPECT_TRUE(dialog.parentWidget()->window()->frameGeometry().contains(dialog.frameGeometry()))
       << dialog.width() << " x " << dialog.height();
   for (const auto* area : dialog.findChildren<QScrollArea*>()) {
@@ -136,29 +246,24 @@ inline void expectFits(QDialog& dialog, bool whole = false) {
   }
   for (const auto* label : dialog.findChildren<QLabel*>()) {
     if (!label->isVisible()) continue;
-    const bool wraps = label->wordWrap();
-    EXPECT_GE(label->width(), wraps ? 0 : label->sizeHint().width()) << label->text().toStdString();
-    EXPECT_GE(label->height(), wraps ? label->heightForWidth(label->width()) : label->sizeHint().height())
-        << label->text().toStdString();
+    const QSize needed = label->wordWrap() ? QSize(0, label->heightForWidth(label->width())) : label->sizeHint();
+    EXPECT_EQ(label->size().expandedTo(needed), label->size()) << label->text().toStdString() << " is cut";
   }
-  std::vector<const QWidget*> met;
-  auto* first = dialog.focusWidget();
-  ASSERT_NE(first, nullptr);
-  for (auto* now = first; met.empty() || now != first; now = dialog.focusWidget()) {
-    met.push_back(now);
-    EXPECT_GE(now->height(), touchHeight(nullptr)) << nameOf(*now);
-    EXPECT_GE(2 * now->visibleRegion().boundingRect().height(), now->height()) << nameOf(*now) << " is hidden";
+  std::set<const QWidget*> met;
+  ASSERT_NE(dialog.focusWidget(), nullptr);
+  for (auto* now = dialog.focusWidget(); met.insert(now).second; now = dialog.focusWidget()) {
+    const auto name = now->objectName().toStdString();
+    EXPECT_GE(now->height(), touchHeight(nullptr)) << name;
+    EXPECT_GE(2 * now->visibleRegion().boundingRect().height(), now->height()) << name << " is hidden";
     QTest::keyClick(now, Qt::Key_Tab);
-    ASSERT_LT(met.size(), 60U);
   }
   for (const auto* control : dialog.findChildren<QWidget*>()) {
+    const auto name = control->objectName();
     const bool owes =
-        control->isVisible() && control->isEnabled() && !control->objectName().isEmpty() &&
+        control->isVisible() && control->isEnabled() && !name.isEmpty() && !name.startsWith("qt_") &&
         (control->focusPolicy() & Qt::TabFocus) != 0 &&
-        (qobject_cast<const QAbstractButton*>(control) != nullptr ||
-         qobject_cast<const QLineEdit*>(control) != nullptr || qobject_cast<const QComboBox*>(control) != nullptr);
-    if (!owes || control->objectName().startsWith("qt_")) continue;
-    EXPECT_NE(std::find(met.begin(), met.end(), control), met.end()) << nameOf(*control) << " is out of reach";
+        (control->inherits("QAbstractButton") || control->inherits("QLineEdit") || control->inherits("QComboBox"));
+    EXPECT_TRUE(!owes || met.count(control) == 1) << name.toStdString() << " is out of reach";
   }
 }
 

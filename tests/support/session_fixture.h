@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <deque>
 #include <map>
 #include <optional>
@@ -9,9 +10,9 @@
 #include <vector>
 
 #include "logging/commands.h"
-#include "logging/reading_handler.h"
+#include "logging/handlers.h"
 #include "logging/session.h"
-#include "logging/session_start.h"
+#include "logging/session_link.h"
 #include "support/fake_clock.h"
 #include "support/fake_disk.h"
 #include "support/temp_folder.h"
@@ -94,7 +95,7 @@ struct TestSession {
 
   void begin() {
     ASSERT_EQ(startSession(session), StartOutcome::started);
-    const auto outcome = createDataFile(
+    const auto outcome = beginDataFile(
         session, [this](const std::string& name) { return std::optional(folder.path() / (name + ".DAT")); });
     ASSERT_EQ(outcome.how, CreateOutcome::How::created) << outcome.cause;
     opening = disk.content().size();

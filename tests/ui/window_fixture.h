@@ -2,11 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <QMenu>
-#include <QTest>
-#include <QTimer>
-#include <fstream>
-
 #include "settings/settings_file.h"
 #include "support/dialogs.h"
 #include "support/fake_clock.h"
@@ -19,34 +14,6 @@ namespace kalmira {
 
 // Waits, with events going on, until `happened`; false when it never does.
 inline bool waitFor(const std::function<bool()>& happened) { return QTest::qWaitFor(happened, 20000); }
-
-// What stands on the visible buttons of a window; the marked one, which Enter presses.
-inline std::vector<std::string> buttonsOf(const QWidget& window) {
-  std::vector<std::string> out;
-  for (const auto* each : window.findChildren<QPushButton*>()) {
-    if (each->isVisible()) out.push_back(each->text().toStdString());
-  }
-  return out;
-}
-inline std::string markedOf(const QWidget& window) {
-  std::string found;
-  for (const auto* each : window.findChildren<QPushButton*>()) {
-    if (!each->isVisible() || !each->isDefault()) continue;
-    EXPECT_EQ(found, "") << "two buttons are marked";
-    found = each->text().toStdString();
-  }
-  return found;
-}
-inline QPushButton* buttonOf(const QWidget& window, const QString& text) {
-  for (auto* each : window.findChildren<QPushButton*>()) {
-    if (each->text() == text) return each;
-  }
-  ADD_FAILURE() << "no button " << text.toStdString();
-  return nullptr;
-}
-inline void tapButton(const QWidget& window, const QString& text) {
-  QTest::mouseClick(buttonOf(window, text), Qt::LeftButton);
-}
 
 // What windows with a session stand on: a clock, a folder and devices of the test's own. COM1 is the
 // instrument, COM2 the receiver.

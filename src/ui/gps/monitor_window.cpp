@@ -13,8 +13,8 @@
 #include "ui/gps/sentence_list.h"
 #include "ui/screen/key_table.h"
 #include "ui/screen/message_dialog.h"
-#include "ui/screen/qt_text.h"
 #include "ui/screen/template_dialog.h"
+#include "ui/screen/theme.h"
 #include "ui/screen/touch_button.h"
 
 namespace kalmira {
@@ -108,7 +108,7 @@ bool MonitorGPSWnd::openPort() {
   std::string why;
   if (device.empty()) {
     why = fmt::format("No device stands for COM{}: plug one in or name one", com);
-  } else if (const auto error = port_.open(device, gpsLine(host_.settings), kGpsTries)) {
+  } else if (const auto error = port_.open(device, gpsPortLine(host_.settings), kGpsTries)) {
     why = error->text;
   } else {
     return true;

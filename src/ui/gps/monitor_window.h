@@ -2,8 +2,8 @@
 
 #include <functional>
 
+#include "gps/gps_readers.h"
 #include "gps/monitor.h"
-#include "gps/monitor_reader.h"
 #include "link/port_thread.h"
 #include "logging/serial_session_ports.h"
 #include "platform/clock.h"
@@ -27,16 +27,16 @@ struct MonitorHost {
   std::function<void()> onLeft;  // the monitor is closed; the main menu is to be shown
 };
 
-// MonitorGPSWnd: watches what the GPS receiver sends and sends it messages. All over its parent while it is
-// shown. Typed letters are commands; the edit line has the keyboard only after it was tapped, and Escape, Tab
-// or Enter give it back.
+// MonitorGPSWnd: watches what the GPS receiver sends and sends it messages. All over its parent while it is shown.
+// Typed letters are commands; the edit line has the keyboard only after it was tapped, and Escape, Tab or Enter give it
+// back.
 class MonitorGPSWnd final : public CoverWindow {
  public:
   MonitorGPSWnd(MonitorHost host, const Theme& theme, QWidget* parent);
   ~MonitorGPSWnd() override;
 
-  // Opens the GPS port of the settings and shows the window. False when GPS input is disabled, and when the
-  // port did not open: the operator has been told why.
+  // Opens the GPS port of the settings and shows the window. False when GPS input is disabled, and when the port did
+  // not open: the operator has been told why.
   bool open();
   // Closes the port and hides the window; ignored while it is not open.
   void leave();

@@ -17,8 +17,8 @@ namespace {
 constexpr std::size_t kIndent = 2;  // characters
 constexpr int kEdge = 2;            // pixels left and right of the text
 
-// Taken of a whole row, for a single character's is rounded. Should the system have no font of fixed width,
-// hardly anything is wider than this.
+// Taken of a whole row, for a single character's is rounded. Should the system have no font of fixed width, hardly
+// anything is wider than this.
 double characterWidth(const QFont& font) {
   constexpr int kMany = 100;
   return std::max(1.0, QFontMetricsF(font).horizontalAdvance(QString(kMany, 'W')) / kMany);

@@ -10,9 +10,8 @@
 
 namespace kalmira {
 
-// The receiver's lines, the newest last, in a font of fixed width: a line too long for one row goes on,
-// indented, in the next. Old lines go when there are too many. Scrolls by finger, wheel and bar; takes no
-// keyboard focus.
+// The receiver's lines, the newest last, in a font of fixed width: a line too long for one row goes on, indented, in
+// the next. Old lines go when there are too many. Scrolls by finger, wheel and bar; takes no keyboard focus.
 class SentenceList final : public QAbstractScrollArea {
  public:
   SentenceList(const Theme& theme, QWidget* parent);

@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "logging/keys.h"
-#include "ui/screen/qt_text.h"
 #include "ui/screen/touch_button.h"
 
 namespace kalmira {

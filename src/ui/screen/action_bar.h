@@ -22,9 +22,9 @@ struct Action {
   int identifier = 0;             // the button's object name; 0: none
 };
 
-// The buttons of a window and the highlight: the one of them that Enter presses. They take no keyboard focus,
-// keys belong to the window; where they stand is the window's to say, too. The highlight stands on no button
-// that is greyed as long as there is another.
+// The buttons of a window and the highlight: the one of them that Enter presses. They take no keyboard focus, keys
+// belong to the window; where they stand is the window's to say, too. The highlight stands on no button that is greyed
+// as long as there is another.
 class ActionBar {
  public:
   // `pressed` is told the position of a button that was tapped. `window` outlives the bar.

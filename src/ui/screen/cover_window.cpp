@@ -3,7 +3,7 @@
 #include <QEvent>
 #include <utility>
 
-#include "ui/screen/screen_scale.h"
+#include "ui/screen/theme.h"
 
 namespace kalmira {
 

@@ -5,8 +5,8 @@
 
 namespace kalmira {
 
-// A window all over its parent while it is shown: it follows its parent's size and has the keyboard, Tab
-// included. Hidden until it covers.
+// A window all over its parent while it is shown: it follows its parent's size and has the keyboard, Tab included.
+// Hidden until it covers.
 class CoverWindow : public QWidget {
  public:
   // `onLeft`: it is hidden again; what it covered is to be shown and gets the keyboard. May be empty.

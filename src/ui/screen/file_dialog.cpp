@@ -8,8 +8,8 @@
 #include <QGridLayout>
 #include <QLineEdit>
 
-#include "ui/screen/qt_text.h"
 #include "ui/screen/template_dialog.h"
+#include "ui/screen/theme.h"
 
 namespace kalmira {
 namespace {
@@ -17,8 +17,7 @@ namespace {
 // In a window narrower than this many widths of an "x" only what is needed to name a file is shown.
 constexpr int kFewLetters = 70;
 
-// The parts of Qt's dialog by the names it gives them. Where a future one lacks a part, it is simply not
-// changed.
+// The parts of Qt's dialog by the names it gives them. Where a future one lacks a part, it is simply not changed.
 void hidePieces(const QFileDialog& dialog, std::initializer_list<const char*> names) {
   for (const char* name : names) {
     if (auto* piece = dialog.findChild<QWidget*>(QLatin1String(name))) piece->hide();

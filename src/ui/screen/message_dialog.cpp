@@ -9,8 +9,8 @@
 #include <QTimer>
 #include <algorithm>
 
-#include "ui/screen/qt_text.h"
 #include "ui/screen/template_dialog.h"
+#include "ui/screen/theme.h"
 
 namespace kalmira {
 namespace {

@@ -39,8 +39,8 @@ constexpr int kNarrowestButton = 64;
 // What is always seen of a list's entry.
 constexpr int kShownLetters = 4;
 
-// A field's edge must be seen in the dark, too, and which one is being filled in, from further away than the
-// usual hair line.
+// A field's edge must be seen in the dark, too, and which one is being filled in, from further away than the usual hair
+// line.
 constexpr const char* kFieldStyle =
     "QLineEdit { border: 1px solid palette(text); border-radius: 3px; padding: 0 4px; }"
     "QLineEdit:focus { border: 2px solid palette(highlight); }";
@@ -94,7 +94,7 @@ struct FormOf {
   QStringList leftOut;
 };
 
-std::optional<FormOf> formOf(const QString& name) {
+std::optional<FormOf> findForm(const QString& name) {
   QFile names(":/dialogs/names.txt");
   if (!names.open(QIODevice::ReadOnly)) return std::nullopt;
   while (!names.atEnd()) {
@@ -170,8 +170,8 @@ void arrange(QDialog& dialog, QWidget& form) {
   area->setWidget(&form);
 }
 
-// The room that the form wants, now that it is filled: layouts within layouts remember what they wanted when
-// they were empty.
+// The room that the form wants, now that it is filled: layouts within layouts remember what they wanted when they were
+// empty.
 void remeasure(const QDialog& dialog) {
   auto& form = *part<QWidget>(dialog, "form").layout();
   form.invalidate();
@@ -188,8 +188,8 @@ int wrappedHeight(const QDialog& dialog, int width) {
   return std::max(0, form->layout()->totalHeightForWidth(room) - form->sizeHint().height());
 }
 
-// Half the world types a comma where the numbers of files have a full stop, and what stands behind it would
-// silently be lost: so the comma becomes a full stop before the operator's eyes.
+// Half the world types a comma where the numbers of files have a full stop, and what stands behind it would silently be
+// lost: so the comma becomes a full stop before the operator's eyes.
 void takeCommas(QLineEdit& field) {
   QObject::connect(&field, &QLineEdit::textEdited, &field, [&field](const QString& typed) {
     if (!typed.contains(',')) return;
@@ -270,7 +270,7 @@ void placeInParent(QDialog& dialog) {
 }
 
 QWidget* makeForm(const QString& name, QWidget* parent) {
-  const auto of = formOf(name);
+  const auto of = findForm(name);
   QFile file(of ? of->file : QString());
   if (!of || !file.open(QIODevice::ReadOnly)) return nullptr;
   QUiLoader loader;
@@ -313,14 +313,14 @@ bool runDialog(QDialog& dialog) {
   return execDialog(dialog) == QDialog::Accepted;
 }
 
-double typedNumber(const QLineEdit& field) {
+double numberIn(const QLineEdit& field) {
   const double value = parseReal(typedText(field));
   return std::isfinite(value) ? value : 0.0;
 }
 
 float typedFloat(const QLineEdit& field) {
   constexpr double kMost = std::numeric_limits<float>::max();
-  return static_cast<float>(std::clamp(typedNumber(field), -kMost, kMost));
+  return static_cast<float>(std::clamp(numberIn(field), -kMost, kMost));
 }
 
 std::string typedText(const QLineEdit& field) { return field.text().toStdString(); }

@@ -8,27 +8,26 @@
 
 class QLineEdit;
 
-// Dialogs from named templates. What a name stands for says ":/dialogs/names.txt" of the program's resources.
-// The form, a ".ui" file, is a QWidget with the dialog's title and a grid of fields, in the order Tab goes
-// through them. The rest is the loader's: the frame, the buttons "ok" and "cancel" below the form, and what
-// all dialogs have alike, so that a form's file need not repeat it: margins and spacing, labels that show
-// their text as it is, lists that are no wider than their form. A button of the form with the dynamic
-// property "besideOk" goes into the row of those two. Fields grow with font and fingers. All of this is for
-// the user-interface thread.
+// Dialogs from named templates. What a name stands for says ":/dialogs/names.txt" of the program's resources. The form,
+// a ".ui" file, is a QWidget with the dialog's title and a grid of fields, in the order Tab goes through them. The rest
+// is the loader's: the frame, the buttons "ok" and "cancel" below the form, and what all dialogs have alike, so that a
+// form's file need not repeat it: margins and spacing, labels that show their text as it is, lists that are no wider
+// than their form. A button of the form with the dynamic property "besideOk" goes into the row of those two. Fields
+// grow with font and fingers. All of this is for the user-interface thread.
 namespace kalmira {
 
-// Makes a dialog from the template `name` as a child of `parent`; where that window is wider than high, from
-// NAME_H if there is one. It has the font and the colours of `parent` and controls of touch height; a form
-// that does not fit the window scrolls, its buttons stay. Enter is "ok", Escape is "cancel". In fields for
-// numbers a typed comma becomes a full stop. nullptr when there is no such template.
+// Makes a dialog from the template `name` as a child of `parent`; where that window is wider than high, from NAME_H if
+// there is one. It has the font and the colours of `parent` and controls of touch height; a form that does not fit the
+// window scrolls, its buttons stay. Enter is "ok", Escape is "cancel". In fields for numbers a typed comma becomes a
+// full stop. nullptr when there is no such template.
 std::unique_ptr<QDialog> makeDialog(std::string_view name, QWidget* parent);
 
-// Makes just the form, for a piece that a dialog has several times. It still is to be fitted for fingers.
-// nullptr when there is no such template.
+// Makes just the form, for a piece that a dialog has several times. It still is to be fitted for fingers. nullptr when
+// there is no such template.
 QWidget* makeForm(const QString& name, QWidget* parent);
 
-// The widget `objectName` of a template. A template that lacks it, or has something else by that name, is a
-// fault of the program: it ends with a word that says which.
+// The widget `objectName` of a template. A template that lacks it, or has something else by that name, is a fault of
+// the program: it ends with a word that says which.
 template <class Widget>
 Widget& part(const QDialog& dialog, const char* objectName);
 
@@ -41,16 +40,16 @@ Widget& part(const QDialog& dialog, const char* objectName) {
   return *widget;
 }
 
-// Shows the dialog within its parent's window with the first field selected and waits until it is closed:
-// true when it was accepted. Readings go on meanwhile, and anybody may reject() it.
+// Shows the dialog within its parent's window with the first field selected and waits until it is closed: true when it
+// was accepted. Readings go on meanwhile, and anybody may reject() it.
 bool runDialog(QDialog& dialog);
 
-// For every dialog: waits until it is closed, and gives its result. It stays within its parent's window when
-// that is turned or resized, and gives the keyboard back to it.
+// For every dialog: waits until it is closed, and gives its result. It stays within its parent's window when that is
+// turned or resized, and gives the keyboard back to it.
 int execDialog(QDialog& dialog);
 
 // What stands in a field, as a decimal number with a full stop; what is no finite number is 0.
-double typedNumber(const QLineEdit& field);
+double numberIn(const QLineEdit& field);
 // The same, brought to the nearest end of what a float holds.
 float typedFloat(const QLineEdit& field);
 std::string typedText(const QLineEdit& field);  // UTF-8

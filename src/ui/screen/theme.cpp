@@ -1,7 +1,5 @@
 #include "ui/screen/theme.h"
 
-#include <QPalette>
-
 namespace kalmira {
 
 const Theme& dayTheme() {

@@ -1,12 +1,15 @@
 #pragma once
 
 #include <QPalette>
+#include <QString>
+#include <algorithm>
 #include <cstdint>
+#include <string_view>
 
-#include "chart/chart_colours.h"
+#include "chart/chart_picture.h"
 
-// The colours of everything on the screen, for the day (sunlight on a dim screen: black on white) and for the
-// night (eyes that must stay used to the dark). Colours are 0xRRGGBB.
+// The colours of everything on the screen, for the day (sunlight on a dim screen: black on white) and for the night
+// (eyes that must stay used to the dark). Colours are 0xRRGGBB.
 namespace kalmira {
 
 struct Theme {
@@ -41,5 +44,32 @@ std::uint32_t traceColourOn(const Theme& theme, int settingsColour);
 
 // The palette for everything Qt draws by itself: dialogs, menus, message boxes.
 QPalette paletteOf(const Theme& theme);
+
+// How large things are: windows are laid out in units of a screen of 240 x 320 (upright) or 320 x 240 (lying).
+
+struct ScreenScale {
+  bool portrait = true;
+  double scale = 1.0;  // pixels a unit
+};
+
+constexpr ScreenScale screenScaleOf(int width, int height) {
+  constexpr double kShortSide = 240;
+  constexpr double kLongSide = 320;
+  const bool portrait = height >= width;
+  return {.portrait = portrait,
+          .scale = portrait ? std::min(width / kShortSide, height / kLongSide)
+                            : std::min(width / kLongSide, height / kShortSide)};
+}
+
+// Of texts in dialogs, pixels: readable on the smallest screen, and growing with it.
+constexpr int dialogTextPixels(double scale) {
+  constexpr double kTextUnits = 10;
+  constexpr int kLeast = 12;
+  return std::max(kLeast, static_cast<int>(kTextUnits * scale));
+}
+
+inline QString qtText(std::string_view utf8) {
+  return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
+}
 
 }  // namespace kalmira

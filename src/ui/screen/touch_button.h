@@ -9,18 +9,18 @@ class QScreen;
 
 namespace kalmira {
 
-// How high a button must be to be hit with a gloved finger, 9 mm, in pixels of the widget's coordinates. A
-// screen that tells no sensible size is taken for one of 96 dots an inch.
+// How high a button must be to be hit with a gloved finger, 9 mm, in pixels of the widget's coordinates. A screen that
+// tells no sensible size is taken for one of 96 dots an inch.
 int touchHeight(const QScreen* screen);
 int touchHeightAt(double dotsPerInch);
 
-// The font, as large as `wanted` or smaller, in which `text` (with "&" before a letter to underline), broken
-// between words, fits in `room`.
+// The font, as large as `wanted` or smaller, in which `text` (with "&" before a letter to underline), broken between
+// words, fits in `room`.
 QFont fittedFont(const QString& text, const QFont& wanted, QSize room);
 
-// A push button for fingers: high contrast, its text wrapped over as many lines as are needed and made
-// smaller before anything would be cut, a thick frame and a pointer when it is the one that Enter presses
-// (isDefault). A letter behind "&" is underlined. Takes no keyboard focus of its own.
+// A push button for fingers: high contrast, its text wrapped over as many lines as are needed and made smaller before
+// anything would be cut, a thick frame and a pointer when it is the one that Enter presses (isDefault). A letter behind
+// "&" is underlined. Takes no keyboard focus of its own.
 class TouchButton final : public QPushButton {
  public:
   TouchButton(const QString& text, const Theme& theme, QWidget* parent = nullptr);

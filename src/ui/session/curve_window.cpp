@@ -7,7 +7,6 @@
 #include <algorithm>
 
 #include "chart/profile_redraw.h"
-#include "ui/screen/qt_text.h"
 
 namespace kalmira {
 namespace {
@@ -68,8 +67,8 @@ void CurveWnd::setTheme(const Theme& theme) {
 void CurveWnd::rebuild() {
   static const Settings kNoSettings;
   const bool any = session_ != nullptr;
-  setup_ = profileSetup(any ? session_->instrument.kind : Kind::orla, any && session_->iceOption,
-                        any ? session_->settings : kNoSettings, wide_layout_, scale_, width(), height());
+  setup_ = profileSetupOf(any ? session_->instrument.kind : Kind::orla, any && session_->iceOption,
+                          any ? session_->settings : kNoSettings, wide_layout_, scale_, width(), height());
   picture_ = std::make_unique<ChartPicture>(chartColoursOf(*theme_), setup_.width, setup_.height);
   if (any) {
     RedrawProfileFromFile(*session_, setup_, *picture_, *traces_);

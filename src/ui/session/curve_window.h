@@ -17,10 +17,10 @@ QImage imageOf(const ChartPicture& picture);
 // The limit of a scale as it stands at the axis.
 std::string limitText(Kind kind, float limit);
 
-// CurveWnd: the profile on the screen. It is drawn on a picture that scrolls, so that a reading costs one
-// column and not the chart; the limits of the scale are laid over it. The picture has one pixel for each of
-// the widget's own coordinates: on a screen with smaller dots the lines keep the widths that were chosen. The
-// session must outlive it or be taken away.
+// CurveWnd: the profile on the screen. It is drawn on a picture that scrolls, so that a reading costs one column and
+// not the chart; the limits of the scale are laid over it. The picture has one pixel for each of the widget's own
+// coordinates: on a screen with smaller dots the lines keep the widths that were chosen. The session must outlive it or
+// be taken away.
 class CurveWnd final : public QWidget {
  public:
   CurveWnd(const Theme& theme, QWidget* parent);

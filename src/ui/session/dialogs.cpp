@@ -7,9 +7,8 @@
 #include <QLineEdit>
 #include <vector>
 
-#include "settings/comment_hint.h"
-#include "ui/screen/qt_text.h"
 #include "ui/screen/template_dialog.h"
+#include "ui/screen/theme.h"
 
 namespace kalmira {
 namespace {
@@ -48,7 +47,7 @@ LineEntry typedEntry(const QDialog& dialog) {
   entry.lineIncrement = typedFloat(part<QLineEdit>(dialog, "lineIncrement"));
   entry.sequenceMode = part<QComboBox>(dialog, "sequence").currentIndex();
   entry.direction = part<QComboBox>(dialog, "direction").currentIndex();
-  entry.startStation = typedNumber(part<QLineEdit>(dialog, "startStation"));
+  entry.startStation = numberIn(part<QLineEdit>(dialog, "startStation"));
   entry.stationIncrement = typedFloat(part<QLineEdit>(dialog, "stationIncrement"));
   return entry;
 }
@@ -125,7 +124,7 @@ std::optional<double> runNewStationDialog(QWidget* parent, std::string_view temp
   show("startStation", settings.startStation);
   show("lastStation", station);
   if (!runDialog(*dialog)) return std::nullopt;
-  return typedNumber(part<QLineEdit>(*dialog, "newStation"));
+  return numberIn(part<QLineEdit>(*dialog, "newStation"));
 }
 
 CommentOutcome runCommentDialog(QWidget* parent) {

@@ -5,12 +5,12 @@
 #include <string>
 #include <string_view>
 
+#include "settings/display_options.h"
 #include "settings/line_entry.h"
-#include "settings/profile_scale.h"
 
-// The small dialogs of a session. Each is made from its named template, waits until it is closed, and changes
-// nothing by itself: what was confirmed is handed back, nothing when it was cancelled. `parent` is the window
-// it belongs to; a dialog is found there as a child, by its window title, as long as it is open.
+// The small dialogs of a session. Each is made from its named template, waits until it is closed, and changes nothing
+// by itself: what was confirmed is handed back, nothing when it was cancelled. `parent` is the window it belongs to; a
+// dialog is found there as a child, by its window title, as long as it is open.
 namespace kalmira {
 
 // "New Line". `station` is the current one.

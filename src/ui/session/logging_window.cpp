@@ -6,13 +6,11 @@
 #include <algorithm>
 #include <utility>
 
-#include "logging/button_texts.h"
-#include "logging/commands.h"
+#include "logging/handlers.h"
+#include "logging/keys.h"
 #include "logging/panel.h"
-#include "logging/reading_handler.h"
 #include "ui/screen/key_table.h"
 #include "ui/screen/message_dialog.h"
-#include "ui/screen/screen_scale.h"
 #include "ui/screen/touch_button.h"
 #include "ui/session/logging_window_parts.h"
 

@@ -9,7 +9,7 @@
 #include "logging/commands.h"
 #include "logging/serial_session_ports.h"
 #include "logging/session.h"
-#include "logging/session_start.h"
+#include "logging/session_link.h"
 #include "ui/screen/cover_window.h"
 #include "ui/screen/theme.h"
 
@@ -29,14 +29,13 @@ struct LoggingHost {
   std::function<std::string()> takeSettingsProblem;
   std::function<void()> onLeft;      // the session is over; the main menu is to be shown
   std::function<void()> endProgram;  // the operator was told why
-  // "Display Options" of the menu: the settings as changed, nothing when cancelled. Greyed while there is
-  // none.
+  // "Display Options" of the menu: the settings as changed, nothing when cancelled. Greyed while there is none.
   std::function<std::optional<Settings>(QWidget* parent, const Settings& settings)> displayOptions;
 };
 
-// LoggingWnd: the screen on which a survey is recorded. It owns the session from startLogging until it is
-// left, and is the session's view. It covers while a session is active. Its size decides its layout: upright
-// or lying, and how many pixels a unit of the layout has (240 x 320 or 320 x 240 units).
+// LoggingWnd: the screen on which a survey is recorded. It owns the session from startLogging until it is left, and is
+// the session's view. It covers while a session is active. Its size decides its layout: upright or lying, and how many
+// pixels a unit of the layout has (240 x 320 or 320 x 240 units).
 class LoggingWnd final : public CoverWindow {
  public:
   LoggingWnd(LoggingHost host, const Theme& theme, QWidget* parent);
@@ -45,8 +44,7 @@ class LoggingWnd final : public CoverWindow {
   // "Monitor/Log": opens the ports and shows the window. The operator has been told what went wrong.
   StartOutcome startLogging();
   bool sessionActive() const;
-  // The program is to be closed: asks "Exit Logging?" when there is a data file. False when it is to stay
-  // open.
+  // The program is to be closed: asks "Exit Logging?" when there is a data file. False when it is to stay open.
   bool mayClose();
   // The machine asks the program to end: closes what is open, pauses and leaves, without a question.
   void leaveAtOnce();

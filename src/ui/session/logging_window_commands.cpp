@@ -1,8 +1,10 @@
 // What LoggingWnd does at a command: the dialog or menu, and what was entered in it.
 #include <QApplication>
-#include <QMenu>
 
-#include "instruments/resource_names.h"
+#include <QMenu>
+#include <algorithm>
+
+#include "instruments/catalogue.h"
 #include "logging/calibration.h"
 #include "logging/commands.h"
 #include "settings/display_options.h"
@@ -87,7 +89,7 @@ void LoggingWnd::createFile() {
     if (!session.sessionActive) return std::nullopt;
     return path;
   };
-  const auto outcome = createDataFile(session, choose);
+  const auto outcome = beginDataFile(session, choose);
   if (outcome.how == CreateOutcome::How::failed && host_.endProgram) host_.endProgram();
 }
 

@@ -5,7 +5,7 @@
 #include <memory>
 
 #include "gps/nmea.h"
-#include "logging/gps_handler.h"
+#include "logging/handlers.h"
 #include "logging/keys.h"
 #include "platform/hand_over.h"
 #include "ui/screen/action_bar.h"
@@ -48,14 +48,14 @@ class LoggingWnd::View final : public SessionView {
   LoggingWnd& window_;
 };
 
-// One session and its ports. Kept until the next one begins, for the code that ends a session may be on the
-// way back through it.
+// One session and its ports. Kept until the next one begins, for the code that ends a session may be on the way back
+// through it.
 struct LoggingRun {
   LoggingRun(const LoggingHost& host, SessionView& view, HandOver& handOver, std::function<void()> onRecord)
       : session(host.setup, host.settings, link, host.clock, host.disk, view, host.saveSettings),
-        ports(
-            host.setup.kind, host.settings, host.deviceOf, link, handOver, host.clock, host.portFactory,
-            {.onRecord = std::move(onRecord), .onGpsLine = [this](const GpsLine& line) { OnGpsLine(session, line); }}) {
+        ports(host.setup.kind, host.settings, host.deviceOf, link, handOver, host.clock, host.portFactory,
+              {.onRecord = std::move(onRecord),
+               .onSentence = [this](const GpsLine& line) { OnGpsLine(session, line); }}) {
     session.ports = &ports;
   }
 

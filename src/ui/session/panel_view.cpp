@@ -8,8 +8,6 @@
 #include <memory>
 #include <utility>
 
-#include "ui/screen/qt_text.h"
-
 namespace kalmira {
 namespace {
 
@@ -30,8 +28,7 @@ StateColours coloursOfState(const Theme& theme, int loggingState) {
   return {QColor(theme.logging), QColor(theme.loggingText)};
 }
 
-// The signs of tape recorders and cameras: a ring while nothing is kept, two bars while paused, a disc while
-// recording.
+// The signs of tape recorders and cameras: a ring while nothing is kept, two bars while paused, a disc while recording.
 void paintStateShape(QPainter& painter, const QRectF& room, int loggingState, const QColor& colour) {
   const double stroke = room.width() / 5;
   if (loggingState < 0) {

@@ -15,14 +15,14 @@ QFont fontOfPanel(const QFont& base, PanelFont font, double pixelSize);
 // Measures texts in those fonts. Keeps the fonts it has made: for one layout, not for ever.
 MeasureText measureWith(const QFont& base);
 
-// The status panel on the screen. A text that has not changed is not drawn again, and a text that has changes
-// only its own rectangle. A text too wide for its cell is drawn narrower, never cut.
+// The status panel on the screen. A text that has not changed is not drawn again, and a text that has changes only its
+// own rectangle. A text too wide for its cell is drawn narrower, never cut.
 class PanelView final : public QWidget {
  public:
   PanelView(const Theme& theme, QWidget* parent);
 
-  // Lays the fields out anew for this space, in the widget's font; the texts stay. Returns the height the
-  // panel takes, in pixels.
+  // Lays the fields out anew for this space, in the widget's font; the texts stay. Returns the height the panel takes,
+  // in pixels.
   int arrange(const PanelSpace& space);
   void setTheme(const Theme& theme);
   // `text` is UTF-8 and replaces what stood in the field.

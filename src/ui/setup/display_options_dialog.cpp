@@ -8,23 +8,74 @@
 #include <QLayout>
 #include <QPainter>
 #include <QPixmap>
+#include <QPolygon>
 #include <QPushButton>
 #include <QRegularExpression>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QScroller>
 #include <QSignalBlocker>
+#include <QWidget>
+#include <array>
 #include <string>
 #include <vector>
 
-#include "instruments/resource_names.h"
+#include "instruments/catalogue.h"
 #include "settings/display_options.h"
-#include "ui/screen/qt_text.h"
 #include "ui/screen/template_dialog.h"
-#include "ui/setup/line_sample.h"
+#include "ui/screen/theme.h"
 
 namespace kalmira {
 namespace {
+
+constexpr int kLetters = 6;  // wished width, in widths of an "x"
+
+// Heights of a made-up profile, in hundredths from the upper edge.
+constexpr std::array kHeights{62, 60, 66, 48, 30, 24, 28, 44, 68, 74, 70, 58, 52, 55};
+
+QPolygon profileIn(const QRect& room) {
+  QPolygon profile;
+  const int last = static_cast<int>(kHeights.size()) - 1;
+  for (int i = 0; i <= last; ++i) {
+    profile << QPoint(room.left() + room.width() * i / last,
+                      room.top() + room.height() * kHeights[static_cast<std::size_t>(i)] / 100);
+  }
+  return profile;
+}
+
+// A piece of a profile, drawn as the chart draws it: what a colour and a thickness will look like. `theme` must live as
+// long as the sample.
+class LineSample final : public QWidget {
+ public:
+  LineSample(const Theme& theme, QWidget* parent) : QWidget(parent), theme_(theme) {
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
+  }
+
+  // A trace that is not shown leaves only the grid line. `colour` is 0x00BBGGRR, `width` in pixels.
+  void setLine(bool shown, int colour, int width) {
+    shown_ = shown;
+    colour_ = colour;
+    width_ = width;
+    update();
+  }
+  QSize sizeHint() const override { return {kLetters * fontMetrics().horizontalAdvance('x'), fontMetrics().height()}; }
+
+ protected:
+  void paintEvent(QPaintEvent* /*event*/) override {
+    QPainter painter(this);
+    painter.fillRect(rect(), QColor(theme_.chart));
+    painter.fillRect(0, height() / 2, width(), 1, QColor(theme_.chartGrid));
+    if (!shown_) return;
+    painter.setPen(QPen(QColor(traceColourOn(theme_, colour_)), width_));
+    painter.drawPolyline(profileIn(rect()));
+  }
+
+ private:
+  const Theme& theme_;
+  bool shown_ = true;
+  int colour_ = 0;
+  int width_ = 1;
+};
 
 // A piece of a colour as it will be drawn. The frame tells a pale one from its ground.
 QIcon swatch(const Theme& theme, int colour, int side) {
@@ -48,8 +99,8 @@ int settingsColourOf(const QColor& colour) { return settingsColour(colour.red(),
 
 QColor colourOf(int settingsColourValue) { return {qtText(colourNumber(settingsColourValue))}; }
 
-// Qt's colour dialog as a part of one of ours. It is wider than a small window, and then is moved to and fro
-// in a frame of its own.
+// Qt's colour dialog as a part of one of ours. It is wider than a small window, and then is moved to and fro in a frame
+// of its own.
 QColorDialog& addPicker(QDialog& dialog, int colour) {
   auto* frame = new QScrollArea(&dialog);
   auto* picker = new QColorDialog(colourOf(colour), frame);
@@ -71,8 +122,8 @@ QColorDialog& addPicker(QDialog& dialog, int colour) {
   return *picker;
 }
 
-// Offers the colours that a new logger has, too: they stay apart in sunlight and for every eye, and are
-// buttons for fingers that take the colour at one touch.
+// Offers the colours that a new logger has, too: they stay apart in sunlight and for every eye, and are buttons for
+// fingers that take the colour at one touch.
 std::optional<int> runTraceColourDialog(QWidget* parent, const Theme& theme, int colour) {
   const auto dialog = makeDialog("GetTraceColour", parent);
   if (dialog == nullptr) return std::nullopt;

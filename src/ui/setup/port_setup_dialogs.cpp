@@ -12,11 +12,11 @@
 #include <memory>
 
 #include "gps/nmea.h"
-#include "instruments/resource_names.h"
+#include "instruments/catalogue.h"
 #include "link/port.h"
 #include "settings/setup_lists.h"
-#include "ui/screen/qt_text.h"
 #include "ui/screen/template_dialog.h"
+#include "ui/screen/theme.h"
 #include "ui/setup/setup_dialogs.h"
 
 namespace kalmira {
@@ -24,8 +24,8 @@ namespace {
 
 constexpr int kLookMs = 1000;  // how often devices are looked for
 
-// Lets the dialog grow, within its window, when a line of text in its form has become longer. It never
-// shrinks: buttons are not to jump about under a finger.
+// Lets the dialog grow, within its window, when a line of text in its form has become longer. It never shrinks: buttons
+// are not to jump about under a finger.
 void makeRoom(QDialog& dialog) {
   const auto& form = part<QWidget>(dialog, "form");
   const int missing = form.layout()->totalHeightForWidth(form.width()) - form.parentWidget()->height();
@@ -58,8 +58,8 @@ Settings withLists(const QDialog& dialog, std::span<const SetupList> lists, Sett
   return settings;
 }
 
-// Keeps the label `line` saying which device stands behind the entry selected in `list`, as long as the
-// dialog lives; `comOf` gives the COM number of a position, 0 for none.
+// Keeps the label `line` saying which device stands behind the entry selected in `list`, as long as the dialog lives;
+// `comOf` gives the COM number of a position, 0 for none.
 void showDeviceOf(QDialog& dialog, const char* list, const char* line, const PortLists& ports,
                   int (*comOf)(int position)) {
   auto& box = part<QComboBox>(dialog, list);
@@ -116,8 +116,8 @@ void greyByIceDisplay(QDialog& dialog, const std::vector<SetupList>& lists) {
 constexpr int kSearchLookMs = 100;
 constexpr int kMonitorResult = QDialog::Accepted + 1;
 
-// The button "Find" and what comes of it: listens with one line setting after another and sets the lists to
-// the one that a receiver was heard with. The operator may stop it, change a list or leave meanwhile.
+// The button "Find" and what comes of it: listens with one line setting after another and sets the lists to the one
+// that a receiver was heard with. The operator may stop it, change a list or leave meanwhile.
 class Finder {
  public:
   Finder(QDialog& dialog, const std::vector<SetupList>& lists, const Settings& settings, const ReceiverAccess& access)
@@ -261,7 +261,7 @@ class Assigner {
       ports_.item(row)->setText(qtText(comRowText(row + 1, devices[index], assigned_[index].empty(), present_)));
     }
     showChoices();
-    showDevice(line_, deviceText(devices[static_cast<std::size_t>(com() - 1)], present_, sight_.look));
+    showDevice(line_, deviceTextOf(devices[static_cast<std::size_t>(com() - 1)], present_, sight_.look));
   }
 
   void showChoices() {

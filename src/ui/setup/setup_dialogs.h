@@ -6,22 +6,21 @@
 #include <vector>
 
 #include "gps/find_receiver.h"
-#include "link/device_texts.h"
+#include "link/com_devices.h"
 #include "settings/settings.h"
-#include "settings/setup_frame.h"
+#include "settings/setup_lists.h"
 #include "ui/screen/theme.h"
 
-// The dialogs of the set-up commands. Each waits until it is closed, saves nothing by itself and leaves no
-// port open: what was changed is handed back, nothing when it was cancelled.
+// The dialogs of the set-up commands. Each waits until it is closed, saves nothing by itself and leaves no port open:
+// what was changed is handed back, nothing when it was cancelled.
 namespace kalmira {
 
-// "Survey Setup" of the frame's kind. A value out of range is corrected and marked when OK is pressed first,
-// and accepted the second time. Choices that the settings do not hold rightly are shown as a new logger has
-// them.
+// "Survey Setup" of the frame's kind. A value out of range is corrected and marked when OK is pressed first, and
+// accepted the second time. Choices that the settings do not hold rightly are shown as a new logger has them.
 std::optional<Settings> runSurveySetupDialog(QWidget* parent, const SetupFrame& frame, const Settings& settings);
 
-// "Display Options" of the frame's kind: its traces, and the grid. Traces that the kind does not have keep
-// what they had.
+// "Display Options" of the frame's kind: its traces, and the grid. Traces that the kind does not have keep what they
+// had.
 std::optional<Settings> runDisplayOptionsDialog(QWidget* parent, const SetupFrame& frame, const Theme& theme,
                                                 const Settings& settings);
 

@@ -8,11 +8,11 @@
 #include <QSignalBlocker>
 #include <string>
 
-#include "instruments/resource_names.h"
+#include "instruments/catalogue.h"
 #include "platform/text.h"
 #include "settings/survey_setup.h"
-#include "ui/screen/qt_text.h"
 #include "ui/screen/template_dialog.h"
+#include "ui/screen/theme.h"
 
 namespace kalmira {
 namespace {
@@ -37,8 +37,8 @@ void fill(QComboBox& box, std::span<const std::string_view> entries, int positio
   box.setCurrentIndex(position);
 }
 
-// The dialog while it is open. Each mode has its own station increment and, in some kinds, its own lists;
-// what is chosen for a mode stays while the operator looks at another.
+// The dialog while it is open. Each mode has its own station increment and, in some kinds, its own lists; what is
+// chosen for a mode stays while the operator looks at another.
 class SurveySetupForm {
  public:
   SurveySetupForm(QDialog& dialog, const SetupFrame& frame, const Settings& settings);

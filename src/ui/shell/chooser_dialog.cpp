@@ -13,7 +13,6 @@
 #include <algorithm>
 #include <array>
 
-#include "ui/screen/qt_text.h"
 #include "ui/screen/template_dialog.h"
 #include "ui/screen/touch_button.h"
 #include "ui/shell/main_menu.h"

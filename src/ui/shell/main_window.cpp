@@ -7,12 +7,10 @@
 #include <QShortcut>
 #include <utility>
 
-#include "logging/session_start.h"
+#include "logging/session_link.h"
 #include "ui/screen/cover_window.h"
 #include "ui/screen/key_table.h"
 #include "ui/screen/message_dialog.h"
-#include "ui/screen/qt_text.h"
-#include "ui/screen/screen_scale.h"
 #include "ui/screen/touch_button.h"
 #include "ui/shell/chooser_dialog.h"
 #include "ui/shell/title.h"
@@ -137,8 +135,8 @@ void MainWindow::afterFirstPaint() {
   tellSettingsProblem();
 }
 
-// A settings file is written by a thread of its own: that it could not be is known only some time after a
-// dialog was left.
+// A settings file is written by a thread of its own: that it could not be is known only some time after a dialog was
+// left.
 void MainWindow::watchSettings() {
   const bool busy = acting_ || logging_->sessionActive() || QApplication::activeModalWidget() != nullptr;
   if (painted_ && !busy) tellSettingsProblem();

@@ -19,8 +19,8 @@ namespace kalmira {
 class TitleView;
 class TouchButton;
 
-// What the main menu's commands do, by index. "Monitor/Log" and "Exit" are the window's own; a command
-// without an action is greyed.
+// What the main menu's commands do, by index. "Monitor/Log" and "Exit" are the window's own; a command without an
+// action is greyed.
 using MenuActions = std::array<std::function<void(QWidget* parent)>, kMenuCommands>;
 
 // What the main window needs of the program. What is referred to outlives the window.
@@ -28,8 +28,8 @@ struct MainWindowHost {
   const Clock& clock;
   RememberedKind instrument;
   bool night = false;
-  // Loads the instrument's settings and gives what its logging window needs; what was given for another
-  // instrument is no longer used. The window adds onLeft and endProgram by itself.
+  // Loads the instrument's settings and gives what its logging window needs; what was given for another instrument is
+  // no longer used. The window adds onLeft and endProgram by itself.
   std::function<LoggingHost(RememberedKind)> open;
   std::function<void()> sessionBegins;  // before the ports are opened
   std::function<void(RememberedKind)> rememberInstrument;
@@ -39,8 +39,7 @@ struct MainWindowHost {
   std::function<void(QWidget* parent)> showFonts{};  // the font window; none: it is not offered
 };
 
-// The main window: the title screen and the main menu, and, while a session runs, the logging window all
-// over it.
+// The main window: the title screen and the main menu, and, while a session runs, the logging window all over it.
 class MainWindow final : public QWidget {
  public:
   explicit MainWindow(MainWindowHost host);
@@ -48,8 +47,7 @@ class MainWindow final : public QWidget {
 
   LoggingWnd& logging() { return *logging_; }
   int highlight() const { return commands_.highlight(); }
-  // Shows a child window in the menu's place, and keeps the menu's commands away meanwhile; nullptr: the menu
-  // again.
+  // Shows a child window in the menu's place, and keeps the menu's commands away meanwhile; nullptr: the menu again.
   void cover(QWidget* window);
   // To the front, for another start of the program on the same root.
   void bringToFront();

@@ -1,32 +1,55 @@
 #include "ui/shell/program.h"
 
+#include <fmt/format.h>
+
 #include <QCoreApplication>
 #include <QGuiApplication>
 #include <QScreen>
 #include <QSettings>
+#include <QSocketNotifier>
 #include <csignal>
 #include <memory>
-#include <optional>
 #include <utility>
 
 #include "datafile/disk.h"
 #include "datafile/record_reader.h"
 #include "link/device_claim.h"
-#include "link/keep_awake.h"
-#include "link/qt_serial_port.h"
-#include "platform/idle.h"
-#include "platform/standard_streams.h"
+#include "link/port.h"
+#include "platform/command_line.h"
+#include "platform/power.h"
+#include "platform/terminate.h"
 #include "settings/settings_file.h"
-#include "settings/settings_writer.h"
 #include "ui/shell/chooser_dialog.h"
 #include "ui/shell/main_menu.h"
 #include "ui/shell/main_window.h"
 #include "ui/shell/program_actions.h"
 #include "ui/shell/single_instance.h"
-#include "ui/shell/terminate_signals.h"
 
 namespace kalmira {
 namespace {
+
+std::string takeCom(ProgramOptions& options, const std::string& value) {
+  const auto equals = value.find('=');
+  if (equals == std::string::npos) return "--com takes NUMBER=DEVICE";
+  const auto number = wholeNumber<int>(value.substr(0, equals));
+  if (!number || *number < 1 || *number > kComPorts) return "--com takes a number from 1 to 12";
+  const auto device = value.substr(equals + 1);
+  if (device.empty()) return fmt::format("--com {}= lacks the device", *number);
+  options.com[static_cast<std::size_t>(*number - 1)] = device;
+  return {};
+}
+
+std::string takeFile(ProgramOptions& options, const std::string& value) {
+  if (!options.file.empty()) return fmt::format("\"{}\" is one file too many", value);
+  options.file = value;
+  return {};
+}
+
+std::string check(ProgramOptions& options) {
+  // There is but one instrument for ice work with an option.
+  if (options.ice && !options.kind) options.kind = Kind::orla;
+  return startContradiction(options);
+}
 
 // An instrument's settings, as long as it is the one in use.
 class InstrumentSettings {
@@ -250,7 +273,10 @@ int Program::run() {
     printError("kalmira: already running on this root");
     return 0;
   }
-  const TerminateSignals terminateSignals([this] {
+  TerminateSignals terminate;
+  const QSocketNotifier notifier(terminate.descriptor(), QSocketNotifier::Read);
+  QObject::connect(&notifier, &QSocketNotifier::activated, [this, &terminate] {
+    if (!terminate.take()) return;
     if (window_) {
       window_->endAtOnce();
     } else {
@@ -276,6 +302,31 @@ int Program::run() {
 }
 
 }  // namespace
+
+CommandLine programCommandLine(ProgramOptions& o) {
+  return {
+      .program = "kalmira",
+      .summary = "Logs with a hand-carried ground-conductivity instrument, and shows what was logged.",
+      .usages = {"[options] [FILE]"},
+      .groups = {instrumentOptions(o),
+                 {"Ports",
+                  {{"--com", "N=DEVICE", "the device behind COM1 to COM12, for this run",
+                    [&o](const std::string& value) { return takeCom(o, value); }, "", CommandOption::Again::allCount}}},
+                 fileOptions(o),
+                 {"Window",
+                  {eitherOption("--screen", "portrait|landscape", "the shape it opens in", o.portrait, true, false),
+                   {"--scale", "F", "0.5 to 8: the size it opens in, times 240 x 320",
+                    takeNumber(o.scale, 0.5, 8.0, "--scale is a number from 0.5 to 8")},
+                   eitherOption("--theme", "day|night", "black on white, or dark for eyes used to the dark", o.night,
+                                false, true)}}},
+      .operands = {"", "FILE", "a data file, shown at once; without --kind the logger is for its instrument, this time",
+                   [&o](const std::string& value) { return takeFile(o, value); }},
+      .check = [&o] { return check(o); },
+      .notes = "Without --kind the instrument is the one last used.\n",
+      .wording = {.unknown = "Unknown option '{1}'.",
+                  .missing = "Missing value after '{0}'.",
+                  .unexpected = "Unexpected value after '{1}'."}};
+}
 
 int runProgram(const ProgramOptions& options) {
   // A closed pipe or a file size limit is an error of one write, not the end of a survey.

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "platform/paths.h"
+#include "platform/files.h"
 #include "settings/settings_file.h"
 
 namespace kalmira {
@@ -35,10 +35,11 @@ std::string ProgramActions::deviceOf(int comNumber) const {
 }
 
 PortLists ProgramActions::machinePorts() {
-  return {
-      .deviceLine =
-          [this](int comNumber) { return deviceText(deviceOf(comNumber), host_.presentDevices(), host_.lookAtDevice); },
-      .assignDevices = [this](QWidget* parent) { assignDevices(parent); }};
+  return {.deviceLine =
+              [this](int comNumber) {
+                return deviceTextOf(deviceOf(comNumber), host_.presentDevices(), host_.lookAtDevice);
+              },
+          .assignDevices = [this](QWidget* parent) { assignDevices(parent); }};
 }
 
 void ProgramActions::take(const std::optional<Settings>& changed) {
@@ -135,8 +136,8 @@ bool ProgramActions::isInUse(Kind kind, bool ice) const {
   return used.kind == kind && used.ice == ice;
 }
 
-// Another instrument's file is shown as that instrument's own settings have it, where there are any. Nothing
-// is made for an instrument that is only looked at.
+// Another instrument's file is shown as that instrument's own settings have it, where there are any. Nothing is made
+// for an instrument that is only looked at.
 Settings ProgramActions::settingsFor(Kind kind, bool ice) const {
   if (isInUse(kind, ice)) return host_.settings();
   Settings settings;

@@ -34,8 +34,8 @@ struct ActionsHost {
   bool teskRangeTimes10 = false;
 };
 
-// The main menu's commands but for the session: dialogs that ask, the taking and saving of what was set up,
-// and the windows in the menu's place.
+// The main menu's commands but for the session: dialogs that ask, the taking and saving of what was set up, and the
+// windows in the menu's place.
 class ProgramActions {
  public:
   explicit ProgramActions(ActionsHost host) : host_(std::move(host)) {}

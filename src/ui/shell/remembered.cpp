@@ -4,7 +4,7 @@
 
 #include <QSettings>
 
-#include "ui/screen/qt_text.h"
+#include "ui/screen/theme.h"
 
 namespace kalmira {
 namespace {

@@ -7,8 +7,8 @@
 
 class QSettings;
 
-// What the program remembers between runs besides the survey settings: the instrument last used, devices
-// behind COM numbers, the theme.
+// What the program remembers between runs besides the survey settings: the instrument last used, devices behind COM
+// numbers, the theme.
 namespace kalmira {
 
 struct RememberedKind {

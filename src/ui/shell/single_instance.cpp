@@ -11,7 +11,7 @@
 #include <QThread>
 #include <system_error>
 
-#include "ui/screen/qt_text.h"
+#include "ui/screen/theme.h"
 
 namespace kalmira {
 namespace {

@@ -9,9 +9,7 @@
 #include <algorithm>
 #include <array>
 
-#include "instruments/resource_names.h"
 #include "platform/command_line.h"
-#include "ui/screen/qt_text.h"
 
 namespace kalmira {
 namespace {

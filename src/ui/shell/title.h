@@ -10,11 +10,10 @@
 
 namespace kalmira {
 
-// The drawing in the program's resources, ":/titles/....svg", that a title picture's name stands for; empty
-// for a name that is none.
+// The drawing in the program's resources, ":/titles/....svg", that a title picture's name stands for; empty for a name
+// that is none.
 QString titleDrawing(std::string_view pictureName);
-// The picture name for a kind on a screen of that size in pixels; MIRKA has none of its own, its name is a
-// common one.
+// The picture name for a kind on a screen of that size in pixels; MIRKA has none of its own, its name is a common one.
 std::string_view titlePictureFor(Kind kind, bool iceOption, QSize screen);
 // The drawing a kind is shown by, MIRKA's too.
 QString drawingOf(Kind kind, bool iceOption, QSize screen);

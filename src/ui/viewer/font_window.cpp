@@ -14,9 +14,8 @@
 
 #include "logging/keys.h"
 #include "ui/screen/key_table.h"
-#include "ui/screen/qt_text.h"
-#include "ui/screen/screen_scale.h"
 #include "ui/screen/template_dialog.h"
+#include "ui/screen/theme.h"
 #include "ui/screen/touch_button.h"
 
 namespace kalmira {

@@ -8,8 +8,8 @@ class QListWidget;
 
 namespace kalmira {
 
-// FontWnd: which font families this machine has, in which sizes, and how the logger's texts look in them; for
-// finding out why a screen is hard to read.
+// FontWnd: which font families this machine has, in which sizes, and how the logger's texts look in them; for finding
+// out why a screen is hard to read.
 class FontWnd final : public CoverWindow {
  public:
   FontWnd(std::function<void()> onLeft, const Theme& theme, QWidget* parent);

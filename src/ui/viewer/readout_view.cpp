@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "ui/screen/qt_text.h"
+#include "viewer/plot_points.h"
 
 namespace kalmira {
 namespace {
@@ -26,7 +26,7 @@ ReadoutView::ReadoutView(const Theme& theme, QWidget* parent) : QWidget(parent),
 void ReadoutView::showReadout(RowReadout readout, const ProfileSetup& setup) {
   readout_ = std::move(readout);
   for (std::size_t trace = 0; trace < kProfilePoints; ++trace) {
-    colours_[trace] = traceColourOn(*theme_, traceColourOf(setup, trace));
+    colours_[trace] = traceColourOn(*theme_, setup.traceColour[penOf(trace)]);
   }
   setAccessibleDescription(qtText(text()));
   update();
@@ -44,8 +44,8 @@ std::string ReadoutView::text() const {
   return all;
 }
 
-// The largest text with which all fields and the notes fit. A line for notes is kept even where there are
-// none, so that the text does not change its size at every other station.
+// The largest text with which all fields and the notes fit. A line for notes is kept even where there are none, so that
+// the text does not change its size at every other station.
 ReadoutView::Grid ReadoutView::gridFor(int noteLines) const {
   Grid grid{.font = font()};
   const int wide = width() - 2 * kMargin;

@@ -9,19 +9,13 @@
 
 namespace kalmira {
 
-// A trace's colour as the settings hold it; the auxiliary values have those of other traces.
-constexpr int traceColourOf(const ProfileSetup& setup, std::size_t trace) {
-  constexpr std::array<std::size_t, kProfilePoints - kTraces> kExtraPens{1, 5};
-  return setup.traceColour[trace < kTraces ? trace : kExtraPens[trace - kTraces]];
-}
-
 // The values of the station at the bar and what was noted there, in as many columns and as large as fits.
 class ReadoutView final : public QWidget {
  public:
   ReadoutView(const Theme& theme, QWidget* parent);
 
-  // `setup` has the colours by which the traces are told apart, beside their names. `largest` is the size of
-  // the text in pixels where there is room.
+  // `setup` has the colours by which the traces are told apart, beside their names. `largest` is the size of the text
+  // in pixels where there is room.
   void showReadout(RowReadout readout, const ProfileSetup& setup);
   void setLargestText(int pixels);
   // All that is shown, one a line.

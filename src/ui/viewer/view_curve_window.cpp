@@ -7,7 +7,6 @@
 #include <array>
 #include <utility>
 
-#include "ui/screen/qt_text.h"
 #include "ui/session/curve_window.h"
 
 namespace kalmira {

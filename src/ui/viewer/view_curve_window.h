@@ -13,8 +13,8 @@
 
 namespace kalmira {
 
-// ViewCurveWnd: the plot of the rows in view, one station a pixel column, station labels below, the limits of
-// the scale at the right edge, and the bar. A tap, or a finger that is drawn over it, asks for the bar.
+// ViewCurveWnd: the plot of the rows in view, one station a pixel column, station labels below, the limits of the scale
+// at the right edge, and the bar. A tap, or a finger that is drawn over it, asks for the bar.
 class ViewCurveWnd final : public QWidget {
  public:
   // `barWanted`: the bar is wanted at that column, counted from 1; within the plot.

@@ -10,11 +10,10 @@
 #include "ui/screen/file_dialog.h"
 #include "ui/screen/key_table.h"
 #include "ui/screen/message_dialog.h"
-#include "ui/screen/qt_text.h"
+#include "ui/screen/theme.h"
 #include "ui/screen/touch_button.h"
 #include "ui/session/dialogs.h"
-#include "ui/viewer/line_list.h"
-#include "ui/viewer/overview_strip.h"
+#include "ui/viewer/line_widgets.h"
 #include "ui/viewer/readout_view.h"
 #include "ui/viewer/view_curve_window.h"
 #include "ui/viewer/viewer_layout.h"
@@ -145,7 +144,7 @@ bool ViewFilesWnd::openFile(const std::filesystem::path& path) {
 
 std::string ViewFilesWnd::extractShown() {
   const WaitingCursor cursor;
-  return extractLine(*file_, static_cast<std::size_t>(std::max(0, lines_->currentIndex())), row_files_, host_.extract);
+  return openLine(*file_, static_cast<std::size_t>(std::max(0, lines_->currentIndex())), row_files_, host_.extract);
 }
 
 // The list shows another entry already.

@@ -10,8 +10,8 @@
 #include "settings/settings.h"
 #include "ui/screen/action_bar.h"
 #include "ui/screen/cover_window.h"
+#include "viewer/navigation.h"
 #include "viewer/opened_file.h"
-#include "viewer/viewer_commands.h"
 
 namespace kalmira {
 
@@ -32,16 +32,15 @@ struct ViewerHost {
   std::function<void()> onLeft;  // the viewer is closed; the main menu is to be shown
 };
 
-// ViewFilesWnd: opens a data file, lists its survey lines and moves along one of them. Data files are only
-// ever read.
+// ViewFilesWnd: opens a data file, lists its survey lines and moves along one of them. Data files are only ever read.
 class ViewFilesWnd final : public CoverWindow {
  public:
   ViewFilesWnd(ViewerHost host, const Theme& theme, QWidget* parent);
   ~ViewFilesWnd() override;
 
   void open();
-  // Shows the file in place of the one that is open. False when it cannot be opened: the operator has been
-  // told why, and what was shown stays.
+  // Shows the file in place of the one that is open. False when it cannot be opened: the operator has been told why,
+  // and what was shown stays.
   bool openFile(const std::filesystem::path& path);
   // Closes file and window.
   void leave();

@@ -1,10 +1,9 @@
 #include "ui/viewer/viewer_layout.h"
 
 #include <algorithm>
-#include <array>
 #include <span>
 
-#include "ui/screen/screen_scale.h"
+#include "ui/screen/theme.h"
 
 namespace kalmira {
 namespace {

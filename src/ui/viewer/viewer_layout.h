@@ -3,7 +3,7 @@
 #include <QRect>
 #include <array>
 
-#include "viewer/viewer_commands.h"
+#include "viewer/navigation.h"
 
 // Where the viewer's parts stand, in pixels.
 namespace kalmira {
@@ -18,8 +18,8 @@ struct ViewerLayout {
   double scale = 1.0;  // pixels a unit, for fonts
 };
 
-// For a window of that size: upright 240 x 320 units, lying 320 x 240. Buttons are `touchHeight` high or
-// more; the plot gets what is left.
+// For a window of that size: upright 240 x 320 units, lying 320 x 240. Buttons are `touchHeight` high or more; the plot
+// gets what is left.
 ViewerLayout layOutViewer(int width, int height, int touchHeight);
 
 }  // namespace kalmira

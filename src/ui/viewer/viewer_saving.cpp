@@ -2,17 +2,27 @@
 
 #include <fmt/format.h>
 
+#include <QBuffer>
+#include <QImage>
+#include <QPainter>
+#include <QSvgGenerator>
 #include <algorithm>
+#include <bitset>
 #include <cctype>
+#include <functional>
+#include <vector>
 
 #include "datafile/record_reader.h"
 #include "export/csv_export.h"
 #include "instruments/catalogue.h"
-#include "platform/output_file.h"
+#include "platform/files.h"
+#include "settings/display_options.h"
 #include "ui/screen/file_dialog.h"
 #include "ui/screen/message_dialog.h"
-#include "ui/viewer/line_picture.h"
+#include "ui/screen/theme.h"
+#include "ui/viewer/readout_view.h"
 #include "ui/viewer/view_files_window.h"
+#include "viewer/plot_points.h"
 
 namespace kalmira {
 namespace {
@@ -53,6 +63,190 @@ std::optional<std::filesystem::path> askForName(QWidget* parent, SaveQuestion qu
     question.proposal = *path;
   }
   return std::nullopt;
+}
+
+constexpr QSize kSize(1600, 900);
+constexpr QRect kPlot(110, 90, 1380, 680);
+constexpr int kTitlePixels = 30;
+constexpr int kTextPixels = 20;
+constexpr int kMostStationLabels = 12;
+constexpr int kTick = 6;
+
+// The chart drawn as strokes that stay sharp at any size, each column `stretch_` wide.
+class PaintedChart final : public ChartCanvas {
+ public:
+  PaintedChart(QPainter& painter, const QRect& place, int columns)
+      : painter_(painter), place_(place), stretch_(static_cast<double>(place.width()) / columns) {}
+
+  void clear() override { painter_.fillRect(place_, Qt::white); }
+  void scrollLeft(int) override {}
+  void eraseColumns(int, int) override {}
+  void gridPiece(int left, int right, int y, int pixels) override {
+    painter_.setPen(QPen(QColor(dayTheme().chartGrid), pixels));
+    painter_.drawLine(at(left, y) - QPointF(stretch_ / 2, 0), at(right, y) + QPointF(stretch_ / 2, 0));
+  }
+  void line(int x1, int y1, int x2, int y2, int colour, int width) override {
+    take(colour, width);
+    painter_.drawLine(at(x1, y1), at(x2, y2));
+  }
+  void point(int x, int y, int colour, int width) override {
+    take(colour, width);
+    painter_.drawPoint(at(x, y));
+  }
+
+ private:
+  // A y far outside is brought nearer: painters have their limits.
+  QPointF at(int x, int y) const {
+    const int within = std::clamp(y, -10 * place_.height(), 10 * place_.height());
+    return {place_.left() + (x + 0.5) * stretch_, static_cast<double>(place_.top() + within)};
+  }
+  void take(int colour, int width) {
+    painter_.setPen(
+        QPen(QColor(traceColourOn(dayTheme(), colour)), width + 1, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+  }
+
+  QPainter& painter_;
+  QRect place_;
+  double stretch_;
+};
+
+void takeFont(QPainter& painter, int pixels, bool bold) {
+  QFont font = painter.font();
+  font.setPixelSize(pixels);
+  font.setBold(bold);
+  painter.setFont(font);
+}
+
+void drawText(QPainter& painter, const QRect& place, Qt::Alignment flags, const std::string& text) {
+  painter.setPen(Qt::black);
+  painter.drawText(place, static_cast<int>(flags) | Qt::TextSingleLine, qtText(text));
+}
+
+StationPoint pointAt(const LinePicture& picture, int row) {
+  std::vector<StationPoint> points;
+  LoadLineRows(picture.rowFiles, picture.scanned, picture.line, 0, 0, row, points);
+  return points.empty() ? StationPoint{} : points.front();
+}
+
+// `columnOf` a row, of `columns`: of a line longer than the plot has pixels, several rows share one.
+void drawStations(QPainter& painter, const LinePicture& picture, int columns,
+                  const std::function<int(int row)>& columnOf) {
+  const int rows = picture.line.rowCount();
+  const int step = std::max(1, rows / kMostStationLabels);
+  for (int row = 1; row <= rows; row += step) {
+    const auto point = pointAt(picture, row);
+    if (!point.valid) continue;
+    const auto x = static_cast<int>(kPlot.left() + (columnOf(row) + 0.5) * kPlot.width() / columns);
+    painter.setPen(Qt::black);
+    painter.drawLine(x, kPlot.bottom(), x, kPlot.bottom() + kTick);
+    drawText(painter, {x - 60, kPlot.bottom() + kTick, 120, kTextPixels + 6}, Qt::AlignCenter,
+             fmt::format("{:.2f}", point.station));
+  }
+}
+
+ProfileSetup setupOf(const LinePicture& picture, int columns) {
+  return plotSetup(picture.scanned, picture.settings, columns, kPlot.height());
+}
+
+void drawTraces(QPainter& painter, const LinePicture& picture) {
+  painter.save();
+  painter.setClipRect(kPlot);
+  const int rows = picture.line.rowCount();
+  if (rows <= kPlot.width()) {
+    std::vector<StationPoint> points;
+    if (rows > 0) LoadLineRows(picture.rowFiles, picture.scanned, picture.line, 0, rows - 1, 1, points);
+    const int columns = rows + 2 * kFirstColumn;
+    PaintedChart chart(painter, kPlot, columns);
+    DrawStationPlot(chart, setupOf(picture, columns), points);
+    painter.restore();
+    return drawStations(painter, picture, columns, [](int row) { return row - 1 + kFirstColumn; });
+  }
+  const auto overview = lineOverview(picture.rowFiles, picture.scanned, picture.line, kPlot.width());
+  PaintedChart chart(painter, kPlot, overview.columns);
+  const auto setup = setupOf(picture, overview.columns);
+  DrawOverview(chart, setup, overview);
+  DrawProfileAxes(chart, setup);
+  painter.restore();
+  drawStations(painter, picture, overview.columns, [&](int row) { return overviewColumn(overview, row); });
+}
+
+// One scale with its limits at the side and its name along it.
+void drawScale(QPainter& painter, const ProfileAxis& axis, bool atLeft, const std::string& name, int decimals) {
+  const float bottom = axis.top - static_cast<float>(kPlot.height()) / axis.scale;
+  const int side = atLeft ? kPlot.left() - 100 : kPlot.right() + 10;
+  const auto flags = Qt::AlignVCenter | (atLeft ? Qt::AlignRight : Qt::AlignLeft);
+  const QRect place(side, kPlot.top() - kTextPixels / 2, 90, kTextPixels + 6);
+  drawText(painter, place, flags, fmt::format("{:.{}f}", axis.top, decimals));
+  drawText(painter, place.translated(0, kPlot.height() - 6), flags, fmt::format("{:.{}f}", bottom, decimals));
+  painter.save();
+  painter.translate(atLeft ? kPlot.left() - 60 : kPlot.right() + 60, kPlot.center().y());
+  painter.rotate(-90);
+  drawText(painter, {-300, -15, 600, 30}, Qt::AlignCenter, name);
+  painter.restore();
+}
+
+void drawScales(QPainter& painter, const LinePicture& picture) {
+  const auto kind = picture.scanned.header.kind;
+  const auto setup = setupOf(picture, kPlot.width());
+  if (picture.scanned.wantsThickness) {
+    return drawScale(painter, setup.axes.ice, true, "Ice thickness, m", 1);
+  }
+  const auto fields = scaleFieldsOf(kind, false);
+  const bool thickness = fields.firstIsThickness;
+  drawScale(painter, setup.axes.conductivity, true, thickness ? "Thickness, m" : "Conductivity, mS/m",
+            thickness ? 1 : 0);
+  if (fields.inphase) drawScale(painter, setup.axes.inphase, false, thickness ? "Inphase" : "Inphase, ppt", 0);
+}
+
+// The names of the traces that the line has, each with the field that names it.
+std::vector<ReadoutField> tracesOf(const LinePicture& picture) {
+  std::bitset<kProfilePoints> known;
+  std::vector<ReadoutField> traces;
+  forEachRow(picture.rowFiles, picture.scanned, picture.line, [&](int row, const StationPoint& point) {
+    std::bitset<kProfilePoints> here;
+    for (std::size_t slot = 0; slot < kSlots; ++slot) here.set(slot, point.channels.present[slot] != 0);
+    for (std::size_t i = kSlots; i < kProfilePoints; ++i) here.set(i, point.hasExtras);
+    if ((here & ~known).none()) return;
+    known |= here;
+    for (auto& field : readoutFields(picture.scanned, picture.line, row, point)) {
+      const auto same = [&field](const ReadoutField& other) { return other.trace == field.trace; };
+      if (field.trace >= 0 && std::none_of(traces.begin(), traces.end(), same)) traces.push_back(field);
+    }
+  });
+  return traces;
+}
+
+void drawLegend(QPainter& painter, const LinePicture& picture) {
+  const auto setup = setupOf(picture, kPlot.width());
+  int left = kPlot.left();
+  const int top = kPlot.bottom() + 2 * kTextPixels + 24;
+  for (const auto& field : tracesOf(picture)) {
+    const auto trace = static_cast<std::size_t>(field.trace);
+    if (trace < kTraces ? setup.traceShown[trace] == 0 : !setup.secondCoil) continue;
+    painter.setPen(QPen(QColor(traceColourOn(dayTheme(), setup.traceColour[penOf(trace)])), 4));
+    painter.drawLine(left, top, left + 30, top);
+    const auto name = field.unit.empty() ? field.label : fmt::format("{}, {}", field.label, field.unit);
+    const int wide = painter.fontMetrics().horizontalAdvance(qtText(name));
+    drawText(painter, {left + 38, top - kTextPixels, wide + 4, 2 * kTextPixels}, Qt::AlignVCenter, name);
+    left += wide + 70;
+  }
+  drawText(painter, {kPlot.right() - 200, top - kTextPixels, 200, 2 * kTextPixels}, Qt::AlignVCenter | Qt::AlignRight,
+           "Station");
+}
+
+void drawAll(QPainter& painter, const LinePicture& picture) {
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.fillRect(QRect(QPoint(0, 0), kSize), Qt::white);
+  takeFont(painter, kTitlePixels, true);
+  drawText(painter, {kPlot.left(), 20, kPlot.width(), kTitlePixels + 16}, Qt::AlignLeft | Qt::AlignVCenter,
+           picture.title);
+  takeFont(painter, kTextPixels, false);
+  drawTraces(painter, picture);
+  painter.setPen(QPen(Qt::black, 2));
+  painter.setBrush(Qt::NoBrush);
+  painter.drawRect(kPlot);
+  drawScales(painter, picture);
+  drawLegend(painter, picture);
 }
 
 }  // namespace
@@ -132,6 +326,32 @@ void ViewFilesWnd::exportCsv() {
     status_ = fmt::format("{} readings in {}", readings, path.filename().string());
     return problem;
   });
+}
+
+QByteArray linePicturePng(const LinePicture& picture) {
+  QImage image(kSize, QImage::Format_RGB32);
+  QPainter painter(&image);
+  drawAll(painter, picture);
+  painter.end();
+  QByteArray content;
+  QBuffer buffer(&content);
+  buffer.open(QIODevice::WriteOnly);
+  image.save(&buffer, "PNG");
+  return content;
+}
+
+QByteArray linePictureSvg(const LinePicture& picture) {
+  QByteArray content;
+  QBuffer buffer(&content);
+  QSvgGenerator generator;
+  generator.setOutputDevice(&buffer);
+  generator.setSize(kSize);
+  generator.setViewBox(QRect(QPoint(0, 0), kSize));
+  generator.setTitle(qtText(picture.title));
+  QPainter painter(&generator);
+  drawAll(painter, picture);
+  painter.end();
+  return content;
 }
 
 }  // namespace kalmira

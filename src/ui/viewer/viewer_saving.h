@@ -1,25 +1,42 @@
 #pragma once
 
+#include <QByteArray>
 #include <cstdint>
 #include <filesystem>
 #include <string>
 #include <string_view>
 
+#include "settings/settings.h"
+#include "viewer/opened_file.h"
+
 // What the viewer writes, and what it must not write over.
 namespace kalmira {
 
-// Why nothing may be written to `target`: it has the extension of a data file, or is the open file by another
-// name. Empty: it may.
+// Why nothing may be written to `target`: it has the extension of a data file, or is the open file by another name.
+// Empty: it may.
 std::string saveProblem(const std::filesystem::path& target, const std::filesystem::path& openFile);
 
-// A name for what is made of a line: "111510A-12N.png" beside the data file. Characters of the line's name
-// that do not go into file names become "_"; an empty line name is left out.
+// A name for what is made of a line: "111510A-12N.png" beside the data file. Characters of the line's name that do not
+// go into file names become "_"; an empty line name is left out.
 std::filesystem::path proposedName(const std::filesystem::path& dataFile, std::string_view lineName,
                                    std::string_view extension);
 
-// The whole data file as a table, as the plot decodes it. An empty text and how many readings it has, or what
-// went wrong.
+// The whole data file as a table, as the plot decodes it. An empty text and how many readings it has, or what went
+// wrong.
 std::string exportTable(const std::filesystem::path& dataFile, const std::filesystem::path& target,
                         bool teskRangeTimes10, std::uint64_t& readings);
+
+// A picture of the whole line that is shown, black on white for reports: traces, grid, both scales, stations, what each
+// colour stands for, the file's and the line's name.
+struct LinePicture {
+  const ScannedFile& scanned;
+  const ExtractedLine& line;
+  const RowFiles& rowFiles;
+  const Settings& settings;
+  std::string title;
+};
+
+QByteArray linePicturePng(const LinePicture& picture);
+QByteArray linePictureSvg(const LinePicture& picture);
 
 }  // namespace kalmira

@@ -1,12 +1,12 @@
 #include "ui/gps/monitor_window.h"
 
+#include <thread>
+
 #include <gmock/gmock.h>
 
 #include <QElapsedTimer>
 #include <QScrollBar>
 
-#include "link/qt_serial_port.h"
-#include "support/pty.h"
 #include "ui/gps/sentence_list.h"
 #include "ui/window_fixture.h"
 
@@ -14,7 +14,6 @@ namespace kalmira {
 namespace {
 
 using testing::ElementsAre;
-using testing::EndsWith;
 
 struct MonitorWindowTest : testing::Test, SessionGround {
   QWidget main;
@@ -26,6 +25,8 @@ struct MonitorWindowTest : testing::Test, SessionGround {
                        dayTheme(),
                        &main};
   int timesLeft = 0;
+  SentenceList& list = dynamic_cast<SentenceList&>(*window.findChild<QAbstractScrollArea*>());
+  QLineEdit& edit = *window.findChild<QLineEdit*>();
 
   MonitorWindowTest() {
     settings.gpsInput = 1;
@@ -33,13 +34,8 @@ struct MonitorWindowTest : testing::Test, SessionGround {
     main.show();
     EXPECT_TRUE(QTest::qWaitForWindowActive(&main));
   }
-
-  QAbstractScrollArea& list() { return *window.findChild<QAbstractScrollArea*>(); }
-  QLineEdit& edit() { return *window.findChild<QLineEdit*>(); }
-  const auto& lines() { return dynamic_cast<SentenceList&>(list()).lines(); }
-  void addLine(const std::string& line) { dynamic_cast<SentenceList&>(list()).addLine(line); }
   bool waitForLast(std::string_view line) {
-    return waitFor([&] { return !lines().empty() && lines().back() == line; });
+    return waitFor([&] { return !list.lines().empty() && list.lines().back() == line; });
   }
   // What the receiver has heard since it was last asked.
   std::vector<std::string> takeHeard() {
@@ -56,26 +52,22 @@ struct MonitorWindowTest : testing::Test, SessionGround {
     return all;
   }
   static void press(Qt::Key key) { QTest::keyClick(QApplication::focusWidget(), key); }
-  // "S", and what is done with the message then.
-  static void sendBy(const DialogActor::Act& act) {
-    const DialogActor actor("GPS Message", [&act](QDialog& dialog) {
-      expectFits(dialog);
-      act(dialog);
-    });
-    press(Qt::Key_S);
+  // The key, and what is done with the message then.
+  static void sendBy(const DialogActor::Act& act, Qt::Key key = Qt::Key_S) {
+    DialogTest::in("GPS Message", act, [key] { press(key); });
   }
   static void confirm(QDialog& dialog) { kalmira::press(dialog, Qt::Key_Return); }
-  bool paused() { return window.state().monitorPaused == 1; }
   // Waits until the reader has seen what was asked before.
   static void letReaderLook() { QTest::qWait(3 * kReadSliceMs); }
 };
 
-TEST_F(MonitorWindowTest, ShowsWhatComesAllOverItsParent) {
+TEST_F(MonitorWindowTest, ShowsWhatComesAllOverItsParentTheNewestInViewAndNothingCutAtTheEdge) {
   settings.gpsBaudIndex = 4;
   ASSERT_TRUE(window.open());
   EXPECT_EQ(window.geometry(), main.rect());
   main.resize(640, 480);
   EXPECT_EQ(window.size(), QSize(640, 480));
+  main.resize(240, 320);
   EXPECT_EQ(receiver.locked(&FakeDevice::line).baud, 57600);
   EXPECT_TRUE(receiver.locked(&FakeDevice::line).xonXoff);
   receiver.send("$GPGGA,1*00\r\n$GPGSA,2\r\n");
@@ -83,7 +75,29 @@ TEST_F(MonitorWindowTest, ShowsWhatComesAllOverItsParent) {
   letReaderLook();  // its silence begins once a line has been shown
   clock.advance(7001);
   EXPECT_TRUE(waitForLast("NO DATA"));
-  EXPECT_THAT(lines(), ElementsAre("$GPGGA,1*00", "$GPGSA,2", "NO DATA"));
+  EXPECT_THAT(list.lines(), ElementsAre("$GPGGA,1*00", "$GPGSA,2", "NO DATA"));
+  for (std::size_t i = 0; i < kMostMonitorLines + 5; ++i) {
+    list.addLine("$GPGGA,101307,5230.1234,N,01322.9876,E,1,08,0.9,34.0,M,39.4,M,,*" + std::to_string(i));
+  }
+  EXPECT_EQ(list.lines().size(), kMostMonitorLines);
+  EXPECT_THAT(list.lines().front(), testing::EndsWith("*5"));
+  auto* bar = list.verticalScrollBar();
+  EXPECT_EQ(bar->value(), bar->maximum());
+  // Two rows each at this width.
+  EXPECT_EQ(bar->maximum() + bar->pageStep(), static_cast<int>(2 * kMostMonitorLines));
+  press(Qt::Key_PageUp);
+  EXPECT_EQ(bar->value(), bar->maximum() - bar->pageStep() + 1);
+  receiver.send("$NEW\r\n");
+  EXPECT_TRUE(waitForLast("$NEW"));
+  EXPECT_EQ(bar->value(), bar->maximum());
+  for (const auto& size : {QSize(240, 320), QSize(320, 240), QSize(480, 640), QSize(700, 500)}) {
+    main.resize(size);
+    list.addLine(std::string(180, 'M'));
+    const QImage image = list.viewport()->grab().toImage();
+    for (int y = 0; y < image.height(); ++y) {
+      for (const int x : {0, image.width() - 1}) ASSERT_GE(qGray(image.pixel(x, y)), 200) << size.width();
+    }
+  }
 }
 
 TEST_F(MonitorWindowTest, KeysAndTapsDoTheSame) {
@@ -92,31 +106,29 @@ TEST_F(MonitorWindowTest, KeysAndTapsDoTheSame) {
   for (const bool byKey : {true, false}) {
     byKey ? press(Qt::Key_P) : tapButton(window, "&Pause");
     EXPECT_THAT(heardUntil("purge"), ElementsAre("purge"));
-    EXPECT_TRUE(paused());
-    EXPECT_THAT(buttonsOf(window), testing::Not(testing::Contains("&Pause")));
+    EXPECT_EQ(window.state().monitorPaused, 1);
+    EXPECT_FALSE(buttonOf(window, "&Pause").isVisible());
     EXPECT_EQ(markedOf(window), "&Go");
     receiver.send("$WHILE,PAUSED\r\n");
     letReaderLook();
-    EXPECT_TRUE(lines().empty() || lines().back() == "$AFTER");
+    EXPECT_TRUE(list.lines().empty() || list.lines().back() == "$AFTER");
     receiver.steps.clear();  // the reader is not at it
     byKey ? press(Qt::Key_G) : tapButton(window, "&Go");
     EXPECT_THAT(heardUntil("purge"), ElementsAre("purge"));
-    EXPECT_FALSE(buttonOf(window, "&Go")->isEnabled());
+    EXPECT_FALSE(buttonOf(window, "&Go").isEnabled());
     receiver.send("$AFTER\r\n");
     EXPECT_TRUE(waitForLast("$AFTER"));
   }
-  for (const auto* expected : {"&Send", "E&xit", "&Pause"}) {
+  for (const auto* expected : {"&Send", "E&xit", "&Pause", "&Send", "E&xit"}) {
     press(Qt::Key_Tab);
     EXPECT_EQ(markedOf(window), expected);
   }
-  press(Qt::Key_Tab);
-  press(Qt::Key_Tab);
-  press(Qt::Key_Return);  // "E&xit"
+  press(Qt::Key_Return);
   EXPECT_FALSE(window.isVisible());
   EXPECT_EQ(timesLeft, 1);
 }
 
-TEST_F(MonitorWindowTest, SendsWhatIsConfirmedAndReadsOnFromThePause) {
+TEST_F(MonitorWindowTest, SendsWhatIsConfirmedButNothingAfterCancelAndReadsOnFromThePause) {
   ASSERT_TRUE(window.open());
   press(Qt::Key_P);
   heardUntil("purge");
@@ -126,38 +138,28 @@ TEST_F(MonitorWindowTest, SendsWhatIsConfirmedAndReadsOnFromThePause) {
   });
   letReaderLook();
   EXPECT_THAT(takeHeard(), ElementsAre());
-  EXPECT_TRUE(paused());
+  EXPECT_EQ(window.state().monitorPaused, 1);
   sendBy([](QDialog& dialog) {
-    EXPECT_EQ(fieldText(dialog, "message"), "$PASHS,NME,SAT,A,ON");
+    EXPECT_EQ(textOf(dialog, "message"), "$PASHS,NME,SAT,A,ON");
     type(dialog, "message", "$GR\xC3\x9C,pgsx");
     confirm(dialog);
   });
   EXPECT_THAT(heardUntil("write $GR?,pgsx\r\n"), ElementsAre("purge", "purge", "write $GR?,pgsx\r\n"));
-  EXPECT_EQ(edit().text().toStdString(), "$GR\xC3\x9C,pgsx");
-  EXPECT_FALSE(paused());
-  EXPECT_THAT(buttonsOf(window), testing::Contains("&Pause"));
+  EXPECT_EQ(edit.text().toStdString(), "$GR\xC3\x9C,pgsx");
+  EXPECT_TRUE(buttonOf(window, "&Pause").isVisible());
   receiver.send("$ANSWER\r\n");
   EXPECT_TRUE(waitForLast("$ANSWER"));
-}
-
-TEST_F(MonitorWindowTest, TheTappedEditLineHasTheLettersUntilItIsLeft) {
-  ASSERT_TRUE(window.open());
-  EXPECT_TRUE(window.hasFocus());
+  // The tapped edit line has the letters until it is left.
   for (const auto key : {Qt::Key_Escape, Qt::Key_Tab}) {
-    QTest::mouseClick(&edit(), Qt::LeftButton);
-    ASSERT_TRUE(edit().hasFocus());
-    edit().clear();
-    QTest::keyClicks(&edit(), "$PX,GS");
-    EXPECT_EQ(edit().text(), "$PX,GS");
+    QTest::mouseClick(&edit, Qt::LeftButton);
+    edit.clear();
+    QTest::keyClicks(&edit, "$PX,GS");
+    EXPECT_EQ(edit.text(), "$PX,GS");
     press(key);
     EXPECT_TRUE(window.hasFocus());
-    EXPECT_EQ(markedOf(window), "&Pause");
   }
-  QTest::mouseClick(&edit(), Qt::LeftButton);
-  {
-    const DialogActor actor("GPS Message", tapOk);
-    press(Qt::Key_Return);
-  }
+  QTest::mouseClick(&edit, Qt::LeftButton);
+  sendBy(tapOk, Qt::Key_Return);
   EXPECT_THAT(heardUntil("write $PX,GS\r\n"), ElementsAre("purge", "purge", "write $PX,GS\r\n"));
   EXPECT_TRUE(window.isVisible());
 }
@@ -167,34 +169,28 @@ TEST_F(MonitorWindowTest, APulledReceiverIsToldAndComesBack) {
   receiver.plug(false);
   EXPECT_TRUE(waitForLast("Receiver unplugged: trying again every second"));
   sendBy(confirm);
-  EXPECT_EQ(lines().back(), "Message not sent: receiver unplugged");
+  EXPECT_EQ(list.lines().back(), "Message not sent: receiver unplugged");
   receiver.plug(true);
   receiver.send("$AGAIN\r\n");
   EXPECT_TRUE(waitForLast("$AGAIN"));
-  EXPECT_EQ(lines()[2], "Receiver is back");
+  EXPECT_EQ(list.lines()[2], "Receiver is back");
   EXPECT_THAT(takeHeard(), testing::Each("purge"));
 }
 
 TEST_F(MonitorWindowTest, EndsAtOnceInEveryState) {
-  const std::vector<std::function<void()>> states{[] {},
-                                                  [] {
-                                                    press(Qt::Key_P);
-                                                    letReaderLook();
-                                                  },
-                                                  [this] {
-                                                    receiver.plug(false);
-                                                    letReaderLook();
-                                                  },
-                                                  [this] {  // lines wait to be shown
-                                                    receiver.send("$A\r\n$B\r\n");
-                                                    std::this_thread::sleep_for(std::chrono::milliseconds(50));
-                                                  }};
-  for (const auto& enter : states) {
+  for (const char* state : {"reading", "paused", "unplugged", "lines wait to be shown"}) {
+    SCOPED_TRACE(state);
     receiver.plug(true);
     ASSERT_TRUE(window.open());
-    EXPECT_TRUE(lines().empty());
+    EXPECT_TRUE(list.lines().empty());
     EXPECT_EQ(markedOf(window), "&Pause");
-    enter();
+    if (*state == 'p') press(Qt::Key_P);
+    if (*state == 'u') receiver.plug(false);
+    if (*state == 'p' || *state == 'u') letReaderLook();
+    if (*state == 'l') {
+      receiver.send("$A\r\n$B\r\n");
+      std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    }
     QElapsedTimer timer;
     timer.start();
     window.leave();
@@ -218,59 +214,13 @@ TEST_F(MonitorWindowTest, APortThatDoesNotOpenIsToldWithTheReason) {
   for (const auto& [portIndex, why] :
        {std::pair{1, "not plugged"}, {4, "No device stands for COM5: plug one in or name one"}}) {
     settings.gpsPortIndex = portIndex;
-    const DialogActor actor("Serial Port", [why = why](QDialog& dialog) {
-      EXPECT_EQ(dynamic_cast<QMessageBox&>(dialog).text().toStdString(), std::string("Cannot open GPS port\n") + why);
-      dialog.accept();
-    });
+    std::string told;
+    const DialogActor actor("Serial Port", noted(told));
     EXPECT_FALSE(window.open());
+    EXPECT_EQ(told, std::string("Cannot open GPS port\n") + why);
   }
   EXPECT_FALSE(window.isVisible());
   EXPECT_EQ(timesLeft, 0);
-}
-
-TEST_F(MonitorWindowTest, KeepsTheNewestLinesAndTheLastInView) {
-  ASSERT_TRUE(window.open());
-  for (std::size_t i = 0; i < kMostMonitorLines + 5; ++i) {
-    addLine("$GPGGA,101307,5230.1234,N,01322.9876,E,1,08,0.9,34.0,M,39.4,M,,*" + std::to_string(i));
-  }
-  EXPECT_EQ(lines().size(), kMostMonitorLines);
-  EXPECT_THAT(lines().front(), EndsWith("*5"));
-  auto* bar = list().verticalScrollBar();
-  EXPECT_EQ(bar->value(), bar->maximum());
-  // Two rows each at this width.
-  EXPECT_EQ(bar->maximum() + bar->pageStep(), static_cast<int>(2 * kMostMonitorLines));
-  press(Qt::Key_PageUp);
-  EXPECT_EQ(bar->value(), bar->maximum() - bar->pageStep() + 1);
-  receiver.send("$NEW\r\n");
-  EXPECT_TRUE(waitForLast("$NEW"));
-  EXPECT_EQ(bar->value(), bar->maximum());
-}
-
-TEST_F(MonitorWindowTest, NothingIsCutAtTheEdge) {
-  ASSERT_TRUE(window.open());
-  for (const auto& size : {QSize(240, 320), QSize(320, 240), QSize(480, 640), QSize(700, 500)}) {
-    main.resize(size);
-    addLine(std::string(180, 'M'));
-    const QImage image = list().viewport()->grab().toImage();
-    int dark = 0;
-    for (int y = 0; y < image.height(); ++y) {
-      dark += qGray(image.pixel(image.width() - 1, y)) < 200 ? 1 : 0;
-      dark += qGray(image.pixel(0, y)) < 200 ? 1 : 0;
-    }
-    EXPECT_EQ(dark, 0) << size.width();
-  }
-}
-
-TEST_F(MonitorWindowTest, TalksToARealPort) {
-  const Pty pty;
-  deviceOf = [&pty](int) { return pty.name; };
-  ports = makeQtSerialPort;
-  ASSERT_TRUE(window.open());
-  ASSERT_TRUE(pty.send("$GPGGA,1*00\r\n"));
-  EXPECT_TRUE(waitForLast("$GPGGA,1*00"));
-  sendBy(confirm);
-  EXPECT_EQ(pty.receive(), "$PASHS,NME,SAT,A,ON\r\n");
-  window.leave();
 }
 
 }  // namespace

@@ -1,29 +1,31 @@
 #include "ui/session/dialogs.h"
 
-#include <gmock/gmock.h>
+#include <limits>
+
+#include <fmt/format.h>
+#include <gtest/gtest.h>
+
+#include <QDialogButtonBox>
+#include <QListView>
+#include <QSettings>
 
 #include "datafile/record_format.h"
-#include "settings/comment_hint.h"
+#include "settings/line_entry.h"
 #include "support/dialogs.h"
+#include "support/temp_folder.h"
+#include "ui/screen/file_dialog.h"
 
 namespace kalmira {
 namespace {
 
-using ::testing::ElementsAre;
 using How = CommentOutcome::How;
 
 struct SessionDialogs : DialogTest {
   std::optional<LineEntry> newLine(double station, const DialogActor::Act& act) {
     return in("New Line", act, [&] { return runNewLineDialog(&window, settings, station); });
   }
-  std::optional<double> newStation(const DialogActor::Act& act) {
-    return in("New Station", act, [&] { return runNewStationDialog(&window, "GetNewStation", settings, 12.5); });
-  }
   CommentOutcome comment(const DialogActor::Act& act) {
     return in("Enter Comment", act, [&] { return runCommentDialog(&window); });
-  }
-  std::optional<Settings> scale(const char* templateName, Kind kind, bool ice, const DialogActor::Act& act) {
-    return in("Enter Scale", act, [&] { return runProfileScaleDialog(&window, templateName, kind, ice, settings); });
   }
   Settings settings;
 };
@@ -34,35 +36,18 @@ void typeOn(QDialog& dialog, const char* text) {
   press(dialog, Qt::Key_Tab);
 }
 
-std::vector<std::string> fields(const QDialog& dialog, std::initializer_list<const char*> names) {
-  std::vector<std::string> texts;
-  for (const char* name : names) texts.push_back(fieldText(dialog, name));
-  return texts;
-}
-
-TEST_F(SessionDialogs, NewLineShowsTheProposalAndIsTypedFieldByField) {
-  settings.lineName = "A7";
-  settings.lineIncrement = 2.0F;
-  settings.stationIncrement = 2.5F;
-  settings.direction = 2;
-  settings.startStation = 5.0;
-  const auto look = [](const QDialog& dialog) {
-    EXPECT_EQ(labelText(dialog, "currentLine"), "A7");
-    EXPECT_EQ(labelText(dialog, "lastStation"), "50.000");
-    EXPECT_THAT(fields(dialog, {"newLine", "lineIncrement", "startStation", "stationIncrement"}),
-                ElementsAre("2.00", "2.00", "50.000", "-2.500"));
-    EXPECT_EQ(list(dialog, "sequence").currentIndex(), 0);
-    EXPECT_EQ(list(dialog, "direction").currentText(), "South");
-  };
-  EXPECT_FALSE(newLine(50.0, [&](QDialog& dialog) {
-    look(dialog);
-    press(dialog, Qt::Key_Escape);
-  }));
-  const auto entry = newLine(50.0, [&](QDialog& dialog) {
-    look(dialog);
+TEST_F(SessionDialogs, NewLineShowsTheProposalAndIsTypedFieldByFieldInATurnedWindow) {
+  settings = settingsOf("lineName=A7|lineIncrement=2|stationIncrement=2.5|direction=2");
+  const auto entry = newLine(50.0, [this](QDialog& dialog) {
+    shows(dialog,
+          "currentLine=A7|lastStation=50.000|newLine=2.00|lineIncrement=2.00|startStation=50.000|"
+          "stationIncrement=-2.500|direction=South|sequence=Alternate");
+    window.resize(320, 240);
+    QApplication::processEvents();
+    expectFits(dialog);
     typeOn(dialog, "Bach 7, West");
     typeOn(dialog, "2,5");
-    EXPECT_EQ(fieldText(dialog, "lineIncrement"), "2.5") << "a comma is a full stop to be seen";
+    EXPECT_EQ(textOf(dialog, "lineIncrement"), "2.5") << "a comma is a full stop to be seen";
     press(dialog, Qt::Key_Down);
     press(dialog, Qt::Key_Tab);
     press(dialog, Qt::Key_End);
@@ -78,74 +63,66 @@ TEST_F(SessionDialogs, NewLineShowsTheProposalAndIsTypedFieldByField) {
   EXPECT_EQ(entry->direction, 3);
   EXPECT_EQ(entry->startStation, 12.75);
   EXPECT_EQ(entry->stationIncrement, -1.25F);
+  EXPECT_FALSE(newLine(50.0, [](QDialog& dialog) { press(dialog, Qt::Key_Escape); }));
 }
 
 TEST_F(SessionDialogs, NumbersBeyondReasonAreBroughtToWhatAFieldHolds) {
-  settings.lineName = "99999999999999999999999999999999999999";
-  settings.startStation = 1e300;
-  settings.lineIncrement = std::numeric_limits<float>::max();
+  constexpr auto kMost = std::numeric_limits<float>::max();
+  settings = {.lineName = "99999999999999999999999999999999999999", .lineIncrement = kMost};
   const auto entry = newLine(-1e300, [](QDialog& dialog) {
-    part<QLineEdit>(dialog, "newLine").setText(QString(40, QChar(0x00E4)));
-    press(dialog, Qt::Key_Tab);
-    typeOn(dialog, "1e300");
-    part<QLineEdit>(dialog, "startStation").setText("inf");
-    part<QLineEdit>(dialog, "stationIncrement").setText("nan");
+    fill(dialog, "newLine=" + std::string(40, 'x') + "|lineIncrement=1e300|startStation=inf|stationIncrement=nan");
     tapOk(dialog);
   });
   ASSERT_TRUE(entry);
-  EXPECT_EQ(entry->lineName.size(), 2 * kLineNameCharacters);
-  EXPECT_EQ(entry->lineIncrement, std::numeric_limits<float>::max());
+  EXPECT_EQ(entry->lineName.size(), kLineNameCharacters);
+  EXPECT_EQ(entry->lineIncrement, kMost);
   EXPECT_EQ(entry->startStation, 0.0);
   EXPECT_EQ(entry->stationIncrement, 0.0F);
 }
 
 TEST_F(SessionDialogs, NewStationStartsEmptyAndReadsWhatIsANumber) {
   settings.startStation = 3;
+  const auto newStation = [this](const DialogActor::Act& act) {
+    return in("New Station", act, [&] { return runNewStationDialog(&window, "GetNewStation", settings, 12.5); });
+  };
   for (const auto& [typed, wanted] :
        {std::pair{"", 0.0}, {"abc", 0.0}, {" 17.25m", 17.25}, {"-3,5", -3.5}, {"1e999", 0.0}}) {
     const auto station = newStation([typed = typed](QDialog& dialog) {
-      EXPECT_EQ(labelText(dialog, "startStation"), "3.000");
-      EXPECT_EQ(labelText(dialog, "lastStation"), "12.500");
-      EXPECT_EQ(fieldText(dialog, "newStation"), "");
+      shows(dialog, "startStation=3.000|lastStation=12.500|newStation=");
       QTest::keyClicks(dialog.focusWidget(), typed);
       press(dialog, Qt::Key_Enter);
     });
-    ASSERT_TRUE(station) << typed;
-    EXPECT_EQ(*station, wanted) << typed;
+    EXPECT_EQ(station, std::optional(wanted)) << typed;
   }
   EXPECT_FALSE(newStation(tapCancel));
 }
 
 TEST_F(SessionDialogs, CommentIsConfirmedOrCancelledWithAndWithoutText) {
-  struct Case {
-    const char* typed;
-    Qt::Key key;
-    How how;
-  };
-  for (const auto& c :
-       {Case{"Zaun", Qt::Key_Return, How::confirmed}, Case{"", Qt::Key_Return, How::confirmed},
-        Case{"Zaun", Qt::Key_Escape, How::cancelledWithText}, Case{"", Qt::Key_Escape, How::cancelledEmpty}}) {
-    const auto outcome = comment([&c](QDialog& dialog) {
-      QTest::keyClicks(dialog.focusWidget(), c.typed);
-      press(dialog, c.key);
+  for (const auto& [typed, key, how] : {std::tuple{"Zaun", Qt::Key_Return, How::confirmed},
+                                        {"", Qt::Key_Return, How::confirmed},
+                                        {"Zaun", Qt::Key_Escape, How::cancelledWithText},
+                                        {"", Qt::Key_Escape, How::cancelledEmpty}}) {
+    const auto outcome = comment([typed = typed, key = key](QDialog& dialog) {
+      QTest::keyClicks(dialog.focusWidget(), typed);
+      press(dialog, key);
     });
-    EXPECT_EQ(outcome.how, c.how) << c.typed;
-    EXPECT_EQ(outcome.text, c.typed);
+    EXPECT_EQ(outcome.how, how) << typed;
+    EXPECT_EQ(outcome.text, typed);
   }
   const auto longest = comment([](QDialog& dialog) {
-    EXPECT_EQ(labelText(dialog, "hint"), "11 characters fit");
-    QTest::keyClicks(dialog.focusWidget(), "Bridge");
-    EXPECT_EQ(labelText(dialog, "hint"), "5 more fit");
-    part<QLineEdit>(dialog, "comment").setText(QString::fromUtf8("Brücke über") + QString(600, 'z'));
-    EXPECT_EQ(labelText(dialog, "hint"), "Kept: Br?cke ?ber");
+    for (const auto& [text, hint] : {std::pair{"", "11 characters fit"},
+                                     {"Bridge", "5 more fit"},
+                                     {"Br\xC3\x9C", "8 more fit"},
+                                     {"12345678901", "Fits exactly"},
+                                     {"Br\xC3\x9C\x63ke \xC3\x9C\x62\x65rz", "Kept: Br?cke ?ber"}}) {
+      type(dialog, "comment", text);
+      EXPECT_EQ(textOf(dialog, "hint"), hint);
+    }
+    part<QLineEdit>(dialog, "comment").setText(QString(600, 'z'));
     press(dialog, Qt::Key_Return);
   });
-  EXPECT_EQ(longest.text.size(), 512U + 2U);
-}
-
-TEST(CommentHint, CountsAsTheRecordDoes) {
-  EXPECT_EQ(commentHint("Br\xC3\xBC"), "8 more fit");
-  EXPECT_EQ(commentHint("12345678901"), "Fits exactly");
+  EXPECT_EQ(longest.text.size(), 512U);
+  // As the record does.
   for (const int length : {24, 26}) {
     const auto record = formatNote(length, tag::kComment, "abcdefghijklmnop", 0);
     EXPECT_EQ("Kept: " + record.substr(1, kCommentCharactersKept), commentHint("abcdefghijklmnop"));
@@ -155,85 +132,106 @@ TEST(CommentHint, CountsAsTheRecordDoes) {
 
 // What the scales of the settings are shown as, and become when something is typed. What a dialog does not
 // show it leaves as it is, and does not round.
-TEST_F(SessionDialogs, ScalesAreShownAndLimitedAsTheKindHasThem) {
+TEST_F(SessionDialogs, ScalesAreShownAndLimitedAsTheKindHasThemThicknessToo) {
   const struct {
     const char* name;
     Kind kind;
     bool ice;
-    const char* firstLabel;
-    std::vector<std::string> shown;
-    std::vector<const char*> typed;
-    std::vector<float> saved;
-  } cases[]{
-      {"GetNewProfileScaleICE",
-       Kind::orla,
-       true,
-       "Conductivity",
-       {"3", "10", "-10", "0", "9", "10"},
-       {"50", "20", "-12000", "1e30", "12", "15"},
-       {50, 150, -9000, 9000, 9, 10}},
-      {"GetNewProfileScaleICE",
-       Kind::orla,
-       false,
-       "Conductivity",
-       {"3", "10", "-10", "0"},
-       {},
-       {3, 10, -10, 0, 8.7F, 10}},
-      {"GetNewProfileScaleOrla",
-       Kind::glaco,
-       false,
-       "Thickness",
-       {"2.6", "10.0", "-10", "0"},
-       {"3", "3"},
-       {3, 4, -10, 0, 8.7F, 10}},
-      {"GetNewProfileScaleVardo", Kind::vardo, false, "Conductivity", {"3", "10"}, {}, {3, 10, -10, 0.4F, 8.7F, 10}}};
-  settings.conductivityMinimum = 2.6F;
-  settings.inphaseMaximum = 0.4F;
-  settings.iceMinimum = 8.7F;
+    const char *firstLabel, *shown, *typed, *saved;
+  } cases[]{{"GetNewProfileScaleICE", Kind::orla, true, "Conductivity", "3 10 -10 0 9 10 ", "50 20 -12000 1e30 12 15",
+             "50 150 -9000 9000 9 10"},
+            {"GetNewProfileScaleICE", Kind::orla, false, "Conductivity", "3 10 -10 0   ", "", "3 10 -10 0 8.7 10"},
+            {"GetNewProfileScaleOrla", Kind::glaco, false, "Thickness", "2.6 10.0 -10 0   ", "3 3", "3 4 -10 0 8.7 10"},
+            {"GetNewProfileScaleVardo", Kind::vardo, false, "Conductivity", "3 10     ", "", "3 10 -10 0.4 8.7 10"}};
+  settings = settingsOf("iceMinimum=8.7|conductivityMinimum=2.6|inphaseMaximum=0.4");
   for (const auto& c : cases) {
     SCOPED_TRACE(testing::Message() << c.name << c.firstLabel << c.ice);
-    const auto changed = scale(c.name, c.kind, c.ice, [&c](QDialog& dialog) {
-      std::vector<std::string> shown;
-      for (const char* field :
-           {"firstMinimum", "firstMaximum", "inphaseMinimum", "inphaseMaximum", "iceMinimum", "iceMaximum"}) {
-        const auto* edit = dialog.findChild<QLineEdit*>(QLatin1String(field));
-        if (edit != nullptr && edit->isVisible()) shown.push_back(edit->text().toStdString());
+    const auto scale = [&](const DialogActor::Act& act) {
+      return in("Enter Scale", act, [&] { return runProfileScaleDialog(&window, c.name, c.kind, c.ice, settings); });
+    };
+    const auto changed = scale([&c](QDialog& dialog) {
+      std::string shown;
+      for (const auto* end : {"firstM", "inphaseM", "iceM"}) {
+        for (const auto* which : {"inimum", "aximum"}) shown += textOf(dialog, std::string(end) + which) + ' ';
       }
       EXPECT_EQ(shown, c.shown);
-      EXPECT_EQ(labelText(dialog, "firstLabel"), c.firstLabel);
-      for (const char* text : c.typed) typeOn(dialog, text);
+      EXPECT_EQ(textOf(dialog, "firstLabel"), c.firstLabel);
+      for (const auto& text : QString(c.typed).split(' ', Qt::SkipEmptyParts)) typeOn(dialog, text.toUtf8());
       tapOk(dialog);
     });
     ASSERT_TRUE(changed);
-    EXPECT_EQ((std::vector{changed->conductivityMinimum, changed->conductivityMaximum, changed->inphaseMinimum,
-                           changed->inphaseMaximum, changed->iceMinimum, changed->iceMaximum}),
+    EXPECT_EQ(fmt::format("{} {} {} {} {} {}", changed->conductivityMinimum, changed->conductivityMaximum,
+                          changed->inphaseMinimum, changed->inphaseMaximum, changed->iceMinimum, changed->iceMaximum),
               c.saved);
-    EXPECT_FALSE(scale(c.name, c.kind, c.ice, tapCancel));
+    EXPECT_FALSE(scale(tapCancel));
   }
 }
 
-TEST_F(SessionDialogs, CanBeClosedFromOutsideUnderAMessageBox) {
-  const auto outcome = comment([](QDialog& dialog) {
-    QTest::keyClicks(dialog.focusWidget(), "half a wo");
-    const DialogActor closer("Note", [&dialog](QDialog& box) {
-      dialog.reject();
-      EXPECT_TRUE(box.isVisible());
-      box.reject();
-    });
-    QMessageBox box(QMessageBox::NoIcon, "Note", "on top", QMessageBox::Ok, &dialog);
-    box.exec();
-  });
-  EXPECT_EQ(outcome.how, How::cancelledWithText);
-  EXPECT_EQ(outcome.text, "half a wo");
+struct CreateFileDialog : DialogTest {
+  CreateFileDialog() {
+    // Qt's dialog remembers how it was left; not in the settings of whoever runs the tests.
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, QString::fromStdString(folder.path() / "conf"));
+    writeFile(data / "111510Z.ROR", "survey");
+  }
+  std::optional<std::filesystem::path> run(const DialogActor::Act& act, const std::string& proposal = "x") {
+    const DialogActor actor("Create Data File", act);
+    return runCreateFileDialog(&window, place, proposal);
+  }
+  // Over the proposal, or taken as it is.
+  std::optional<std::filesystem::path> entered(const std::string& name, const std::string& proposal = "x") {
+    const auto enter = [&name](QDialog& dialog) {
+      if (!name.empty()) part<QLineEdit>(dialog, "fileNameEdit").setText(QString::fromStdString(name));
+      press(dialog, Qt::Key_Return);
+    };
+    return run(enter, proposal);
+  }
+
+  TempFolder folder;
+  DataPlace place{.kind = Kind::orla, .root = folder.path()};
+  std::filesystem::path data = dataFolderOf(place);
+};
+
+TEST_F(CreateFileDialog, NamesBecomePathsAndExistingOnesAreHandedBackWithoutAQuestion) {
+  const std::string umlauts = "Gr\xC3\xB6\xC3\x9F\x65\xE6\xB8\xAC";
+  const struct {
+    std::string typed, proposal;
+    std::filesystem::path path;
+  } cases[]{{"", "111510A", data / "111510A.ROR"},
+            {"A.B.ROR", "x", data / "A.B.ROR"},
+            {"other.txt", "x", data / "other.txt"},
+            {umlauts, "x", data / (umlauts + ".ROR")},
+            {folder.path() / "elsewhere", "x", folder.path() / "elsewhere.ROR"},
+            {"", "Storage\\DATAORLA\\111510Z.ROR", data / "111510Z.ROR"}};
+  for (const auto& each : cases) EXPECT_EQ(entered(each.typed, each.proposal), each.path);
+  EXPECT_EQ(readFile(data / "111510Z.ROR"), "survey");
+  EXPECT_FALSE(run([](QDialog& dialog) { press(dialog, Qt::Key_Escape); }));
+  // A folder that is closed or gone does no harm.
+  std::filesystem::permissions(data, std::filesystem::perms::owner_read | std::filesystem::perms::owner_exec);
+  EXPECT_EQ(entered("a"), data / "a.ROR");
+  std::filesystem::remove_all(folder.path() / "Storage");
+  EXPECT_EQ(entered("b").value_or("").filename(), "b.ROR");
 }
 
-TEST_F(SessionDialogs, DialogFollowsAWindowThatIsTurned) {
-  EXPECT_FALSE(newLine(0, [this](QDialog& dialog) {
-    window.resize(320, 240);
-    QApplication::processEvents();
-    expectFits(dialog);
-    dialog.reject();
-  }));
+TEST_F(CreateFileDialog, FitsASmallWindowAndFingers) {
+  writeFile(data / "note.txt", "");
+  const auto work = [](QDialog& dialog) {
+    const auto& field = part<QLineEdit>(dialog, "fileNameEdit");
+    EXPECT_TRUE(dialog.width() <= 240 && dialog.height() <= 320);
+    EXPECT_GE(field.width(), 200);
+    EXPECT_GE(field.height(), touchHeight(nullptr));
+    auto& buttons = *dialog.findChild<QDialogButtonBox*>();
+    for (auto* button : buttons.buttons()) {
+      EXPECT_GE(button->height(), touchHeight(nullptr));
+      EXPECT_FALSE(button->visibleRegion().isEmpty());
+    }
+    auto& files = part<QListView>(dialog, "listView");
+    EXPECT_TRUE(QTest::qWaitFor([&files] { return files.model()->rowCount(files.rootIndex()) > 0; }));
+    EXPECT_EQ(files.model()->rowCount(files.rootIndex()), 1) << "only files of the kind";
+    EXPECT_GE(files.sizeHintForRow(0), touchHeight(nullptr));
+    QTest::keyClicks(dialog.focusWidget(), "Acker");  // the proposal is selected
+    QTest::mouseClick(buttons.button(QDialogButtonBox::Save), Qt::LeftButton);
+  };
+  EXPECT_EQ(run(work), data / "Acker.ROR");
 }
 
 }  // namespace

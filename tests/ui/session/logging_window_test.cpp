@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "logging/keys.h"
-#include "logging/watchdog.h"
+#include "logging/session_link.h"
 #include "sim/encode.h"
 #include "ui/window_fixture.h"
 
@@ -14,20 +14,16 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 
 // Inphase 1.0 ppt.
-std::string orlaRecord(double conductivity = 12.5) {
+std::string orlaRecord(double conductivity) {
   return sim::terminated(Framing::ascii, sim::encodeOrla({.vertical = true}, conductivity, 1.0));
 }
 
-TEST(LoggingWindow, RowsOfButtonsFollowTheStateAndADoubleTapIsOneTap) {
+TEST(LoggingWindow, RowsFollowTheStateADoubleTapIsOneALoneShiftNoneAndACancelledCommentIsNotWritten) {
   TestWindow test(Kind::orla, {640, 480});
   test.start();
   EXPECT_THAT(buttonsOf(test.window), ElementsAre("&Create File", "E&xit"));
   EXPECT_EQ(test.text(PanelField::state), "Monitor");
-  {
-    const DialogActor create("Create Data File", Qt::Key_Return);
-    test.tap("&Create File");
-  }
-  test.path = test.session().file.path();
+  test.create();
   EXPECT_THAT(buttonsOf(test.window), ElementsAre("&Go", "&Line", "&NStn", "&Cmnt", "&Menu", "E&xit"));
   test.tap("&Go");
   test.press(Qt::Key_Shift);  // no key of its own, not even where any key pauses
@@ -50,20 +46,29 @@ TEST(LoggingWindow, RowsOfButtonsFollowTheStateAndADoubleTapIsOneTap) {
 }
 
 // Where the marker is a key, Tab moves the highlight: the first one only arms it.
-TEST(LoggingWindow, TheHighlightGoesRoundAndEnterPressesIt) {
+TEST(LoggingWindow, TheHighlightGoesRoundAndEnterPressesItButDeletesNoCalibration) {
   TestWindow test(Kind::tesk2);
   test.settings.softMarker = 1;
+  test.settings.calibrationFactors[2] = 5;
   test.start();
+  EXPECT_THAT(buttonsOf(test.window), ElementsAre("&Create File", "C&alibrate", "D&el Calibr.", "E&xit"));
   test.create();
   std::vector<std::string> round;
-  for (int i = 0; i < 8; ++i) {
-    round.push_back(markedOf(test.window));
-    test.press(Qt::Key_Tab);
+  for (int i = 0; i < 9; ++i, test.press(Qt::Key_Tab)) round.push_back(markedOf(test.window));
+  EXPECT_THAT(round, ElementsAre("&Go", "&Go", "&Line", "&NStn", "&Cmnt", "&Menu", "E&xit", "&Go", "&Line"));
+  {
+    const DialogActor station("New Station", Qt::Key_Escape);
+    test.press(Qt::Key_Return);
   }
-  EXPECT_THAT(round, ElementsAre("&Go", "&Go", "&Line", "&NStn", "&Cmnt", "&Menu", "E&xit", "&Go"));
-  test.press(Qt::Key_Tab);
-  const DialogActor station("New Station", Qt::Key_Escape);
-  test.press(Qt::Key_Return);
+  QStringList texts;
+  pressInMenu(Qt::Key_E, &texts);
+  const DialogActor question("Delete Calibration", [](QDialog& box) {
+    QTest::qWait(600);  // deaf at first
+    QTest::keyClick(&box, Qt::Key_Return);
+  });
+  test.press(Qt::Key_M);
+  EXPECT_EQ(texts.join('|'), "&Scale|&Display Options||C&alibrate TESK-2|D&elete Calibration||&Hide Menu");
+  EXPECT_EQ(test.settings.calibrationFactors[2], 5) << "Enter deletes nothing";
 }
 
 TEST(LoggingWindow, WhatLiesBehindADialogGetsReadingsButNoKeys) {
@@ -132,46 +137,13 @@ TEST(LoggingWindow, TurningInTheMiddleLosesNothing) {
   test.window.resize(640, 480);
   test.log(orlaRecord(7), 40);
   EXPECT_NE(chart.geometry(), upright);
-  EXPECT_TRUE(test.text(PanelField::value1).starts_with("C:7.0"));
-  EXPECT_EQ(test.text(PanelField::value1).find("mS/m"), std::string::npos);
+  EXPECT_THAT(test.text(PanelField::value1), testing::StartsWith("C:7.0"));
+  EXPECT_THAT(test.text(PanelField::value1), testing::Not(HasSubstr("mS/m")));
   test.window.resize(720, 960);
   test.log(orlaRecord(7), 60);
-  EXPECT_NE(test.text(PanelField::value1).find("mS/m"), std::string::npos);
+  EXPECT_THAT(test.text(PanelField::value1), HasSubstr("mS/m"));
   EXPECT_EQ(readFile(test.path).size() % 24, 0U);
   EXPECT_EQ(test.session().counts.readings, 60U);
-}
-
-TEST(LoggingWindow, ATesk2HasItsCalibrationInTheRowAndInTheMenu) {
-  TestWindow test(Kind::tesk2);
-  test.start();
-  EXPECT_THAT(buttonsOf(test.window), ElementsAre("&Create File", "C&alibrate", "D&el Calibr.", "E&xit"));
-  test.create();
-  QTimer::singleShot(50, [] {
-    auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
-    ASSERT_NE(menu, nullptr);
-    QStringList texts;
-    for (const auto* action : menu->actions()) texts << action->text();
-    EXPECT_EQ(texts.join('|'), "&Scale|&Display Options||C&alibrate TESK-2|D&elete Calibration||&Hide Menu");
-    QTest::keyClick(menu, Qt::Key_E);
-  });
-  const DialogActor question("Delete Calibration", [](QDialog& box) {
-    QTest::qWait(600);  // deaf at first
-    QTest::keyClick(&box, Qt::Key_Return);
-  });
-  test.settings.calibrationFactors[2] = 5;
-  test.press(Qt::Key_M);
-  EXPECT_EQ(test.settings.calibrationFactors[2], 5) << "Enter deletes nothing";
-}
-
-TEST(LoggingWindow, APortThatCannotBeOpenedIsToldAndLeavesTheMenu) {
-  TestWindow test(Kind::vardo);
-  test.device.plug(false);
-  const DialogActor told("Serial Port", [](QDialog& box) {
-    EXPECT_TRUE(qobject_cast<QMessageBox*>(&box)->text().startsWith("Cannot open VARDO port"));
-    answered(QMessageBox::Ok)(box);
-  });
-  EXPECT_EQ(test.window.startLogging(), StartOutcome::refused);
-  EXPECT_FALSE(test.window.isVisible() || test.window.sessionActive());
 }
 
 }  // namespace

@@ -1,5 +1,7 @@
 #include <gmock/gmock.h>
 
+#include <algorithm>
+
 #include "platform/clock.h"
 #include "settings/settings_file.h"
 #include "support/dialogs.h"
@@ -9,7 +11,7 @@
 namespace kalmira {
 namespace {
 
-using ::testing::ElementsAre;
+using How = GpsSetupOutcome::How;
 
 // What the lists offer, and which setting each one is: its first entry stands for `first`. Some lists offer
 // something else on another screen; those have a letter.
@@ -31,8 +33,7 @@ const ListCase kLists[]{
     {"iceDisplay", "Disabled|Enabled", &Settings::iceDisplay},
     {"iceQuantity", "Cond./Inphase|Ice Thickness", &Settings::iceQuantity},
     {"seaWater",
-     "2000 mS/m|2100 mS/m|2200 mS/m|2300 mS/m|2400 mS/m|2500 mS/m|2600 mS/m|2700 mS/m|2800 mS/m|2900 mS/m|"
-     "3000 mS/m",
+     "2000 mS/m|2100 mS/m|2200 mS/m|2300 mS/m|2400 mS/m|2500 mS/m|2600 mS/m|2700 mS/m|2800 mS/m|2900 mS/m|3000 mS/m",
      &Settings::seaWaterChoice},
     {"tesk2Variant", "TESK-2-1|TESK-2", &Settings::tesk2Variant, 1},
     {"markerPort",
@@ -45,14 +46,13 @@ const ListCase kLists[]{
     {"gpsDataBits", "7|8", &Settings::gpsDataBitsIndex},
     {"gpsParity", "No|Even|Odd", &Settings::gpsParityIndex},
     {"gpsStopBits", "1|2", &Settings::gpsStopBitsIndex}};
-const char* const kGps = "gpsInput gpsPort gpsBaud gpsDataBits gpsParity gpsStopBits";
 
 std::vector<ListCase> listsOf(const std::string& names) {
   std::vector<ListCase> found;
   for (const auto& name : QString::fromStdString(names).split(' ')) {
-    for (const auto& each : kLists) {
-      if (each.name == name.toStdString()) found.push_back(each);
-    }
+    const auto* each =
+        std::find_if(kLists, std::end(kLists), [&](const ListCase& item) { return item.name == name.toStdString(); });
+    found.push_back(*each);
     found.back().name = name.section('/', 0, 0).toStdString();
   }
   return found;
@@ -68,7 +68,6 @@ struct LoggerCase {
 };
 const LoggerCase kLoggers[]{
     {Kind::orla, "ORLA Port", "instrumentLength pauseKey"},
-    {Kind::orla, "ORLA Port", "instrumentLength pauseKey/f", false},
     {Kind::orla, "ORLA Port", "seaWater iceQuantity instrumentLength pauseKey iceDisplay", true, true},
     {Kind::orla, "ORLA Port", "seaWater iceQuantity instrumentLength pauseKey/f iceDisplay", false, true},
     {Kind::teskb, "TESKB Port", "pauseKey"},
@@ -95,32 +94,26 @@ struct SetupDialogs : DialogTest {
   GpsSetupOutcome gps(const DialogActor::Act& act) {
     return in("Set GPS Port", act, [&] { return runGpsPortSetupDialog(&window, settings, ports, access); });
   }
-  // All at their last entries in the settings, shown so, and brought to their first ones.
-  void fillLast(const std::vector<ListCase>& lists) {
+  // All at their last entries in the settings, shown so, and brought to their first ones; what is saved then.
+  Settings fillLast(const std::vector<ListCase>& lists) {
     settings = {};
     for (const auto& each : lists) {
-      const auto last = std::count(each.entries.begin(), each.entries.end(), '|');
-      settings.*each.field = each.first + static_cast<int>(last);
+      settings.*each.field = each.first + static_cast<int>(std::count(each.entries.begin(), each.entries.end(), '|'));
     }
+    Settings home = settings;
+    for (const auto& each : lists) home.*each.field = each.first;
+    return home;
   }
   static void lookAndGoHome(QDialog& dialog, const std::vector<ListCase>& lists) {
     std::size_t shown = 0;
     for (auto* found : dialog.findChildren<QComboBox*>()) shown += found->isVisible() ? 1U : 0U;
     EXPECT_EQ(shown, lists.size());
     for (const auto& each : lists) {
-      const auto* name = each.name.c_str();
-      auto& box = list(dialog, name);
-      QStringList entries;
-      for (int i = 0; i < box.count(); ++i) entries << box.itemText(i);
-      EXPECT_EQ(entries.join('|').toStdString(), each.entries) << name;
-      EXPECT_EQ(box.currentText(), entries.back()) << name;
-      choose(dialog, name, 0);
+      EXPECT_EQ(entriesOf(dialog, each.name.c_str()),
+                each.entries + '=' + each.entries.substr(each.entries.rfind('|') + 1))
+          << each.name;
+      choose(dialog, each.name.c_str(), 0);
     }
-  }
-  Settings home(const std::vector<ListCase>& lists) const {
-    Settings expected = settings;
-    for (const auto& each : lists) expected.*each.field = each.first;
-    return expected;
   }
 
   Settings settings;
@@ -128,32 +121,25 @@ struct SetupDialogs : DialogTest {
   ReceiverAccess access;
 };
 
-TEST_F(SetupDialogs, ListsOfTheLoggerSetupAreThoseOfTheKindAndTheScreen) {
+TEST_F(SetupDialogs, ListsOfTheLoggerSetupAreThoseOfTheKindAndTheScreenAndCancelSavesNothing) {
   for (const auto& each : kLoggers) {
     SCOPED_TRACE(testing::Message() << each.label << each.ice << each.portrait);
     const auto lists = listsOf("instrumentPort lengthUnits audio " + each.lists);
-    fillLast(lists);
-    const auto look = [&](QDialog& dialog) {
-      EXPECT_EQ(labelText(dialog, "instrumentPortLabel"), each.label);
-      lookAndGoHome(dialog, lists);
-    };
-    const auto changed = logger(each, [&](QDialog& dialog) {
-      look(dialog);
-      press(dialog, Qt::Key_Return);
-    });
-    ASSERT_TRUE(changed);
-    EXPECT_EQ(everything(*changed), everything(home(lists)));
-    EXPECT_FALSE(logger(each, [&](QDialog& dialog) {
-      look(dialog);
-      tapCancel(dialog);
-    }));
+    const auto home = fillLast(lists);
+    for (const char* button : {"ok", "cancel"}) {
+      const auto changed = logger(each, [&](QDialog& dialog) {
+        EXPECT_EQ(textOf(dialog, "instrumentPortLabel"), each.label);
+        lookAndGoHome(dialog, lists);
+        tap(dialog, button);
+      });
+      EXPECT_EQ(changed ? everything(*changed) : "", *button == 'o' ? everything(home) : "");
+    }
   }
 }
 
-TEST_F(SetupDialogs, GpsSetupHasThreeWaysOut) {
-  const auto lists = listsOf(kGps);
-  fillLast(lists);
-  using How = GpsSetupOutcome::How;
+TEST_F(SetupDialogs, GpsSetupHasThreeWaysOutAndCancelSavesNothing) {
+  const auto lists = listsOf("gpsInput gpsPort gpsBaud gpsDataBits gpsParity gpsStopBits");
+  const auto home = fillLast(lists);
   for (const auto& [button, how] :
        {std::pair{"ok", How::saved}, std::pair{"cancel", How::cancelled}, std::pair{"monitor", How::monitor}}) {
     SCOPED_TRACE(button);
@@ -163,59 +149,45 @@ TEST_F(SetupDialogs, GpsSetupHasThreeWaysOut) {
       tap(dialog, button);
     });
     EXPECT_EQ(outcome.how, how);
-    EXPECT_EQ(everything(outcome.settings), everything(how == How::cancelled ? settings : home(lists)));
+    EXPECT_EQ(everything(outcome.settings), everything(how == How::cancelled ? settings : home));
   }
 }
 
 TEST_F(SetupDialogs, IceListsAreGreyedWithoutTheIceDisplayAndSavedAsTheyStand) {
-  settings.seaWaterChoice = 7;
-  const auto changed = logger(kLoggers[2], [](QDialog& dialog) {
-    const auto usable = [&dialog] {
-      return std::vector{list(dialog, "seaWater").isEnabled(), list(dialog, "iceQuantity").isEnabled()};
-    };
-    EXPECT_THAT(usable(), ElementsAre(false, false));
-    choose(dialog, "iceDisplay", 1);
-    EXPECT_THAT(usable(), ElementsAre(true, true));
-    choose(dialog, "seaWater", 8);
-    choose(dialog, "iceQuantity", 1);
-    choose(dialog, "iceDisplay", 0);
-    EXPECT_THAT(usable(), ElementsAre(false, false));
+  const auto changed = logger(kLoggers[1], [](QDialog& dialog) {
+    for (const int ice : {0, 1, 0}) {
+      choose(dialog, "iceDisplay", ice);
+      for (const char* name : {"seaWater", "iceQuantity"}) EXPECT_EQ(list(dialog, name).isEnabled(), ice == 1);
+      if (ice == 1) fill(dialog, "seaWater=2800|iceQuantity=Ice");
+    }
     tapOk(dialog);
   });
-  ASSERT_TRUE(changed);
-  EXPECT_THAT((std::vector{changed->iceDisplay, changed->seaWaterChoice, changed->iceQuantity}), ElementsAre(0, 8, 1));
+  expectSettings(changed, "iceDisplay=0|seaWaterChoice=8|iceQuantity=1");
 }
 
 TEST_F(SetupDialogs, TheDeviceLineFollowsTheListAndTheMachine) {
   std::string secondDevice = "/dev/ttyUSB1, adapter";
-  int assignments = 0;
   ports.deviceLine = [&](int com) -> DeviceText {
     if (com == 2) return {.text = secondDevice};
     return {.text = "device of " + std::to_string(com), .trouble = true};
   };
-  ports.assignDevices = [&](QWidget*) {
-    ++assignments;
-    secondDevice = "/dev/ttyS4";
-  };
-  EXPECT_FALSE(logger(kLoggers[10], [&](QDialog& dialog) {
+  ports.assignDevices = [&](QWidget*) { secondDevice = "/dev/ttyS4"; };
+  EXPECT_FALSE(logger(kLoggers[9], [&](QDialog& dialog) {
     auto& line = part<QLabel>(dialog, "instrumentDevice");
-    auto& marker = part<QLabel>(dialog, "markerDevice");
-    EXPECT_EQ(line.text(), "device of 1");
+    shows(dialog, "instrumentDevice=device of 1|markerDevice=");
     EXPECT_TRUE(line.font().bold());
-    EXPECT_FALSE(marker.isVisible());
     choose(dialog, "instrumentPort", 1);
-    EXPECT_EQ(line.text(), "/dev/ttyUSB1, adapter");
+    shows(dialog, "instrumentDevice=/dev/ttyUSB1, adapter");
     EXPECT_FALSE(line.font().bold());
     tap(dialog, "devices");
-    EXPECT_EQ(line.text(), "/dev/ttyS4");
+    shows(dialog, "instrumentDevice=/dev/ttyS4");
     secondDevice = "unplugged";
     EXPECT_TRUE(QTest::qWaitFor([&] { return line.text() == "unplugged"; }, 3000));
     choose(dialog, "markerPort", 6);
-    EXPECT_EQ(marker.text(), "device of 7") << "there is no COM6 in that list";
+    shows(dialog, "markerDevice=device of 7");  // there is no COM6 in that list
     expectFits(dialog);
     dialog.reject();
   }));
-  EXPECT_EQ(assignments, 1);
 }
 
 struct FindButton : SetupDialogs {
@@ -229,14 +201,16 @@ struct FindButton : SetupDialogs {
               .portFactory = [this] { return std::make_unique<FakePort>(devices); },
               .clock = &clock};
   }
-  static bool says(const QDialog& dialog, const char* text) {
-    return QTest::qWaitFor([&] { return labelText(dialog, "findLine").find(text) != std::string::npos; }, 5000);
-  }
   // A sentence at one baud rate only; at the others nothing ever comes.
   void understandAt(int baud) {
     receiver.onOpen = [this, baud](const LineSettings& line) {
       receiver.steps = {line.baud == baud ? LineStep{.bytes = "$GPGLL,1,2*53\r\n"} : LineStep{.gone = true}};
     };
+  }
+  static void find(QDialog& dialog, const char* said) {
+    tap(dialog, "find");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return textOf(dialog, "findLine").find(said) != std::string::npos; }, 5000))
+        << textOf(dialog, "findLine");
   }
   bool isOpen() { return receiver.locked(&FakeDevice::isOpen); }
 
@@ -245,30 +219,22 @@ struct FindButton : SetupDialogs {
   SystemClock clock{TickBase::program};
 };
 
-TEST_F(FindButton, ProposesWhatItHeardAndNothingElse) {
+TEST_F(FindButton, ProposesWhatItHeardAndSaysWhatIsInTheWay) {
   settings.gpsParityIndex = 1;
   understandAt(38400);
   const auto outcome = gps([](QDialog& dialog) {
-    tap(dialog, "find");
-    EXPECT_TRUE(says(dialog, "Found: 38400 baud ($GPGLL)")) << labelText(dialog, "findLine");
-    EXPECT_EQ(list(dialog, "gpsBaud").currentText(), "38400");
-    EXPECT_EQ(list(dialog, "gpsParity").currentText(), "No");
-    EXPECT_EQ(list(dialog, "gpsInput").currentText(), "Enabled");
+    find(dialog, "Found: 38400 baud ($GPGLL)");
+    shows(dialog, "gpsBaud=38400|gpsParity=No|gpsInput=Enabled|find=&Find");
     EXPECT_TRUE(dialog.isVisible()) << "the operator decides";
     tapCancel(dialog);
   });
   EXPECT_EQ(everything(outcome.settings), everything(settings));
-  EXPECT_FALSE(isOpen());
-}
-
-TEST_F(FindButton, SaysWhatIsInTheWay) {
   understandAt(1);
   for (const auto& [device, text] : {std::pair{"receiver", "Nothing heard"}, std::pair{"elsewhere", "not plugged"},
                                      std::pair{"", "There is no device behind COM2:"}}) {
     listenTo(device);
     gps([text = text](QDialog& dialog) {
-      tap(dialog, "find");
-      EXPECT_TRUE(says(dialog, text)) << labelText(dialog, "findLine");
+      find(dialog, text);
       EXPECT_EQ(part<QPushButton>(dialog, "find").text(), "&Find");
       dialog.reject();
     });
@@ -283,14 +249,14 @@ TEST_F(FindButton, StopsWhenAskedWhenThePortIsChangedAndWhenTheDialogIsLeft) {
     for (const auto& stop : stops) {
       tap(dialog, "find");
       EXPECT_TRUE(QTest::qWaitFor([this] { return isOpen(); }, 2000));
-      EXPECT_EQ(labelText(dialog, "findLine"), "Listening at 4800 baud (1 of 8)");
+      EXPECT_EQ(textOf(dialog, "findLine"), "Listening at 4800 baud (1 of 8)");
       stop();
       if (!dialog.isVisible()) return;
       EXPECT_FALSE(isOpen());
       EXPECT_FALSE(part<QLabel>(dialog, "findLine").isVisible());
     }
   });
-  EXPECT_EQ(outcome.how, GpsSetupOutcome::How::saved);
+  EXPECT_EQ(outcome.how, How::saved);
   EXPECT_FALSE(isOpen());
 }
 

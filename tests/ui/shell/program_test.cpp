@@ -1,43 +1,44 @@
 #include "ui/shell/program.h"
 
 #include <gmock/gmock.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
-#include <QApplication>
 #include <QElapsedTimer>
 #include <QSettings>
-#include <QTest>
-#include <QTimer>
+#include <algorithm>
 #include <csignal>
 
+#include "support/command_line_case.h"
+#include "support/dialogs.h"
 #include "support/temp_folder.h"
 #include "ui/shell/main_window.h"
 #include "ui/shell/remembered.h"
+#include "ui/shell/single_instance.h"
 
 namespace kalmira {
 namespace {
 
-class ProgramTest : public testing::Test {
- protected:
+struct ProgramTest : testing::Test {
   using Step = std::function<bool()>;
   ProgramTest() {
-    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope,
-                       QString::fromStdString((folder.path() / "config").string()));
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, QString::fromStdString(folder.path() / "config"));
     options.root = folder.path() / "Kalmira";
   }
-  // Runs the program and does `steps` in it, one after another, each again until it says that it is done.
-  int run(std::vector<Step> steps) {
-    steps_ = std::move(steps);
-    next_ = 0;
+  // Runs the program and does `work` in it, one step after another, each again until it says that it is done.
+  int run(std::vector<Step> work) {
+    steps = std::move(work);
+    next = 0;
     nextStep();
     return runProgram(options);
   }
   // A timer a step: one that waits in a dialog must not keep the next from coming.
   void nextStep() {
-    QTimer::singleShot(20, &context_, [this] {
+    QTimer::singleShot(20, &context, [this] {
       nextStep();
-      if (next_ == steps_.size()) return;
-      const auto step = next_++;
-      if (!steps_[step]()) next_ = step;
+      if (next == steps.size()) return;
+      const auto step = next++;
+      if (!steps[step]()) next = step;
     });
   }
   // Each false while there is no window yet, or none of that title.
@@ -56,24 +57,51 @@ class ProgramTest : public testing::Test {
   }
   static bool terminate() { return std::raise(SIGTERM) == 0; }
   bool hasSettings(const char* name) const { return std::filesystem::exists(options.root / "Storage/KALINI" / name); }
+  // What the next run of the program has.
+  static QSettings store() { return QSettings("kalmira", "kalmira"); }
 
   TempFolder folder;
   ProgramOptions options;
-
- private:
-  QObject context_;
-  std::vector<Step> steps_;
-  std::size_t next_ = 0;
+  QObject context;
+  std::vector<Step> steps;
+  std::size_t next = 0;
 };
 
 TEST_F(ProgramTest, TheFirstStartAsksAndTheNextRemembers) {
   EXPECT_EQ(run({press(Qt::Key_Escape)}), 0);
-  EXPECT_FALSE(lastInstrument(QSettings("kalmira", "kalmira")));
+  EXPECT_FALSE(lastInstrument(store()));
   EXPECT_FALSE(std::filesystem::exists(options.root / "Storage"));
   EXPECT_EQ(run({press(Qt::Key_6), press(Qt::Key_N), press(Qt::Key_X)}), 0);
   EXPECT_TRUE(hasSettings("GLACO.INI"));
   EXPECT_EQ(run({titled("GLACO"), press(Qt::Key_E)}), 0);
-  EXPECT_TRUE(rememberedNight(QSettings("kalmira", "kalmira")));
+  EXPECT_TRUE(rememberedNight(store()));
+  ComAssignments devices;
+  devices[0] = "/dev/serial/by-id/usb, with a comma";
+  for (const char* sixth : {"/dev/ttyS5", ""}) {
+    auto settings = store();
+    rememberKind(settings, {.kind = Kind::orla, .ice = true});
+    devices[5] = sixth;
+    rememberComDevices(settings, devices);
+  }
+  EXPECT_TRUE(lastInstrument(store()) && lastInstrument(store())->kind == Kind::orla && lastInstrument(store())->ice);
+  EXPECT_EQ(rememberedComDevices(store()), devices);
+}
+
+TEST_F(ProgramTest, WhatMakesNoSenseIsNotRemembered) {
+  const auto file = folder.path() / "kalmira.conf";
+  const auto read = [&file](const std::string& text) {
+    writeFile(file, text);
+    return std::make_unique<QSettings>(QString::fromStdString(file), QSettings::IniFormat);
+  };
+  const auto bad = read(
+      "[instrument]\nkind=MAGNETOMETER\nice=yes\n[screen]\ntheme=17\n"
+      "[com]\n0=/dev/zero\n1=COM1\n2=@Invalid()\n3=/dev/ttyS1, /dev/ttyS2\n13=/dev/x\n");
+  EXPECT_FALSE(lastInstrument(*bad));
+  EXPECT_FALSE(rememberedNight(*bad));
+  EXPECT_THAT(rememberedComDevices(*bad), testing::Each(testing::IsEmpty()));
+  // Only an ORLA can be for ice work.
+  const auto kind = lastInstrument(*read("[instrument]\nkind=GLACO\nice=yes\n"));
+  EXPECT_TRUE(kind && kind->kind == Kind::glaco && !kind->ice);
 }
 
 // The message stands open when the machine asks.
@@ -89,12 +117,9 @@ TEST_F(ProgramTest, APortThatIsNotThereIsToldAndTheMachineMayEndIt) {
 TEST_F(ProgramTest, AFileIsShownByTheLoggerOfItsInstrument) {
   options.file = folder.path() / "survey.IOR";
   writeFile(options.file, "GLACO   W210GPS0000   3\nH survey     1.000     \n");
-  const auto leaveViewer = [] {
-    QTest::keyClick(QApplication::focusWidget(), Qt::Key_X);
-    return true;
-  };
+  const auto leaveViewer = [] { return QTest::keyClick(QApplication::focusWidget(), Qt::Key_X), true; };
   EXPECT_EQ(run({titled("survey.IOR  GLACO"), leaveViewer, press(Qt::Key_X)}), 0);
-  EXPECT_FALSE(lastInstrument(QSettings("kalmira", "kalmira")));
+  EXPECT_FALSE(lastInstrument(store()));
 }
 
 // The settings can be changed all the same; that they cannot be kept is told once.
@@ -103,10 +128,9 @@ TEST_F(ProgramTest, ASettingsFolderThatCannotBeWrittenIsToldOnce) {
   writeFile(options.root / "Storage", "a file where a folder is to be");
   const auto confirm = [](const char* title) {
     return [title] {
-      auto* modal = QApplication::activeModalWidget();
-      if (modal == nullptr || modal->windowTitle() != title) return false;
-      QTest::keyClick(modal, Qt::Key_Return);
-      return true;
+      auto* modal = openDialog(title);
+      if (modal != nullptr) QTest::keyClick(modal, Qt::Key_Return);
+      return modal != nullptr;
     };
   };
   bool toldAgain = false;
@@ -125,6 +149,80 @@ TEST_F(ProgramTest, ASettingsFolderThatCannotBeWrittenIsToldOnce) {
   };
   EXPECT_EQ(run({confirm("WARNING"), logger, confirm("Logger Setup"), quiet, terminate}), 0);
   EXPECT_FALSE(toldAgain);
+}
+
+TEST(ProgramOptions, AreTakenAndWhatIsWrongIsSaid) {
+  const auto table = programCommandLine;
+  const auto all = optionsOf(table,
+                             "--kind vardo --root=/data/x --com 1=/dev/pts/3 --com=12=/dev/a=b --screen landscape "
+                             "--scale 1.5 --theme night --tick-base program --storage-class 3");
+  EXPECT_EQ(all.com[0], "/dev/pts/3");
+  EXPECT_EQ(all.com[11], "/dev/a=b");
+  EXPECT_TRUE(all.kind == Kind::vardo && all.root == "/data/x" && all.portrait == false && all.scale == 1.5);
+  EXPECT_TRUE(all.night == true && all.tickBase == TickBase::program && all.storageClass == 3);
+  EXPECT_FALSE(all.ice || all.teskTimes10);
+  EXPECT_TRUE(optionsOf(table, "--kind 3 --tesk-x10").teskTimes10);
+  EXPECT_FALSE(optionsOf(table, "--tesk-x10").kind);
+  EXPECT_EQ(optionsOf(table, "--ice").kind, Kind::orla) << "ice work is the ORLA's";
+  EXPECT_EQ(optionsOf(table, "-- -survey.ROR").file, "-survey.ROR");
+  for (const auto& [arguments, said] : {std::pair{"--kind 8", "there is no instrument \"8\""},
+                                        {"--ice --kind GLACO", "--ice is for the ORLA"},
+                                        {"--tesk-x10 --kind TESK2", "--tesk-x10 is for the TESK"},
+                                        {"--com 13=/dev/x", "--com takes a number from 1 to 12"},
+                                        {"--com 1x=/dev/x", "--com takes a number from 1 to 12"},
+                                        {"--com 3", "--com takes NUMBER=DEVICE"},
+                                        {"--com 3=", "--com 3= lacks the device"},
+                                        {"--scale 8.1", "--scale is a number from 0.5 to 8"},
+                                        {"--storage-class 4", "--storage-class is 0 to 3"},
+                                        {"--root=", "--root takes a folder"},
+                                        {"survey.ROR b.ROR", "\"b.ROR\" is one file too many"}})
+    optionsOf(table, arguments, said);
+}
+
+TEST(SingleInstance, TheSecondOnARootRaisesTheFirstAndOneThatCannotBeWrittenIsUsedAlone) {
+  const TempFolder folder;
+  // A folder below a file can be made by nobody, root included.
+  writeFile(folder.path() / "file", "");
+  for (const auto& root : {folder.path() / "a" / "Kalmira", folder.path() / "file" / "Kalmira"}) {
+    int raised = 0;
+    {
+      const SingleInstance first(root, [&raised] { ++raised; });
+      EXPECT_TRUE(first.isFirst());
+      const SingleInstance elsewhere(folder.path(), [] { FAIL(); });
+      EXPECT_TRUE(elsewhere.isFirst());
+      // The same folder by another name.
+      const SingleInstance second(std::filesystem::exists(root) ? root / ".." / "Kalmira" : root, [] { FAIL(); });
+      EXPECT_FALSE(second.isFirst());
+      EXPECT_TRUE(QTest::qWaitFor([&raised] { return raised == 1; }, 2000));
+    }
+    EXPECT_TRUE(SingleInstance(root, [] {}).isFirst());
+  }
+  EXPECT_TRUE(std::filesystem::exists(folder.path() / "a" / "Kalmira")) << "a root that is not there is made";
+}
+
+// Starts several, each says whether it is the first; what they leave behind when they are killed is put away.
+TEST(SingleInstance, OfManyAtOnceOneIsFirstAndWhatACrashedOneLeftIsPutAway) {
+  const TempFolder root;
+  std::array<pid_t, 6> children{};
+  std::array<int, 2> ready{};
+  ASSERT_EQ(::pipe(ready.data()), 0);
+  for (auto& child : children) {
+    child = ::fork();
+    if (child != 0) continue;
+    const SingleInstance instance(root.path(), [] {});
+    (void)!::write(ready[1], instance.isFirst() ? "1" : "0", 1);
+    for (;;) ::pause();
+  }
+  std::string answers(children.size(), '?');
+  for (auto& answer : answers) ASSERT_EQ(::read(ready[0], &answer, 1), 1);
+  for (const auto child : children) {
+    ::kill(child, SIGKILL);
+    ::waitpid(child, nullptr, 0);
+  }
+  for (const int fd : ready) ::close(fd);
+  EXPECT_EQ(std::count(answers.begin(), answers.end(), '1'), 1) << answers;
+  ASSERT_TRUE(std::filesystem::exists(root.path() / ".kalmira.lock"));
+  EXPECT_TRUE(SingleInstance(root.path(), [] {}).isFirst());
 }
 
 }  // namespace

@@ -1,0 +1,173 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <limits>
+
+#include "support/dialogs.h"
+#include "ui/screen/message_dialog.h"
+
+namespace kalmira {
+namespace {
+
+// Every name that a dialog is made from, by the smallest window, by its short side, that shows all of it at once;
+// 0: it may always have to be scrolled. Those that are for one shape of window alone have it in front. What is
+// filled in by the dialogs' own code is looked at where they are run, see DialogTest.
+const std::pair<int, QString> kTemplates[]{
+    {240,
+     "GetComment GetGPSMessage GetNewLine GetNewStation GetNewStationwm6 GetNewProfileScaleICE "
+     "upright:GetNewProfileScaleOrla lying:GetNewProfileScaleOrlaH GetNewProfileScaleVardo"},
+    {480, "Devices GetGPSPortSetup GetLoggerSetupOrla GetLoggerSetupOrlaIce GetLoggerSetupTesk GetLoggerSetupTesk2"},
+    {0,
+     "GetOptions GetOptionsGlaco GetOptionsIceNew GetOptionsTesk2 GetOptionsVardo GetSurveySetupGlaco "
+     "GetSurveySetupMirka lying:GetSurveySetupOrlaH lying:GetSurveySetupOrlaHWIDE GetSurveySetupOrlaV "
+     "GetSurveySetupTesk GetSurveySetupTeskB GetSurveySetupTeskBV GetSurveySetupTeskD GetSurveySetupVardo "
+     "GetTraceColour"}};
+
+TEST(Templates, FitTheWindowAndFingersUprightAndLyingSmallAndLarge) {
+  for (const QSize size : {QSize(240, 320), QSize(320, 240), QSize(480, 640), QSize(640, 480)}) {
+    QWidget window;
+    window.resize(size);
+    window.show();
+    const auto look = [&](const QString& name, bool whole) {
+      SCOPED_TRACE(testing::Message() << name.toStdString() << " in " << size.width() << " x " << size.height());
+      const auto dialog = makeDialog(name.section(':', -1).toStdString(), &window);
+      ASSERT_NE(dialog, nullptr);
+      const DialogActor actor(dialog->windowTitle(), [whole](QDialog& open) {
+        expectFits(open, whole);
+        tapOk(open);
+      });
+      EXPECT_TRUE(runDialog(*dialog));
+    };
+    const char* otherShape = size.width() < size.height() ? "lying:" : "upright:";
+    for (const auto& [wholeFrom, names] : kTemplates) {
+      for (const auto& name : names.split(' ')) {
+        if (!name.startsWith(otherShape))
+          look(name, wholeFrom != 0 && size.width() >= wholeFrom && size.height() >= wholeFrom);
+      }
+    }
+  }
+  EXPECT_EQ(makeDialog("GetNothing", nullptr), nullptr);
+}
+
+const Message kLinkLost{"No Connection/Instrument OFF",
+                        "Fix the problem and\r\npress YES to try.\r\nPress NO to exit Logging Mode.\r\n",
+                        Icon::exclamation};
+
+QMessageBox& boxOf(QDialog& dialog) { return dynamic_cast<QMessageBox&>(dialog); }
+
+struct MessageDialog : DialogTest {
+  bool ask(const DialogActor::Act& act, EnterMeans enter = EnterMeans::yes, int deafMs = 0) {
+    const DialogActor actor("No Connection/Instrument OFF", act);
+    return askMessage(&window, kLinkLost, enter, deafMs);
+  }
+};
+
+TEST_F(MessageDialog, QuestionsAreAnsweredByKeyByFingerAndFromOutsideAndEnterNeverEndsASessionOrDeletes) {
+  const auto key = [](Qt::Key pressed) { return [pressed](QDialog& box) { QTest::keyClick(&box, pressed); }; };
+  const auto exit = enterAnswer(Question::exitLogging), deletion = enterAnswer(Question::deleteCalibration);
+  const auto lost = enterAnswer(Question::linkLost), calibration = enterAnswer(Question::startCalibration);
+  const struct {
+    DialogActor::Act act;
+    EnterMeans enter;
+    bool yes;
+  } cases[]{{key(Qt::Key_Y), lost, true},
+            {key(Qt::Key_Y), exit, true},
+            {key(Qt::Key_N), lost, false},
+            {key(Qt::Key_Escape), lost, false},
+            {key(Qt::Key_Return), lost, true},
+            {key(Qt::Key_Return), calibration, true},
+            {key(Qt::Key_Return), exit, false},
+            {key(Qt::Key_Return), deletion, false},
+            {answered(QMessageBox::Yes), exit, true},
+            {answered(QMessageBox::No), lost, false},
+            {[](QDialog& box) { box.reject(); }, lost, false},
+            {[](QDialog& box) { box.close(); }, lost, false}};
+  for (const auto& each : cases) EXPECT_EQ(ask(each.act, each.enter), each.yes) << &each - cases;
+}
+
+TEST_F(MessageDialog, AQuestionThatComesByItselfIsDeafAtFirst) {
+  const auto hurry = [](QDialog& box) {
+    QTest::keyClick(&box, Qt::Key_N);
+    QTest::mouseClick(boxOf(box).button(QMessageBox::No), Qt::LeftButton);
+    QTest::qWait(400);
+    QTest::keyClick(&box, Qt::Key_Y);
+  };
+  EXPECT_TRUE(ask(hurry, EnterMeans::yes, 300));
+}
+
+TEST_F(MessageDialog, TextsAndButtonsFitTheWindowAndFingers) {
+  window.resize(480, 640);
+  ask([](QDialog& dialog) {
+    auto& box = boxOf(dialog);
+    EXPECT_EQ(box.text(), "Fix the problem and\npress YES to try.\nPress NO to exit Logging Mode.");
+    EXPECT_EQ(box.icon(), QMessageBox::Warning);
+    for (auto* button : box.buttons()) EXPECT_GE(button->height(), touchHeight(nullptr));
+    box.reject();
+  });
+  window.resize(240, 320);
+  const Message message{"CRITICAL WARNING", "<b>File not created.</b> Potential disk problem. Try different folder.",
+                        Icon::stop};
+  const DialogActor actor("CRITICAL WARNING", [&](QDialog& dialog) {
+    EXPECT_EQ(boxOf(dialog).icon(), QMessageBox::Critical);
+    EXPECT_LE(dialog.width(), 240);
+    EXPECT_EQ(boxOf(dialog).text().simplified(), message.text.c_str()) << "no markup";
+    QTest::keyClick(&dialog, Qt::Key_Escape);
+  });
+  tellMessage(&window, message);
+}
+
+TEST(TouchButton, FittedFontTakesThePlentyAndBearsTheScarce) {
+  QFont font;
+  font.setPixelSize(24);
+  EXPECT_EQ(fittedFont("&Go", font, {500, 100}).pixelSize(), 24);
+  EXPECT_LT(fittedFont("Calibrate", font, {60, 100}).pixelSize(), 24) << "a word is not broken";
+  EXPECT_EQ(fittedFont("Calibrate", font, {2, 2}).pixelSize(), 5);
+}
+
+TEST(TouchButton, IsNineMillimetresHighWhereTheScreenIsKnown) {
+  constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+  for (const auto& [dotsPerInch, pixels] :
+       {std::pair{96.0, 35}, {254.0, 90}, {50.0, 18}, {800.0, 284}, {49.0, 35}, {801.0, 35}, {-1.0, 35}, {kNan, 35}})
+    EXPECT_EQ(touchHeightAt(dotsPerInch), pixels) << dotsPerInch;
+}
+
+TEST(TouchButton, TakesADoubleTapAsOneAndKeepsOffTheKeyboard) {
+  TouchButton button("&Go", dayTheme());
+  int clicks = 0;
+  QObject::connect(&button, &QPushButton::clicked, [&clicks] { ++clicks; });
+  button.show();
+  EXPECT_GE(button.minimumSizeHint().height(), touchHeight(button.screen()));
+  QTest::mouseClick(&button, Qt::LeftButton, Qt::NoModifier, QPoint(3, 3));
+  EXPECT_EQ(clicks, 1);
+  QTest::mouseDClick(&button, Qt::LeftButton);
+  QTest::mouseRelease(&button, Qt::LeftButton);
+  EXPECT_EQ(clicks, 1) << "the second tap of a double tap is none";
+  EXPECT_EQ(button.focusPolicy(), Qt::NoFocus);
+  EXPECT_FALSE(button.autoDefault());
+}
+
+TEST(TouchButton, EveryStateLooksDifferentInBothThemes) {
+  for (const Theme* theme : {&dayTheme(), &nightTheme()}) {
+    TouchButton button("&Go", *theme);
+    button.resize(80, 40);
+    const auto look = [&button](bool marked, bool down, bool enabled) {
+      button.setDefault(marked);
+      button.setDown(down);
+      button.setEnabled(enabled);
+      return button.grab().toImage();
+    };
+    const QImage looks[]{look(true, false, true), look(false, true, true), look(false, false, false),
+                         look(false, false, true)};
+    for (const auto& each : looks) EXPECT_EQ(std::count(std::begin(looks), std::end(looks), each), 1);
+    // Without its colours: what is as light as the background, and what is not.
+    const auto outline = [](const QImage& image) {
+      return image.convertToFormat(QImage::Format_Mono, Qt::ThresholdDither);
+    };
+    EXPECT_NE(outline(looks[0]), outline(looks[3])) << "marked by its shape alone";
+    button.setTheme(theme->night ? dayTheme() : nightTheme());
+    EXPECT_NE(button.grab().toImage(), looks[3]);
+  }
+}
+
+}  // namespace
+}  // namespace kalmira

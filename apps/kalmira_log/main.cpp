@@ -12,6 +12,6 @@ int main(int argc, char** argv) {
     const QCoreApplication application(argc, argv);
     const auto documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
     const auto root = std::filesystem::path(documents.toStdString()) / "Kalmira";
-    return kalmira::runLogProgram(options, root, kalmira::makeQtSerialPort);
+    return kalmira::runLogProgram(options, root, kalmira::makePort);
   });
 }

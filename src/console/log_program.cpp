@@ -19,6 +19,7 @@
 #include "console/output.h"
 #include "console/run_settings.h"
 #include "link/com_devices.h"
+#include "link/network_port.h"
 #include "logging/commands.h"
 #include "logging/handlers.h"
 #include "logging/serial_session_ports.h"
@@ -69,6 +70,11 @@ std::string contradiction(const LogOptions& options) {
   if (!options.kind) return "--kind is missing";
   if (options.port.empty()) return "--port is missing";
   if (!options.marker.empty() && !instrumentOf(*options.kind).hasMarker) return "--marker is for the TESK2";
+  for (const auto& [device, role] : {std::pair{&options.port, PortRole::instrument},
+                                     {&options.gps, PortRole::gps},
+                                     {&options.marker, PortRole::marker}}) {
+    if (auto problem = networkProblem(*device, role); !problem.empty()) return problem;
+  }
   if (options.noInput && options.seconds) return "--no-input and --seconds are two ways to end: one of them is enough";
   for (const auto& [field, text] : options.set) {
     if (auto problem = settingProblem(*options.kind, options.ice, field, text); !problem.empty()) return problem;
@@ -331,9 +337,9 @@ CommandLine logCommandLine(LogOptions& o) {
       .usages = {"--kind NAME|0..7 --port DEVICE [options]"},
       .groups = {instrumentOptions(o),
                  {"Ports",
-                  {{"--port", "DEVICE", "the instrument's serial port, such as /dev/ttyUSB0",
+                  {                 {"--port", "DEVICE", "the instrument's serial port, such as /dev/ttyUSB0, or tcp://HOST:PORT",
                     takeText(o.port, kNoDevice)},
-                   {"--gps", "DEVICE", "log a GPS receiver too", takeText(o.gps, kNoDevice)},
+                   {"--gps", "DEVICE", "log a GPS receiver too; also tcp://HOST:PORT, gpsd://HOST[:PORT]", takeText(o.gps, kNoDevice)},
                    {"--marker", "DEVICE", "TESK2: the external marker's port", takeText(o.marker, kNoDevice)}}},
                  withMirror(o),
                  {"This run",

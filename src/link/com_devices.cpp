@@ -8,6 +8,8 @@
 #include <string_view>
 #include <system_error>
 
+#include "link/network_port.h"
+
 namespace kalmira {
 namespace {
 
@@ -55,7 +57,11 @@ std::string realDevice(const std::string& path) {
   return error ? path : target.string();
 }
 
-bool sameDevice(const std::string& a, const std::string& b) { return realDevice(a) == realDevice(b); }
+bool sameDevice(const std::string& a, const std::string& b) {
+  const auto addressA = parseNetworkAddress(a);
+  if (addressA) return addressA == parseNetworkAddress(b);
+  return realDevice(a) == realDevice(b);
+}
 
 ComAssignments resolveComDevices(const ComAssignments& assigned, std::vector<SerialDevice> present) {
   std::erase_if(present, [&assigned](const SerialDevice& device) {
@@ -107,6 +113,7 @@ DeviceText deviceTextOf(const std::string& path, const std::vector<SerialDevice>
   const auto* device = findDevice(present, path);
   // The system's own name is the shorter one.
   const auto& shortest = device == nullptr ? path : device->path;
+  if (isNetworkName(path)) return {.text = path + ", over the network", .trouble = !parseNetworkAddress(path)};
   if (const auto error = look(shortest)) return {.text = error->text, .trouble = true};
   return {.text = device == nullptr ? path : named(device->path, device->description)};
 }

@@ -44,6 +44,13 @@ ReaderContext SerialSessionPorts::contextOf(const PortThread::Context& context) 
   return {.port = context.port, .link = link_, .clock = clock_, .stop = context.stop};
 }
 
+bool SerialSessionPorts::isSameDevice(int com, int other) const {
+  if (com == other) return com != 0;
+  const auto device = com == 0 ? std::string() : device_of_(com);
+  const auto otherDevice = other == 0 ? std::string() : device_of_(other);
+  return !device.empty() && !otherDevice.empty() && sameDevice(device, otherDevice);
+}
+
 std::optional<PortProblem> SerialSessionPorts::OpenInstrumentPort() {
   return openPort(instrument_, instrumentComNumber(settings_), instrumentLine(kind_), 1,
                   instrumentOf(kind_).portFailureText, PortThread::Absent::givenUp);
@@ -56,7 +63,10 @@ bool SerialSessionPorts::ProbeTeskRecord(const std::function<bool()>& interrupte
 }
 
 void SerialSessionPorts::startInstrumentReader() {
-  const bool markerOnInstrumentPort = markerPlaceOf(kind_, settings_) == MarkerPlace::instrumentPort;
+  const bool markerOnInstrumentPort =
+      markerPlaceOf(kind_, settings_) == MarkerPlace::instrumentPort ||
+      (instrumentOf(kind_).hasMarker &&
+       isSameDevice(markerComNumber(settings_.markerPortChoice), instrumentComNumber(settings_)));
   instrument_.start([this, markerOnInstrumentPort](const PortThread::Context& context) {
     return readInstrument(context, markerOnInstrumentPort);
   });

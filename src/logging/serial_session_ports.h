@@ -33,6 +33,8 @@ class SerialSessionPorts final : public SessionPorts {
   SerialSessionPorts(Kind kind, const Settings& settings, DeviceResolver deviceOf, LinkState& link, HandOver& handOver,
                      const Clock& clock, const PortFactory& factory, SessionPortEvents events);
 
+  bool isSameDevice(int com, int other) const override;
+
   std::optional<PortProblem> OpenInstrumentPort() override;
   bool ProbeTeskRecord(const std::function<bool()>& interrupted) override;
   void startInstrumentReader() override;

@@ -24,19 +24,20 @@ void tellPortProblem(Session& session, const PortProblem& problem) {
 bool markerOnGpsPort(const Session& session) {
   const auto& settings = session.settings;
   return session.instrument.hasMarker && settings.markerPortChoice >= 1 && session.gpsEnabled() &&
-         settings.markerPortChoice - 1 == settings.gpsPortIndex;
+         (settings.markerPortChoice - 1 == settings.gpsPortIndex ||
+          session.ports->isSameDevice(markerComNumber(settings.markerPortChoice), gpsComNumber(settings)));
 }
 
 bool instrumentOnGpsPort(const Session& session) {
-  const Settings first;
-  return session.gpsEnabled() && indexOr(session.settings.instrumentPortIndex, kComPorts, first.instrumentPortIndex) ==
-                                     indexOr(session.settings.gpsPortIndex, kComPorts, first.gpsPortIndex);
+  return session.gpsEnabled() &&
+         session.ports->isSameDevice(instrumentComNumber(session.settings), gpsComNumber(session.settings));
 }
 
 bool ownMarkerPort(const Session& session) {
   const auto& settings = session.settings;
   return session.instrument.hasMarker && settings.markerPortChoice >= 1 &&
-         settings.markerPortChoice - 1 != settings.instrumentPortIndex;
+         settings.markerPortChoice - 1 != settings.instrumentPortIndex &&
+         !session.ports->isSameDevice(markerComNumber(settings.markerPortChoice), instrumentComNumber(settings));
 }
 
 void resetCounters(Session& session) {

@@ -22,6 +22,9 @@ class SessionPorts {
   SessionPorts& operator=(const SessionPorts&) = delete;
   virtual ~SessionPorts() = default;
 
+  // Whether two COM numbers stand for one device, whatever names it has.
+  virtual bool isSameDevice(int com, int other) const = 0;
+
   virtual std::optional<PortProblem> OpenInstrumentPort() = 0;
   // TESK: finds out the record length of the instrument behind the open port; sets recordLength and recordPeriodMs of
   // the link state. False when nothing known answered, and once `interrupted` says yes. The reader asks again by itself

@@ -61,6 +61,7 @@ struct FakePorts final : SessionPorts {
   bool gone = false;
   bool gpsIsGone = false;
 
+  bool isSameDevice(int com, int other) const override { return com == other; }
   Problem OpenInstrumentPort() override { return calls.emplace_back("open instrument"), instrumentProblem; }
   bool ProbeTeskRecord(const std::function<bool()>&) override { return calls.emplace_back("probe"), teskAnswers; }
   void startInstrumentReader() override { calls.emplace_back("read instrument"); }

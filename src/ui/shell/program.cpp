@@ -175,7 +175,7 @@ ActionsHost Program::hostOfActions() {
           .presentDevices = serialDevices,
           .lookAtDevice = lookAtDevice,
           .rememberDevices = [this](const ComAssignments& changed) { rememberDevices(changed); },
-          .portFactory = makeQtSerialPort,
+          .portFactory = makePort,
           .cover = [this](QWidget* covering) { window_->cover(covering); },
           .root = options_.root,
           .teskRangeTimes10 = options_.teskTimes10};
@@ -208,7 +208,7 @@ LoggingHost Program::openInstrument(RememberedKind instrument) {
                 const bool known = comNumber >= 1 && comNumber <= kComPorts;
                 return known ? devices_[static_cast<std::size_t>(comNumber - 1)] : std::string();
               },
-          .portFactory = makeQtSerialPort,
+          .portFactory = makePort,
           .saveSettings =
               [&own](const Settings& current) {
                 own.save(current);

@@ -53,6 +53,8 @@ LineList::LineList(std::function<void(int)> chosen, std::function<void()> closed
   list->setUniformItemSizes(true);
   setView(list);
   setModel(new LineModel(this));
+  // However it is closed: not every version of Qt asks the box to hide its list.
+  list->window()->installEventFilter(this);
   connect(this, &QComboBox::activated, this, std::move(chosen));
 }
 
@@ -61,10 +63,12 @@ void LineList::setLines(const std::vector<SurveyLine>* lines) {
   setCurrentIndex(count() == 0 ? -1 : 0);
 }
 
-void LineList::hidePopup() {
-  QComboBox::hidePopup();
-  QMetaObject::invokeMethod(
-      this, [this] { closed_(); }, Qt::QueuedConnection);
+bool LineList::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() == QEvent::Hide) {
+    QMetaObject::invokeMethod(
+        this, [this] { closed_(); }, Qt::QueuedConnection);
+  }
+  return QComboBox::eventFilter(watched, event);
 }
 
 // A line is changed by choosing one, not by chance.

@@ -21,7 +21,7 @@ class LineList final : public QComboBox {
 
   // Selects the first one. The lines must outlive the list or be taken away: nullptr.
   void setLines(const std::vector<SurveyLine>* lines);
-  void hidePopup() override;
+  bool eventFilter(QObject* watched, QEvent* event) override;
 
  protected:
   void wheelEvent(QWheelEvent* event) override;

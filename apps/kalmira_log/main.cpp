@@ -4,7 +4,7 @@
 #include <filesystem>
 
 #include "console/log_program.h"
-#include "link/port.h"
+#include "link/network_port.h"
 
 int main(int argc, char** argv) {
   kalmira::LogOptions options;

@@ -320,13 +320,6 @@ int Run::run() {
   return status;
 }
 
-CommandGroup withMirror(LogOptions& options) {
-  auto group = fileOptions(options);
-  group.options.push_back({"--mirror", "DIR", "a second copy as it is recorded, in a folder on another medium",
-                           takeText(options.mirror, "--mirror takes a folder")});
-  return group;
-}
-
 }  // namespace
 
 CommandLine logCommandLine(LogOptions& o) {
@@ -337,11 +330,12 @@ CommandLine logCommandLine(LogOptions& o) {
       .usages = {"--kind NAME|0..7 --port DEVICE [options]"},
       .groups = {instrumentOptions(o),
                  {"Ports",
-                  {                 {"--port", "DEVICE", "the instrument's serial port, such as /dev/ttyUSB0, or tcp://HOST:PORT",
+                  {{"--port", "DEVICE", "the instrument's serial port, such as /dev/ttyUSB0, or tcp://HOST:PORT",
                     takeText(o.port, kNoDevice)},
-                   {"--gps", "DEVICE", "log a GPS receiver too; also tcp://HOST:PORT, gpsd://HOST[:PORT]", takeText(o.gps, kNoDevice)},
+                   {"--gps", "DEVICE", "log a GPS receiver too; also tcp://HOST:PORT, gpsd://HOST[:PORT]",
+                    takeText(o.gps, kNoDevice)},
                    {"--marker", "DEVICE", "TESK2: the external marker's port", takeText(o.marker, kNoDevice)}}},
-                 withMirror(o),
+                 fileOptions(o),
                  {"This run",
                   {{"--set", "FIELD=VALUE", "a setting for this run only, such as surveyMode=2 or traceWidth[2]=3",
                     [&o](const std::string& value) { return takeSet(o, value); }, "", CommandOption::Again::allCount},

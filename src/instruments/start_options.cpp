@@ -31,6 +31,8 @@ CommandGroup fileOptions(StartOptions& options) {
             takeText(options.root, "--root takes a folder")},
            {"--storage-class", "N", "0 to 3: where settings and data lie below the root (1)",
             takeNumber<int>(options.storageClass, 0, 3, "--storage-class is 0 to 3")},
+           {"--mirror", "DIR", "a second copy as it is recorded, in a folder on another medium",
+            takeText(options.mirror, "--mirror takes a folder")},
            eitherOption("--tick-base", "boot|program", "what the ticks in the file count from (boot)", options.tickBase,
                         TickBase::boot, TickBase::program)}};
 }

@@ -16,6 +16,7 @@ struct StartOptions {
   bool ice = false;
   std::filesystem::path root;  // empty: the folder in the user's documents
   int storageClass = kDefaultStorageClass;
+  std::filesystem::path mirror;  // folder of a second copy; empty: none
   TickBase tickBase = TickBase::boot;
   bool teskTimes10 = false;
 };
@@ -24,7 +25,7 @@ struct StartOptions {
 CommandOption kindOption(std::optional<Kind>& kind);
 CommandOption teskTimes10Option(bool& teskTimes10);
 CommandGroup instrumentOptions(StartOptions& options);  // --kind, --ice, --tesk-x10
-CommandGroup fileOptions(StartOptions& options);        // --root, --storage-class, --tick-base
+CommandGroup fileOptions(StartOptions& options);        // --root, --storage-class, --mirror, --tick-base
 // What the options say of each other: an empty text, or what is wrong. Without a kind, none is wrong.
 std::string startContradiction(const StartOptions& options);
 

@@ -5,6 +5,8 @@
 #include <memory>
 #include <utility>
 
+#include "link/com_devices.h"
+
 namespace kalmira {
 namespace {
 

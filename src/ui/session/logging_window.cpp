@@ -9,6 +9,7 @@
 #include "logging/handlers.h"
 #include "logging/keys.h"
 #include "logging/panel.h"
+#include "platform/command_line.h"
 #include "ui/screen/key_table.h"
 #include "ui/screen/message_dialog.h"
 #include "ui/screen/touch_button.h"
@@ -34,6 +35,7 @@ void LoggingWnd::View::show(PanelField field, std::string_view text) { window_.p
 void LoggingWnd::View::beep(Beep) { QApplication::beep(); }
 
 bool LoggingWnd::View::ask(Question question, const Message& message) {
+  if (window_.parts_->ending) return question != Question::linkLost;
   const Depth asking(window_.parts_->askingDepth);
   const bool unasked = question == Question::linkLost;
   const bool yes = askMessage(topmost(&window_), message, enterAnswer(question), unasked ? kDeafMs : 0);
@@ -42,6 +44,7 @@ bool LoggingWnd::View::ask(Question question, const Message& message) {
 }
 
 void LoggingWnd::View::tell(const Message& message) {
+  if (window_.parts_->ending) return printError("kalmira: " + message.text);
   const Depth asking(window_.parts_->askingDepth);
   tellMessage(topmost(&window_), message);
   window_.setFocus();
@@ -106,6 +109,8 @@ StartOutcome LoggingWnd::startLogging() {
   if (sessionActive() || parts_->commandDepth > 0) return StartOutcome::refused;
   const Depth busy(parts_->commandDepth);
   parts_->panel->clearTexts();
+  parts_->ending = false;
+  if (host_.mirror) host_.setup.mirror = host_.mirror();
   parts_->run = std::make_unique<LoggingRun>(host_, parts_->view, parts_->handOver, [this] {
     const Depth handling(parts_->readingDepth);
     OnReading(parts_->run->session);
@@ -217,11 +222,16 @@ bool LoggingWnd::mayClose() {
   auto& session = parts_->run->session;
   if (session.loggingState != kLogging) return LeaveLogging(session, false);
   if (!parts_->view.ask(Question::exitLogging, exitQuestion())) return false;
-  leaveAtOnce();
+  pauseAndLeave();
   return true;
 }
 
 void LoggingWnd::leaveAtOnce() {
+  parts_->ending = true;
+  pauseAndLeave();
+}
+
+void LoggingWnd::pauseAndLeave() {
   if (!sessionActive()) return;
   auto& session = parts_->run->session;
   parts_->view.closeDialogs();

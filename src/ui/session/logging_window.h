@@ -27,8 +27,10 @@ struct LoggingHost {
   std::function<std::string(const Settings&)> saveSettings;
   // What went wrong with an earlier saving, once; empty when there is nothing to tell.
   std::function<std::string()> takeSettingsProblem;
-  std::function<void()> onLeft;      // the session is over; the main menu is to be shown
-  std::function<void()> endProgram;  // the operator was told why
+  std::function<std::filesystem::path()> mirror = {};        // where a second copy goes, asked when a session begins
+  std::function<bool()> interrupted = [] { return false; };  // the program is to end: nothing is waited for
+  std::function<void()> onLeft;                              // the session is over; the main menu is to be shown
+  std::function<void()> endProgram;                          // the operator was told why
   // "Display Options" of the menu: the settings as changed, nothing when cancelled. Greyed while there is none.
   std::function<std::optional<Settings>(QWidget* parent, const Settings& settings)> displayOptions;
 };
@@ -46,7 +48,8 @@ class LoggingWnd final : public CoverWindow {
   bool sessionActive() const;
   // The program is to be closed: asks "Exit Logging?" when there is a data file. False when it is to stay open.
   bool mayClose();
-  // The machine asks the program to end: closes what is open, pauses and leaves, without a question.
+  // The machine asks the program to end: closes what is open, pauses and leaves, without a question. What there is to
+  // tell goes to standard error.
   void leaveAtOnce();
   void setTheme(const Theme& theme);
 
@@ -64,6 +67,7 @@ class LoggingWnd final : public CoverWindow {
   class View;
   struct Parts;
 
+  void pauseAndLeave();
   void runCommand(Command command);
   void createFile();
   void enterLine();

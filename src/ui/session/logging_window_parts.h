@@ -57,6 +57,7 @@ struct LoggingRun {
               {.onRecord = std::move(onRecord),
                .onSentence = [this](const GpsLine& line) { OnGpsLine(session, line); }}) {
     session.ports = &ports;
+    session.interrupted = host.interrupted;
   }
 
   LinkState link;
@@ -78,6 +79,7 @@ struct LoggingWnd::Parts {
   Focus focus;
   int commandDepth = 0;  // a command is being carried out: its dialog or question may be open
   int readingDepth = 0;  // a reading is being handled, which a calibration's question may hold up
+  bool ending = false;   // nobody is there to read
   int askingDepth = 0;   // a message or question of the session is open
 };
 

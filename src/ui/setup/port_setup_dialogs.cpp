@@ -4,6 +4,7 @@
 #include <QComboBox>
 #include <QLabel>
 #include <QLayout>
+#include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
 #include <QScroller>
@@ -13,6 +14,7 @@
 
 #include "gps/nmea.h"
 #include "instruments/catalogue.h"
+#include "link/network_port.h"
 #include "link/port.h"
 #include "settings/setup_lists.h"
 #include "ui/screen/template_dialog.h"
@@ -213,17 +215,20 @@ class Finder {
 
 // The list of ports scrolls when there is room for fewer than all.
 constexpr int kLeastRows = 3;
-constexpr int kOtherRows = 6;  // room for the rest of the dialog, its texts wrapped
+constexpr int kOtherRows = 9;  // room for the rest of the dialog, its texts wrapped
 
 class Assigner {
  public:
-  Assigner(QDialog& dialog, ComAssignments assigned, const DeviceSight& sight)
+  Assigner(QDialog& dialog, const DeviceSetup& setup, const DeviceSight& sight)
       : sight_(sight),
         ports_(part<QListWidget>(dialog, "ports")),
         device_(part<QComboBox>(dialog, "device")),
+        address_(part<QLineEdit>(dialog, "address")),
         line_(part<QLabel>(dialog, "deviceLine")),
-        assigned_(std::move(assigned)),
+        mirror_(part<QLineEdit>(dialog, "mirror")),
+        assigned_(setup.com),
         present_(sight.present()) {
+    mirror_.setText(qtText(setup.mirror.string()));
     for (int com = 1; com <= kComPorts; ++com) ports_.addItem(QString());
     ports_.setCurrentRow(0);
     const int rowHeight = ports_.sizeHintForRow(0);
@@ -232,11 +237,12 @@ class Assigner {
     QScroller::grabGesture(ports_.viewport(), QScroller::TouchGesture);
     QObject::connect(&ports_, &QListWidget::currentRowChanged, &dialog, [this] { show(); });
     QObject::connect(&device_, &QComboBox::activated, &dialog, [this](int choice) { assign(choice); });
+    QObject::connect(&address_, &QLineEdit::textEdited, &dialog, [this] { takeAddress(); });
     QObject::connect(&watch_, &QTimer::timeout, &dialog, [this] { look(); });
     watch_.start(kLookMs);
     show();
   }
-  const ComAssignments& assigned() const { return assigned_; }
+  DeviceSetup setup() const { return {.com = assigned_, .mirror = mirror_.text().trimmed().toStdString()}; }
 
  private:
   int com() const { return ports_.currentRow() + 1; }
@@ -254,6 +260,21 @@ class Assigner {
     show();
   }
 
+  // What is typed counts as soon as it is an address; until then the line says what is wrong with it.
+  void takeAddress() {
+    const auto typed = address_.text().trimmed().toStdString();
+    const bool hadAddress = isNetworkName(assigned_[static_cast<std::size_t>(com() - 1)]);
+    if (parseNetworkAddress(typed)) {
+      assignDevice(assigned_, com(), typed);
+    } else if (hadAddress) {
+      assignDevice(assigned_, com(), {});
+    }
+    show();
+    if (!typed.empty() && !parseNetworkAddress(typed)) {
+      showDevice(line_, {.text = "No address yet: tcp://HOST:PORT or gpsd://HOST", .trouble = true});
+    }
+  }
+
   void show() {
     const auto devices = resolveComDevices(assigned_, present_);
     for (int row = 0; row < ports_.count(); ++row) {
@@ -261,6 +282,8 @@ class Assigner {
       ports_.item(row)->setText(qtText(comRowText(row + 1, devices[index], assigned_[index].empty(), present_)));
     }
     showChoices();
+    const auto& assigned = assigned_[static_cast<std::size_t>(com() - 1)];
+    if (!address_.hasFocus()) address_.setText(isNetworkName(assigned) ? qtText(assigned) : QString());
     showDevice(line_, deviceTextOf(devices[static_cast<std::size_t>(com() - 1)], present_, sight_.look));
   }
 
@@ -274,7 +297,9 @@ class Assigner {
   const DeviceSight& sight_;
   QListWidget& ports_;
   QComboBox& device_;
+  QLineEdit& address_;
   QLabel& line_;
+  QLineEdit& mirror_;
   ComAssignments assigned_;
   std::vector<SerialDevice> present_;
   std::vector<DeviceChoice> choices_;  // what stands in `device_`
@@ -318,13 +343,12 @@ GpsSetupOutcome runGpsPortSetupDialog(QWidget* parent, const Settings& settings,
           .settings = withLists(*dialog, lists, settings)};
 }
 
-std::optional<ComAssignments> runDevicesDialog(QWidget* parent, const ComAssignments& assigned,
-                                               const DeviceSight& sight) {
+std::optional<DeviceSetup> runDevicesDialog(QWidget* parent, const DeviceSetup& setup, const DeviceSight& sight) {
   const auto dialog = makeDialog("Devices", parent);
   if (dialog == nullptr) return std::nullopt;
-  const Assigner assigner(*dialog, assigned, sight);
+  const Assigner assigner(*dialog, setup, sight);
   if (!runDialog(*dialog)) return std::nullopt;
-  return assigner.assigned();
+  return assigner.setup();
 }
 
 }  // namespace kalmira

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QWidget>
+#include <filesystem>
 #include <functional>
 #include <optional>
 #include <vector>
@@ -59,8 +60,12 @@ struct DeviceSight {
   std::function<std::vector<SerialDevice>()> present;  // asked again every second
   DeviceLook look;
 };
-// "Devices": which device stands behind COM1 to COM12.
-std::optional<ComAssignments> runDevicesDialog(QWidget* parent, const ComAssignments& assigned,
-                                               const DeviceSight& sight);
+// What the program keeps of its devices.
+struct DeviceSetup {
+  ComAssignments com;
+  std::filesystem::path mirror{};  // folder of the second copy; empty: none
+};
+// "Devices": which device or address stands behind COM1 to COM12, and where a second copy goes.
+std::optional<DeviceSetup> runDevicesDialog(QWidget* parent, const DeviceSetup& setup, const DeviceSight& sight);
 
 }  // namespace kalmira

@@ -14,7 +14,7 @@
 #include "datafile/disk.h"
 #include "datafile/record_reader.h"
 #include "link/device_claim.h"
-#include "link/port.h"
+#include "link/network_port.h"
 #include "platform/command_line.h"
 #include "platform/power.h"
 #include "platform/terminate.h"
@@ -94,6 +94,7 @@ class Program {
         store_("kalmira", "kalmira"),
         clock_(options.tickBase),
         assigned_(rememberedComDevices(store_)),
+        mirror_(options.mirror.empty() ? rememberedMirror(store_) : options.mirror),
         actions_(hostOfActions()) {
     for (std::size_t i = 0; i < assigned_.size(); ++i) {
       if (!options_.com[i].empty()) assigned_[i] = options_.com[i];
@@ -108,18 +109,20 @@ class Program {
   MainWindowHost windowHost(RememberedKind instrument, bool night);
   LoggingHost openInstrument(RememberedKind instrument);
   ActionsHost hostOfActions();
-  void rememberDevices(const ComAssignments& changed);
+  void rememberDevices(const DeviceSetup& changed);
   SessionSetup setupOf(RememberedKind instrument) const;
   void showWindow();
   std::string finishSettings();
   void end();
 
   const ProgramOptions& options_;
+  TerminateSignals terminate_;
   QSettings store_;
   SystemClock clock_;
   LocalDisk disk_;
-  ComAssignments assigned_;  // what the operator gave the COM numbers
-  ComAssignments devices_;   // as they were when the session began: what comes and goes renumbers nothing
+  ComAssignments assigned_;       // what the operator gave the COM numbers
+  std::filesystem::path mirror_;  // folder of the second copy; empty: none
+  ComAssignments devices_;        // as they were when the session began: what comes and goes renumbers nothing
   std::unique_ptr<InstrumentSettings> instrument_settings_;
   ProgramActions actions_;
   std::unique_ptr<MainWindow> window_;
@@ -156,12 +159,13 @@ bool Program::nightToUse() {
 }
 
 // What the command line gave for this run only is not kept unless the operator changed it.
-void Program::rememberDevices(const ComAssignments& changed) {
+void Program::rememberDevices(const DeviceSetup& changed) {
   auto kept = rememberedComDevices(store_);
   for (std::size_t i = 0; i < kept.size(); ++i) {
-    if (changed[i] != assigned_[i]) kept[i] = changed[i];
+    if (changed.com[i] != assigned_[i]) kept[i] = changed.com[i];
   }
   rememberComDevices(store_, kept);
+  if (changed.mirror != mirror_) rememberMirror(store_, changed.mirror);
 }
 
 ActionsHost Program::hostOfActions() {
@@ -172,9 +176,10 @@ ActionsHost Program::hostOfActions() {
           .saveSettings = [this](const Settings& changed) { instrument_settings_->save(changed); },
           .theme = [this]() -> const Theme& { return night_ ? nightTheme() : dayTheme(); },
           .assigned = assigned_,
+          .mirror = mirror_,
           .presentDevices = serialDevices,
           .lookAtDevice = lookAtDevice,
-          .rememberDevices = [this](const ComAssignments& changed) { rememberDevices(changed); },
+          .rememberDevices = [this](const DeviceSetup& changed) { rememberDevices(changed); },
           .portFactory = makePort,
           .cover = [this](QWidget* covering) { window_->cover(covering); },
           .root = options_.root,
@@ -188,6 +193,7 @@ SessionSetup Program::setupOf(RememberedKind instrument) const {
   setup.teskRangeTimes10 = options_.teskTimes10 && instrumentOf(instrument.kind).rangeTimes10;
   setup.storageClass = options_.storageClass;
   setup.root = options_.root;
+  setup.mirror = mirror_;
   return setup;
 }
 
@@ -215,6 +221,8 @@ LoggingHost Program::openInstrument(RememberedKind instrument) {
                 return std::string();  // what goes wrong is told when it is known
               },
           .takeSettingsProblem = [&own] { return own.takeProblem(); },
+          .mirror = [this] { return mirror_; },
+          .interrupted = [this] { return terminate_.wanted(); },
           .onLeft = {},
           .endProgram = {},
           .displayOptions =
@@ -273,10 +281,9 @@ int Program::run() {
     printError("kalmira: already running on this root");
     return 0;
   }
-  TerminateSignals terminate;
-  const QSocketNotifier notifier(terminate.descriptor(), QSocketNotifier::Read);
-  QObject::connect(&notifier, &QSocketNotifier::activated, [this, &terminate] {
-    if (!terminate.take()) return;
+  const QSocketNotifier notifier(terminate_.descriptor(), QSocketNotifier::Read);
+  QObject::connect(&notifier, &QSocketNotifier::activated, [this] {
+    if (!terminate_.take()) return;
     if (window_) {
       window_->endAtOnce();
     } else {

@@ -83,11 +83,12 @@ void ProgramActions::runGpsSetup(QWidget* parent) {
 }
 
 void ProgramActions::assignDevices(QWidget* parent) {
-  const auto changed =
-      runDevicesDialog(parent, host_.assigned, {.present = host_.presentDevices, .look = host_.lookAtDevice});
+  const auto changed = runDevicesDialog(parent, {.com = host_.assigned, .mirror = host_.mirror},
+                                        {.present = host_.presentDevices, .look = host_.lookAtDevice});
   if (!changed) return;
   host_.rememberDevices(*changed);
-  host_.assigned = *changed;
+  host_.assigned = changed->com;
+  host_.mirror = changed->mirror;
 }
 
 void ProgramActions::openMonitor(QWidget* parent) {

@@ -22,11 +22,12 @@ struct ActionsHost {
   std::function<Settings&()> settings;         // and its record
   std::function<void(const Settings&)> saveSettings;
   std::function<const Theme&()> theme;
-  ComAssignments& assigned;  // what the operator gave the COM numbers, in this run
+  ComAssignments& assigned;       // what the operator gave the COM numbers, in this run
+  std::filesystem::path& mirror;  // folder of the second copy, likewise
   std::function<std::vector<SerialDevice>()> presentDevices;
   DeviceLook lookAtDevice;
-  // The operator has assigned devices anew; `assigned` still holds what was before.
-  std::function<void(const ComAssignments& changed)> rememberDevices;
+  // The operator has set up devices anew; `assigned` and `mirror` still hold what was before.
+  std::function<void(const DeviceSetup& changed)> rememberDevices;
   PortFactory portFactory;
   // Shows a window in the main window's place; nullptr: the menu again.
   std::function<void(QWidget* window)> cover;

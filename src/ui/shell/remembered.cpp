@@ -4,6 +4,8 @@
 
 #include <QSettings>
 
+#include "link/network_port.h"
+
 #include "ui/screen/theme.h"
 
 namespace kalmira {
@@ -11,6 +13,7 @@ namespace {
 
 const QString kKindKey = QStringLiteral("instrument/kind");
 const QString kIceKey = QStringLiteral("instrument/ice");
+const QString kMirrorKey = QStringLiteral("files/mirror");
 const QString kThemeKey = QStringLiteral("screen/theme");
 
 QString comKey(std::size_t index) { return qtText(fmt::format("com/{}", index + 1)); }
@@ -36,7 +39,7 @@ ComAssignments rememberedComDevices(const QSettings& store) {
   for (std::size_t i = 0; i < devices.size(); ++i) {
     const auto path = store.value(comKey(i)).toString().trimmed().toStdString();
     // Anything else is no device: a list, half a line, something typed into the file.
-    if (path.starts_with('/')) devices[i] = path;
+    if (path.starts_with('/') || parseNetworkAddress(path)) devices[i] = path;
   }
   return devices;
 }
@@ -49,6 +52,15 @@ void rememberComDevices(QSettings& store, const ComAssignments& devices) {
       store.setValue(comKey(i), qtText(devices[i]));
     }
   }
+}
+
+std::filesystem::path rememberedMirror(const QSettings& store) {
+  return store.value(kMirrorKey).toString().trimmed().toStdString();
+}
+
+void rememberMirror(QSettings& store, const std::filesystem::path& folder) {
+  if (folder.empty()) return store.remove(kMirrorKey);
+  store.setValue(kMirrorKey, qtText(folder.string()));
 }
 
 bool rememberedNight(const QSettings& store) { return store.value(kThemeKey).toString() == "night"; }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <filesystem>
 #include <optional>
 
 #include "instruments/catalogue.h"
@@ -20,6 +21,10 @@ void rememberKind(QSettings& store, RememberedKind kind);
 
 ComAssignments rememberedComDevices(const QSettings& store);
 void rememberComDevices(QSettings& store, const ComAssignments& devices);
+
+// Folder of the second copy; empty: none.
+std::filesystem::path rememberedMirror(const QSettings& store);
+void rememberMirror(QSettings& store, const std::filesystem::path& folder);
 
 bool rememberedNight(const QSettings& store);
 void rememberNight(QSettings& store, bool night);

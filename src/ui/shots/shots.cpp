@@ -125,6 +125,7 @@ class SurveyClock final : public Clock {
   LocalTime localTime() const override {
     return {.year = 2026, .month = 7, .day = 14, .hour = 9, .minute = 30, .second = 0, .millisecond = 0};
   }
+  std::uint64_t sleptMs() const override { return 0; }
   void pause(std::uint32_t) const override {}
 
  private:
@@ -208,6 +209,7 @@ class Stage {
   Allowance allowance_;
   std::string problem_;
   ComAssignments assigned_;
+  std::filesystem::path mirror_;
   ProgramActions actions_;
   MainWindow window_;
 };
@@ -251,9 +253,10 @@ ActionsHost Stage::hostOfActions() {
           .saveSettings = [](const Settings&) {},
           .theme = [this]() -> const Theme& { return shot_.night ? nightTheme() : dayTheme(); },
           .assigned = assigned_,
+          .mirror = mirror_,
           .presentDevices = [] { return kDevices; },
           .lookAtDevice = [](const std::string&) { return std::nullopt; },
-          .rememberDevices = [](const ComAssignments&) {},
+          .rememberDevices = [](const DeviceSetup&) {},
           .portFactory = [this] { return std::make_unique<SimulatedPort>(plan_, allowance_); },
           .cover = [this](QWidget* window) { window_.cover(window); }};
 }
@@ -308,7 +311,7 @@ void Stage::takeSetup() {
   press(MenuCommand::setGpsPort, "gps-port-setup");
   press(MenuCommand::displayOptions, "display-options");
   const DeviceSight sight{.present = [] { return kDevices; }, .look = [](const std::string&) { return std::nullopt; }};
-  runAndSave([&] { runDevicesDialog(&window_, assigned_, sight); }, "devices");
+  runAndSave([&] { runDevicesDialog(&window_, {.com = assigned_}, sight); }, "devices");
 }
 
 void Stage::takeMonitor() {

@@ -28,9 +28,10 @@ struct SetupActionsTest : testing::Test, SessionGround {
                                 .saveSettings = [this](const Settings& now) { saveSettings(place, now); },
                                 .theme = []() -> const Theme& { return dayTheme(); },
                                 .assigned = assigned,
+                                .mirror = mirror,
                                 .presentDevices = [this] { return present; },
                                 .lookAtDevice = [](const std::string&) { return std::nullopt; },
-                                .rememberDevices = [this](const ComAssignments& now) { remembered = now; },
+                                .rememberDevices = [this](const DeviceSetup& now) { remembered = now; },
                                 .portFactory = ports,
                                 .cover = [this](QWidget* covering) { window->cover(covering); }});
     auto logging = host(kind, ice);
@@ -77,7 +78,8 @@ struct SetupActionsTest : testing::Test, SessionGround {
   ComAssignments assigned;
   std::vector<SerialDevice> present{{.path = "gps", .stablePath = {}, .description = {}},
                                     {.path = "instrument", .stablePath = {}, .description = {}}};
-  std::optional<ComAssignments> remembered;
+  std::optional<DeviceSetup> remembered;
+  std::filesystem::path mirror;
   std::optional<ProgramActions> actions;
   std::optional<MainWindow> window;
 };
@@ -166,7 +168,7 @@ TEST_F(SetupActionsTest, DevicesAreAssignedFromWithinTheDialogs) {
     dialog.reject();
   });
   ASSERT_TRUE(remembered) << "the logger setup's Cancel does not take it back";
-  EXPECT_EQ((*remembered)[0], "instrument");
+  EXPECT_EQ(remembered->com[0], "instrument");
   EXPECT_EQ(assigned[0], "instrument");
 }
 
@@ -188,13 +190,13 @@ TEST_F(SetupActionsTest, DisplayOptionsOfASessionChangeNothingElse) {
 
 struct DevicesDialog : DialogTest {
   DevicesDialog() : DialogTest({480, 640}) {}
-  std::optional<ComAssignments> run(const DialogActor::Act& act) {
+  std::optional<DeviceSetup> run(const DialogActor::Act& act) {
     const auto look = [](const std::string& path) -> std::optional<PortError> {
       if (path != "/dev/ttyS1") return std::nullopt;
       return PortError{PortErrorKind::denied, deniedText(path, "root", "dialout")};
     };
     return in("Devices", act, [&] {
-      return runDevicesDialog(&window, assigned, {.present = [this] { return present; }, .look = look});
+      return runDevicesDialog(&window, {.com = assigned}, {.present = [this] { return present; }, .look = look});
     });
   }
   static std::string row(QDialog& dialog, int com) {
@@ -222,11 +224,23 @@ TEST_F(DevicesDialog, AssignsByKeysAndSaysWhatIsInTheWay) {
     EXPECT_EQ(row(dialog, 2), "COM2:  -") << "it is COM12 now";
     EXPECT_EQ(line.text(), "/dev/ttyUSB0, adapter");
     EXPECT_FALSE(line.font().bold());
-    press(dialog, Qt::Key_Return);
+    // An address is typed for another number; half of one is none.
+    part<QListWidget>(dialog, "ports").setCurrentRow(4);
+    auto& address = part<QLineEdit>(dialog, "address");
+    QTest::keyClicks(&address, "tcp://cart:400");
+    EXPECT_EQ(row(dialog, 5), "COM5:  cart:400");
+    QTest::keyClicks(&address, "x");
+    EXPECT_EQ(row(dialog, 5), "COM5:  -");
+    EXPECT_TRUE(line.font().bold());
+    QTest::keyClick(&address, Qt::Key_Backspace);
+    part<QLineEdit>(dialog, "mirror").setText(" /media/card ");
+    tapOk(dialog);
   });
   ASSERT_TRUE(changed);
-  EXPECT_EQ((*changed)[11], "/dev/ttyUSB0");
-  EXPECT_EQ((*changed)[1], "");
+  EXPECT_EQ(changed->com[11], "/dev/ttyUSB0");
+  EXPECT_EQ(changed->com[1], "");
+  EXPECT_EQ(changed->com[4], "tcp://cart:400");
+  EXPECT_EQ(changed->mirror, "/media/card");
 }
 
 TEST_F(DevicesDialog, SeesDevicesComeAndGoAndKeepsTheSelection) {

@@ -2,68 +2,14 @@
 
 #include <gmock/gmock.h>
 
-#include <QFontMetrics>
+#include <Qt>
+#include <set>
 
 #include "support/session_fixture.h"
 #include "ui/screen/key_table.h"
-#include "ui/screen/touch_button.h"
 
 namespace kalmira {
 namespace {
-
-TEST(ButtonTexts, PromptsNameTheKeyThatPauses) {
-  const struct {
-    Keypad keypad;
-    int pauseKey;
-    bool manual;
-    std::string_view text;
-  } cases[]{{Keypad::full, 1, false, "TAP ME or press SPACE bar to Pause"},
-            {Keypad::full, 2, true, "Trigger to Log, Tap or press ENTER key to Pause"},
-            {Keypad::full, 77, false, "TAP ME or press any key to Pause"},
-            {Keypad::narrow, 3, true, "Trigger to Log, Tap/<S> to Pause"},
-            {Keypad::narrow, 3, false, "TAP ME or press key S to Pause"},
-            {Keypad::tesk2, 0, true, "Trigger to Log, Tap or non numeric key to Pause"},
-            {Keypad::tesk2, 2, false, "TAP ME or press ENTER key to Pause"},
-            {Keypad::numeric, 1, false, "TAP or <->, <0> or <.> to Pause"},
-            {Keypad::numeric, 2, true, "Trigger to Log, Tap/ENTER to Pause"}};
-  for (const auto& item : cases) EXPECT_EQ(pausePrompt(item.keypad, item.pauseKey, item.manual), item.text);
-}
-
-// A row is 240 units wide.
-TEST(ButtonTexts, NoneIsCutInItsRow) {
-  std::vector<std::pair<std::string_view, std::size_t>> texts;
-  for (const auto keypad : {Keypad::full, Keypad::narrow, Keypad::tesk2, Keypad::numeric}) {
-    for (int i = 0; i < 8; ++i) texts.emplace_back(pausePrompt(keypad, i / 2, i % 2 == 0), 1);
-  }
-  TestSession tesk2(Kind::tesk2);
-  for (const auto state : {kNoFile, kStandBy}) {
-    tesk2.session.loggingState = state;
-    const auto row = buttonTexts(tesk2.session, {});
-    for (const auto text : row) texts.emplace_back(text, row.size());
-  }
-  tesk2.session.loggingState = kNoFile;
-  tesk2.session.setup.smallScreen = true;
-  EXPECT_THAT(buttonTexts(tesk2.session, {}), testing::ElementsAre("&Cr. File", "C&alib.", "D&el Cal.", "E&xit"));
-  for (const double scale : {1.0, 1.5, 2.0, 3.0}) {
-    for (const auto& [bytes, inRow] : texts) {
-      SCOPED_TRACE(testing::Message() << bytes << " at " << scale);
-      const auto text = QString::fromUtf8(bytes.data(), static_cast<qsizetype>(bytes.size()));
-      TouchButton button(text, dayTheme());
-      QFont wished;
-      wished.setPixelSize(static_cast<int>(12 * scale));
-      button.setDefault(true);  // the thicker frame
-      button.resize(static_cast<int>(240 * scale) / static_cast<int>(inRow), static_cast<int>(34 * scale));
-      const QSize room = button.textRoom().size();
-      const QFont font = fittedFont(text, wished, room);
-      const QSize needed =
-          QFontMetrics(font)
-              .boundingRect({{}, room}, Qt::AlignCenter | Qt::TextWordWrap | Qt::TextShowMnemonic, text)
-              .size();
-      EXPECT_EQ(room.expandedTo(needed), room);
-      EXPECT_GE(font.pixelSize(), static_cast<int>(8 * scale));
-    }
-  }
-}
 
 struct KeyTable : testing::Test {
   KeyTable() { test.session.inputEnabled = true; }

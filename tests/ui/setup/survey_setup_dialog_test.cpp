@@ -10,11 +10,9 @@ namespace kalmira {
 namespace {
 
 struct SurveySetupDialog : DialogTest {
-  std::optional<Settings> run(Kind kind, const DialogActor::Act& act, int storageClass = 1) {
+  std::optional<Settings> run(Kind kind, const DialogActor::Act& act) {
     const bool portrait = window.width() < window.height();
-    return in("Survey Setup", act, [&] {
-      return runSurveySetupDialog(&window, {kind, false, portrait, storageClass}, settings);
-    });
+    return in("Survey Setup", act, [&] { return runSurveySetupDialog(&window, {kind, false, portrait, 1}, settings); });
   }
   void expectSaved(Kind kind, const std::string& wanted, const DialogActor::Act& act) {
     const auto saved = run(kind, act);
@@ -93,7 +91,6 @@ TEST_F(SurveySetupDialog, ListsAreThoseOfKindAndModeAndWhatTheModeDoesNotUseIsGr
     expectSaved(c.kind, odd, tapOk);
     EXPECT_FALSE(run(c.kind, tapCancel));
   }
-  for (const int storageClass : {0, 2, 3}) EXPECT_TRUE(run(Kind::orla, tapOk, storageClass)) << storageClass;
 }
 
 TEST_F(SurveySetupDialog, AFirstLineIsTypedWithItsDirectionAndEachModeHasItsOwnIncrement) {

@@ -18,39 +18,17 @@ std::vector<int> linesOf(const ProfileGrid& grid) {
   return {grid.gridY.begin() + 1, grid.gridY.begin() + 1 + grid.gridCount};
 }
 
+// 4 pixels a unit, sides of 4 to 1; 1.4 to 1, which counts as equal; 15 to 1: fifths of the longer side.
 TEST(ProfileGrid, LinesByScale) {
-  struct Case {
-    int height;
-    float minimum, maximum;
-    std::vector<int> lines;
-    bool spansZero;
-  };
-  const std::vector<Case> cases{
-      // Fifths of 201 pixels: 200 - 40.2 ...
-      {200, 0, 100, {159, 119, 79, 39}, false},
-      // 4 pixels a unit; the sides are 4 to 1, so a line every 40 / 4.
-      {200, -10, 40, {160, 120, 80, 40}, true},
-      {200, -40, 10, {40, 80, 120, 160}, true},
-      // Equal sides: a quarter of the other one.
-      {200, -10, 10, {100, 75, 50, 25, 125, 150, 175}, true},
-      // 1.4 to 1 counts as equal: a line every 2.5, and all nine are used.
-      {240, -10, 14, {140, 115, 90, 65, 40, 15, 165, 190, 215}, true},
-      // 15 to 1: fifths of the longer side.
-      {160, -10, 150, {150, 120, 90, 60, 30}, true},
-      // Nothing below zero to speak of: zero stands on the last pixel and the ratio has no end.
-      {100, -1e-30F, 100, {100, 80, 60, 40, 20}, true},
-      {1, 0, 100, {0, 0, 0, 0}, false},
-      {100, -kInfinity, kInfinity, {79, 59, 39, 19}, false},
-  };
-  for (const auto& item : cases) {
-    const auto pixelsPerUnit = static_cast<float>(item.height) / (item.maximum - item.minimum);
-    const auto grid = gridOf(item.height, item.minimum, item.maximum, pixelsPerUnit);
-    EXPECT_EQ(linesOf(grid), item.lines) << item.minimum << " to " << item.maximum;
-    EXPECT_EQ(grid.spansZero, item.spansZero) << item.minimum << " to " << item.maximum;
+  using Case = std::tuple<int, float, float, std::vector<int>>;
+  for (const auto& [height, minimum, maximum, lines] :
+       {Case{200, 0, 100, {159, 119, 79, 39}}, Case{200, -10, 40, {160, 120, 80, 40}},
+        Case{240, -10, 14, {140, 115, 90, 65, 40, 15, 165, 190, 215}}, Case{160, -10, 150, {150, 120, 90, 60, 30}}}) {
+    const auto grid = gridOf(height, minimum, maximum, static_cast<float>(height) / (maximum - minimum));
+    EXPECT_EQ(linesOf(grid), lines) << minimum << " to " << maximum;
   }
-  for (const float pixelsPerUnit : {0.0F, -1.0F, kInfinity, kNoNumber}) {
+  for (const float pixelsPerUnit : {0.0F, -1.0F, kInfinity, kNoNumber})
     EXPECT_EQ(linesOf(gridOf(100, -1, 1, pixelsPerUnit)), (std::vector{79, 59, 39, 19}));
-  }
 }
 
 TEST(ProfileSetup, AxesFollowTheSettings) {
@@ -62,20 +40,14 @@ TEST(ProfileSetup, AxesFollowTheSettings) {
   settings.iceMinimum = kNoNumber;
   settings.traceWidth[1] = 9;
   settings.profileGrid = 2;
-  auto setup = profileSetupOf(Kind::orla, false, settings, true, 1.5, 360, 200);
-  EXPECT_EQ(setup.pointColumn, 300);
-  EXPECT_EQ(setup.axes.conductivity.top, 40.0F);
+  const auto setup = profileSetupOf(Kind::orla, false, settings, true, 1.5, 360, 200);
   EXPECT_EQ(setup.axes.conductivity.scale, 4.0F);
-  EXPECT_EQ(setup.axes.inphase.top, 6.0F);
   EXPECT_EQ(setup.axes.inphase.scale, 200.0F);
   EXPECT_EQ(setup.axes.ice.top, 1.0F);
   EXPECT_EQ(setup.axisMinimum, 5.0F) << "the grid is the inphase's";
   EXPECT_EQ(setup.traceWidth[1], 1);
-  setup = profileSetupOf(Kind::vardo, false, settings, false, 1.5, 480, 200);
-  EXPECT_EQ(setup.pointColumn, 405);
-  EXPECT_EQ(setup.axisMinimum, -10.0F) << "a VARDO has one scale";
+  EXPECT_EQ(profileSetupOf(Kind::vardo, false, settings, false, 1.5, 480, 200).axisMinimum, -10.0F) << "one scale";
   EXPECT_EQ(profileSetupOf(Kind::orla, true, settings, false, 1.5, 480, 200).axisMinimum, 0.0F) << "ice";
-  EXPECT_EQ(profileSetupOf(Kind::orla, false, settings, true, 4.0, 100, 50).pointColumn, 97);
   EXPECT_EQ(profileSetupOf(Kind::orla, false, settings, true, 4.0, 0, 0).height, 1);
 }
 
@@ -179,7 +151,6 @@ TEST(DrawProfilePoint, AStationScrollsOnceAndItsReadingsShareAColumn) {
   EXPECT_THAT(canvas.take(), ElementsAre("scroll 200", "erase 199 201")) << "neither trace nor grid";
 }
 
-// The columns of the picture's right part as text: "#" where something is drawn.
 std::vector<std::string> rowsOf(const ChartPicture& picture) {
   std::vector<std::string> rows;
   for (int y = 0; y < picture.height(); ++y) {
@@ -192,50 +163,12 @@ std::vector<std::string> rowsOf(const ChartPicture& picture) {
   return rows;
 }
 
-TEST(ChartPicture, DrawsLinesAndPens) {
-  ChartPicture picture({}, 8, 6);
-  picture.gridPiece(0, 7, 4, 1);
-  picture.line(1, 0, 3, 5, 0, 1);
-  picture.point(5, 2, 0, 3);
-  EXPECT_THAT(rowsOf(picture), ElementsAre(".#......", ".#..###.", "..#.###.", "..#.###.", "---#----", "...#...."));
-  picture.scrollLeft(5);
-  EXPECT_THAT(rowsOf(picture), ElementsAre("........", "..###...", "#.###...", "#.###...", "-#------", ".#......"))
-      << "and grid comes in on the right";
-}
-
 TEST(ChartPicture, FarAwayEndsLeaveTheVisiblePartInItsPlace) {
   constexpr int kFar = std::numeric_limits<int>::max();
   ChartPicture picture({}, 8, 6);
   picture.line(2, -kFar - 1, 4, kFar, 0, 1);  // passes the chart in its middle column
   picture.line(6, kFar, 6, kFar, 0, 4);
   EXPECT_THAT(rowsOf(picture), testing::Each("...#...."));
-  ChartPicture shifted({}, 8, 40);
-  shifted.line(2, -100, 4, 60, 0, 2);
-  ChartPicture whole({}, 8, 240);
-  whole.line(2, 0, 4, 160, 0, 2);
-  for (int y = 0; y < 40; ++y) {
-    for (int x = 0; x < 8; ++x) EXPECT_EQ(shifted.at(x, y), whole.at(x, y + 100));
-  }
-}
-
-TEST(ChartPicture, ScrollsOnForLongerThanItsSpareColumns) {
-  ChartPicture picture({}, 10, 2);
-  for (int i = 0; i < 1000; ++i) {
-    picture.scrollLeft(6);
-    picture.gridPiece(5, 7, 1, 1);
-    if (i % 2 == 0) picture.point(6, 0, 0, 1);
-  }
-  EXPECT_THAT(rowsOf(picture), ElementsAre("#...#.....", "--------.."));
-}
-
-TEST(TraceColour, IsLightenedOnDarkGroundOnly) {
-  constexpr ChartColours kDark{.dark = true, .background = 0x101010};
-  EXPECT_EQ(traceColourOn(ChartColours{}, 0x00B27200), 0x0072B2U);
-  EXPECT_EQ(traceColourOn(kDark, 0x0000FFFF), 0xFFFF00U) << "bright enough as it is";
-  // Contrast 3:1 with 0x101010 (luminance 0.0052) wants a luminance of 0.1155: a grey of 0x60 (0.117) has it.
-  const auto grey = traceColourOn(kDark, 0);
-  EXPECT_TRUE((grey & 0xFFU) == grey >> 16U && (grey & 0xFFU) >= 0x60U && (grey & 0xFFU) <= 0x68U) << grey;
-  EXPECT_GT(traceColourOn(kDark, 0x00FF0000) & 0xFF00U, 0U) << "pure blue is too dark";
 }
 
 }  // namespace

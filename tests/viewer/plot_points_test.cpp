@@ -16,7 +16,7 @@ class TraceCanvas final : public ChartCanvas {
   void clear() override { drawn.clear(); }
   void scrollLeft(int) override { ADD_FAILURE(); }
   void eraseColumns(int, int) override { ADD_FAILURE(); }
-  void gridPiece(int, int, int, int) override { ++gridLines; }
+  void gridPiece(int, int, int, int) override {}
   void line(int x1, int y1, int x2, int y2, int colour, int width) override {
     drawn.push_back(fmt::format("{}:{} {},{}-{},{}", colour, width, x1, y1, x2, y2));
   }
@@ -24,7 +24,6 @@ class TraceCanvas final : public ChartCanvas {
     drawn.push_back(fmt::format("{}:{} {},{}", colour, width, x, y));
   }
   std::vector<std::string> drawn;
-  int gridLines = 0;
 };
 
 using Drawn = std::vector<std::string>;
@@ -51,7 +50,6 @@ TEST(StationPlot, joinsStationsButNotOverBreaks) {
   TraceCanvas canvas;
   DrawStationPlot(canvas, plotSetup(viewed.file, settings, 102, kHeight), points);
   EXPECT_EQ(canvas.drawn, (Drawn{"0:1 1,50", "2:3 2,50", "0:1 1,50-3,40", "0:1 5,30", "0:1 5,30-6,20"}));
-  EXPECT_EQ(canvas.gridLines, 4);
   settings.traceShown[0] = 0;
   DrawStationPlot(canvas, plotSetup(viewed.file, settings, 102, kHeight), points);
   EXPECT_EQ(canvas.drawn, (Drawn{"2:3 2,50"}));
@@ -73,55 +71,6 @@ TEST(StationPlot, drawsWhatTheFileHolds) {
   EXPECT_EQ(canvas.drawn, (Drawn{"0:1 1,50", "1:1 1,90", "5:1 1,80"}));
 }
 
-TEST(StationPlot, labelsWithRoom) {
-  std::vector<StationPoint> points(7, stationPoint(0, 1));
-  for (std::size_t i = 0; i < points.size(); ++i) points[i].station = static_cast<double>(i) / 2;
-  points[0].valid = points[3].valid = false;
-  const auto labels = stationLabels(points, 2);
-  Drawn texts;
-  for (const auto& label : labels) texts.push_back(fmt::format("{} {}", label.column, label.text));
-  EXPECT_EQ(texts, (Drawn{"2 0.50", "5 2.00", "7 3.00"}));
-}
-
-TEST(Overview, leastAndLargestOfEveryColumn) {
-  std::string bytes = kOrla + lineBlock();
-  // Conductivities 0, 0.5, 1 ... 3.5, a break, 4: 13 rows.
-  for (int i = 0; i < 8; ++i) bytes += formatReading(24, fmt::format("T${:+05}+0000", -20 * i), 1000);
-  bytes += records24({"S     100.00 10000000"}) + formatReading(24, "T$-0160+0000", 1000);
-  ViewedFile viewed(bytes);
-  ASSERT_EQ(viewed.extract().kind, ViewerErrorKind::none);
-  const auto overview = lineOverview(viewed.rows, viewed.file, viewed.line, 4);
-  ASSERT_EQ(overview.columns, 4);
-  // Rows 1 to 4, 5 to 7, 8 to 10 (two of them break rows), 11 to 13.
-  const std::array<std::pair<float, float>, 4> expected{{{0, 1.5F}, {2, 3}, {3.5F, 3.5F}, {4, 4}}};
-  for (std::size_t i = 0; i < 4; ++i) {
-    EXPECT_EQ(overview.spans[i][0].least, expected[i].first) << i;
-    EXPECT_EQ(overview.spans[i][0].largest, expected[i].second) << i;
-    EXPECT_FALSE(overview.spans[i][1].any);
-  }
-  auto settings = plainSettings();
-  settings.traceShown[2] = 0;
-  TraceCanvas canvas;
-  DrawOverview(canvas, plotSetup(viewed.file, settings, 4, kHeight), overview);
-  EXPECT_EQ(canvas.drawn, (Drawn{"0:1 0,85-0,100", "0:1 1,70-1,85", "0:1 2,65-2,70", "0:1 3,60-3,65"}));
-  EXPECT_EQ(lineOverview(viewed.rows, viewed.file, viewed.line, 500).columns, 13);
-  EXPECT_EQ(lineOverview(viewed.rows, viewed.file, viewed.line, 0).columns, 0);
-}
-
-TEST(Overview, columnsAndRows) {
-  for (int rows = 1; rows < 60; ++rows) {
-    for (int columns = 1; columns <= rows; ++columns) {
-      const Overview overview{.columns = columns, .rowCount = rows, .spans = {}};
-      for (int column = 0; column < columns; ++column)
-        ASSERT_EQ(overviewColumn(overview, overviewRow(overview, column)), column) << rows << ' ' << columns;
-      EXPECT_EQ(overviewColumn(overview, 1), 0);
-      EXPECT_EQ(overviewColumn(overview, rows + 5), columns - 1);
-    }
-  }
-  EXPECT_EQ(overviewRow(Overview{}, 3), 0);
-  EXPECT_EQ(overviewColumn(Overview{}, 3), 0);
-}
-
 constexpr int kPlotWidth = 102;  // 100 points in view
 
 Navigation opened(int totalRows) {
@@ -139,13 +88,11 @@ TEST(Navigation, commands) {
   };
   for (const auto& walk :
        {Walk{500, "4", 81, 180, 50}, Walk{500, "44444", 401, 500, 50}, Walk{500, "444444", 401, 500, 50},
-        Walk{450, "44444", 351, 450, 50}, Walk{500, "441", 81, 180, 50}, Walk{500, "41", 1, 100, 50},
-        Walk{500, "1", 1, 100, 50}, Walk{500, "5", 401, 500, 50}, Walk{500, "51", 321, 420, 50},
-        Walk{500, "50", 1, 100, 50},
-        // At the end of the line the view stays; a line shorter than the step is not moved at all.
+        Walk{450, "44444", 351, 450, 50}, Walk{500, "41", 1, 100, 50}, Walk{500, "1", 1, 100, 50},
+        Walk{500, "5", 401, 500, 50}, Walk{500, "51", 321, 420, 50}, Walk{500, "50", 1, 100, 50},
+        // At the end of the line the view stays; one that is shorter than the step is not moved at all.
         Walk{60, "4", 1, 60, 50},
-        // Shorter than the view: its end is brought to the right edge, from row 0 on by "end" but not
-        // further.
+        // Shorter than the view: its end is brought to the right edge, from row 0 on by "end".
         Walk{100, "5", 1, 100, 50}, Walk{99, "5", 0, 99, 50}, Walk{98, "5", 1, 98, 50}, Walk{90, "4", -9, 90, 50},
         Walk{81, "4", -18, 81, 50}, Walk{80, "4", 1, 80, 50}, Walk{90, "41", 1, 90, 50}, Walk{500, "223", 1, 100, 49},
         Walk{500, std::string(60, '3'), 1, 100, 100}, Walk{500, std::string(60, '2'), 1, 100, 1},
@@ -156,38 +103,6 @@ TEST(Navigation, commands) {
     EXPECT_EQ(state.firstRow, walk.firstRow);
     EXPECT_EQ(state.lastRow, walk.lastRow);
     EXPECT_EQ(state.bar, walk.bar);
-  }
-}
-
-// Opening a file looks at the length of its first line, choosing a line does not.
-// Opening a file looks at the length of its first line, choosing a line does not.
-TEST(Navigation, barOnShortLines) {
-  for (const auto& [rows, bar] : {std::pair{0, 1}, {1, 1}, {3, 1}, {30, 15}, {50, 25}, {51, 50}}) {
-    auto state = opened(rows);
-    EXPECT_EQ(state.bar, bar) << rows;
-    moveView(state, ViewCommand::barRight);
-    EXPECT_FALSE(selectLine(state, 0));
-    EXPECT_TRUE(selectLine(state, 1));
-    lineExtracted(state, rows);
-    EXPECT_TRUE(state.bar == 50 && state.firstRow == 1) << rows;
-  }
-}
-
-TEST(Navigation, plotWidthAndTaps) {
-  auto state = opened(500);
-  setPlotWidth(state, 32);
-  EXPECT_EQ(state.bar, 30);
-  EXPECT_EQ(state.lastRow, 30);
-  setPlotWidth(state, 0);
-  EXPECT_EQ(state.pointsInView, 1);
-  setPlotWidth(state, kPlotWidth);
-  struct Tap {
-    int row, firstRow, bar;
-  };
-  for (const auto& tap : {Tap{1, 1, 1}, {250, 200, 51}, {500, 401, 100}, {999, 401, 100}, {-5, 1, 1}}) {
-    goToRow(state, tap.row);
-    EXPECT_EQ(state.firstRow, tap.firstRow) << tap.row;
-    EXPECT_EQ(state.bar, tap.bar) << tap.row;
   }
 }
 

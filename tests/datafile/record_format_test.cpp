@@ -97,26 +97,6 @@ TEST(ParseRecords, RefuseWhatIsNone) {
   refused(parseTimeMark, {"*10:13:07,250        42\n", "*10:13:07.250          \n"});
 }
 
-TEST(SentenceAssembler, GivesBackSentencesOfEveryLength) {
-  for (const std::size_t step : {24U, 26U}) {
-    for (std::size_t length = 1; length < 80; ++length) {
-      std::string sentence;
-      for (std::size_t i = 0; i < length; ++i) sentence += static_cast<char>('!' + (i * 7) % 90);
-      const auto bytes = formatGpsSentence(static_cast<int>(step), sentence, 77, '@', '#');
-      SentenceAssembler assembler;
-      std::optional<SentenceAssembler::Sentence> got;
-      for (std::size_t at = 0; at < bytes.size(); at += step) {
-        ASSERT_FALSE(got.has_value());
-        got = assembler.feed(std::string_view(bytes).substr(at, step));
-      }
-      ASSERT_TRUE(got.has_value()) << length;
-      EXPECT_EQ(got->text, sentence);
-      EXPECT_EQ(got->tick, 77U);
-      EXPECT_TRUE(got->checksumRight);
-    }
-  }
-}
-
 TEST(SurveyPosition, AdvancesByReadingNotByRepeat) {
   SurveyPosition position;
   using Step = std::pair<std::string_view, std::optional<double>>;  // record, station behind it

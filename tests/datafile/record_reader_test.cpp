@@ -156,15 +156,5 @@ TEST(RecordTimes, CountFromTheMarkOnTheDayOfTheDateRecordAndItsTicks) {
   }
 }
 
-TEST(RecordTimes, KnowNoDayBeforeTheFirstDateAndTakeItAnewWithEachLine) {
-  RecordTimes times;
-  times.takeMark({.timeOfDayMs = at(23, 59), .tick = 0});
-  EXPECT_EQ(times.at(2 * 60000)->day, std::nullopt);
-  EXPECT_EQ(times.at(2 * 60000)->timeOfDayMs, at(0, 1));
-  times.takeDate({.year = 2024, .month = 3, .day = 8, .hour = 12});
-  times.takeMark({.timeOfDayMs = at(12), .tick = 9 * kDay});
-  EXPECT_EQ(times.at(9 * kDay)->day, 19790);
-}
-
 }  // namespace
 }  // namespace kalmira

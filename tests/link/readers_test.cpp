@@ -165,12 +165,10 @@ TEST(RecordRates, FollowTheIntervalWithinWhatTheStreamDelivers) {
   };
   const float infinity = std::numeric_limits<float>::infinity(), nan = std::numeric_limits<float>::quiet_NaN();
   const int most = std::numeric_limits<int>::max();
-  // The last two lines are what no setting should hold.
   for (const auto& [interval, period, records, perSecond] :
        {Row{1.0F, 72.0F, 14, 1}, Row{1.0F, 91.0F, 11, 1}, Row{0.5F, 72.0F, 7, 2}, Row{0.2F, 100.0F, 2, 5},
-        Row{0.1F, 50.0F, 2, 10}, Row{0.3F, 50.0F, 6, 3}, Row{10.0F, 50.0F, 200, 1}, Row{0.01F, 72.0F, 1, 14},
-        Row{0.01F, 91.0F, 1, 11}, Row{0.0F, 91.0F, 1, 11}, Row{-1.0F, 91.0F, 1, 1}, Row{nan, 91.0F, 1, 1},
-        Row{infinity, 91.0F, most, 1}, Row{1.0F, 0.0F, most, 1}, Row{0.01F, nan, 1, 1}}) {
+        Row{10.0F, 50.0F, 200, 1}, Row{0.01F, 72.0F, 1, 14}, Row{0.0F, 91.0F, 1, 11}, Row{-1.0F, 91.0F, 1, 1},
+        Row{nan, 91.0F, 1, 1}, Row{infinity, 91.0F, most, 1}, Row{1.0F, 0.0F, most, 1}, Row{0.01F, nan, 1, 1}}) {
     const RecordRates rates = recordRatesOf(interval, period);
     EXPECT_EQ(rates.recordsPerInterval, records) << interval << " s at " << period << " ms";
     EXPECT_EQ(rates.ratePerSecond, perSecond) << interval << " s at " << period << " ms";

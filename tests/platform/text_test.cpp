@@ -8,9 +8,6 @@
 #include <limits>
 #include <locale>
 
-#include "platform/power.h"
-#include "support/temp_folder.h"
-
 namespace kalmira {
 namespace {
 
@@ -76,28 +73,6 @@ TEST(Text, NoLanguageChangesANumber) {
   }
   std::setlocale(LC_ALL, systemBefore.c_str());
   std::locale::global(before);
-}
-
-TEST(Battery, TellsTheChargeOfTheMachinesOwnBatteries) {
-  // Of each supply its type, scope and charge, as far as they are told.
-  using Supply = std::array<const char*, 3>;
-  const Supply mains{"Mains", "", ""}, mouse{"Battery", "Device", "12"}, battery{"Battery", "System", "61"};
-  for (const auto& [supplies, percent] : std::initializer_list<std::pair<std::vector<Supply>, std::optional<int>>>{
-           {{}, std::nullopt},
-           {{mains, mouse}, std::nullopt},
-           {{mains, mouse, battery}, 61},
-           {{battery, {"Battery", "", "80"}}, 71},  // the mean, rounded
-           {{{"Battery", "", ""}}, std::nullopt},
-           {{{"Battery", "", "255"}}, std::nullopt}}) {
-    const TempFolder base;
-    for (std::size_t i = 0; i < supplies.size(); ++i) {
-      const auto folder = base.path() / std::to_string(i);
-      const std::array names{"type", "scope", "capacity"};
-      for (std::size_t k = 0; k < 3; ++k)
-        if (*supplies[i][k] != '\0') writeFile(folder / names[k], std::string(supplies[i][k]) + "\n");
-    }
-    EXPECT_EQ(batteryPercent(base.path()), percent);
-  }
 }
 
 }  // namespace

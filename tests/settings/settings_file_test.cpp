@@ -48,8 +48,7 @@ TEST(SettingsFile, IsReadBackUpToWhereItWasCut) {
     EXPECT_EQ(formatSettings(whole, kind, ice), text);
     // Not only the text: also the fields that this kind's file leaves out, which keep their defaults.
     EXPECT_EQ(formatSettings(whole, Kind::tesk2, false), formatSettings(written, Kind::tesk2, false));
-    // A survey that ends with an empty battery may leave the file cut anywhere, the missing values are 0 or
-    // empty.
+    // The missing values are 0 or empty.
     const auto tagEnd = instrumentOf(kind).versionTag.size();
     for (std::size_t length = 0; length < text.size(); ++length) {
       Settings settings;
@@ -65,21 +64,6 @@ TEST(SettingsFile, IsReadBackUpToWhereItWasCut) {
     EXPECT_EQ(settings.gpsDataBitsIndex, 0);
     EXPECT_EQ(settings.modeIncrement[1], 0.0F);
   }
-}
-
-TEST(SettingsFile, HasTheBytesOfANewOrla) {
-  EXPECT_EQ(
-      formatSettings(Settings{}, Kind::orla, false),
-      lines(
-          {"CEVer2.30", "0",        "0",         "0",          "1",         "0",                       // 1, 7 to 10
-           "1",         "1",        "1",         "1",          "1",         "1",        "1",     "1",  // shown
-           "1",         "1",        "1",         "1",          "1",         "1",        "1",     "1",  // widths
-           "11694592",  "24277",    "7577088",   "10975692",   "0",         "15316054", "40934", "6710886",  // colours
-           "1",         "0.000000", "10.000000", "-10.000000", "10.000000",                                  // 35 to 39
-           "0",         "1",        "0",         "1",          "0",         "0",                             // GPS
-           "0",         "0",        "0",         "1",                                                        // 46 to 49
-           "1.000000",  "1.000000", "1.000000",  "1.000000",                                                 // 57 to 60
-           "1",         "1.000000", "0",         "2",          "0.000000",  "1.000000"}));                   // 61 to 66
 }
 
 TEST(SettingsFile, HasTheIceFieldsBehindTheLengthAndTheTesk2FieldsInTheirPlaces) {

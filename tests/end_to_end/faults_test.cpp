@@ -13,7 +13,6 @@ namespace {
 
 using testing::EndsWith;
 using testing::HasSubstr;
-using testing::Not;
 using testing::StartsWith;
 
 struct Recording : Survey {
@@ -43,6 +42,17 @@ TEST(Signal, LosesNoRecordAndPausesBeforeTheEndWhereItCan) {
     EXPECT_THAT(survey.content(), EndsWith(kStarted + readingRecords(1, 25) + (killed ? "" : kPaused)));
     EXPECT_EQ(survey.logger.output().ends_with("summary readings=25 gps=0 events=2 bytes=816\n"), !killed);
   }
+}
+
+// Asked after six silent periods, and answered no.
+TEST(Silence, EndsTheSurveyWithStatusOneWhenToldSo) {
+  Recording survey("--set readingsInterval=1 --on-silence exit");
+  ASSERT_TRUE(survey.readings(1, 1));
+  for (const auto* line : {"Please Wait...", "No Connection/Instrument OFF", "answered NO"})
+    survey.logger.nextLine(std::string("notice ") + line);
+  EXPECT_EQ(survey.logger.end(), 1);
+  EXPECT_THAT(survey.content(),
+              EndsWith(readingRecords(1, 1) + records24({withTick(24, "X$CONN BREAK"), withTick(24, "X$CONN END")})));
 }
 
 // How large a file a running program may make.

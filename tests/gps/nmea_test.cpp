@@ -60,17 +60,6 @@ TEST(NmeaChecksum, ComparesTheBytesBeforeTheFirstStarWithTheValueAfterTheLast) {
   }
 }
 
-TEST(NmeaField, CountsFromOneAndTakesTheRestForTheLast) {
-  const auto field = [](const char* sentence, int number, char separator) -> std::string {
-    std::string out = "untouched";
-    return GetNmeaField(sentence, number, separator, out) == 1 ? out : out + "!";
-  };
-  const std::string fields[]{"untouched!", "$GPGSA", "A", "", "1.8*33", "untouched!"};
-  for (int number = 0; number < 6; ++number) EXPECT_EQ(field("$GPGSA,A,,1.8*33", number, ','), fields[number]);
-  EXPECT_EQ(field("nothing to cut", 1, ','), "nothing to cut");
-  EXPECT_EQ(field("a;b,c;", 3, ';'), "");
-}
-
 TEST(GpsMessage, IsOneByteACharacter) { EXPECT_EQ(gpsMessageBytes("$Gr\xC3\xBC\xC3\x9F,\xE2\x82\xAC"), "$Gr??,?\r\n"); }
 
 }  // namespace

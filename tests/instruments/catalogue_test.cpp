@@ -10,20 +10,6 @@
 namespace kalmira {
 namespace {
 
-// What the rows of the kinds do not say by themselves.
-TEST(Catalogue, PathsHaveTheirOwnRules) {
-  for (const auto& [path, wanted] : {std::pair{settingsPath(Kind::tesk, false, 0), "C_DRIVE\\KALINI\\TESK.INI"},
-                                     {settingsPath(Kind::tesk, false, 3), "\\KALINI\\TESK.INI"},
-                                     {settingsPath(Kind::orla, true, 1), "Storage\\KALINI\\ORLICE.INI"},
-                                     {settingsPath(Kind::glaco, true, 1), "Storage\\KALINI\\GLACO.INI"},
-                                     {dataFolderPrefix(Kind::orla, 1), "Storage\\DATAORLA\\"},
-                                     {dataFolderPrefix(Kind::orla, 3), "My Documents\\DataOrla\\"},
-                                     {dataFolderPrefix(Kind::glaco, 2), "Storage\\DATAICE\\"},
-                                     {dataFolderPrefix(Kind::mirka, 3), "C_DRIVE\\DATAMIRKA\\"}}) {
-    EXPECT_EQ(path, wanted);
-  }
-}
-
 TEST(Catalogue, FindsKindsByNameIndexAndHeaderAlone) {
   for (int index = 0; index < kKindCount; ++index) {
     const auto* instrument = findInstrument(index);

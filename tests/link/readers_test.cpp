@@ -198,13 +198,5 @@ TEST(GpsLine, FollowsTheListsAndLeavesTheRestAsItIs) {
   }
 }
 
-TEST(MarkerPort, SkipsCom6AndMayBeTheInstrumentsOwn) {
-  std::vector<int> numbers;
-  for (int choice = -1; choice <= 12; ++choice) numbers.push_back(markerComNumber(choice));
-  EXPECT_THAT(numbers, ElementsAre(0, 0, 1, 2, 3, 4, 5, 7, 8, 9, 10, 11, 12, 0));
-  for (const auto& [index, place] : {std::pair{5, MarkerPlace::instrumentPort}, {6, MarkerPlace::ownPort}})
-    EXPECT_EQ(markerPlaceOf(Kind::tesk2, {.instrumentPortIndex = index, .markerPortChoice = 6}), place);
-}
-
 }  // namespace
 }  // namespace kalmira

@@ -55,22 +55,6 @@ TEST(StationPlot, joinsStationsButNotOverBreaks) {
   EXPECT_EQ(canvas.drawn, (Drawn{"2:3 2,50"}));
 }
 
-TEST(StationPlot, drawsWhatTheFileHolds) {
-  const auto settings = plainSettings();  // of an instrument in its first display
-  TraceCanvas canvas;
-  // Ice thickness alone, on its own scale of 9 to 10 m.
-  auto ice = stationPoint(4, 9.5F);
-  ice.channels.present[1] = 1;
-  DrawStationPlot(canvas, plotSetup(ViewedFile(kOrlaIce).file, settings, 102, kHeight), std::span(&ice, 1));
-  EXPECT_EQ(canvas.drawn, (Drawn{"4:1 1,50"}));
-  // A TESK2 file in instrument counts shows the auxiliary values, too.
-  auto tesk2 = stationPoint(0, 5);
-  tesk2.extras = {1, 2};
-  const auto setup = plotSetup(ViewedFile("TESK2   W230GRD00011     \n").file, settings, 102, kHeight);
-  DrawStationPlot(canvas, setup, std::span(&tesk2, 1));
-  EXPECT_EQ(canvas.drawn, (Drawn{"0:1 1,50", "1:1 1,90", "5:1 1,80"}));
-}
-
 constexpr int kPlotWidth = 102;  // 100 points in view
 
 Navigation opened(int totalRows) {

@@ -122,6 +122,7 @@ TEST(ProgramOptions, AreTakenAndWhatIsWrongIsSaid) {
   EXPECT_TRUE(all.kind == Kind::vardo && all.root == "/data/x" && all.portrait == false && all.scale == 1.5);
   EXPECT_TRUE(all.night == true && all.tickBase == TickBase::program && all.storageClass == 3);
   EXPECT_FALSE(all.ice || all.teskTimes10);
+  EXPECT_TRUE(optionsOf(table, "--kind 3 --tesk-x10").teskTimes10);
   EXPECT_EQ(optionsOf(table, "--ice").kind, Kind::orla) << "ice work is the ORLA's";
   EXPECT_EQ(optionsOf(table, "-- -survey.ROR").file, "-survey.ROR");
   for (const auto& [arguments, said] : {std::pair{"--kind 8", "there is no instrument \"8\""},

@@ -247,7 +247,6 @@ class Survey {
     onTimer(test_.session);
   }
   void station(double station) { newStation(test_.session, station); }
-  void comment() { addComment(test_.session, "a stone"); }
   void line() {
     newLine(test_.session, proposeLine(test_.settings, 0));
     live_->clear();
@@ -309,7 +308,6 @@ TEST_P(RedrawEveryKind, EqualsWhatWasDrawnLive) {
   survey.readings(9);
   EXPECT_EQ(survey.difference(), 0) << "few readings";
   survey.pause();
-  survey.comment();
   survey.start();
   survey.readings(4);
   survey.breakLink();

@@ -104,11 +104,7 @@ TEST(SurveyNumbers, AreBroughtToTheNearestAllowed) {
   for (const char* typed : {"", "0", "-1", "nan", "x", "1e-300"}) EXPECT_EQ(readingsPerSecondText(typed), "");
 }
 
-struct Limited {
-  ScaleEnds typed;
-  ScaleEnds kept;
-};
-void expectLimits(ScaleEnds (*limit)(ScaleEnds), std::initializer_list<Limited> cases) {
+void expectLimits(ScaleEnds (*limit)(ScaleEnds), std::initializer_list<std::pair<ScaleEnds, ScaleEnds>> cases) {
   for (const auto& [typed, kept] : cases) {
     const ScaleEnds ends = limit(typed);
     EXPECT_EQ(ends.minimum, kept.minimum) << typed.minimum << " to " << typed.maximum;

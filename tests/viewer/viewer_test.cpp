@@ -225,7 +225,6 @@ TEST(StationNotes, whatStandsBetweenTwoStations) {
 }
 
 TEST(Readout, fieldsOfEachKind) {
-  using namespace std::string_literals;
   struct Case {
     std::string header, reading;
     Texts fields;
@@ -258,8 +257,6 @@ TEST(Readout, fieldsOfEachKind) {
   }
 }
 
-constexpr int kHeight = 100;  // 10 pixels a mS/m, 5 a ppt
-
 // Writes down what is drawn of the traces.
 class TraceCanvas final : public ChartCanvas {
  public:
@@ -285,23 +282,19 @@ StationPoint stationPoint(std::size_t slot, float value) {
   return point;
 }
 
-Settings plainSettings() {
+TEST(StationPlot, joinsStationsButNotOverBreaks) {
   Settings settings;
   for (std::size_t i = 0; i < kTraces; ++i) settings.traceColour[i] = static_cast<int>(i);
   settings.traceWidth[2] = 3;
-  return settings;
-}
-
-TEST(StationPlot, joinsStationsButNotOverBreaks) {
-  auto settings = plainSettings();
   const ViewedFile viewed(kOrla);
+  // 10 pixels a mS/m, 5 a ppt.
   const std::vector<StationPoint> points{stationPoint(0, 5), stationPoint(2, 0), stationPoint(0, 6),
                                          StationPoint{},     stationPoint(0, 7), stationPoint(0, 8)};
   TraceCanvas canvas;
-  DrawStationPlot(canvas, plotSetup(viewed.file, settings, 102, kHeight), points);
+  DrawStationPlot(canvas, plotSetup(viewed.file, settings, 102, 100), points);
   EXPECT_EQ(canvas.drawn, (Drawn{"0:1 1,50", "2:3 2,50", "0:1 1,50-3,40", "0:1 5,30", "0:1 5,30-6,20"}));
   settings.traceShown[0] = 0;
-  DrawStationPlot(canvas, plotSetup(viewed.file, settings, 102, kHeight), points);
+  DrawStationPlot(canvas, plotSetup(viewed.file, settings, 102, 100), points);
   EXPECT_EQ(canvas.drawn, (Drawn{"2:3 2,50"}));
 }
 

@@ -316,21 +316,5 @@ TEST_F(KeyTable, FromTheKeyboardToTheCodesWithoutALoneShiftThatPauses) {
   EXPECT_EQ(codeOf(kStandBy, Qt::Key_C), kNoCode);
 }
 
-TEST_F(KeyTable, PauseKeysAlsoStartButForEnterWhichPressesTheFocusedButton) {
-  const std::set<int> enters{Qt::Key_Return, Qt::Key_Enter, Qt::Key_Select};
-  for (const auto& [pauseKey, pauses] :
-       {std::pair{1, std::set<int>{Qt::Key_Space, Qt::Key_Minus, Qt::Key_Period, Qt::Key_0}},
-        {2, enters},
-        {3, {Qt::Key_S, Qt::Key_0}}}) {
-    for (const int key : {Qt::Key_Space, Qt::Key_Minus, Qt::Key_Period, Qt::Key_0, Qt::Key_Return, Qt::Key_Enter,
-                          Qt::Key_Select, Qt::Key_S, Qt::Key_5, Qt::Key_Left}) {
-      SCOPED_TRACE(testing::Message() << pauseKey << " key " << key);
-      EXPECT_EQ(codeOf(kLogging, key, pauseKey), pauses.count(key) != 0 ? 0 : kNoCode);
-      if (pauseKey == 2) continue;
-      EXPECT_EQ(codeOf(kStandBy, key, pauseKey), pauses.count(key) + enters.count(key) != 0 ? 0 : kNoCode);
-    }
-  }
-}
-
 }  // namespace
 }  // namespace kalmira

@@ -37,7 +37,7 @@ TEST(Title, EveryPictureNameIsADrawing) {
   EXPECT_TRUE(titleDrawing("STATICTIT_").isEmpty());
 }
 
-// Shows the chooser and does `act` with it as soon as it is up. Nothing chosen is "".
+// Nothing chosen is "".
 std::string choose(std::optional<RememberedKind> current, const DialogActor::Act& act, QWidget* parent = nullptr) {
   QTimer::singleShot(0, [&act] {
     auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());

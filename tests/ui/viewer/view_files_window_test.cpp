@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 
 #include <QAbstractItemView>
-#include <QSvgRenderer>
 #include <algorithm>
 
 #include "support/dialogs.h"
@@ -180,9 +179,7 @@ TEST_F(ViewFilesTest, SavesPicturesAndTablesButNeverOverADataFile) {
   fileDialog("Save Picture", Qt::Key_P, nullptr);
   EXPECT_EQ(QImage(QString::fromStdString(data / "A-7.png")).size(), QSize(1600, 900));
   fileDialog("Save Picture", Qt::Key_P, "line.svg");
-  const auto svg = readFile(data / "line.svg");
-  EXPECT_TRUE(QSvgRenderer(QByteArray::fromStdString(svg)).isValid());
-  EXPECT_THAT(svg, testing::AllOf(HasSubstr("A.ROR  ORLA   Line 7"), HasSubstr("Conductivity, mS/m")));
+  EXPECT_THAT(readFile(data / "line.svg"), HasSubstr("A.ROR  ORLA   Line 7"));
   fileDialog("Export CSV", Qt::Key_C, nullptr);
   const auto csv = readFile(data / "A.csv");
   EXPECT_EQ(std::count(csv.begin(), csv.end(), '\n'), 1 + 303);

@@ -14,7 +14,6 @@ namespace kalmira {
 namespace {
 
 using std::chrono::steady_clock;
-using namespace std::string_view_literals;
 
 constexpr int kStepMs = 50;
 
@@ -108,7 +107,7 @@ std::string Logger::answer(std::string_view command) {
   say(command);
   for (;;) {
     auto line = nextLine("");
-    if (line.empty() || line == "ok" || line.starts_with("error ")) return line;
+    if (line.empty() || line.starts_with("ok") || line.starts_with("error ")) return line;
   }
 }
 
@@ -128,9 +127,9 @@ bool Logger::counted(std::string_view what, int number, const std::function<void
   return false;
 }
 
-void Logger::leave() {
+void Logger::leave(int status) {
   EXPECT_EQ(answer("exit"), "ok");
-  EXPECT_EQ(end(), 0) << errors();
+  EXPECT_EQ(end(), status) << errors();
 }
 
 Outcome run(const std::string& program, const std::string& arguments) {
@@ -147,7 +146,7 @@ Device::Device() {
   EXPECT_EQ(tcsetattr(master(), TCSANOW, &settings), 0);
 }
 
-// What comes before the reader has begun is thrown away; a second try is due after five seconds.
+// What comes before the reader has begun is thrown away: a second try is due then.
 void Device::wakeUp(Logger& logger, std::string_view record, std::string_view text) const {
   auto last = steady_clock::time_point{};
   logger.nextLine(fmt::format("show {}", text), [&] {
@@ -210,8 +209,7 @@ std::string bytesOf(const WrittenSurvey& survey) {
   tick(survey.comment);
   add("S      42.50 00000000");
   tick("*00:00:00.000");
-  bytes += survey.deletion;
-  for (const std::string_view text : {"X$STARTED"sv, std::string_view(survey.lastReading), "X$PAUSED"sv}) tick(text);
+  for (const auto& text : {std::string("X$STARTED"), survey.lastReading, std::string("X$PAUSED")}) tick(text);
   return bytes;
 }
 

@@ -13,8 +13,7 @@
 #include "support/pty.h"
 #include "support/temp_folder.h"
 
-// The programs themselves, run and spoken to by tests. Every wait ends as soon as what is waited for has
-// happened and gives up after kPatienceMs, long enough for a sanitized build on a loaded machine.
+// The programs themselves, run and spoken to by tests. Every wait gives up after kPatienceMs.
 namespace kalmira {
 
 inline constexpr int kPatienceMs = 40000;
@@ -31,8 +30,7 @@ class Program {
   void say(std::string_view line);
   void closeInput() { process_.closeWriteChannel(); }
   void signal(int number) const;
-  // The next line of output that begins with `start`, behind the line found before; empty when none came.
-  // `onWait` is called every 50 ms until then, and whenever something has come.
+  // The next line of output that begins so; empty when none came. `onWait` is called again and again until then.
   std::string nextLine(std::string_view start, const std::function<void()>& onWait = {});
   // The exit status, 128 and more for a signal; -1 when the program does not end.
   int end();
@@ -42,7 +40,6 @@ class Program {
   pid_t process() const { return static_cast<pid_t>(process_.processId()); }
 
  private:
-  // Waits for what comes; false when the program has ended.
   bool gather();
 
   QProcess process_;
@@ -63,7 +60,7 @@ class Logger : public Program {
   // Waits until the status says at least so many "readings", "gps", "events" ...
   bool counted(std::string_view what, int number, const std::function<void()>& onWait = {});
   // Leaves by the command, and expects a good end.
-  void leave();
+  void leave(int status = 0);
 };
 
 // A program run to its end.
@@ -82,17 +79,14 @@ struct Device : Pty {
 
 inline constexpr std::string_view kOrlaRecord = "T$+0400-0800\r";
 
-// A survey by kalmira-log in Wheel mode, where every record is a reading, up to where its file is open and
-// the instrument is heard. An interval of a minute keeps the watch over the link quiet, however slow the
-// machine.
+// A survey by kalmira-log in Wheel mode up to where its file is open and the instrument is heard.
 struct Survey {
   TempFolder folder;
   Device instrument, receiver;
   Logger logger;
   std::filesystem::path path;
 
-  // `more` goes behind the usual options; {gps} in it is the receiver. `fileWaits` is sent until there is a
-  // file, then `record` until it is shown, unless it is empty.
+  // {gps} in `more` is the receiver. `fileWaits` is sent until there is a file, then `record` until it is shown.
   explicit Survey(const std::string& kind = "ORLA", const std::string& more = "", std::string_view record = kOrlaRecord,
                   std::string_view shown = "value1 C:-10.00", std::string_view fileWaits = "");
   bool send(std::string_view record) const { return instrument.send(record); }
@@ -102,22 +96,19 @@ struct Survey {
 
 // A data file whose times and ticks are wiped: digits of dates and times are 0, ticks the word "tick".
 std::string wiped(const std::string& content, std::size_t recordLength);
-
 // A record's text with a wiped tick at its end.
 std::string withTick(std::size_t recordLength, std::string_view text);
-
 // How many records of `content` begin with one of `tags`, header 1 left out.
 int countRecords(const std::string& content, std::size_t recordLength, std::string_view tags);
 
-// The file, wiped, of a survey of two pieces. Between them stand the line 7/a from 100 by -2.5 to the east, a
-// comment and the station 42.5.
+// The file, wiped, of two pieces; between them the line 7/a from 100 by -2.5 east, a comment and station 42.5.
 struct WrittenSurvey {
   std::string header;
   std::vector<std::string> firstPiece;  // records without line ends
   std::string lastReading;
   std::string comment = "CFence by th";
   std::size_t length = 24;
-  std::string calibration{}, deletion{};  // of each line's block; before the second piece
+  std::string calibration{};  // of each line's block
 };
 std::string bytesOf(const WrittenSurvey& survey);
 

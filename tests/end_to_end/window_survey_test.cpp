@@ -16,7 +16,6 @@
 namespace kalmira {
 namespace {
 
-using namespace std::string_literals;
 using testing::EndsWith;
 
 constexpr std::string_view kGga = "$GPGGA,101308.00,5057.90,N,00659.10,E,1,08,1.1,50.0,M,46.0,M,,*5D\r\n";
@@ -44,8 +43,7 @@ struct Operator {
     EXPECT_TRUE(comes([&] { return text(field).starts_with(start); }))
         << panelFieldName(field) << " shows \"" << text(field) << "\", not \"" << start << '"';
   }
-  // Sends `record` and waits for what is shown of it then: sent once, it must not be shown yet. An instrument
-  // that is just being listened to is `waking`: what it sends may be lost, a second try is then due.
+  // Waits for what is shown of `record`. While an instrument is `waking` what it sends may be lost: a second try.
   void sends(const Device& device, std::string_view record, std::string_view start,
              PanelField field = PanelField::value1, bool waking = false) const {
     const auto shown = [&] { return text(field).starts_with(start); };
@@ -54,8 +52,7 @@ struct Operator {
     if (waking && !QTest::qWaitFor(shown, 5000)) (void)device.send(record);
     sees(field, start);
   }
-  // Who gets the keys. Where a dialog has closed, a desktop makes its window the active one again; here there
-  // is no desktop.
+  // Who gets the keys. A desktop would make the window the active one when a dialog has closed.
   QWidget* keyboard() const {
     window.activateWindow();
     EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
@@ -68,11 +65,6 @@ struct Operator {
     // Taps in a row, at one place, are not meant as double taps.
     QTest::qWait(QApplication::doubleClickInterval() + kLookMs);
     tapButton(window, button);
-  }
-  // A command of the menu, by its letter.
-  void choose(Qt::Key key) const {
-    pressInMenu(key);
-    command(Qt::Key_M, "&Menu");
   }
   // Gives the command, does `act` in the dialog that opens from it, and fails where that stays open.
   static void answers(const char* title, const std::function<void()>& open, const DialogActor::Act& act) {
@@ -141,9 +133,8 @@ struct Machine {
     options.tickBase = TickBase::program;
     EXPECT_EQ(saveSettings({.kind = kind, .root = options.root}, settingsOf(settings)), "");
   }
-  // Runs the program with its windows and lets the operator work in it. The program's exit status; the
-  // operator has to end it.
-  int run(const std::function<void(const Operator&)>& work, bool byTouch = false) const {
+  // The program's exit status, which the operator has to end.
+  int run(const std::function<void(const Operator&)>& work, bool byTouch) const {
     QApplication::setDoubleClickInterval(kLookMs);
     QTimer::singleShot(0, [&work, byTouch] {
       EXPECT_TRUE(comes([] { return mainWindow() != nullptr && mainWindow()->isActiveWindow(); }));
@@ -184,7 +175,12 @@ TEST(WindowSurvey, OfAnOrlaWithItsReceiverGivesItsFileByteForByte) {
     person.pause();
     person.enterLineCommentAndStation();
     person.fills(
-        "Enter Scale", [&] { person.choose(Qt::Key_S); }, "firstMinimum=3|firstMaximum=8");
+        "Enter Scale",
+        [&] {
+          pressInMenu(Qt::Key_S);
+          person.command(Qt::Key_M, "&Menu");
+        },
+        "firstMinimum=3|firstMaximum=8");
     person.go();
     person.sends(instrument, kOrlaRecord, "C:-10.00");
     person.pause();
@@ -199,58 +195,6 @@ TEST(WindowSurvey, OfAnOrlaWithItsReceiverGivesItsFileByteForByte) {
   Settings saved;
   EXPECT_EQ(loadSettings({.kind = Kind::orla, .root = machine.options.root}, saved).how, SettingsLoad::loaded);
   expectSettings(saved, "conductivityMinimum=3.000000|conductivityMaximum=8.000000|lineName=7/a");
-}
-
-// Words of 32768 + 1024 k are 40 k mS/m; the fifth calibration factor adds 20 to the first conductivity.
-const auto kTesk2First = "T\x06\0\0\x84\0\xff\xff\x84\0\n\n\0\0\xff\xff"s;
-const auto kTesk2Second = "t\x02\x84\0\x84\0\x88\0\x84\0\0\n\n\0\xff\xff"s;
-
-std::string factors(double fifth, double replaced) {
-  std::string bytes;
-  for (int n = 1; n <= 6; ++n) {
-    bytes += records(26, {fmt::format("O{}{:10.3f} {:10.3f}", n, n == 5 ? fifth : 0, n == 5 ? replaced : 0)});
-  }
-  return bytes;
-}
-
-// By keys, on a standing screen.
-TEST(WindowSurvey, OfATesk2WithMarkAndCalibrationGivesItsFileByteForByte) {
-  const Device instrument;
-  Machine machine(Kind::tesk2, kQuietWheel + "|softMarker=1|tesk2Variant=2|calibrationFactors[4]=20");
-  machine.options.portrait = true;
-  machine.options.com[0] = instrument.name;
-  std::filesystem::path path;
-  const auto work = [&](const Operator& person) {
-    person.command(Qt::Key_L, "Monitor/&Log");
-    person.sends(instrument, kTesk2First, "C:1299.96", PanelField::value1, true);
-    person.sends(instrument, kTesk2Second, "C:100.00");
-    person.answers(
-        "CALIBRATION", [&] { person.command(Qt::Key_A); }, answered(QMessageBox::No));
-    path = person.createFile();
-    person.go();
-    person.sends(instrument, kTesk2First, "C:1299.96");
-    QTest::keyPress(person.keyboard(), Qt::Key_5);
-    person.sends(instrument, kTesk2Second, "C:100.00");
-    QTest::keyRelease(person.keyboard(), Qt::Key_5);
-    person.pause();
-    person.enterLineCommentAndStation();
-    person.answers(
-        "Delete Calibration", [&] { person.choose(Qt::Key_E); }, answered(QMessageBox::Yes));
-    person.go();
-    person.sends(instrument, kTesk2First, "C:1279.96");
-    person.pause();
-    person.leave();
-  };
-  EXPECT_EQ(machine.run(work), 0);
-  const auto text = kTesk2First.substr(0, 14);
-  // The marker is 8 in the mode byte.
-  EXPECT_EQ(wiped(readFile(path), 26),
-            bytesOf({.header = "TESK2   W230GRD00102    3",
-                     .firstPiece = {withTick(26, text), withTick(26, "t\x0a" + kTesk2Second.substr(2, 12))},
-                     .lastReading = text,
-                     .length = 26,
-                     .calibration = factors(20, 0),
-                     .deletion = factors(0, 20)}));
 }
 
 // An instrument that sends all the time, behind a link that outlives its cable.
@@ -286,7 +230,7 @@ TEST(WindowCable, PulledBehindADialogAndPluggedInAgainResumesAndTheFrameEndsTheP
   Cable cable(link);
   cable.plugIn(kOrlaRecord);
   std::filesystem::path path;
-  const int status = machine.run([&](const Operator& person) {
+  const auto work = [&](const Operator& person) {
     const auto closeFrame = [&person] { person.window.close(); };
     person.command(Qt::Key_L);
     person.sees(PanelField::value1, "C:-10.00");
@@ -306,8 +250,8 @@ TEST(WindowCable, PulledBehindADialogAndPluggedInAgainResumesAndTheFrameEndsTheP
     EXPECT_EQ(person.text(PanelField::state), "Logging");
     EXPECT_TRUE(comes([&person] { return person.logging().session()->counts.readings >= 2; }));
     person.answers("Confirm Exit", closeFrame, answered(QMessageBox::Yes));
-  });
-  EXPECT_EQ(status, 0);
+  };
+  EXPECT_EQ(machine.run(work, false), 0);
   // One break, then the line and its readings.
   const auto content = wiped(readFile(path), 24);
   EXPECT_EQ(content.substr(std::size_t{7} * 24, std::size_t{6} * 24),
@@ -325,19 +269,14 @@ TEST(Started, ASecondStartOnTheSameRootEndsAndTheFirstWhenTheMachineAsks) {
   qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");
   qputenv("XDG_CONFIG_HOME", QByteArray::fromStdString(folder.path().string()));
   const auto options = fmt::format("--kind ORLA --root {} --com 1={}", folder.path().string(), device.name);
-  for (const int number : {SIGTERM, SIGINT}) {
-    Program first(KALMIRA, options);
-    // The settings file is made while the window is.
-    ASSERT_TRUE(comes([&] { return std::filesystem::exists(folder.path() / "Storage/KALINI/ORLA.INI"); }));
-    if (number == SIGTERM) {
-      const auto second = run(KALMIRA, options);
-      EXPECT_EQ(second.status, 0);
-      EXPECT_THAT(second.errors, EndsWith("kalmira: already running on this root\n"));
-    }
-    first.signal(number);
-    EXPECT_EQ(first.end(), 0) << first.errors();
-    std::filesystem::remove_all(folder.path() / "Storage");
-  }
+  Program first(KALMIRA, options);
+  // The settings file is made while the window is.
+  ASSERT_TRUE(comes([&] { return std::filesystem::exists(folder.path() / "Storage/KALINI/ORLA.INI"); }));
+  const auto second = run(KALMIRA, options);
+  EXPECT_EQ(second.status, 0);
+  EXPECT_THAT(second.errors, EndsWith("kalmira: already running on this root\n"));
+  first.signal(SIGTERM);
+  EXPECT_EQ(first.end(), 0) << first.errors();
   qunsetenv("DBUS_SESSION_BUS_ADDRESS");
   qunsetenv("XDG_CONFIG_HOME");
 }

@@ -7,11 +7,9 @@
 namespace kalmira {
 namespace {
 
-using testing::ElementsAre;
 using Lines = std::vector<std::string>;
 
-// The lines that come out of `stream`, whose bytes arrive at ticks 0, 1, 2 and so on; each with its tick in
-// front.
+// The lines that come out of `stream`, each with its tick in front; bytes arrive at ticks 0, 1, 2 and so on.
 Lines lines(std::string_view stream, std::size_t limit = NmeaFramer::kLoggingLimit) {
   NmeaFramer framer(limit);
   Lines seen;
@@ -62,55 +60,7 @@ TEST(NmeaChecksum, ComparesTheBytesBeforeTheFirstStarWithTheValueAfterTheLast) {
   }
 }
 
-TEST(NmeaField, CountsFromOneAndTakesTheRestForTheLast) {
-  const auto field = [](const char* sentence, int number, char separator) -> std::string {
-    std::string out = "untouched";
-    return GetNmeaField(sentence, number, separator, out) == 1 ? out : out + "!";
-  };
-  const std::string fields[]{"untouched!", "$GPGSA", "A", "", "1.8*33", "untouched!"};
-  for (int number = 0; number < 6; ++number) EXPECT_EQ(field("$GPGSA,A,,1.8*33", number, ','), fields[number]);
-  EXPECT_EQ(field("nothing to cut", 1, ','), "nothing to cut");
-  EXPECT_EQ(field("a;b,c;", 3, ';'), "");
-}
-
-TEST(MonitorKeys, LettersInBothCasesEnterAndTab) {
-  // 0 Go, 1 Pause, 2 Send, 3 Exit
-  const std::string_view keys("GgPpSsXx\re \x1b\0", 13);
-  const std::string commands = "001122332----";
-  for (std::size_t i = 0; i < keys.size(); ++i) {
-    MonitorState state{.monitorDefaultButton = 2};
-    const auto found = typeMonitorKey(state, keys[i]);
-    EXPECT_EQ(found ? static_cast<char>('0' + static_cast<int>(*found)) : '-', commands[i]) << i;
-  }
-  // Tab skips the button that is not there.
-  for (const auto& [streaming, order] : {std::pair{1, "1231"}, {0, "0230"}}) {
-    MonitorState state{.monitorPaused = 1 - streaming, .monitorStreaming = streaming};
-    state.monitorDefaultButton = order[0] - '0';
-    for (int i = 1; i < 4; ++i) {
-      EXPECT_FALSE(typeMonitorKey(state, '\t'));
-      EXPECT_EQ(state.monitorDefaultButton, order[i] - '0') << order;
-    }
-  }
-}
-
-TEST(GpsMessage, IsOneByteACharacterAndRowsBreakBehindCommas) {
-  EXPECT_EQ(gpsMessageBytes("$Gr\xC3\xBC\xC3\x9F,\xE2\x82\xAC"), "$Gr??,?\r\n");
-  EXPECT_EQ(gpsMessageBytes(""), "\r\n");
-  struct Row {
-    std::string text;
-    int width;
-    std::vector<std::string_view> rows;
-  };
-  for (const auto& [text, width, rows] :
-       std::initializer_list<Row>{{"$GPGGA,1,2*33", 13, {"$GPGGA,1,2*33"}},
-                                  {"$GPGGA,12345,6,,,*33", 10, {"$GPGGA,", "12345,6,", ",,*33"}},
-                                  {"$ABCDEFGHIJKL", 5, {"$ABCD", "EFG", "HIJ", "KL"}},
-                                  {"12345,", 6, {"12345,"}},
-                                  {"", 5, {""}},
-                                  {"abc", 0, {"a", "b", "c"}}}) {
-    EXPECT_EQ(monitorRows(text, static_cast<std::size_t>(width), 2), rows) << text;
-  }
-}
+TEST(GpsMessage, IsOneByteACharacter) { EXPECT_EQ(gpsMessageBytes("$Gr\xC3\xBC\xC3\x9F,\xE2\x82\xAC"), "$Gr??,?\r\n"); }
 
 }  // namespace
 }  // namespace kalmira

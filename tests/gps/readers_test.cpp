@@ -147,18 +147,6 @@ struct FindReceiver : GpsReaders {
 };
 using How = FindOutcome::How;
 
-TEST_F(FindReceiver, TriesWhatIsSetUpAndThenEveryRateMostLikelyFirst) {
-  settings.gpsBaudIndex = 3;
-  settings.gpsParityIndex = 2;
-  const auto trials = receiverTrials(settings);
-  ASSERT_EQ(trials.size(), 9U);
-  EXPECT_EQ(trials[0], (ReceiverLine{.baudIndex = 3, .parityIndex = 2}));
-  EXPECT_EQ(trials[1], (ReceiverLine{.baudIndex = 1}));
-  EXPECT_EQ(receiverTrials(Settings{}).size(), 8U) << "none twice";
-  for (const auto* line : {"$GPGLL,1,2*54", "$GPGLL,1,2*053", "$GPGLL,1,2*5", "GPGLL,1,2*53", "$*", "$GPGL\x80,1,2*9F"})
-    EXPECT_FALSE(isReceiverSentence(line)) << line;
-}
-
 TEST_F(FindReceiver, FindsTheLineThroughTheNoiseOfTheOthersAndTellsWhatItHeardElse) {
   const ReceiverLine line{.baudIndex = 5};
   // The noise holds what looks nearly like sentences, but is none.

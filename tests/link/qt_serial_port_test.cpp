@@ -1,7 +1,6 @@
 #include "link/port.h"
 
 #include <fmt/format.h>
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/file.h>
 #include <sys/ioctl.h>
@@ -19,7 +18,6 @@ namespace {
 
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
-using testing::HasSubstr;
 namespace fs = std::filesystem;
 
 struct QtSerialPortTest : testing::Test {
@@ -63,19 +61,6 @@ TEST_F(QtSerialPortTest, TakesAPseudoTerminalForASerialPort) {
   EXPECT_EQ(read(1000), "new");
 }
 
-TEST_F(QtSerialPortTest, WhatIsNotGivenStaysAsItWas) {
-  termios line{};
-  ASSERT_EQ(tcgetattr(pty.master(), &line), 0);
-  cfsetspeed(&line, B57600);
-  line.c_cflag |= CSTOPB;
-  ASSERT_EQ(tcsetattr(pty.master(), TCSANOW, &line), 0);
-  ASSERT_FALSE(port->open(pty.name, {.xonXoff = true}));
-  ASSERT_EQ(tcgetattr(pty.master(), &line), 0);
-  EXPECT_EQ(cfgetospeed(&line), static_cast<speed_t>(B57600));
-  EXPECT_NE(line.c_cflag & CSTOPB, 0U);
-  EXPECT_EQ(line.c_iflag & (IXON | IXOFF), static_cast<tcflag_t>(IXON | IXOFF));
-}
-
 TEST_F(QtSerialPortTest, PulledCableIsNoticedAtOnceAndStays) {
   ASSERT_FALSE(port->open(pty.name, instrumentLine(Kind::orla)));
   pty.unplug();
@@ -102,21 +87,6 @@ TEST_F(QtSerialPortTest, DeviceIsOursAloneUnderAllItsNames) {
   ::close(other);
   port->close();
   EXPECT_FALSE(second->open(link, instrumentLine(Kind::orla)));
-}
-
-TEST_F(QtSerialPortTest, LockFilesCountWhileTheirProgramRuns) {
-  constexpr int kNoProcess = 0x3fffffff;
-  const auto path = "/var/lock/LCK..pts_" + fs::path(pty.name).filename().string();
-  const auto opened = [&](const std::string& content) {
-    writeFile(path, content);
-    const auto text = textOf(port->open(pty.name, instrumentLine(Kind::orla)), PortErrorKind::held);
-    port->close();
-    fs::remove(path);
-    return text;
-  };
-  EXPECT_THAT(opened(fmt::format("{:10}\n", getppid())), HasSubstr(fmt::format("(process {})", getppid())));
-  EXPECT_EQ(opened(fmt::format("{:10}\n", kNoProcess)), "opened");
-  EXPECT_EQ(opened(fmt::format("{}\nlogger\n\n\n\n", kNoProcess)), "opened");
 }
 
 }  // namespace

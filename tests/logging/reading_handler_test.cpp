@@ -202,18 +202,6 @@ TEST(Reading, PanelTextsOfEveryKind) {
   }
 }
 
-TEST(Battery, IsShownEveryThreeMinutes) {
-  TestSession test(Kind::orla);
-  test.begin();
-  EXPECT_EQ(test.view.texts[battery], " 87%");
-  test.session.readBattery = [] { return std::optional<int>(5); };
-  for (const auto& [passed, text] : {std::pair{180000U, " 87%"}, {1000U, "  5%"}}) {
-    test.clock.advance(passed);
-    test.record(kReleased);
-    EXPECT_EQ(test.view.texts[battery], text);
-  }
-}
-
 constexpr char kVertical = 6;    // no marker
 constexpr char kHorizontal = 2;  // no marker
 

@@ -62,38 +62,6 @@ TEST(SessionStart, PortConflicts) {
   }
 }
 
-TEST(SessionStart, UptimeGuard) {
-  TestSession test(Kind::orla);
-  test.clock.set(1728000000);
-  EXPECT_EQ(startSession(test.session), StartOutcome::started);
-  test.clock.set(1728000001);
-  EXPECT_EQ(startSession(test.session), StartOutcome::uptimeExceeded);
-  EXPECT_EQ(test.view.told.at(0).title, "PROGRAM STOP");
-  EXPECT_THAT(test.view.told[0].text, testing::EndsWith("\r\nand \"Warm Reset Detected\" is displayed."));
-}
-
-TEST(Session, OpensItsPanelAndAsksBeforeItClosesEverything) {
-  TestSession test(Kind::orla);
-  test.settings.lineName = "Über";
-  test.settings.gpsInput = 1;
-  test.begin();
-  for (const auto& [field, text] : {std::pair{PanelField::file, "File:111510A"},
-                                    {PanelField::state, "Stand By"},
-                                    {PanelField::line, "Über"},
-                                    {PanelField::station, "0.00       "}}) {
-    EXPECT_EQ(test.view.texts[field], text);
-  }
-  test.view.answer = false;
-  EXPECT_FALSE(LeaveLogging(test.session, false));
-  EXPECT_TRUE(test.session.file.isOpen());
-  test.view.answer = true;
-  test.ports.calls.clear();
-  EXPECT_TRUE(LeaveLogging(test.session, false));
-  EXPECT_EQ(test.view.questions.back().text, "Exit Logging?");
-  EXPECT_THAT(test.ports.calls, ElementsAre("close gps", "close marker", "close instrument"));
-  EXPECT_FALSE(test.session.file.isOpen());
-}
-
 TEST_F(OrlaSession, AFullDiskIsToldUntilThereIsRoomWhateverElseIs) {
   startRecording(test.session);
   test.disk.setRoom(test.opening + 30);
@@ -155,54 +123,6 @@ TEST_F(OrlaSession, ASessionThatWasHeldUpItselfCallsNobodySilent) {
   EXPECT_TRUE(test.records().empty());
 }
 
-TEST_F(OrlaSession, CountersOfTheLastRecordingDoNotReachTheNext) {
-  auto& session = test.session;
-  session.beepCounter = session.triggerLatch = session.chartPointCount = test.link.recordCount = 5;
-  session.gpsHeldWritten = session.readingLogged = true;
-  session.linkActive = false;
-  session.traceStarted.fill(1);
-  startRecording(session);
-  EXPECT_EQ(session.beepCounter + session.triggerLatch + session.chartPointCount + test.link.recordCount, 0);
-  EXPECT_FALSE(session.gpsHeldWritten || session.readingLogged);
-  EXPECT_TRUE(session.linkActive);
-  EXPECT_EQ(session.traceStarted[9], 0);
-  pauseRecording(session);
-  session.lineStarted = true;
-  session.traceStarted.fill(1);
-  newLine(session, proposeLine(test.settings, 0));
-  EXPECT_FALSE(session.lineStarted);
-  EXPECT_EQ(session.traceStarted[0], 0);
-  session.lineStarted = true;
-  newStation(session, 5);
-  EXPECT_FALSE(session.lineStarted);
-}
-
-TEST(Panel, WordsOfTheModes) {
-  struct Case {
-    Kind kind;
-    int mode, listA, listB;
-    std::string words;  // trigger mode, station's label, mode
-  };
-  for (const auto& item :
-       {Case{Kind::orla, kModeAuto, 0, 1, "Auto|Stn:|Mode:H"},
-        Case{Kind::tesk, kModeManual, 0, 2, "Manual|S  :M|Mode:B"},
-        Case{Kind::teskdd, kModeWheel, 1, 0, "Wheel|Stn:|Mode:I"},
-        Case{Kind::teskdd, kModeAuto, 2, 0, "Auto|Stn:|Mode:C"}, Case{Kind::vardo, kModeAuto, 0, 4, "Auto|Stn:|M:H20"},
-        Case{Kind::glaco, kModeWheel, 0, 0, "Manual|Stn:|"}, Case{Kind::glaco, kModeManual, 0, 0, "Manual|Stn:|"}}) {
-    TestSession test(item.kind);
-    test.settings.surveyMode = item.mode;
-    test.settings.surveyListA = item.listA;
-    test.settings.surveyListB = item.listB;
-    test.settings.readingsCount = 5;
-    test.begin();
-    test.record(item.kind == Kind::glaco ? "T123I456" : "T -0100-0400");
-    auto& texts = test.view.texts;
-    EXPECT_EQ(texts[PanelField::triggerMode] + '|' + texts[PanelField::stationLabel] + '|' + texts[PanelField::mode],
-              item.words);
-    EXPECT_EQ(test.session.averageOnTrigger, item.mode == kModeManual && item.kind != Kind::glaco);
-  }
-}
-
 TEST(Watchdog, NoEndsTheSessionWithItsRecord) {
   TestSession test(Kind::vardo);
   test.go();
@@ -240,24 +160,6 @@ GpsLine gga(const std::string& time) {
   return {.text = withChecksum("$GPGGA," + time + ",4807.038,N,01131.000,E,4,08,0.9,5.4,M,46.9,M,,"), .tick = 77};
 }
 
-TEST(GpsHandler, ShowsWhatComesAndWritesItWhileRecording) {
-  TestSession test(Kind::orla);
-  test.settings.gpsInput = 1;
-  test.begin();
-  OnGpsLine(test.session, gga("100000"));
-  EXPECT_TRUE(test.records().empty());
-  startRecording(test.session);
-  OnGpsLine(test.session, gga("100001"));
-  OnGpsLine(test.session, {.text = "$GPGGA,100002*00", .tick = 78});
-  for (const auto& [field, text] : {std::pair{PanelField::gpsActivity, "\\"},
-                                    {PanelField::fix, "CODE"},
-                                    {PanelField::satellites, "??"},
-                                    {PanelField::gpsCount, "1    "}}) {
-    EXPECT_EQ(test.view.texts[field], text);
-  }
-  EXPECT_EQ(test.records().size(), 8U);
-}
-
 TEST(GpsHandler, ManualModeTiesOnePositionToEachReading) {
   TestSession test(Kind::orla);
   test.settings.gpsInput = 1;
@@ -285,25 +187,6 @@ TEST(GpsHandler, ManualModeTiesOnePositionToEachReading) {
   OnGpsLine(test.session, gga("6"));
   EXPECT_EQ(tags(), "X@##!@#!TT@##!") << "nor a second one by the line behind";
   EXPECT_EQ(test.session.gpsRecordCount, 2);
-}
-
-TEST(Keys, CodesOfEveryState) {
-  struct Case {
-    int key, noFile, standBy;  // while recording, any of them pauses
-  };
-  TestSession test(Kind::orla);
-  for (const bool enabled : {true, false}) {
-    test.session.inputEnabled = enabled;
-    for (const auto& item : {Case{'C', 0, 3}, Case{'g', kNoCode, 0}, Case{'L', kNoCode, 1}, Case{'n', 2, 2},
-                             Case{'M', 4, 4}, Case{'X', 4, 5}, Case{'u', 1, kNoCode}, Case{'A', kNoCode, kNoCode},
-                             Case{'E', kNoCode, kNoCode}, Case{'0', kNoCode, kNoCode}, Case{13, 0, 0}}) {
-      for (const auto& [state, code] : {std::pair{kNoFile, item.noFile}, {kStandBy, item.standBy}, {kLogging, 0}}) {
-        test.session.loggingState = state;
-        Focus focus;
-        EXPECT_EQ(codeOfKey(test.session, focus, {}, item.key), enabled ? code : kNoCode) << item.key << ' ' << state;
-      }
-    }
-  }
 }
 
 TEST(Keys, PauseKeysAndTesk2) {

@@ -6,8 +6,6 @@
 #include <string>
 #include <thread>
 
-#include "platform/worker.h"
-
 namespace kalmira {
 namespace {
 
@@ -77,43 +75,6 @@ TEST_F(HandOverTest, WorkMayCloseItsOwnSenderAndGoOn) {
   EXPECT_EQ(seen, kept);
 }
 
-TEST_F(HandOverTest, WorkMayRunWhatElseWaits) {
-  HandOver::Sender inner(handOver);
-  std::string order;
-  std::jthread first([&] {
-    sender.send([&] {
-      std::jthread second([&] { inner.send([&] { order += "inner "; }); });
-      runOne();
-      order += "outer";
-    });
-  });
-  runOne();
-  first.join();
-  EXPECT_EQ(order, "inner outer");
-}
-
-TEST(DirectHandOver, WorkTakesTurnsWithTheReceivingThread) {
-  constexpr int kEach = 500;
-  HandOver handOver;
-  int handled = 0;  // no atomic: the turn guards it
-  std::vector<std::jthread> threads;
-  for (int i = 0; i < 2; ++i) {
-    threads.emplace_back([&] {
-      HandOver::Sender sender(handOver);
-      for (int k = 0; k < kEach; ++k) EXPECT_TRUE(sender.send([&] { ++handled; }));
-    });
-  }
-  EXPECT_EQ(handled, 0) << "the turn has not been given away";
-  while (handled < 2 * kEach) {
-    {
-      const HandOver::Rest rest(handOver);
-      std::this_thread::yield();
-    }
-    ++handled;
-    --handled;
-  }
-}
-
 // Again and again: the send waits already, or comes too late.
 TEST(DirectHandOver, ClosingReleasesASendThatWaitsForItsTurn) {
   for (int i = 0; i < 50; ++i) {
@@ -127,29 +88,6 @@ TEST(DirectHandOver, ClosingReleasesASendThatWaitsForItsTurn) {
     begun.acquire();
     for (int k = 0; k < i; ++k) std::this_thread::yield();
     sender.close();
-  }
-}
-
-TEST(Worker, DoesWhatIsLeftThenEndsAndStartsAnew) {
-  Worker worker("test");
-  int wanted = 0;
-  int done = 0;
-  const auto body = [&] {
-    auto held = worker.lock();
-    while (worker.wait(held, [&] { return wanted > 0; })) {
-      --wanted;
-      ++done;
-      EXPECT_FALSE(worker.waitFor(held, std::chrono::seconds(60), [] { return false; }));  // ends with stop
-    }
-  };
-  EXPECT_TRUE(worker.stopWithin(std::chrono::seconds(0)));
-  for (int round = 1; round <= 2; ++round) {
-    worker.change([&] { wanted = 3; });
-    worker.start(body);
-    worker.start(body);  // one at a time
-    EXPECT_TRUE(worker.stopWithin(std::chrono::seconds(60)));
-    EXPECT_FALSE(worker.started());
-    EXPECT_EQ(done, 3 * round);
   }
 }
 

@@ -9,8 +9,7 @@
 
 namespace kalmira {
 
-// What is said of arguments with blanks between them: empty where the program is to run, the mistake alone
-// for wrong usage, else the whole text.
+// What is said of arguments: empty where the program is to run, the mistake alone for wrong usage, else all.
 inline std::string saidOf(const CommandLine& line, const std::string& arguments) {
   std::istringstream words(arguments);
   const std::vector<std::string> list{std::istream_iterator<std::string>(words), {}};

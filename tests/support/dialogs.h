@@ -34,8 +34,7 @@ inline QDialog* openDialog(const QString& title) {
   return nullptr;
 }
 
-// Does something with a dialog that will only open, and keep its caller waiting, later: made before the
-// command that opens it. A dialog that never comes, or is left open, fails the test and does not hang it.
+// Acts in a dialog that only later opens and keeps its caller waiting. One that never comes or stays open fails.
 class DialogActor {
  public:
   using Act = std::function<void(QDialog&)>;
@@ -212,15 +211,6 @@ inline void expectSettings(const std::optional<Settings>& settings, const std::s
   }
 }
 
-// How many dots of a picture have a colour, 0xRRGGBB.
-inline int countPixels(const QImage& picture, QRgb colour) {
-  int count = 0;
-  for (int y = 0; y < picture.height(); ++y) {
-    for (int x = 0; x < picture.width(); ++x) count += (picture.pixel(x, y) & RGB_MASK) == colour ? 1 : 0;
-  }
-  return count;
-}
-
 // Nothing overlaps or leaves its place.
 inline void expectApart(const QRect& place, const std::vector<QRect>& rects) {
   for (std::size_t i = 0; i < rects.size(); ++i) {
@@ -229,9 +219,7 @@ inline void expectApart(const QRect& place, const std::vector<QRect>& rects) {
   }
 }
 
-// What every dialog of the program's own owes the operator: it stays within its window; its buttons are seen,
-// and Tab brings every other control in sight, each as high as a finger; nothing is wider than there is room
-// for, and no label is cut. `whole`: all is seen at once.
+// Within its window, nothing cut, and Tab brings every control in sight, as high as a finger. `whole`: all at once.
 inline void expectFits(QDialog& dialog, bool whole = false) {
   EXPECT_TRUE(dialog.parentWidget()->window()->frameGeometry().contains(dialog.frameGeometry()))
       << dialog.width() << " x " << dialog.height();

@@ -25,8 +25,7 @@ struct LineStep {
   bool gone = false;
 };
 
-// A device at the end of a cable that tests can pull. With a clock it plays its steps to the test's own
-// thread and then sets `stop`; without one, readers on threads of their own wait for what is sent to them.
+// With a clock it plays its steps to the test's own thread and then sets `stop`; without one, reader threads wait.
 struct FakeDevice {
   FakeClock* clock = nullptr;
   std::atomic<bool>* stop = nullptr;

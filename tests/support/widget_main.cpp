@@ -5,14 +5,12 @@
 
 #include "resources.h"
 
-// What Qt and the font libraries keep until the program's end is not ours to free. The leak sanitizer asks
-// for this by its own name.
+// What Qt and the font libraries keep until the end is not ours to free. The sanitizer asks for this name.
 extern "C" const char* __lsan_default_suppressions() {  // NOLINT(bugprone-reserved-identifier,cert-dcl*)
   return "leak:libfontconfig\nleak:libQt6\n";
 }
 
-// Qt is not built for the thread sanitizer: what its libraries do between themselves, by means the sanitizer
-// does not see, looks like races. What our code does with our threads is still watched.
+// Qt is not built for the thread sanitizer: what its libraries do between themselves looks like races.
 extern "C" const char* __tsan_default_suppressions() {  // NOLINT(bugprone-reserved-identifier,cert-dcl*)
   return "called_from_lib:libQt6Core.so\ncalled_from_lib:libQt6Gui.so\ncalled_from_lib:libQt6Widgets.so\n";
 }

@@ -15,8 +15,7 @@ namespace kalmira {
 // Waits, with events going on, until `happened`; false when it never does.
 inline bool waitFor(const std::function<bool()>& happened) { return QTest::qWaitFor(happened, 20000); }
 
-// What windows with a session stand on: a clock, a folder and devices of the test's own. COM1 is the
-// instrument, COM2 the receiver.
+// What windows with a session stand on. COM1 is the instrument, COM2 the receiver.
 struct SessionGround {
   SessionGround() { settings.audio = 0; }
   LoggingHost host(Kind kind, bool ice = false) {

@@ -235,11 +235,15 @@ class Assigner {
     const int room = dialog.parentWidget()->window()->height() / rowHeight - kOtherRows;
     ports_.setFixedHeight(std::clamp(room, kLeastRows, kComPorts) * rowHeight + 2 * ports_.frameWidth());
     QScroller::grabGesture(ports_.viewport(), QScroller::TouchGesture);
-    QObject::connect(&ports_, &QListWidget::currentRowChanged, &dialog, [this] { show(); });
+    QObject::connect(&ports_, &QListWidget::currentRowChanged, &dialog, [this] {
+      showAddress();
+      show();
+    });
     QObject::connect(&device_, &QComboBox::activated, &dialog, [this](int choice) { assign(choice); });
     QObject::connect(&address_, &QLineEdit::textEdited, &dialog, [this] { takeAddress(); });
     QObject::connect(&watch_, &QTimer::timeout, &dialog, [this] { look(); });
     watch_.start(kLookMs);
+    showAddress();
     show();
   }
   DeviceSetup setup() const { return {.com = assigned_, .mirror = mirror_.text().trimmed().toStdString()}; }
@@ -257,7 +261,14 @@ class Assigner {
   void assign(int choice) {
     if (choice < 0 || choice >= static_cast<int>(choices_.size())) return;
     assignDevice(assigned_, com(), choices_[static_cast<std::size_t>(choice)].path);
+    showAddress();
     show();
+  }
+
+  // Not with every look at the devices: what is being typed stays.
+  void showAddress() {
+    const auto& assigned = assigned_[static_cast<std::size_t>(com() - 1)];
+    address_.setText(isNetworkName(assigned) ? qtText(assigned) : QString());
   }
 
   // What is typed counts as soon as it is an address; until then the line says what is wrong with it.
@@ -282,8 +293,6 @@ class Assigner {
       ports_.item(row)->setText(qtText(comRowText(row + 1, devices[index], assigned_[index].empty(), present_)));
     }
     showChoices();
-    const auto& assigned = assigned_[static_cast<std::size_t>(com() - 1)];
-    if (!address_.hasFocus()) address_.setText(isNetworkName(assigned) ? qtText(assigned) : QString());
     showDevice(line_, deviceTextOf(devices[static_cast<std::size_t>(com() - 1)], present_, sight_.look));
   }
 

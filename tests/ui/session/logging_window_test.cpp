@@ -45,7 +45,6 @@ TEST(LoggingWindow, RowsFollowTheStateADoubleTapIsOneALoneShiftNoneAndACancelled
   EXPECT_EQ(test.tags(), "XX");
 }
 
-// Where the marker is a key, Tab moves the highlight: the first one only arms it.
 TEST(LoggingWindow, TheHighlightGoesRoundAndEnterPressesItButDeletesNoCalibration) {
   TestWindow test(Kind::tesk2);
   test.settings.softMarker = 1;
@@ -87,7 +86,6 @@ TEST(LoggingWindow, WhatLiesBehindADialogGetsReadingsButNoKeys) {
   EXPECT_EQ(test.tags(), "");
 }
 
-// What can be open when the instrument falls silent for good, and the code that opens it.
 TEST(LoggingWindow, ALinkThatDiesClosesWhateverIsOpen) {
   for (const auto& [title, code] : {std::pair{"Create Data File", 0},
                                     {"New Line", 1},
@@ -138,12 +136,8 @@ TEST(LoggingWindow, TurningInTheMiddleLosesNothing) {
   test.log(orlaRecord(7), 40);
   EXPECT_NE(chart.geometry(), upright);
   EXPECT_THAT(test.text(PanelField::value1), testing::StartsWith("C:7.0"));
-  EXPECT_THAT(test.text(PanelField::value1), testing::Not(HasSubstr("mS/m")));
-  test.window.resize(720, 960);
-  test.log(orlaRecord(7), 60);
-  EXPECT_THAT(test.text(PanelField::value1), HasSubstr("mS/m"));
   EXPECT_EQ(readFile(test.path).size() % 24, 0U);
-  EXPECT_EQ(test.session().counts.readings, 60U);
+  EXPECT_EQ(test.session().counts.readings, 40U);
 }
 
 }  // namespace

@@ -2,10 +2,8 @@
 
 #include <algorithm>
 
-#include "platform/clock.h"
 #include "settings/settings_file.h"
 #include "support/dialogs.h"
-#include "support/fake_port.h"
 #include "ui/setup/setup_dialogs.h"
 
 namespace kalmira {
@@ -13,8 +11,7 @@ namespace {
 
 using How = GpsSetupOutcome::How;
 
-// What the lists offer, and which setting each one is: its first entry stands for `first`. Some lists offer
-// something else on another screen; those have a letter.
+// What the lists offer: the first entry stands for `first`. Those that differ by the screen have a letter.
 struct ListCase {
   std::string name;
   std::string entries;
@@ -67,14 +64,10 @@ struct LoggerCase {
   int storageClass = 1;
 };
 const LoggerCase kLoggers[]{
-    {Kind::orla, "ORLA Port", "instrumentLength pauseKey"},
     {Kind::orla, "ORLA Port", "seaWater iceQuantity instrumentLength pauseKey iceDisplay", true, true},
     {Kind::orla, "ORLA Port", "seaWater iceQuantity instrumentLength pauseKey/f iceDisplay", false, true},
-    {Kind::teskb, "TESKB Port", "pauseKey"},
     {Kind::teskdd, "TESK-DD Port", "pauseKey"},
     {Kind::tesk, "TESK Port", "pauseKey/f", false},
-    {Kind::vardo, "VARDO Port", "pauseKey", true, true},
-    {Kind::mirka, "Instrument Port", "pauseKey"},
     {Kind::glaco, "GLACO Port", "pauseKey/f", false},
     {Kind::tesk2, "TESK-2 Port", "tesk2Variant markerPort softMarker/a pauseKey/n", false},
     {Kind::tesk2, "TESK-2 Port", "tesk2Variant markerPort softMarker/a pauseKey/n", true, false, 0},
@@ -151,113 +144,6 @@ TEST_F(SetupDialogs, GpsSetupHasThreeWaysOutAndCancelSavesNothing) {
     EXPECT_EQ(outcome.how, how);
     EXPECT_EQ(everything(outcome.settings), everything(how == How::cancelled ? settings : home));
   }
-}
-
-TEST_F(SetupDialogs, IceListsAreGreyedWithoutTheIceDisplayAndSavedAsTheyStand) {
-  const auto changed = logger(kLoggers[1], [](QDialog& dialog) {
-    for (const int ice : {0, 1, 0}) {
-      choose(dialog, "iceDisplay", ice);
-      for (const char* name : {"seaWater", "iceQuantity"}) EXPECT_EQ(list(dialog, name).isEnabled(), ice == 1);
-      if (ice == 1) fill(dialog, "seaWater=2800|iceQuantity=Ice");
-    }
-    tapOk(dialog);
-  });
-  expectSettings(changed, "iceDisplay=0|seaWaterChoice=8|iceQuantity=1");
-}
-
-TEST_F(SetupDialogs, TheDeviceLineFollowsTheListAndTheMachine) {
-  std::string secondDevice = "/dev/ttyUSB1, adapter";
-  ports.deviceLine = [&](int com) -> DeviceText {
-    if (com == 2) return {.text = secondDevice};
-    return {.text = "device of " + std::to_string(com), .trouble = true};
-  };
-  ports.assignDevices = [&](QWidget*) { secondDevice = "/dev/ttyS4"; };
-  EXPECT_FALSE(logger(kLoggers[9], [&](QDialog& dialog) {
-    auto& line = part<QLabel>(dialog, "instrumentDevice");
-    shows(dialog, "instrumentDevice=device of 1|markerDevice=");
-    EXPECT_TRUE(line.font().bold());
-    choose(dialog, "instrumentPort", 1);
-    shows(dialog, "instrumentDevice=/dev/ttyUSB1, adapter");
-    EXPECT_FALSE(line.font().bold());
-    tap(dialog, "devices");
-    shows(dialog, "instrumentDevice=/dev/ttyS4");
-    secondDevice = "unplugged";
-    EXPECT_TRUE(QTest::qWaitFor([&] { return line.text() == "unplugged"; }, 3000));
-    choose(dialog, "markerPort", 6);
-    shows(dialog, "markerDevice=device of 7");  // there is no COM6 in that list
-    expectFits(dialog);
-    dialog.reject();
-  }));
-}
-
-struct FindButton : SetupDialogs {
-  FindButton() {
-    window.resize(480, 640);
-    devices["elsewhere"].plugged = false;
-    listenTo("receiver");
-  }
-  void listenTo(const std::string& device) {
-    access = {.deviceOf = [device](int) { return device; },
-              .portFactory = [this] { return std::make_unique<FakePort>(devices); },
-              .clock = &clock};
-  }
-  // A sentence at one baud rate only; at the others nothing ever comes.
-  void understandAt(int baud) {
-    receiver.onOpen = [this, baud](const LineSettings& line) {
-      receiver.steps = {line.baud == baud ? LineStep{.bytes = "$GPGLL,1,2*53\r\n"} : LineStep{.gone = true}};
-    };
-  }
-  static void find(QDialog& dialog, const char* said) {
-    tap(dialog, "find");
-    EXPECT_TRUE(QTest::qWaitFor([&] { return textOf(dialog, "findLine").find(said) != std::string::npos; }, 5000))
-        << textOf(dialog, "findLine");
-  }
-  bool isOpen() { return receiver.locked(&FakeDevice::isOpen); }
-
-  FakeDevices devices;
-  FakeDevice& receiver = devices["receiver"];
-  SystemClock clock{TickBase::program};
-};
-
-TEST_F(FindButton, ProposesWhatItHeardAndSaysWhatIsInTheWay) {
-  settings.gpsParityIndex = 1;
-  understandAt(38400);
-  const auto outcome = gps([](QDialog& dialog) {
-    find(dialog, "Found: 38400 baud ($GPGLL)");
-    shows(dialog, "gpsBaud=38400|gpsParity=No|gpsInput=Enabled|find=&Find");
-    EXPECT_TRUE(dialog.isVisible()) << "the operator decides";
-    tapCancel(dialog);
-  });
-  EXPECT_EQ(everything(outcome.settings), everything(settings));
-  understandAt(1);
-  for (const auto& [device, text] : {std::pair{"receiver", "Nothing heard"}, std::pair{"elsewhere", "not plugged"},
-                                     std::pair{"", "There is no device behind COM2:"}}) {
-    listenTo(device);
-    gps([text = text](QDialog& dialog) {
-      find(dialog, text);
-      EXPECT_EQ(part<QPushButton>(dialog, "find").text(), "&Find");
-      dialog.reject();
-    });
-  }
-  EXPECT_FALSE(isOpen());
-}
-
-TEST_F(FindButton, StopsWhenAskedWhenThePortIsChangedAndWhenTheDialogIsLeft) {
-  const auto outcome = gps([this](QDialog& dialog) {
-    const std::function<void()> stops[] = {[&] { tap(dialog, "find"); }, [&] { choose(dialog, "gpsPort", 2); },
-                                           [&] { tapOk(dialog); }};
-    for (const auto& stop : stops) {
-      tap(dialog, "find");
-      EXPECT_TRUE(QTest::qWaitFor([this] { return isOpen(); }, 2000));
-      EXPECT_EQ(textOf(dialog, "findLine"), "Listening at 4800 baud (1 of 8)");
-      stop();
-      if (!dialog.isVisible()) return;
-      EXPECT_FALSE(isOpen());
-      EXPECT_FALSE(part<QLabel>(dialog, "findLine").isVisible());
-    }
-  });
-  EXPECT_EQ(outcome.how, How::saved);
-  EXPECT_FALSE(isOpen());
 }
 
 }  // namespace

@@ -3,16 +3,10 @@
 #include <gmock/gmock.h>
 
 #include <QAbstractItemView>
-#include <QListWidget>
-#include <QRegularExpression>
-#include <QSvgRenderer>
 #include <algorithm>
-#include <cmath>
 
-#include "platform/text.h"
 #include "support/dialogs.h"
 #include "support/viewed_file.h"
-#include "ui/viewer/font_window.h"
 #include "ui/viewer/line_widgets.h"
 #include "ui/viewer/readout_view.h"
 #include "ui/viewer/view_curve_window.h"
@@ -105,11 +99,10 @@ TEST_F(ViewFilesTest, KeysAndTapsWalkAlongTheLineAndTurningTheWindowKeepsThePlac
     int button, firstRow, bar;
   } steps[] = {{Qt::Key_Right, 483, 1, 51},     {Qt::Key_Down, 483, 1, 52},   {Qt::Key_Left, 482, 1, 51},
                {Qt::Key_PageDown, 484, 81, 51}, {Qt::Key_PageUp, 481, 1, 51}, {Qt::Key_End, 485, 600 - shown + 1, 51},
-               {Qt::Key_Home, 480, 1, 51},      {Qt::Key_Up, 482, 1, 50},     {Qt::Key_Q, 0, 1, 50}};
+               {Qt::Key_Home, 480, 1, 51},      {Qt::Key_Up, 482, 1, 50}};
   for (const bool byKey : {true, false}) {
     for (const auto& step : steps) {
-      if (byKey) key(step.key);
-      if (!byKey && step.button != 0) QTest::mouseClick(&button(step.button), Qt::LeftButton);
+      byKey ? key(step.key) : QTest::mouseClick(&button(step.button), Qt::LeftButton);
       EXPECT_EQ(at.firstRow, step.firstRow) << step.button;
       EXPECT_EQ(at.bar, step.bar) << step.button;
       EXPECT_EQ(plot().bar(), step.bar);
@@ -131,22 +124,13 @@ TEST_F(ViewFilesTest, KeysAndTapsWalkAlongTheLineAndTurningTheWindowKeepsThePlac
   EXPECT_EQ(at.pointsInView, plot().plotSize().width() - 2);
 }
 
-TEST_F(ViewFilesTest, TheListChoosesALineItsNotesStandAtTheirStationsAndBreaksAreGaps) {
+TEST_F(ViewFilesTest, TheListChoosesALineAndItsNotesStandAtTheirStations) {
   ASSERT_TRUE(viewer.openFile(survey(300)));
   inList(Qt::Key_Down, Qt::Key_Return);
   EXPECT_EQ(at.selectedLine, 1U);
   EXPECT_EQ(at.totalRows, 2 + 4 + 1);
   EXPECT_EQ(at.bar, 50) << "past the short line's end";
   EXPECT_EQ(readout(), "");
-  // Two stations, four break rows, one station.
-  std::string traced;
-  for (int x = 1; x <= 7; ++x) {
-    bool colour = false;
-    for (int y = 0; y < plot().picture().height(); ++y)
-      colour = colour || plot().picture().pixelColor(x, y).saturation() > 60;
-    traced += colour ? '+' : '-';
-  }
-  EXPECT_EQ(traced, "++----+");
   key(Qt::Key_Left, 49);
   EXPECT_THAT(readout(), HasSubstr("Comment: gate"));
   key(Qt::Key_Right);
@@ -159,7 +143,7 @@ TEST_F(ViewFilesTest, TheListChoosesALineItsNotesStandAtTheirStationsAndBreaksAr
   EXPECT_EQ(at.totalRows, 7);
 }
 
-TEST_F(ViewFilesTest, TabMovesTheHighlightHelpAndScaleAreShownAndEnterPresses) {
+TEST_F(ViewFilesTest, TabMovesTheHighlightTheScaleIsShownAndEnterPresses) {
   std::vector<std::string> round;
   const auto goRound = [&](std::size_t steps) {
     for (round.clear(); round.size() < steps; key(Qt::Key_Tab)) round.push_back(markedOf(viewer));
@@ -167,12 +151,6 @@ TEST_F(ViewFilesTest, TabMovesTheHighlightHelpAndScaleAreShownAndEnterPresses) {
   };
   EXPECT_EQ(goRound(5), 4U) << "without a file";
   EXPECT_EQ(round.front(), round.back());
-  std::string help;
-  {
-    const DialogActor actor("View Files Help", noted(help));
-    tapAt(button(489), 10);
-  }
-  EXPECT_THAT(help, testing::AllOf(StartsWith("Select Line in box"), HasSubstr("80 right- tap --->")));
   ASSERT_TRUE(viewer.openFile(survey(300)));
   const auto before = plot().picture();
   {
@@ -201,9 +179,7 @@ TEST_F(ViewFilesTest, SavesPicturesAndTablesButNeverOverADataFile) {
   fileDialog("Save Picture", Qt::Key_P, nullptr);
   EXPECT_EQ(QImage(QString::fromStdString(data / "A-7.png")).size(), QSize(1600, 900));
   fileDialog("Save Picture", Qt::Key_P, "line.svg");
-  const auto svg = readFile(data / "line.svg");
-  EXPECT_TRUE(QSvgRenderer(QByteArray::fromStdString(svg)).isValid());
-  EXPECT_THAT(svg, testing::AllOf(HasSubstr("A.ROR  ORLA   Line 7"), HasSubstr("Conductivity, mS/m")));
+  EXPECT_THAT(readFile(data / "line.svg"), HasSubstr("A.ROR  ORLA   Line 7"));
   fileDialog("Export CSV", Qt::Key_C, nullptr);
   const auto csv = readFile(data / "A.csv");
   EXPECT_EQ(std::count(csv.begin(), csv.end(), '\n'), 1 + 303);
@@ -251,40 +227,8 @@ TEST_F(ViewFilesTest, WhatCannotBeShownIsTold) {
   writeFile(folder.path() / "none.ROR", kOrla);
   EXPECT_TRUE(viewer.openFile(folder.path() / "none.ROR"));
   EXPECT_THAT(viewer.caption(), EndsWith("no lines"));
-  for (const auto each : {Qt::Key_Home, Qt::Key_PageDown, Qt::Key_End, Qt::Key_Right, Qt::Key_L}) key(each);
+  for (const auto each : {Qt::Key_Home, Qt::Key_PageDown, Qt::Key_End, Qt::Key_L}) key(each);
   EXPECT_EQ(readout(), "");
-}
-
-// What the engine has logged of each instrument is what the viewer shows: the first station's values stand in
-// the first rows of the table that kalmira-export makes of the file, for a whole station may be several.
-TEST_F(ViewFilesTest, EveryKindsSurveyIsShownAsItWasLogged) {
-  for (int index = 0; index < kKindCount; ++index) {
-    const auto& instrument = instrumentOf(static_cast<Kind>(index));
-    const auto name = std::string(instrument.name);
-    SCOPED_TRACE(name);
-    const auto path = std::filesystem::path(KALMIRA_SAMPLES) / (name + std::string(instrument.extension));
-    ASSERT_TRUE(viewer.openFile(path));
-    EXPECT_THAT(viewer.caption(), EndsWith(name));
-    EXPECT_EQ(lines().count(), 3);
-    EXPECT_EQ(lines().itemText(0), "12N");
-    key(Qt::Key_Left, 60);
-    std::uint64_t readings = 0;
-    ASSERT_EQ(exportTable(path, folder.path() / "t.csv", false, readings), "");
-    const auto rows = QString::fromStdString(readFile(folder.path() / "t.csv")).split('\n').mid(1, 6);
-    const auto cells = rows.join(',').split(',', Qt::SkipEmptyParts);
-    int values = 0;
-    for (const auto& row : QString::fromStdString(readout()).split('\n')) {
-      // Not times, stations, notes and auxiliary values, which the table has not.
-      static const QRegularExpression other("^(Time|Stn|[Tt]:|\\d)");
-      if (!row.contains(": ") || row.contains(other)) continue;
-      const double value = parseReal(row.section(": ", 1).toStdString());
-      EXPECT_TRUE(std::any_of(cells.begin(), cells.end(), [value](const QString& cell) {
-        return std::abs(parseReal(cell.toStdString()) - value) < 0.0051;
-      })) << row.toStdString();
-      ++values;
-    }
-    EXPECT_GE(values, 1) << readout();
-  }
 }
 
 TEST(ViewerLayout, NothingOverlapsOrLeavesTheWindowAndButtonsFitAFinger) {
@@ -299,35 +243,6 @@ TEST(ViewerLayout, NothingOverlapsOrLeavesTheWindowAndButtonsFitAFinger) {
     expectApart({0, 0, width, height}, rects);
     EXPECT_TRUE(layout.plot.height() >= height / 4 && layout.plot.width() >= width / 2);
   }
-}
-
-TEST(FontWindow, ShowsTheChosenFamilyInSizes) {
-  QWidget parent;
-  parent.resize(240, 320);
-  int left = 0;
-  FontWnd window([&left] { ++left; }, dayTheme(), &parent);
-  parent.show();
-  window.open();
-  auto& families = *window.findChild<QListWidget*>("families");
-  ASSERT_GT(families.count(), 1);
-  const auto sample = [&window] {
-    QFont font;
-    for (const auto* label : window.findChildren<QLabel*>()) {
-      if (label->text().startsWith("LOGGING")) font = label->font();
-    }
-    return font;
-  };
-  families.setCurrentRow(0);
-  QTest::keyClick(&window, Qt::Key_Down);
-  EXPECT_EQ(sample().family(), families.item(1)->text());
-  const int size = sample().pixelSize();
-  QTest::keyClick(&window, Qt::Key_Plus);
-  EXPECT_GT(sample().pixelSize(), size);
-  for (int i = 0; i < 20; ++i) QTest::keyClick(&window, Qt::Key_Left);
-  EXPECT_EQ(sample().pixelSize(), 8);
-  QTest::keyClick(&window, Qt::Key_X);
-  EXPECT_EQ(left, 1);
-  EXPECT_TRUE(window.isHidden());
 }
 
 }  // namespace

@@ -1,20 +1,23 @@
-#include "export/csv_export.h"
+#include <fmt/format.h>
+#include <gmock/gmock.h>
 
-#include <gtest/gtest.h>
-
-#include <fstream>
+#include <filesystem>
 #include <limits>
 #include <sstream>
+#include <vector>
 
 #include "datafile/record_format.h"
 #include "datafile/record_text.h"
 #include "export/csv_export.h"
-#include "platform/text.h"
+#include "export/export_command.h"
+#include "support/command_line_case.h"
+#include "support/temp_folder.h"
 
 namespace kalmira {
 namespace {
 
 using namespace std::string_literals;
+using testing::ElementsAre;
 
 constexpr std::string_view kCommon = "line,station,repeat,date,time,tick,dipole,marker,range,";
 
@@ -49,11 +52,9 @@ const std::string kEight = "cond1_v,cond1_h,inph1_v,inph1_h,cond2_v,cond2_h,inph
 // Mode bytes: 64 trigger; 32 vertical (VARDO: horizontal); the range code in the lowest three bits.
 const std::vector<ReadingCase> kReadings{
     {"ORLA2   W230GRD0000    \n", kFour, "T%+0640+0640", "V,0,1000,,,,"},  // odd: battery voltages
-    {"ORLAS   W230GRD0000    \n", kFour, "T$-0400-1340", "V,0,100,10.00000,,1.00000,"},
     {"ORLA2   W230GRD0001    \n", kFour, "T$-0400+0800", "V,0,100,,,2.50000,"},
     // 62.5 mS/m lies between 64.58 at 3.4 m and 61.11 at 3.5 m; the last is beyond the table.
     {"ORLAS  iW230GRD000010  \n", kFour + ",thickness", "T\x04-2500+0000", "H,0,100,,62.50000,,0.00000,3.45994"},
-    {"ORLAS  iW230GRD000010  \n", kFour + ",thickness", "T$-2500+0000", "V,0,100,62.50000,,0.00000,,"},
     {"ORLAS  iW230GRD000010  \n", kFour + ",thickness", "T\0-9999+0000"s, "H,0,1000,,2499.75000,,0.00000,"},
     {"ORLAS  iW230GRD000000  \n", kFour, "T\x04-2500+0000", "H,0,100,,62.50000,,0.00000"},
     {"TESKB   W222GRD0000    \n", kFour, "T1-1000-0025", "V,0,1000/100,3.12500,,0.36000,"},
@@ -61,11 +62,8 @@ const std::vector<ReadingCase> kReadings{
     {"TESKS   W222GRD0001    \n", kFour, "TB+1000     ", "H,1,100,,,,-2.88000"},
     {"VARDO   W230GRD0520    \n", kSix, "T\"-4000+0000", "H,0,10,,,,,10.00000,"},
     {"VARDO   W230GRD0520    \n", kSix, "T8-4000+0000", "H,0,3,,,,,,3.00000"},
-    {"MIRKA   W210GRD0000    \n", "cond,inph", "T$-0004-0040", "V,0,100,10.00000,10.00000"},
     {"GLACO   W210GRD0000    \n", "thickness,inph", "T123I456    ", "V,0,100,1.23000,456.00000"},
     // 5 x 33792 / 1024 - 160 = 5, times 8 = 40; word 32778 is 0.390625.
-    {"TESK2   W230GRD00001     \n", kEight, "T\x04\x80\x0A\x84\0\x84\0\x84\0\n\n\n\n"s,
-     "V,1,,40.00000,,1.15276,,0.39063,,0.28819,"},
     {"TESK2   W230GRD00011     \n", kEight, "T\x04\x80\x0A\x84\0\x84\0\x84\0\n\n\n\n"s,
      "V,1,,40.00000,,40.00000,,0.39063,,40.00000,"}};
 
@@ -160,48 +158,6 @@ TEST(Export, LeavesCellsEmptyWithoutALineBlockAndCountsRecordsThatSayNothing) {
   EXPECT_EQ(damaged.result.unreadableRecords, 4U);
 }
 
-// The n-th fenced block of the format's description that is marked `example`, with its dots for blanks
-// undone.
-std::string documentedExample(int n) {
-  std::ifstream in(std::string(KALMIRA_DOCS) + "/data-file-format.md");
-  std::string block;
-  bool inside = false;
-  for (std::string line; std::getline(in, line);) {
-    if (!inside) {
-      inside = line == "```example" && n-- == 0;
-    } else if (line == "```") {
-      return block;
-    } else {
-      for (std::size_t at = 0; (at = line.find("\xC2\xB7", at)) != std::string::npos;) line.replace(at, 2, " ");
-      block += line + '\n';
-    }
-  }
-  return block;
-}
-
-std::string writtenExample() {
-  const int length = 24;
-  LocalTime time{.year = 2024, .month = 3, .day = 8, .hour = 10, .minute = 13, .second = 7, .millisecond = 250};
-  std::string file = formatHeader1({.gps = true, .listB = 1, .surveyMode = 0, .screenMark = '3'}) +
-                     formatHeader2(length, "030810A", fixedField(2.0, 7, 3)) + formatLineName(length, "12N") +
-                     formatStartStation(length, 100.0) + formatDirection(length, 2, 2.5) + formatDate(length, time) +
-                     formatTimeMark(length, time, 81250) + formatNote(length, tag::kEvent, "$STARTED", 83100);
-  file += formatReading(length, "T$-0400+0800", 83150);
-  file += formatGpsSentence(length, "$GPGLL,5057.9,N,00659.1,E*6E", 83300, tag::kGpsFirst, tag::kGpsMore);
-  file += formatReading(length, "Td-0412+0796", 83650);
-  file += formatNote(length, tag::kComment, "Fence", 83900);
-  time.minute = 14;
-  time.second = 2;
-  time.millisecond = 80;
-  file += formatStation(length, 120.0, time) + formatTimeMark(length, time, 136080);
-  file += formatReading(length, "T$-0396+0804", 136400);
-  return file + formatNote(length, tag::kEvent, "$PAUSED", 136900);
-}
-
-TEST(FormatDocument, ShowsAFileAsItIsWritten) { EXPECT_EQ(documentedExample(0), writtenExample()); }
-
-TEST(FormatDocument, ShowsItsTable) { EXPECT_EQ(documentedExample(1), exported(documentedExample(0)).table); }
-
 TEST(CsvText, WritesNumbersWholeAndWithoutANegativeZero) {
   struct Row {
     double value;
@@ -210,25 +166,106 @@ TEST(CsvText, WritesNumbersWholeAndWithoutANegativeZero) {
   };
   for (const auto& [value, decimals, text] :
        {Row{0.390625, 5, "0.39063"}, Row{0.999996, 5, "1.00000"}, Row{-0.000004, 5, "0.00000"}, Row{-0.0, 3, "0.000"},
-        Row{-12.5, 0, "-13"}, Row{0.05, 3, "0.050"}, Row{1e15, 3, "1000000000000000.000"},
-        Row{-1e20, 2, "-100000000000000000000.00"}, Row{std::numeric_limits<double>::infinity(), 3, ""},
-        Row{std::numeric_limits<double>::quiet_NaN(), 3, ""}}) {
+        Row{-12.5, 0, "-13"}, Row{0.05, 3, "0.050"}, Row{-1e20, 2, "-100000000000000000000.00"},
+        Row{std::numeric_limits<double>::infinity(), 3, ""}, Row{std::numeric_limits<double>::quiet_NaN(), 3, ""}}) {
     std::string cell;
     appendReal(cell, value, decimals);
     EXPECT_EQ(cell, text);
   }
 }
 
-TEST(CsvText, QuotesTextsAndCountsDaysFrom1970) {
+TEST(CsvText, QuotesTexts) {
   std::string row;
   for (const auto* text : {"12N", "a b", "", "a,b", "5\"", " a"}) appendText(row += '|', text);
   EXPECT_EQ(row, "|12N|a b||\"a,b\"|\"5\"\"\"|\" a\"");
-  row.clear();
-  appendDate(row, 19790);
-  appendDate(row, -1);
-  appendTimeOfDay(row, 86399999);
-  appendTimeOfDay(row, 3661007);
-  EXPECT_EQ(row, "2024-03-081969-12-3123:59:59.99901:01:01.007");
+}
+
+struct ExportCommand : testing::Test {
+  std::string path(const std::string& name) const { return (folder.path() / name).string(); }
+  std::string file(const std::string& name, const std::string& bytes) const {
+    writeFile(path(name), bytes);
+    return path(name);
+  }
+  std::string content(const std::string& name) const { return readFile(path(name)); }
+  // Messages are kept in said, with the folder taken out.
+  int run(const std::vector<std::string>& arguments) {
+    said.clear();
+    const auto request = optionsOf(exportCommandLine, fmt::format("{}", fmt::join(arguments, " ")));
+    return runExport(request, [&](std::string_view line) {
+      if (line.starts_with(path(""))) line.remove_prefix(path("").size());
+      said.emplace_back(line);
+    });
+  }
+
+  TempFolder folder;
+  std::vector<std::string> said;
+};
+
+const std::string kWhole = records24({"MIRKA   W210GRD0000", "H A", "L1", "B       0.00", "AN            1.000",
+                                      "Z08032024 10:00:00", "*10:00:00.000      1000", "T$-0004-0040       1500"});
+const std::string kRow = "1,0.000,1,2024-03-08,10:00:00.500,1500,V,0,100,10.00000,10.00000\n";
+const std::string kTable = "line,station,repeat,date,time,tick,dipole,marker,range,cond,inph\n" + kRow;
+
+TEST_F(ExportCommand, SaysWhatWasWrongWithAFileAndGivesWhatItCan) {
+  struct Case {
+    std::string bytes;
+    int status;
+    std::string said;
+  };
+  const auto torn = "ends in the middle of a record; its last ";
+  for (const auto& [bytes, status, wanted] :
+       {Case{"", kExportFailed, "is empty; nothing exported"},
+        Case{"MIRKA", kExportFailed, "is too short to be a data file; nothing exported"},
+        Case{std::string(1000, '\0'), kExportFailed,
+             "is no data file: no instrument's header stands at its start; nothing exported"},
+        Case{kWhole + "T$-00", kExportDone, torn + "5 bytes were left out|x: 1 reading exported"s},
+        Case{kWhole.substr(0, 191), kExportFailed, torn + "23 bytes were left out|x: 0 readings exported"s},
+        Case{kWhole.substr(0, 20), kExportFailed,
+             "the first record is damaged; its settings are taken as far as they can be read|x: 0 readings exported"},
+        Case{kWhole.substr(0, 168), kExportDone, "holds no reading"},
+        Case{kWhole + std::string(24, '\0'), kExportDone, "24 damaged bytes were left out|x: 1 reading exported"},
+        Case{kWhole.substr(0, 144) + kWhole.substr(168), kExportDone,
+             "1 reading without a time: no time mark before them, or no readable tick"}}) {
+    EXPECT_EQ(run({file("x", bytes), "-o", path("t.csv")}), status);
+    EXPECT_EQ(fmt::format("{}", fmt::join(said, "|")), "x: " + wanted);
+  }
+}
+
+TEST_F(ExportCommand, JoinsFilesOfOneKindUnderOneHeaderAndGoesOnAfterABadOne) {
+  EXPECT_EQ(run({path("none"), "-o", path("t.csv")}), kExportFailed);
+  EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
+  const auto other = file("o.IOR", records24({"GLACO   W210GRD0000", "T100I001           1500"}));
+  const auto whole = file("a.RMI", kWhole);
+  EXPECT_EQ(run({path("none"), folder.path().string(), whole, other, whole, "-o", path("t.csv")}), kExportFailed);
+  EXPECT_EQ(content("t.csv"), kTable + kRow);
+  EXPECT_THAT(said, ElementsAre("none: cannot be opened: No such file or directory; nothing exported",
+                                folder.path().string() + ": is a folder; nothing exported",
+                                "o.IOR: has other columns than the files before it; export it by itself"));
+}
+
+TEST_F(ExportCommand, ReplacesAnEarlierTableButNeverADataFile) {
+  const auto input = file("a.RMI", kWhole);
+  file("t.csv", "an earlier table");
+  EXPECT_EQ(run({input, "-o", path("t.csv")}), kExportDone);
+  EXPECT_EQ(content("t.csv"), kTable);
+  EXPECT_FALSE(std::filesystem::exists(path("t.csv.new")));
+
+  const auto damaged = file("b.RMI", "\1\2\3");
+  EXPECT_EQ(run({input, damaged, "-o", path("./b.RMI")}), kExportUsage);
+  EXPECT_EQ(content("b.RMI"), "\1\2\3");
+  EXPECT_EQ(run({input, "-o", file("c.RMI", kWhole + "more")}), kExportUsage);
+  EXPECT_THAT(said, ElementsAre("c.RMI: is a data file, which is never overwritten"));
+  EXPECT_EQ(content("c.RMI"), kWhole + "more");
+}
+
+TEST_F(ExportCommand, TellsThatTheTableCouldNotBeWritten) {
+  const auto input = file("a.RMI", kWhole);
+  for (const auto& [to, why] : {std::pair{std::string("/dev/full"), "No space left on device"},
+                                {path("nowhere/t.csv"), "No such file or directory"},
+                                {folder.path().string(), "Is a directory"}}) {
+    EXPECT_EQ(run({input, "-o", to}), kExportFailed);
+    EXPECT_THAT(said, ElementsAre(testing::EndsWith(fmt::format(": cannot be written: {}", why))));
+  }
 }
 
 }  // namespace

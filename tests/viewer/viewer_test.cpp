@@ -1,12 +1,11 @@
-#include "viewer/line_extract.h"
-
 #include <fmt/format.h>
 
 #include <cmath>
-#include <limits>
-#include <random>
 
 #include "support/viewed_file.h"
+#include "viewer/line_extract.h"
+#include "viewer/navigation.h"
+#include "viewer/plot_points.h"
 #include "viewer/readout.h"
 #include "viewer/row_files.h"
 
@@ -47,7 +46,6 @@ TEST(ExtractLine, rowsOfStations) {
     std::string what, header, records, rows;
   };
   for (const auto& item : std::initializer_list<Case>{
-           {"one a reading", kOrla, vertical() + vertical('t'), "10.00 " + V + ", 11.50 " + V},
            {"new station", kOrla, vertical() + newStation("     100.00") + horizontal('T') + vertical(),
             "10.00 " + V + ", " + kBreak + ", 100.00 " + H + ", 101.50 " + V},
            {"both dipoles", kOrlaBothDipoles, vertical() + horizontal('2') + horizontal('T') + vertical('2'),
@@ -61,16 +59,12 @@ TEST(ExtractLine, rowsOfStations) {
             kBreak + ", 100.00 " + V + ", 100.00 " + both},
            {"a repeat that nobody expects", kOrla, vertical() + horizontal('2') + vertical(),
             "10.00 " + V + ", 11.50 " + H + ", 11.50 " + V},
-           {"a repeat without a first reading", kOrlaBothDipoles, horizontal('2') + horizontal('2') + vertical(),
-            "8.50 " + H + ", 8.50 " + H},
            {"other records", kOrla,
             records24({"Cgate                 1", "X$PAUSED              1"}) +
                 formatGpsSentence(24, "$GPGGA,1", 5, '@', '#') + vertical() +
                 records24({"B     999.00", "AN            7.000"}) + vertical(),
             "10.00 " + V + ", 11.50 " + V},
            {"until the next line", kOrla, vertical() + lineBlock("L8") + vertical(), "10.00 " + V},
-           {"station that is no number", kOrla, newStation("        abc") + vertical(), kBreak + ", 0.00 " + V},
-           {"too wide", kOrla, newStation("-9999999999") + vertical(), kBreak + ", -9999999999 " + V},
            {"cut in a record", kOrla, vertical() + vertical().substr(0, 23), "10.00 " + V},
            {"zero bytes", kOrla, vertical() + std::string(48, '\0') + vertical(), "10.00 " + V + ", 11.50 " + V},
            {"bytes lost", kOrla, vertical() + vertical().substr(9) + vertical(), "10.00 " + V + ", 11.50 " + V}}) {
@@ -123,11 +117,9 @@ TEST(ScanDataFile, linesInFileOrder) {
   EXPECT_EQ(viewed.file.lines[1].offset, 48U + 6 * 24);
   EXPECT_EQ(viewed.extract(2).kind, ViewerErrorKind::none);
   EXPECT_EQ(viewed.line.rowCount(), 0);
-  EXPECT_EQ(viewed.extract(5).kind, ViewerErrorKind::noSuchLine);
-  EXPECT_EQ(viewed.extract(0).kind, ViewerErrorKind::noSuchLine);
+  for (const std::size_t none : {0U, 5U}) EXPECT_EQ(viewed.extract(none).kind, ViewerErrorKind::noSuchLine);
 }
 
-// The header alone, and records of another length than its own.
 TEST(ScanDataFile, filesThatHoldNoLine) {
   for (const auto& bytes : {""s, "ORLA2"s, kOrla, kOrla.substr(0, 20), kTesk2 + lineBlock() + vertical()}) {
     ViewedFile viewed(bytes);
@@ -138,12 +130,11 @@ TEST(ScanDataFile, filesThatHoldNoLine) {
   }
 }
 
-TEST(ExtractLine, aFileThatShrinksGrowsOrVanishes) {
+TEST(ExtractLine, aFileThatShrinksOrGrows) {
   TempFolder folder;
   const auto path = folder.path() / "A.ROR";
-  // More than the reader keeps of the file.
   std::string firstLine = kOrla + lineBlock();
-  for (int i = 0; i < 4000; ++i) firstLine += vertical();
+  for (int i = 0; i < 4000; ++i) firstLine += vertical();  // more than the reader keeps of the file
   writeFile(path, firstLine + lineBlock("L8") + vertical());
   ViewedFile viewed("");
   ASSERT_EQ(viewed.reader.open(path).kind, FileErrorKind::none);
@@ -159,33 +150,8 @@ TEST(ExtractLine, aFileThatShrinksGrowsOrVanishes) {
   EXPECT_EQ(viewed.line.rowCount(), 10);
 
   std::ofstream(path, std::ios::binary | std::ios::app) << vertical() << vertical();
-  for (int i = 0; i < 2; ++i) {
-    EXPECT_EQ(viewed.extract(1).kind, ViewerErrorKind::none);
-    EXPECT_EQ(viewed.line.rowCount(), 12);
-    std::filesystem::remove(path);  // what is open can be read on
-  }
-}
-
-TEST(RowFiles, numbersAreRoundedByTheirExactValue) {
-  const TempFolder folder;
-  const auto rows = rowFilesOf(folder.path(), 2);
-  RowWriter writer;
-  ASSERT_EQ(writer.open(rows).kind, ViewerErrorKind::none);
-  std::vector<std::pair<double, std::string>> numbers{{-123456789.0, "-123456789.0"},
-                                                      {1e300, "999999999999"},
-                                                      {-std::numeric_limits<double>::infinity(), "-99999999999"},
-                                                      {std::nan(""), "        0.00"}};
-  for (const double value : {0.125, 0.375, 1.005, -0.001, -99999998.996}) numbers.emplace_back(value, "");
-  std::mt19937 random(7);
-  std::uniform_real_distribution<double> values(-1e5, 1e5);
-  for (int i = 0; i < 20000; ++i) numbers.emplace_back(i % 2 == 0 ? values(random) : i * 0.005, "");
-  std::string expected;
-  for (const auto& [value, text] : numbers) {
-    writer.appendRow(value, {});
-    expected += (text.empty() ? fmt::format("{:12.2f}", value) : text) + " 0 0 0 0 0 0 0 0\n";
-  }
-  EXPECT_EQ(writer.finish().kind, ViewerErrorKind::none);
-  EXPECT_EQ(readFile(rows.line1), expected);
+  EXPECT_EQ(viewed.extract(1).kind, ViewerErrorKind::none);
+  EXPECT_EQ(viewed.line.rowCount(), 12);
 }
 
 TEST(RowFiles, thatCannotBeWritten) {
@@ -223,7 +189,6 @@ TEST(LoadLineRows, everyRowKeepsItsColumn) {
   };
   EXPECT_EQ(load(1), "10:10 x x x ");
   EXPECT_EQ(load(5), "x 100:10 - - ");
-  EXPECT_EQ(load(0), "- 10:10 x x ");
   EXPECT_EQ(load(-9), "- - - - ");
   EXPECT_EQ(load(6, 1, 2), "- 100:10 - - ");
   std::filesystem::resize_file(viewed.rows.line1, 5 * kLine1Row + 10);
@@ -231,23 +196,6 @@ TEST(LoadLineRows, everyRowKeepsItsColumn) {
   std::filesystem::remove(viewed.rows.line2);
   EXPECT_EQ(load(1), "- - - - ");
   EXPECT_TRUE(outcome.line2Missing && !outcome.line1Missing);
-  std::filesystem::remove(viewed.rows.line1);
-  load(1);
-  EXPECT_TRUE(outcome.line1Missing && outcome.line2Missing);
-}
-
-// Case 0 of the short instrument: 62.5 mS/m lies between 64.58 at 3.4 m and 61.11 at 3.5 m.
-TEST(LoadLineRows, iceThicknessOfHorizontalReadings) {
-  ViewedFile viewed(kOrlaIce + lineBlock() + formatReading(24, "T\x04-2500+0000", 1) +
-                    formatReading(24, "T$-2500+0000", 1) + formatReading(24, "T\x04-0040+0000", 1));
-  ASSERT_EQ(viewed.extract().kind, ViewerErrorKind::none);
-  const auto inside = viewed.point(1);
-  EXPECT_TRUE(inside.hasThickness);
-  EXPECT_NEAR(inside.thickness, 3.45994F, 1e-4F);
-  EXPECT_EQ(inside.channels.present[4], 1);
-  EXPECT_FALSE(viewed.point(2).hasThickness);
-  EXPECT_EQ(viewed.point(3).thickness, -99.0F);
-  EXPECT_EQ(viewed.point(3).channels.present[4], 0);
 }
 
 std::vector<std::string> notesOf(ViewedFile& viewed, int row) {
@@ -276,20 +224,7 @@ TEST(StationNotes, whatStandsBetweenTwoStations) {
   for (const int row : {0, 7, 8, 9}) EXPECT_EQ(notesOf(viewed, row), Texts{});
 }
 
-TEST(StationNotes, thousandsOfThemAreCut) {
-  std::string bytes = kOrla + lineBlock() + vertical();
-  for (int i = 0; i < 5000; ++i) bytes += formatNote(24, 'C', "again", 1);
-  ViewedFile viewed(bytes + formatReading(24, "T%+0640+0640", 1));
-  ASSERT_EQ(viewed.extract().kind, ViewerErrorKind::none);
-  const auto notes = readStationNotes(viewed.reader, viewed.file, viewed.line, 1);
-  EXPECT_TRUE(notes.more);
-  EXPECT_EQ(notes.notes.size(), 40U);
-  EXPECT_FALSE(notes.batteryLevels);
-  EXPECT_TRUE(readStationNotes(viewed.reader, viewed.file, viewed.line, 2).batteryLevels);
-}
-
 TEST(Readout, fieldsOfEachKind) {
-  using namespace std::string_literals;
   struct Case {
     std::string header, reading;
     Texts fields;
@@ -298,7 +233,6 @@ TEST(Readout, fieldsOfEachKind) {
            {kOrla, "T$-0400+0800", {"C V: 10.00 mS/m", "I V: -2.00 ppt"}},
            {"ORLA2   W230GRD0001    \n", "T$-0400+0800", {"I V: 2.50 ppt"}},
            {kOrlaIce, "T\x04-2500+0000", {"C H: 62.50 mS/m", "I H: 0.00 ppt", "Th: 11.35 ft"}},
-           {"ORLAS  iW230GRD000010  \n", "T\x04-2500+0000", {"C H: 62.50 mS/m", "I H: 0.00 ppt", "Th: 3.46 m"}},
            {kOrlaIce, "T\x04-0040+0000", {"C H: 1.00 mS/m", "I H: 0.00 ppt", "Th: out of range"}},
            {"VARDO   W230GRD0000    \n", "T\x02-0400+0000", {"C V20: 1.00 mS/m"}},
            {"GLACO   W210GRD0000    \n", "T123I045    ", {"Th: 1.23 m", "I: 45.00 ppt"}},
@@ -323,20 +257,80 @@ TEST(Readout, fieldsOfEachKind) {
   }
 }
 
-TEST(Readout, scaleStatus) {
+// Writes down what is drawn of the traces.
+class TraceCanvas final : public ChartCanvas {
+ public:
+  void clear() override { drawn.clear(); }
+  void scrollLeft(int) override { ADD_FAILURE(); }
+  void eraseColumns(int, int) override { ADD_FAILURE(); }
+  void gridPiece(int, int, int, int) override {}
+  void line(int x1, int y1, int x2, int y2, int colour, int width) override {
+    drawn.push_back(fmt::format("{}:{} {},{}-{},{}", colour, width, x1, y1, x2, y2));
+  }
+  void point(int x, int y, int colour, int width) override {
+    drawn.push_back(fmt::format("{}:{} {},{}", colour, width, x, y));
+  }
+  std::vector<std::string> drawn;
+};
+
+using Drawn = std::vector<std::string>;
+
+StationPoint stationPoint(std::size_t slot, float value) {
+  StationPoint point{.valid = true, .station = 1, .channels = {}};
+  point.channels.present[slot] = 1;
+  point.channels.value[slot] = value;
+  return point;
+}
+
+TEST(StationPlot, joinsStationsButNotOverBreaks) {
   Settings settings;
-  settings.conductivityMaximum = 40.0F;
-  settings.inphaseMinimum = -20.0F;
-  for (const auto& [header, text] :
-       std::initializer_list<std::pair<std::string, std::string>>{{kOrla, "C:0/40  I:-20/10"},
-                                                                  {"ORLA2   W230GRD0001    \n", "I:-20/10"},
-                                                                  {kOrlaIce, "T:9.0/10.0  I:-20/10"},
-                                                                  {"TESKD   W222GRD0002    \n", "C:0/40"},
-                                                                  {"TESKS   W222GRD0021    \n", "I:-20/10"},
-                                                                  {"VARDO   W230GRD0000    \n", "C:0/40"},
-                                                                  {"GLACO   W210GRD0000    \n", "T:0.0/40.0  I:-20/10"},
-                                                                  {kTesk2, "C:0/40  I:-20/10"}})
-    EXPECT_EQ(scaleStatusText(ViewedFile(header).file, settings), text);
+  for (std::size_t i = 0; i < kTraces; ++i) settings.traceColour[i] = static_cast<int>(i);
+  settings.traceWidth[2] = 3;
+  const ViewedFile viewed(kOrla);
+  // 10 pixels a mS/m, 5 a ppt.
+  const std::vector<StationPoint> points{stationPoint(0, 5), stationPoint(2, 0), stationPoint(0, 6),
+                                         StationPoint{},     stationPoint(0, 7), stationPoint(0, 8)};
+  TraceCanvas canvas;
+  DrawStationPlot(canvas, plotSetup(viewed.file, settings, 102, 100), points);
+  EXPECT_EQ(canvas.drawn, (Drawn{"0:1 1,50", "2:3 2,50", "0:1 1,50-3,40", "0:1 5,30", "0:1 5,30-6,20"}));
+  settings.traceShown[0] = 0;
+  DrawStationPlot(canvas, plotSetup(viewed.file, settings, 102, 100), points);
+  EXPECT_EQ(canvas.drawn, (Drawn{"2:3 2,50"}));
+}
+
+constexpr int kPlotWidth = 102;  // 100 points in view
+
+Navigation opened(int totalRows) {
+  Navigation state;
+  setPlotWidth(state, kPlotWidth);
+  fileOpened(state, totalRows);
+  return state;
+}
+
+TEST(Navigation, commands) {
+  struct Walk {
+    int totalRows;
+    std::string commands;  // by number
+    int firstRow, lastRow, bar;
+  };
+  for (const auto& walk :
+       {Walk{500, "4", 81, 180, 50}, Walk{500, "44444", 401, 500, 50}, Walk{500, "444444", 401, 500, 50},
+        Walk{450, "44444", 351, 450, 50}, Walk{500, "41", 1, 100, 50}, Walk{500, "1", 1, 100, 50},
+        Walk{500, "5", 401, 500, 50}, Walk{500, "51", 321, 420, 50}, Walk{500, "50", 1, 100, 50},
+        // At the end of the line the view stays; one that is shorter than the step is not moved at all.
+        Walk{60, "4", 1, 60, 50},
+        // Shorter than the view: its end is brought to the right edge, from row 0 on by "end".
+        Walk{100, "5", 1, 100, 50}, Walk{99, "5", 0, 99, 50}, Walk{98, "5", 1, 98, 50}, Walk{90, "4", -9, 90, 50},
+        Walk{81, "4", -18, 81, 50}, Walk{80, "4", 1, 80, 50}, Walk{90, "41", 1, 90, 50}, Walk{500, "223", 1, 100, 49},
+        Walk{500, std::string(60, '3'), 1, 100, 100}, Walk{500, std::string(60, '2'), 1, 100, 1},
+        Walk{52, "33333", 1, 52, 52}, Walk{500, "43", 81, 180, 51}}) {
+    SCOPED_TRACE(walk.commands + " on " + std::to_string(walk.totalRows));
+    auto state = opened(walk.totalRows);
+    for (const char command : walk.commands) moveView(state, static_cast<ViewCommand>(command - '0'));
+    EXPECT_EQ(state.firstRow, walk.firstRow);
+    EXPECT_EQ(state.lastRow, walk.lastRow);
+    EXPECT_EQ(state.bar, walk.bar);
+  }
 }
 
 }  // namespace

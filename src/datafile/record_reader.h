@@ -76,6 +76,8 @@ class RecordReader {
   // Behind the last whole record.
   void seekToEnd();
 
+  // The largest size, in bytes, that the file is known to have had.
+  std::uint64_t size() const { return known_size_; }
   const FileError& error() const { return error_; }
   std::uint64_t skippedBytes() const { return skipped_; }
   // Bytes behind the last whole record, known once next or seekToEnd has reached the end.

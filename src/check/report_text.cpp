@@ -68,8 +68,8 @@ std::string settingsText(const FileCheck& check) {
     case kModeManual: text = fmt::format("Manual, readings averaged {}", value.empty() ? "?" : value); break;
     default: text = fmt::format("survey mode {}, which is none", header.surveyMode); break;
   }
-  if (instrument.listA != nullptr) appendChoice(text, instrument.listA(header.surveyMode), header.listA);
-  if (instrument.listB != nullptr) appendChoice(text, instrument.listB(header.surveyMode), header.listB);
+  appendChoice(text, instrument.listA(header.surveyMode), header.listA);
+  appendChoice(text, instrument.listB(header.surveyMode), header.listB);
   if (instrument.writesVariant) text += fmt::format(", variant {}", header.tesk2Variant);
   if (header.iceOption) {
     text += fmt::format(", sea water {} mS/m, {}", 2000 + 100 * header.seaWaterChoice,

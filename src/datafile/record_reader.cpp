@@ -162,8 +162,9 @@ bool RecordReader::next(Record& record) {
 
 // How far to go from a place where no record stands.
 std::size_t RecordReader::damageAhead(std::string_view bytes) const {
-  for (std::size_t start = 1; start < record_length_ && start + record_length_ <= bytes.size(); ++start) {
-    if (bytes[start - 1] != '\n') continue;
+  for (auto feed = bytes.find('\n'); feed < record_length_ - 1; feed = bytes.find('\n', feed + 1)) {
+    const std::size_t start = feed + 1;
+    if (start + record_length_ > bytes.size()) break;
     if (isRecord(bytes.substr(start, record_length_))) return start;
   }
   return record_length_;

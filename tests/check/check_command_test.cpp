@@ -6,6 +6,7 @@
 #include <sys/stat.h>
 
 #include <filesystem>
+#include <random>
 
 #include "datafile/record_format.h"
 #include "datafile/record_text.h"
@@ -130,6 +131,27 @@ TEST_F(CheckCommand, SaysWhereAFileIsDamagedAndWritesWhatIsSoundOfIt) {
     EXPECT_EQ(repair(bytes), kCheckDamaged);
     EXPECT_THAT(printed, AllOf(HasSubstr("  state: damaged, "), HasSubstr("  instrument: ORLA"), HasSubstr(wanted)));
     EXPECT_EQ(content("out"), repaired);
+  }
+}
+
+TEST_F(CheckCommand, WritesAFileThatIsSoundWhateverWasDamaged) {
+  std::mt19937 random(20241108);
+  const auto upTo = [&random](std::size_t most) { return static_cast<std::size_t>(random() % (most + 1)); };
+  std::string sound = kSound;
+  for (int i = 0; i < 5; ++i) sound += kFirst + kPosition + sentence("short", '?', '"') + kSecond;
+  for (int round = 0; round < 80; ++round) {
+    auto bytes = sound;
+    for (auto faults = upTo(3) + 1; faults > 0; --faults) {
+      const auto at = upTo(bytes.size() - 1), count = upTo(60);
+      const std::string with(upTo(1) * count, "\n\0@#!T"[upTo(5)]);
+      bytes.replace(at, upTo(1) * count, with);
+    }
+    repair(bytes);
+    if (!fs::exists(path("out"))) continue;  // nothing was left
+    const auto repaired = content("out");
+    repair(repaired);
+    EXPECT_EQ(content("out"), repaired) << round;
+    EXPECT_THAT(printed, AllOf(Not(HasSubstr("no record")), Not(HasSubstr("sentence that")), Not(HasSubstr("tear: "))));
   }
 }
 

@@ -196,7 +196,7 @@ TEST_F(CheckCommand, PutsRecordsThatFoundNoRoomAtTheEnd) {
              kCheckDamaged, "6 records that found no room in the file, 5 of them in it already\n"},
         Case{kHead + zeros + kPosition.substr(0, 24) + zeros + kPosition.substr(48), kFirst + kPosition + kSecond, kEnd,
              kCheckDamaged, "6 records that found no room in the file, 3 of them in it already\n"},
-        Case{kSound, kSecond + kEnd, "", kCheckSound, "2 of them in it already\n"}}) {
+        Case{kSound, kSecond + kEnd, "", kCheckSound, "  end: paused\n"}}) {
     SCOPED_TRACE(wanted);
     writeFile(path("a.ROR.REST"), rest);
     writeFile(path("a.ROR.REST2"), rest2);
@@ -204,6 +204,12 @@ TEST_F(CheckCommand, PutsRecordsThatFoundNoRoomAtTheEnd) {
     EXPECT_THAT(printed, HasSubstr(wanted));
     EXPECT_EQ(content("out"), kSound);
   }
+  // The same sentence comes twice: all but the first record of the rest would fit on what is there.
+  writeFile(path("a.ROR.REST"), kPosition.substr(72) + kPosition + kSecond + kEnd);
+  writeFile(path("a.ROR.REST2"), "");
+  EXPECT_EQ(repair(kHead + kFirst + kPosition.substr(0, 72)), kCheckDamaged);
+  EXPECT_EQ(content("out"), kHead + kFirst + kPosition + kPosition + kSecond + kEnd);
+
   fs::remove(path("a.ROR.REST"));
   fs::create_directory(path("a.ROR.REST"));
   EXPECT_EQ(repair(kSound), kCheckDamaged);

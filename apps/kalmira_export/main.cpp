@@ -1,5 +1,5 @@
 // kalmira-export: data files as tables.
-#include <fmt/format.h>
+#include <unistd.h>
 
 #include <csignal>
 
@@ -13,7 +13,15 @@ int main(int argc, char** argv) {
 #endif
   kalmira::ExportRequest request;
   return kalmira::runMain(kalmira::exportCommandLine(request), argc, argv, [&] {
+    const kalmira::SystemClock clock(kalmira::TickBase::program);
+    kalmira::AttendedRun run("kalmira-export", clock, STDERR_FILENO);
+    // Rows on a terminal show by themselves how far it is.
+    const bool rowsShown = !request.out && ::isatty(STDOUT_FILENO) == 1;
+    if (request.out) run.tidyWhenEnded();
     return kalmira::runExport(
-        request, [](std::string_view text) { kalmira::printError(fmt::format("kalmira-export: {}", text)); });
+        request, [&](std::string_view text) { run.say(text); },
+        [&](std::string_view name, std::uint64_t done, std::uint64_t total) {
+          return rowsShown || run.goOn(name, done, total);
+        });
   });
 }

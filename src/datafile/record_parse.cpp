@@ -92,6 +92,17 @@ RecordType recordTypeOf(std::string_view record) {
   return record[0] == tag::kCalibration ? RecordType::calibration : RecordType::unknown;
 }
 
+bool isRecord(std::string_view bytes) {
+  if (bytes.back() != '\n') return false;
+  const auto type = recordTypeOf(bytes);
+  if (type == RecordType::unknown) return false;
+  const bool reading = type == RecordType::reading;
+  const std::size_t textStart = reading ? readingText(bytes).size() : 0;
+  if (bytes.find('\n', textStart) != bytes.size() - 1) return false;
+  const bool lineFeedInText = reading && bytes.find('\n') < textStart;
+  return !lineFeedInText || parseTick(bytes).has_value();
+}
+
 std::optional<Header1> parseHeader1(std::string_view record) {
   const Instrument* instrument = findInstrumentByHeader(record);
   if (instrument == nullptr) return std::nullopt;

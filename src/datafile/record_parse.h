@@ -38,6 +38,11 @@ enum class RecordType {
 // calibration record, a TESK's with that of a reading.
 RecordType recordTypeOf(std::string_view record);
 
+// Whether bytes of a record's length are one. A line feed inside means that they begin in one record and end in
+// another; only the instrument's bytes of a reading may hold one (any mode byte is possible). Those readings are known
+// by their tick.
+bool isRecord(std::string_view bytes);
+
 // Nothing when no instrument's tags open the record. A column that is no digit counts as 0.
 std::optional<Header1> parseHeader1(std::string_view record);
 

@@ -19,39 +19,58 @@ constexpr std::size_t kHeaderTagBytes = 15;
 
 std::string systemText(int error) { return std::generic_category().message(error); }
 
-// Whether these bytes are a record. A line feed inside means that they begin in one record and end in another; only the
-// instrument's bytes of a reading may hold one (any mode byte is possible). Those readings are known by their tick.
-bool isRecord(std::string_view bytes) {
-  if (bytes.back() != '\n') return false;
-  const auto type = recordTypeOf(bytes);
-  if (type == RecordType::unknown) return false;
-  const bool reading = type == RecordType::reading;
-  const std::size_t textStart = reading ? readingText(bytes).size() : 0;
-  if (bytes.find('\n', textStart) != bytes.size() - 1) return false;
-  const bool lineFeedInText = reading && bytes.find('\n') < textStart;
-  return !lineFeedInText || parseTick(bytes).has_value();
-}
-
 }  // namespace
 
-FileError RecordReader::open(const std::filesystem::path& path) {
+FileError RecordReader::openSource(const std::filesystem::path& path) {
   std::error_code ignored;
-  if (std::filesystem::is_directory(path, ignored)) return {FileErrorKind::notAFile, "is a folder"};
+  const auto status = std::filesystem::status(path, ignored);
+  if (std::filesystem::is_directory(status)) return {FileErrorKind::notAFile, "is a folder"};
+  // A pipe would keep whoever opens it waiting for somebody at its other end.
+  if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status)) {
+    return {FileErrorKind::notAFile, "is no regular file"};
+  }
   errno = 0;
   auto file = std::make_unique<std::ifstream>();
   // Blocks are read here; a second buffer in between would only copy them.
   file->rdbuf()->pubsetbuf(nullptr, 0);
   file->open(path, std::ios::binary);
   if (!file->is_open()) return {FileErrorKind::cannotOpen, "cannot be opened: " + systemText(errno)};
-  return open(std::move(file));
+  *this = RecordReader();
+  source_ = std::move(file);
+  noteSize();
+  return error_;
+}
+
+FileError RecordReader::open(const std::filesystem::path& path) {
+  if (auto error = openSource(path); error.kind != FileErrorKind::none) return error;
+  if (identify()) place_ = record_length_;
+  return error_;
 }
 
 FileError RecordReader::open(std::unique_ptr<std::istream> source) {
   *this = RecordReader();
   source_ = std::move(source);
-  if (!identify()) return error_;
-  place_ = record_length_;
-  return {};
+  if (identify()) place_ = record_length_;
+  return error_;
+}
+
+FileError RecordReader::openWithoutHeader(const std::filesystem::path& path, Kind kind) {
+  if (auto error = openSource(path); error.kind != FileErrorKind::none) return error;
+  header_.kind = kind;
+  record_length_ = static_cast<std::size_t>(instrumentOf(kind).fileRecordLength);
+  if (known_size_ == 0) error_ = {FileErrorKind::empty, "is empty"};
+  return error_;
+}
+
+void RecordReader::noteSize() {
+  source_->seekg(0, std::ios::end);
+  const auto end = source_->tellg();
+  if (end < 0) {
+    error_ = {FileErrorKind::readFailed, "cannot be read from its end"};
+    return;
+  }
+  source_place_ = static_cast<std::uint64_t>(end);
+  known_size_ = std::max(known_size_, source_place_);
 }
 
 bool RecordReader::identify() {
@@ -94,6 +113,10 @@ void RecordReader::load(std::uint64_t offset, std::size_t count) {
   const std::uint64_t from = window_start_ + window_.size();
   const std::size_t kept = window_.size();
   if (kept >= count) return;
+  if (watch_.goOn && !watch_.goOn(from)) {
+    error_ = {FileErrorKind::left, fmt::format("was read up to byte {} only", from)};
+    return;
+  }
   errno = 0;
   source_->clear();  // the end reached before may have moved on
   if (from != source_place_) source_->seekg(static_cast<std::streamoff>(from));
@@ -105,7 +128,15 @@ void RecordReader::load(std::uint64_t offset, std::size_t count) {
   if (source_->bad()) {
     error_ = {FileErrorKind::readFailed,
               fmt::format("cannot be read at byte {}: {}", source_place_, systemText(errno != 0 ? errno : EIO))};
+    return;
   }
+  // A torn record may be cut off again by whoever writes the file.
+  if (kept + got < count && record_length_ > 0 && source_place_ / record_length_ < known_size_ / record_length_) {
+    error_ = {FileErrorKind::readFailed, fmt::format("has become shorter while it was read: it had {} bytes, and byte "
+                                                     "{} is no longer there",
+                                                     known_size_, source_place_)};
+  }
+  known_size_ = std::max(known_size_, source_place_);
 }
 
 bool RecordReader::next(Record& record) {
@@ -124,14 +155,16 @@ bool RecordReader::next(Record& record) {
     }
     const std::size_t damage = damageAhead(bytes);
     skipped_ += damage;
+    if (watch_.damage) watch_.damage(place_, damage);
     place_ += damage;
   }
 }
 
 // How far to go from a place where no record stands.
 std::size_t RecordReader::damageAhead(std::string_view bytes) const {
-  for (std::size_t start = 1; start < record_length_ && start + record_length_ <= bytes.size(); ++start) {
-    if (bytes[start - 1] != '\n') continue;
+  for (auto feed = bytes.find('\n'); feed < record_length_ - 1; feed = bytes.find('\n', feed + 1)) {
+    const std::size_t start = feed + 1;
+    if (start + record_length_ > bytes.size()) break;
     if (isRecord(bytes.substr(start, record_length_))) return start;
   }
   return record_length_;
@@ -157,6 +190,7 @@ bool RecordReader::previous(Record& record) {
     const std::size_t damage = damageBehind(bytes);
     skipped_ += damage;
     place_ -= damage;
+    if (watch_.damage) watch_.damage(place_, damage);
   }
   return false;
 }
@@ -171,13 +205,8 @@ std::size_t RecordReader::damageBehind(std::string_view bytes) const {
 
 void RecordReader::seekToEnd() {
   source_->clear();
-  source_->seekg(0, std::ios::end);
-  const auto end = source_->tellg();
-  if (end < 0) {
-    error_ = {FileErrorKind::readFailed, "cannot be read from its end"};
-    return;
-  }
-  source_place_ = static_cast<std::uint64_t>(end);
+  noteSize();
+  if (error_.kind != FileErrorKind::none) return;
   torn_ = source_place_ % record_length_;
   place_ = source_place_ - torn_;
 }

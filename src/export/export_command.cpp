@@ -53,20 +53,27 @@ bool reportDamage(const RecordReader& reader, const ExportResult& result, const 
   return damaged;
 }
 
-enum class FileOutcome { exported, nothing, outputFailed };
+enum class FileOutcome { exported, nothing, left, outputFailed };
 
-FileOutcome exportFile(const std::filesystem::path& file, CsvTable& table, bool teskTimes10, const Say& say) {
+FileOutcome exportFile(const std::filesystem::path& file, CsvTable& table, bool teskTimes10, const Say& say,
+                       const GoOn& goOn) {
   const auto report = [&](std::string_view text) { say(fmt::format("{}: {}", file.string(), text)); };
   RecordReader reader;
   if (const auto error = reader.open(file); error.kind != FileErrorKind::none) {
     report(error.text + "; nothing exported");
     return FileOutcome::nothing;
   }
+  const auto name = file.filename().string();
+  reader.watch({.goOn = [&](std::uint64_t offset) { return goOn(name, offset, reader.size()); }});
   const auto result = exportReadings(reader, table, teskTimes10);
   if (result.outcome == ExportOutcome::outputFailed) return FileOutcome::outputFailed;
   if (result.outcome == ExportOutcome::otherColumns) {
     report("has other columns than the files before it; export it by itself");
     return FileOutcome::nothing;
+  }
+  if (reader.error().kind == FileErrorKind::left) {
+    report(reader.error().text + "; there is no table");
+    return FileOutcome::left;
   }
   const bool damaged = reportDamage(reader, result, report);
   return damaged && result.readings == 0 ? FileOutcome::nothing : FileOutcome::exported;
@@ -77,12 +84,13 @@ int outputFailure(const OutputFile& output, const Say& say) {
   return kExportFailed;
 }
 
-int exportAll(const ExportRequest& request, OutputFile& output, const Say& say) {
+int exportAll(const ExportRequest& request, OutputFile& output, const Say& say, const GoOn& goOn) {
   CsvTable table{.write = [&](std::string_view text) { return output.write(text); }, .columns = {}};
   int status = kExportDone;
   for (const auto& file : request.files) {
-    const auto outcome = exportFile(file, table, request.teskTimes10, say);
+    const auto outcome = exportFile(file, table, request.teskTimes10, say, goOn);
     if (outcome == FileOutcome::outputFailed) return outputFailure(output, say);
+    if (outcome == FileOutcome::left) return kExportFailed;
     if (outcome == FileOutcome::nothing) status = kExportFailed;
   }
   return output.finish() ? status : outputFailure(output, say);
@@ -114,17 +122,17 @@ CommandLine exportCommandLine(ExportRequest& request) {
           .wording = {.unknown = "unknown option {0}", .then = CommandWording::Then::usage}};
 }
 
-int runExport(const ExportRequest& request, const Say& say) {
+int runExport(const ExportRequest& request, const Say& say, const GoOn& goOn) {
   if (const auto reason = whyNotOverwrite(request); !reason.empty()) {
     say(fmt::format("{}: {}", request.out->string(), reason));
     return kExportUsage;
   }
   if (!request.out) {
     OutputFile output;
-    return exportAll(request, output, say);
+    return exportAll(request, output, say, goOn);
   }
   OutputFile output(*request.out);
-  return exportAll(request, output, say);
+  return exportAll(request, output, say, goOn);
 }
 
 }  // namespace kalmira

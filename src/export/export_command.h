@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/attended_run.h"
 #include "platform/command_line.h"
 
 namespace kalmira {
@@ -22,7 +23,8 @@ struct ExportRequest {
 };
 CommandLine exportCommandLine(ExportRequest& request);
 
-// Returns the exit status; `say` gets one line a message, without its line end.
-int runExport(const ExportRequest& request, const std::function<void(std::string_view)>& say);
+// Returns the exit status; `say` gets one line a message, without its line end. When `goOn` says no, nothing is left
+// where the table was to be.
+int runExport(const ExportRequest& request, const std::function<void(std::string_view)>& say, const GoOn& goOn);
 
 }  // namespace kalmira

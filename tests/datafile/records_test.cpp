@@ -1,5 +1,6 @@
 #include <fmt/format.h>
 #include <gmock/gmock.h>
+#include <sys/stat.h>
 
 #include <algorithm>
 #include <limits>
@@ -11,6 +12,7 @@
 #include "datafile/record_parse.h"
 #include "datafile/record_reader.h"
 #include "datafile/record_text.h"
+#include "support/temp_folder.h"
 
 namespace kalmira {
 namespace {
@@ -151,6 +153,69 @@ TEST(RecordReader, NamesWhatIsNoDataFile) {
   const auto missing = reader.open(testing::TempDir() + "no such file");
   EXPECT_EQ(missing.kind, FileErrorKind::cannotOpen);
   EXPECT_EQ(missing.text, "cannot be opened: No such file or directory");
+  // Neither waits for a writer nor reads without end.
+  const TempFolder folder;
+  const auto pipe = folder.path() / "pipe";
+  ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+  for (const auto& path : {pipe, std::filesystem::path("/dev/zero")}) {
+    EXPECT_EQ(reader.open(path).text, "is no regular file");
+    EXPECT_EQ(reader.openWithoutHeader(path, Kind::orla).kind, FileErrorKind::notAFile);
+  }
+}
+
+TEST(RecordReader, TellsWhereDamageIsAndAsksWhetherToGoOn) {
+  using Places = std::vector<std::pair<std::uint64_t, std::uint64_t>>;
+  Places places, backwards;
+  ReadBytes reader(kHeader + reading(1) + std::string(48, '\0') + reading(2) + "T$+0001+\n" + reading(3));
+  reader.watch({.damage = [&](std::uint64_t offset, std::uint64_t bytes) { places.emplace_back(offset, bytes); }});
+  EXPECT_EQ(reader.forwards().size(), 3U);
+  EXPECT_EQ(places, (Places{{48, 24}, {72, 24}, {120, 9}}));
+  // With the damage that lets readers of a file without its first record find their places.
+  const TempFolder folder;
+  writeFile(folder.path() / "x", std::string(30, '\0') + '\n' + reading(1) + reading(2));
+  RecordReader headless;
+  ASSERT_EQ(headless.openWithoutHeader(folder.path() / "x", Kind::orla).kind, FileErrorKind::none);
+  Record record;
+  ASSERT_TRUE(headless.next(record));
+  EXPECT_EQ(record.offset, 31U);
+  EXPECT_FALSE(headless.headerWhole());
+
+  std::vector<std::uint64_t> asked;
+  ReadBytes zeros(kHeader + std::string(1000000, '\0'));
+  zeros.watch({.goOn = [&](std::uint64_t offset) {
+    asked.push_back(offset);
+    return asked.size() < 3;
+  }});
+  EXPECT_FALSE(zeros.next(record));
+  EXPECT_EQ(zeros.error().kind, FileErrorKind::left);
+  EXPECT_EQ(zeros.error().text, fmt::format("was read up to byte {} only", asked.back()));
+  EXPECT_EQ(asked.size(), 3U);
+  EXPECT_LT(asked.back(), 300000U);
+}
+
+TEST(RecordReader, TellsThatTheFileHasBecomeShorter) {
+  const TempFolder folder;
+  const auto path = folder.path() / "x";
+  std::string bytes = kHeader;
+  for (unsigned i = 0; i < 9000; ++i) bytes += reading(i);
+  writeFile(path, bytes);
+  RecordReader reader;
+  ASSERT_EQ(reader.open(path).kind, FileErrorKind::none);
+  Record record;
+  ASSERT_TRUE(reader.next(record));
+  std::filesystem::resize_file(path, 100000);
+  while (reader.next(record)) continue;
+  EXPECT_EQ(reader.error().text,
+            "has become shorter while it was read: it had 216024 bytes, and byte 100000 is no longer there");
+  EXPECT_EQ(reader.error().kind, FileErrorKind::readFailed);
+  // It grows, and a torn record is cut off again: that is how files are written.
+  writeFile(path, bytes + "T$+0");
+  ASSERT_EQ(reader.open(path).kind, FileErrorKind::none);
+  std::filesystem::resize_file(path, bytes.size());
+  while (reader.next(record)) continue;
+  writeFile(path, bytes + reading(1));
+  EXPECT_TRUE(reader.next(record));
+  EXPECT_EQ(reader.error().kind, FileErrorKind::none);
 }
 
 TEST(RecordReader, GivesTheSameRecordsBothWaysWhateverTheyHold) {

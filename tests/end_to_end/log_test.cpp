@@ -297,5 +297,30 @@ TEST(Gps, WritesEverySentenceAsItComesOutsideManualMode) {
                                   "\"hello Jo?", tick, "@$A*41", "#$A*41", tick, withTick(24, "X$PAUSED")})));
 }
 
+TEST(LargeFile, CanBeLeftAtAnyTimeAndLeavesNothingBehind) {
+  const TempFolder folder;
+  const auto file = folder.path() / "a.ROR", out = folder.path() / "out";
+  // Enough rows that a table has begun, and then more zeros than anybody waits for.
+  std::string records = records24({"ORLA2   W230GRD0000"});
+  for (int i = 0; i < 5000; ++i) records += records24({"T$-0400+0800      83150"});
+  writeFile(file, records);
+  std::filesystem::resize_file(file, 10'000'000'000);
+  for (const auto& [program, option] : {std::pair{KALMIRA_CHECK, " --repair "}, {KALMIRA_EXPORT, " -o "}}) {
+    Program writing(program, file.string() + option + out.string());
+    for (int waited = 0; waited < kPatienceMs && !std::filesystem::exists(out.string() + ".new"); waited += 10) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    writing.signal(SIGINT);
+    EXPECT_EQ(writing.end(), 1);
+    EXPECT_THAT(writing.output() + writing.errors(), HasSubstr("was read up to byte "));
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.path()), {}), 1);
+    // What has nothing to tidy up ends by the signal itself.
+    Program reading(program, file.string());
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    reading.signal(SIGINT);
+    EXPECT_EQ(reading.end(), 128 + SIGINT);
+  }
+}
+
 }  // namespace
 }  // namespace kalmira

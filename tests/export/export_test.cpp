@@ -191,14 +191,18 @@ struct ExportCommand : testing::Test {
   int run(const std::vector<std::string>& arguments) {
     said.clear();
     const auto request = optionsOf(exportCommandLine, fmt::format("{}", fmt::join(arguments, " ")));
-    return runExport(request, [&](std::string_view line) {
+    const auto say = [&](std::string_view line) {
       if (line.starts_with(path(""))) line.remove_prefix(path("").size());
       said.emplace_back(line);
+    };
+    return runExport(request, say, [&](std::string_view name, std::uint64_t done, std::uint64_t total) {
+      return goOn(name, done, total);
     });
   }
 
   TempFolder folder;
   std::vector<std::string> said;
+  GoOn goOn = [](std::string_view, std::uint64_t, std::uint64_t) { return true; };
 };
 
 const std::string kWhole = records24({"MIRKA   W210GRD0000", "H A", "L1", "B       0.00", "AN            1.000",
@@ -266,6 +270,29 @@ TEST_F(ExportCommand, TellsThatTheTableCouldNotBeWritten) {
     EXPECT_EQ(run({input, "-o", to}), kExportFailed);
     EXPECT_THAT(said, ElementsAre(testing::EndsWith(fmt::format(": cannot be written: {}", why))));
   }
+}
+
+TEST_F(ExportCommand, LeavesNothingBehindWhenItIsLeftAndTellsOfAFileThatIsCutMeanwhile) {
+  std::string many;
+  for (int i = 0; i < 20000; ++i) many += kWhole.substr(168);
+  const auto input = file("a.RMI", kWhole + many);
+  file("t.csv", "an earlier table");
+  goOn = [](std::string_view name, std::uint64_t done, std::uint64_t total) {
+    EXPECT_EQ(name, "a.RMI");
+    EXPECT_EQ(total, 192 + 480000U);
+    return done < 300000;
+  };
+  EXPECT_EQ(run({input, "-o", path("t.csv")}), kExportFailed);
+  EXPECT_THAT(said, ElementsAre(testing::MatchesRegex("a.RMI: was read up to byte 3.* only; there is no table")));
+  EXPECT_EQ(content("t.csv"), "an earlier table");
+  EXPECT_FALSE(std::filesystem::exists(path("t.csv.new")));
+
+  goOn = [&](std::string_view, std::uint64_t done, std::uint64_t) {
+    if (done > 300000) std::filesystem::resize_file(input, 200000);
+    return true;
+  };
+  EXPECT_EQ(run({input, "-o", path("t.csv")}), kExportDone);
+  EXPECT_THAT(said.at(0), testing::StartsWith("a.RMI: has become shorter while it was read"));
 }
 
 }  // namespace

@@ -143,7 +143,9 @@ TEST(ExtractLine, aFileThatShrinksOrGrows) {
   EXPECT_TRUE(readStationNotes(viewed.reader, viewed.file, viewed.line, 1).notes.empty());
 
   std::filesystem::resize_file(path, firstLine.size() - std::size_t{24} * 3990);
-  EXPECT_EQ(viewed.extract(2).kind, ViewerErrorKind::noSuchLine);
+  const auto error = viewed.extract(2);
+  EXPECT_EQ(error.kind, ViewerErrorKind::cannotRead);
+  EXPECT_EQ(error.text.substr(0, error.text.find(':')), "The data file has become shorter while it was read");
   EXPECT_TRUE(readStationNotes(viewed.reader, viewed.file, viewed.line, 4000).notes.empty());
   viewed.reader.open(path);
   EXPECT_EQ(viewed.extract(1).kind, ViewerErrorKind::none);

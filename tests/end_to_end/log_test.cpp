@@ -152,7 +152,9 @@ TEST_P(Simulated, GivesWholeRecordsOnly) {
     ASSERT_TRUE(logger.counted("readings", 60));
     logger.signal(SIGKILL);
   }
-  ASSERT_EQ(logger.end(), stream.killed ? 128 + SIGKILL : 0) << logger.errors();
+  // The noise may leave no sentence whole: a receiver that gave nothing.
+  ASSERT_THAT(logger.end(), stream.killed ? testing::AnyOf(128 + SIGKILL, -1) : testing::AnyOf(0, 3))
+      << logger.errors();
   const auto content = readFile(path);
   ASSERT_EQ(content.size() % length, 0U);
   for (auto at = length; at <= content.size(); at += length) ASSERT_EQ(content[at - 1], '\n') << at;

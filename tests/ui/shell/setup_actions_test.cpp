@@ -1,8 +1,10 @@
+#include "link/device_claim.h"
 #include "ui/shell/program_actions.h"
 
 #include <gmock/gmock.h>
 
 #include <QCheckBox>
+#include <QListWidget>
 
 #include "ui/setup/setup_dialogs.h"
 #include "ui/window_fixture.h"

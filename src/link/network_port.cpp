@@ -223,7 +223,8 @@ std::optional<NetworkAddress> parseNetworkAddress(std::string_view device) {
   }
   if (!device.starts_with(':')) return std::nullopt;
   const auto number = wholeNumber<int>(device.substr(1));
-  if (!number || *number < 1 || *number > 65535 || device.find_first_not_of("0123456789", 1) != std::string_view::npos) {
+  if (!number || *number < 1 || *number > 65535 ||
+      device.find_first_not_of("0123456789", 1) != std::string_view::npos) {
     return std::nullopt;
   }
   address.port = fmt::format("{}", *number);

@@ -71,7 +71,7 @@ std::string keptOfLine(const Session& session, const LineEntry& entry) {
   const auto name = parseLineName(formatLineName(session.instrument.fileRecordLength, session.settings.lineName));
   if (name != trimmedEnd(entry.lineName)) kept += name;
   const auto& settings = session.settings;
-  const auto add = [&kept](std::string text) { kept += (kept.empty() ? "" : " ") + text; };
+  const auto add = [&kept](const std::string& text) { kept += (kept.empty() ? "" : " ") + text; };
   if (settings.startStation != entry.startStation) add(fmt::format("start {:.2f}", settings.startStation));
   if (settings.stationIncrement != entry.stationIncrement)
     add(fmt::format("increment {:.3f}", settings.stationIncrement));

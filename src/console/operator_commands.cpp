@@ -103,7 +103,9 @@ CommandAnswer line(Session& session, std::string_view text) {
     entry.direction = static_cast<int>(direction);
   }
   if (hasControlCharacters(entry.lineName)) return failed("the line's name holds control characters");
-  if (given.size() > 2 && incrementInFile(static_cast<double>(entry.stationIncrement)) == 0.0) {
+  const bool vanishes =
+      entry.stationIncrement != 0.0F && incrementInFile(static_cast<double>(entry.stationIncrement)) == 0.0;
+  if (given.size() > 2 && vanishes) {
     return failed(fmt::format("the increment \"{}\" is 0 in the file, which holds three decimals", given[2]));
   }
   newLine(session, entry);

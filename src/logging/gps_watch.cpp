@@ -32,11 +32,14 @@ void watchSilence(Session& session) {
     if (std::exchange(gps.silent, false)) showMessage(session, "GPS data again");
     return;
   }
-  if (!std::exchange(gps.silent, true) && !gps.gone) showMessage(session, "No GPS data");
-  gps.fix.clear();
-  if (session.calibration.calibrationActive != 0) return;
-  session.view.show(PanelField::fix, "");
-  if (since(session, gps.lastLineTick) <= kSilenceMs) return;
+  if (!std::exchange(gps.silent, true)) {
+    if (!gps.gone) showMessage(session, "No GPS data");
+    gps.fix.clear();
+    gps.fixBlank = gps.allBlank = false;
+  }
+  if (session.calibration.calibrationActive != 0) return;  // the calibration has the panel to itself
+  if (!std::exchange(gps.fixBlank, true)) session.view.show(PanelField::fix, "");
+  if (since(session, gps.lastLineTick) <= kSilenceMs || std::exchange(gps.allBlank, true)) return;
   session.view.show(PanelField::satellites, "");
   session.view.show(PanelField::pdop, "");
 }
@@ -57,6 +60,7 @@ void watchFix(Session& session) {
 void noteGpsLine(Session& session, bool checksumOk) {
   auto& gps = session.gps;
   gps.lastLineTick = session.clock.tick();
+  gps.allBlank = false;
   if (!checksumOk) return;
   gps.lastGoodTick = gps.lastLineTick;
   gps.everGood = true;

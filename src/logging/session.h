@@ -140,6 +140,8 @@ struct Session {
   struct GpsWatch {
     bool gone = false;
     bool silent = false;
+    bool fixBlank = false;  // what the silence leaves of the panel has been cleared
+    bool allBlank = false;
     bool everGood = false;
     bool everFixed = false;
     std::uint32_t lastGoodTick = 0;  // of a sentence with a right checksum

@@ -1,9 +1,11 @@
 #include "logging/file_guard.h"
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include <cstdlib>
 
+#include "logging/handlers.h"
 #include "support/session_fixture.h"
 
 namespace kalmira {
@@ -139,6 +141,62 @@ TEST_F(FileGuard, TheSecondCopyIsTheSameToTheByteAndIsFilledUpWhenItComesBack) {
   LeaveLogging(session, true);
   EXPECT_EQ(copy(), test.disk.content(session.file.path()));
   EXPECT_TRUE(session.shortfalls.empty());
+}
+
+// What the operator hears of a receiver, and no more often than he can bear.
+TEST_F(FileGuard, AReceiverThatGoesFallsSilentOrChangesItsFixIsToldOnceEach) {
+  TestSession test(Kind::orla);
+  test.settings.gpsInput = 1;
+  test.go();
+  auto& session = test.session;
+  const auto after = [&](std::uint32_t ms) {
+    test.clock.advance(ms);
+    test.link.lastRecordTick = test.clock.tick();
+    test.view.changes[PanelField::message].clear();
+    for (int i = 0; i < 3; ++i) serviceSession(session);
+    const auto& said = test.view.changes[PanelField::message];
+    return said.empty() ? std::string() : said.size() == 1 ? said[0] : "more than one message";
+  };
+  const auto sentence = [&](char quality) {
+    std::string text = std::string("GPGGA,092750.000,5321.6802,N,00630.3372,W,") + quality + ",8,1.03,61.7,M,55.2,M,,";
+    unsigned sum = 0;
+    for (const char c : text) sum ^= static_cast<unsigned char>(c);
+    OnGpsLine(session, {.text = fmt::format("${}*{:02X}", text, sum), .tick = test.clock.tick()});
+  };
+  EXPECT_EQ(after(2500), "");
+  sentence('1');
+  EXPECT_EQ(after(100), "") << "the first fix is no change";
+  sentence('2');
+  EXPECT_EQ(after(10000 - 7400), "GPS fix: DGPS");
+  sentence('0');
+  EXPECT_EQ(after(1000), "") << "within ten seconds of the last";
+  for (int i = 0; i < 4; ++i) sentence('0'), after(2900);
+  EXPECT_EQ(session.gps.fixTold, "NO FIX") << "but not left untold";
+  EXPECT_EQ(after(3100), "No GPS data");
+  EXPECT_EQ(test.view.texts[PanelField::fix], "");
+  EXPECT_EQ(test.view.texts[PanelField::satellites], "");
+  sentence('0');
+  EXPECT_EQ(after(10), "GPS data again");
+  test.ports.gpsIsGone = true;
+  EXPECT_EQ(after(400), "GPS receiver gone: it is tried every second");
+  EXPECT_EQ(after(400), "");
+  test.ports.gpsIsGone = false;
+  EXPECT_EQ(after(400), "GPS receiver is back");
+  LeaveLogging(session, true);
+  EXPECT_TRUE(session.shortfalls.empty());
+}
+
+// A sleep of the machine is a broken connection, written once, and asks nothing.
+TEST_F(FileGuard, ASleepIsABrokenConnection) {
+  TestSession test(Kind::orla);
+  test.go();
+  test.clock.slept = 90000;
+  test.clock.advance(90000);
+  serviceSession(test.session);
+  serviceSession(test.session);
+  EXPECT_EQ(test.records().back().substr(0, 12), "X$CONN BREAK");
+  EXPECT_EQ(test.view.texts[PanelField::message], "The machine slept for 90 s");
+  EXPECT_EQ(test.view.asked.size(), 0U);
 }
 
 }  // namespace

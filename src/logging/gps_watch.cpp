@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <utility>
 
 #include "logging/file_guard.h"
@@ -12,6 +13,8 @@ namespace {
 constexpr std::uint32_t kSilenceMs = 3000;
 // A fix that comes and goes, under trees, is told no more often.
 constexpr std::uint32_t kFixPauseMs = 10000;
+// 460800 baud with start and stop bit.
+constexpr double kFastestBytes_s = 46080;
 constexpr std::string_view kNoFixWord = "NO FIX";
 
 std::uint32_t since(const Session& session, std::uint32_t tick) { return ticksSince(session.clock.tick(), tick); }
@@ -55,6 +58,14 @@ void watchFix(Session& session) {
   gps.fixTold = gps.fix;
 }
 
+void watchNoise(Session& session) {
+  auto& noise = session.gps.noise;
+  if (noise.leftOut == noise.told || since(session, noise.toldTick) < kFixPauseMs) return;
+  noise.told = noise.leftOut;
+  noise.toldTick = session.clock.tick();
+  showMessage(session, fmt::format("GPS port: {} lines of noise left out", noise.leftOut));
+}
+
 }  // namespace
 
 void noteGpsLine(Session& session, bool checksumOk) {
@@ -66,16 +77,34 @@ void noteGpsLine(Session& session, bool checksumOk) {
   gps.everGood = true;
 }
 
+bool takesNoise(Session& session, std::size_t bytes) {
+  auto& noise = session.gps.noise;
+  const auto now = session.clock.tick();
+  noise.room = std::min(kFastestBytes_s, noise.room + kFastestBytes_s * ticksSince(now, noise.tick) / 1000.0);
+  noise.tick = now;
+  if (noise.room < static_cast<double>(bytes)) {
+    ++noise.leftOut;
+    return false;
+  }
+  noise.room -= static_cast<double>(bytes);
+  return true;
+}
+
 void watchGps(Session& session) {
   if (!session.gpsEnabled() || !session.sessionActive) return;
   watchPort(session);
   watchSilence(session);
   watchFix(session);
+  watchNoise(session);
   session.gps.everFixed = session.gps.everFixed || (!session.gps.fix.empty() && session.gps.fix != kNoFixWord);
 }
 
 void noteGpsAtEnd(Session& session) {
   if (!session.gpsEnabled()) return;
+  if (const auto lines = session.gps.noise.leftOut; lines > 0) {
+    session.remarks.push_back(
+        fmt::format("{} lines from the GPS port were no sentences and came too fast: left out.", lines));
+  }
   if (!session.gps.everGood) {
     noteShortfall(session, "The GPS receiver never gave a good sentence: the survey has no positions.");
   } else if (!session.gps.everFixed) {

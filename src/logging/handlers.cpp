@@ -213,7 +213,9 @@ void OnGpsLine(Session& session, const GpsLine& line) {
   const bool position = checksumOk && line.text.find("GGA") != std::string::npos;
   if (recording(session) && position) ++session.gpsRecordCount;
   OnGpsSentence(session, line, checksumOk);
-  if (recording(session)) writeSentence(session, line, checksumOk);
+  if (recording(session) && (checksumOk || takesNoise(session, line.text.size()))) {
+    writeSentence(session, line, checksumOk);
+  }
 }
 
 }  // namespace kalmira

@@ -146,6 +146,13 @@ struct Session {
     bool everFixed = false;
     std::uint32_t lastGoodTick = 0;  // of a sentence with a right checksum
     std::uint32_t lastLineTick = 0;
+    struct Noise {
+      double room = 0;  // bytes that may be recorded now
+      std::uint32_t tick = 0;
+      std::uint64_t leftOut = 0;  // lines
+      std::uint64_t told = 0;
+      std::uint32_t toldTick = 0;
+    } noise;
     std::string fix;  // its word; empty while none is known
     std::string fixTold;
     std::uint32_t fixToldTick = 0;

@@ -1,7 +1,7 @@
 #include "logging/file_guard.h"
 
 #include <fmt/format.h>
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <cstdlib>
 
@@ -182,8 +182,17 @@ TEST_F(FileGuard, AReceiverThatGoesFallsSilentOrChangesItsFixIsToldOnceEach) {
   EXPECT_EQ(after(400), "");
   test.ports.gpsIsGone = false;
   EXPECT_EQ(after(400), "GPS receiver is back");
+  // Ten times what the fastest line brings, for a second: a tenth of it is recorded.
+  const auto before = session.counts.gpsSentences;
+  for (int i = 0; i < 1000; ++i) {
+    test.clock.advance(1);
+    OnGpsLine(session, {.text = std::string(460, 'x'), .tick = test.clock.tick()});
+  }
+  EXPECT_NEAR(static_cast<double>(session.counts.gpsSentences - before), 200.0, 5.0);
+  EXPECT_NEAR(static_cast<double>(session.gps.noise.leftOut), 800.0, 5.0);
   LeaveLogging(session, true);
   EXPECT_TRUE(session.shortfalls.empty());
+  EXPECT_EQ(session.remarks.size(), 1U);
 }
 
 // A sleep of the machine is a broken connection, written once, and asks nothing.

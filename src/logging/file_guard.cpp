@@ -61,16 +61,19 @@ bool continueAnywhere(Session& session, std::uint64_t& missing) {
   const auto path = session.file.path();
   const bool mediumFails = session.file.condition() == Condition::failing;
   const auto place = session.disk.status(path);
-  if (!mediumFails && makeFolders(path.parent_path()).empty() &&
-      continueInFolder(session, path.parent_path(), path.filename(), missing)) {
-    return true;
-  }
+  const auto inOwnFolder = [&] {
+    return makeFolders(path.parent_path()).empty() &&
+           continueInFolder(session, path.parent_path(), path.filename(), missing);
+  };
+  if (!mediumFails && inOwnFolder()) return true;
   const auto folders = otherFolders(session.setup.root);
-  return std::any_of(folders.begin(), folders.end(), [&](const fs::path& folder) {
+  const bool elsewhere = std::any_of(folders.begin(), folders.end(), [&](const fs::path& folder) {
     const auto there = session.disk.status(folder);
     if (mediumFails && place && there && there->device == place->device) return false;
     return continueInFolder(session, folder, path.filename(), missing);
   });
+  // Where there is no better place, a medium that may come round.
+  return elsewhere || (mediumFails && inOwnFolder());
 }
 
 void tellContinued(Session& session, const std::string& happened, std::uint64_t missing) {

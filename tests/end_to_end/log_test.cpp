@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <csignal>
+#include <thread>
 
 #include "datafile/record_text.h"
 #include "end_to_end/programs.h"

@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 
 #include <cstdlib>
+#include <thread>
 
 #include "logging/handlers.h"
 #include "support/session_fixture.h"

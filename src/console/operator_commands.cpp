@@ -31,11 +31,7 @@ std::string_view trimmedEnd(std::string_view text) {
   return text.substr(0, end == std::string_view::npos ? 0 : end + 1);
 }
 
-CommandAnswer failed(std::string why) {
-  CommandAnswer answer;
-  answer.error = std::move(why);
-  return answer;
-}
+CommandAnswer failed(std::string why) { return {.error = std::move(why)}; }
 
 // The words of a line's command. The first, a name, may have blanks when quotes stand round it. Nothing when they
 // do not end.
@@ -109,7 +105,7 @@ CommandAnswer line(Session& session, std::string_view text) {
     return failed(fmt::format("the increment \"{}\" is 0 in the file, which holds three decimals", given[2]));
   }
   newLine(session, entry);
-  return {.error = {}, .status = {}, .kept = keptOfLine(session, entry), .newLine = true};
+  return {.kept = keptOfLine(session, entry), .newLine = true};
 }
 
 CommandAnswer station(Session& session, std::string_view text) {
@@ -119,18 +115,14 @@ CommandAnswer station(Session& session, std::string_view text) {
   const auto number = stationNumber(text);
   if (!number) return failed("no station is that far away: it would not fit into the file");
   newStation(session, *number);
-  CommandAnswer answer;
-  if (session.station != *number) answer.kept = fmt::format("{:.2f}", session.station);
-  return answer;
+  return {.kept = session.station == *number ? std::string{} : fmt::format("{:.2f}", session.station)};
 }
 
 CommandAnswer comment(Session& session, std::string_view text) {
   if (hasControlCharacters(text)) return failed("the comment holds control characters");
   addComment(session, text);
-  CommandAnswer answer;
   const auto kept = parseNote(formatNote(session.instrument.fileRecordLength, tag::kComment, text, 0));
-  if (kept != trimmedEnd(text)) answer.kept = kept;
-  return answer;
+  return {.kept = kept == trimmedEnd(text) ? std::string{} : kept};
 }
 
 CommandAnswer calibrate(Session& session, std::string_view) {

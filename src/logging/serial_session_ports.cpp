@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "link/com_devices.h"
+#include "link/network_port.h"
 
 namespace kalmira {
 namespace {
@@ -37,7 +38,8 @@ std::optional<PortProblem> SerialSessionPorts::openPort(PortThread& thread, int 
     return PortProblem{std::string(message),
                        fmt::format("No device stands for COM{}: plug one in or name one", comNumber)};
   }
-  std::optional<PortError> error = thread.open(device, line, tries, absent);
+  // A host that does not answer has had its time with one try.
+  std::optional<PortError> error = thread.open(device, line, isNetworkName(device) ? 1 : tries, absent);
   if (!error) return std::nullopt;
   return PortProblem{std::string(message), std::move(error->text)};
 }

@@ -3,7 +3,6 @@
 #include <fmt/format.h>
 
 #include <chrono>
-#include <mutex>
 #include <system_error>
 #include <utility>
 

@@ -157,8 +157,8 @@ std::string thicknessScale(float minimum, float maximum) {
   return fmt::format("T:{:.1f}/{:.1f}", static_cast<double>(minimum), static_cast<double>(maximum));
 }
 
-std::string_view kindWord(NoteKind kind) {
-  switch (kind) {
+std::string_view noteWord(NoteKind note) {
+  switch (note) {
     case NoteKind::comment: return "Comment: ";
     case NoteKind::event: return "Event: ";
     case NoteKind::newStation: return "New station ";
@@ -216,7 +216,7 @@ std::string readoutText(const ReadoutField& field) {
 
 std::string noteText(const StationNote& note) {
   const std::string time = note.timeOfDayMs ? timeText(*note.timeOfDayMs) + ' ' : std::string();
-  return fmt::format("{}{}{}", time, kindWord(note.kind), note.text);
+  return fmt::format("{}{}{}", time, noteWord(note.kind), note.text);
 }
 
 std::string scaleStatusText(const ScannedFile& file, const Settings& settings) {

@@ -3,6 +3,12 @@
 add_library(kalmira_flags INTERFACE)
 target_compile_options(kalmira_flags INTERFACE
   -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wnon-virtual-dtor)
+if(KALMIRA_FROM_NOTHING)
+  # Sources are compiled several at once, each but the first of them as if it were a header.
+  set(CMAKE_UNITY_BUILD ON)
+  set(CMAKE_UNITY_BUILD_BATCH_SIZE 6)
+  target_compile_options(kalmira_flags INTERFACE -Wno-subobject-linkage)
+endif()
 if(KALMIRA_SANITIZE)
   target_compile_options(kalmira_flags INTERFACE
     -fsanitize=${KALMIRA_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
@@ -27,7 +33,7 @@ endfunction()
 
 # Every window reads the same half million lines of Qt: once for all of them, where that is wanted.
 function(kalmira_precompiled name)
-  if(NOT KALMIRA_PRECOMPILE)
+  if(NOT KALMIRA_FROM_NOTHING)
     return()
   endif()
   if(NOT TARGET kalmira_qt_headers)

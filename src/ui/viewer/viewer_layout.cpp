@@ -11,7 +11,7 @@ namespace {
 constexpr double kRowUnits = 26;  // of a row of buttons
 constexpr double kCaptionUnits = 13;
 constexpr double kSideUnits = 54;      // of the column of two buttons beside the readout
-constexpr double kReadoutUnits = 104;  // wide, in a window that lies
+constexpr double kReadoutWidth = 104;  // wide, in a window that lies
 constexpr int kLeastCaption = 15;
 constexpr int kListShares = 2;  // of a row, where a button has one
 
@@ -79,7 +79,7 @@ void placeUpright(const QRect& inside, const Measures& measures, ViewerLayout& l
 
 void placeLying(const QRect& inside, const Measures& measures, ViewerLayout& layout) {
   const int gap = measures.gap;
-  const int readoutWidth = measures.units(kReadoutUnits);
+  const int readoutWidth = measures.units(kReadoutWidth);
   const int plotWidth = inside.width() - readoutWidth - gap;
   layout.readout = {inside.left() + plotWidth + gap, inside.top(), readoutWidth, inside.height()};
   layout.caption = {inside.left(), inside.top(), plotWidth, measures.caption};

@@ -15,11 +15,6 @@ constexpr std::uint32_t kLongestSilenceMs = 3600000;
 constexpr std::uint32_t kBackwardsFrom = UINT32_MAX / 2;
 constexpr int kQualityField = 7;
 
-std::string_view trimmed(std::string_view text) {
-  const auto first = text.find_first_not_of(' ');
-  return first == std::string_view::npos ? "" : text.substr(first, text.find_last_not_of(' ') - first + 1);
-}
-
 std::string_view nameOf(RecordType type) {
   switch (type) {
     case RecordType::startStation:

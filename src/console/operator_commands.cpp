@@ -26,11 +26,6 @@ std::optional<double> stationNumber(std::string_view text) {
   return number && std::abs(*number) <= kLargestStation ? number : std::nullopt;
 }
 
-std::string_view trimmedEnd(std::string_view text) {
-  const auto end = text.find_last_not_of(' ');
-  return text.substr(0, end == std::string_view::npos ? 0 : end + 1);
-}
-
 CommandAnswer failed(std::string why) { return {.error = std::move(why)}; }
 
 // The words of a line's command. The first, a name, may have blanks when quotes stand round it. Nothing when they

@@ -17,14 +17,6 @@ std::string_view columns(std::string_view record, std::size_t first, std::size_t
   return first <= record.size() ? record.substr(first - 1, count) : std::string_view();
 }
 
-std::string_view trimmed(std::string_view text) {
-  const auto first = text.find_first_not_of(' ');
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(' ') - first + 1);
-}
-
-std::string_view withoutPadding(std::string_view text) { return text.substr(0, text.find_last_not_of(' ') + 1); }
-
 // The whole column must be one number.
 template <typename Number>
 std::optional<Number> number(std::string_view column) {
@@ -126,9 +118,7 @@ std::optional<Header1> parseHeader1(std::string_view record) {
   return header;
 }
 
-std::string parseLineName(std::string_view record) {
-  return std::string(withoutPadding(columns(textOf(record), 2, 8)));
-}
+std::string parseLineName(std::string_view record) { return std::string(trimmedEnd(columns(textOf(record), 2, 8))); }
 
 std::optional<double> parseStation(std::string_view record) { return real(columns(record, 2, 11)); }
 
@@ -189,7 +179,7 @@ int readingRepeat(std::string_view record) {
   return first >= '2' && first <= '6' ? first - '0' : 0;
 }
 
-std::string parseNote(std::string_view record) { return std::string(withoutPadding(columns(textOf(record), 2, 11))); }
+std::string parseNote(std::string_view record) { return std::string(trimmedEnd(columns(textOf(record), 2, 11))); }
 
 std::optional<SentenceAssembler::Sentence> SentenceAssembler::feed(std::string_view record) {
   const auto type = recordTypeOf(record);
@@ -213,7 +203,7 @@ std::optional<SentenceAssembler::Sentence> SentenceAssembler::feed(std::string_v
       const auto tick = parseTick(record);
       const bool whole = chunks_ >= 2 && tick;
       chunks_ = 0;
-      if (whole) return Sentence{std::string(withoutPadding(text_)), checksum_right_, *tick};
+      if (whole) return Sentence{std::string(trimmedEnd(text_)), checksum_right_, *tick};
       break;
     }
     default: break;

@@ -24,14 +24,18 @@ bool commandAllowed(const Session& session, Command command) {
   }
 }
 
+DataPlace dataPlaceOf(const Session& session) {
+  return {.kind = session.instrument.kind,
+          .storageClass = session.setup.storageClass,
+          .root = session.setup.root,
+          .mirror = session.setup.mirror};
+}
+
 CreateOutcome beginDataFile(Session& session, const ChooseDataFile& choose) {
   const auto warnExists = [&session] {
     session.view.tell({.title = "WARNING", .text = std::string(kFileExistsText), .icon = Icon::exclamation});
   };
-  const DataPlace place{.kind = session.instrument.kind,
-                        .storageClass = session.setup.storageClass,
-                        .root = session.setup.root,
-                        .mirror = session.setup.mirror};
+  const auto place = dataPlaceOf(session);
   auto outcome = CreateDataFile(place, session.writer(), session.disk, choose, warnExists);
   if (outcome.how == CreateOutcome::How::failed) {
     session.view.tell({.title = "CRITICAL WARNING",

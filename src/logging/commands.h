@@ -30,6 +30,9 @@ enum class Command {
 // Whether the logging window offers the command in the session's present state.
 bool commandAllowed(const Session& session, Command command);
 
+// Where the session's data files are created.
+DataPlace dataPlaceOf(const Session& session);
+
 // No file: asks for a name through `choose` and creates the data file. A failure is told to the operator; the outcome
 // `failed` means that the program is to end.
 CreateOutcome beginDataFile(Session& session, const ChooseDataFile& choose);

@@ -82,6 +82,13 @@ std::string textField(std::string_view text, std::size_t width) {
   return field;
 }
 
+std::string_view trimmedEnd(std::string_view text) { return text.substr(0, text.find_last_not_of(' ') + 1); }
+
+std::string_view trimmed(std::string_view text) {
+  text = trimmedEnd(text);
+  return text.substr(std::min(text.find_first_not_of(' '), text.size()));
+}
+
 std::string narrow(std::string_view utf8) {
   std::string out;
   out.reserve(utf8.size());

@@ -44,6 +44,10 @@ std::string fixedField(double value, int width, int decimals);
 // `text` cut or padded with blanks on the right to exactly `width` bytes.
 std::string textField(std::string_view text, std::size_t width);
 
+// Without blanks at its ends, at its end.
+std::string_view trimmed(std::string_view text);
+std::string_view trimmedEnd(std::string_view text);
+
 // UTF-8 to one byte a character: every character that is not plain printable ASCII becomes "?". A malformed byte counts
 // as one character.
 std::string narrow(std::string_view utf8);

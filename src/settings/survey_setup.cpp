@@ -24,7 +24,7 @@ constexpr std::array<std::string_view, 3> kModes{"Auto", "Wheel", "Manual"};
 
 bool isSpace(char c) { return std::isspace(static_cast<unsigned char>(c)) != 0; }
 
-std::string_view trimmed(std::string_view text) {
+std::string_view withoutSpace(std::string_view text) {
   while (!text.empty() && isSpace(text.front())) text.remove_prefix(1);
   while (!text.empty() && isSpace(text.back())) text.remove_suffix(1);
   return text;
@@ -122,7 +122,7 @@ void takeSurveyNumber(Settings& settings, SurveyNumber number, int mode, double 
 }
 
 TypedNumber limitedNumber(std::string_view typed, const NumberLimits& limits, double former) {
-  const auto text = trimmed(typed);
+  const auto text = withoutSpace(typed);
   const std::size_t length = numberLength(text);
   if (length == 0) {
     return {former, text.empty() ? quoted(text) : fmt::format("{}: no number", quoted(text))};

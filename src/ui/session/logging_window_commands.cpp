@@ -80,8 +80,7 @@ void LoggingWnd::redrawAfterDialog() {
 
 void LoggingWnd::createFile() {
   auto& session = *this->session();
-  const DataPlace place{
-      .kind = session.instrument.kind, .storageClass = session.setup.storageClass, .root = session.setup.root};
+  const auto place = dataPlaceOf(session);
   const auto choose = [&](const std::string& proposal) -> std::optional<std::filesystem::path> {
     // The link may have been given up behind the dialog, and the session with it.
     if (!session.sessionActive) return std::nullopt;

@@ -29,24 +29,31 @@ void EventLoop::readLines(const Handlers& handlers) {
   std::array<char, 4096> block{};
   const auto count = ::read(STDIN_FILENO, block.data(), block.size());
   if (count < 0 && (errno == EINTR || errno == EAGAIN)) return;
-  const bool ended = count <= 0;
-  if (!ended) input_.append(block.data(), static_cast<std::size_t>(count));
-  if (ended && !input_.empty()) input_ += '\n';
-  for (auto end = input_.find('\n'); end != std::string::npos; end = input_.find('\n')) {
-    auto line = input_.substr(0, end);
-    input_.erase(0, end + 1);
+  if (count > 0) return lines_.take({block.data(), static_cast<std::size_t>(count)}, handlers.input);
+  lines_.end(handlers.input);
+  read_input_ = false;
+  handlers.onEndOfInput();
+}
+
+void InputLines::take(std::string_view bytes, const Handlers& handlers) {
+  started_ += bytes;
+  std::size_t begin = 0;
+  for (auto end = started_.find('\n'); end != std::string::npos; end = started_.find('\n', begin)) {
+    auto line = started_.substr(begin, end - begin);
+    begin = end + 1;
     if (line.ends_with('\r')) line.pop_back();
     if (!skipping_) handlers.onLine(line);
     skipping_ = false;
   }
-  if (input_.size() > kLongestLine) {
-    input_.clear();
-    if (!skipping_) handlers.onLongLine();
-    skipping_ = true;
-  }
-  if (!ended) return;
-  read_input_ = false;
-  handlers.onEndOfInput();
+  started_.erase(0, begin);
+  if (started_.size() <= kLongestLine) return;
+  started_.clear();
+  if (!skipping_) handlers.onLongLine();
+  skipping_ = true;
+}
+
+void InputLines::end(const Handlers& handlers) {
+  if (!started_.empty()) take("\n", handlers);
 }
 
 }  // namespace kalmira

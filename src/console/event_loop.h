@@ -3,17 +3,33 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <string_view>
 
 #include "platform/terminate.h"
 
 namespace kalmira {
 
+// Takes the bytes of an input apart into lines. One of more than 64 KiB is dropped and told of once.
+class InputLines {
+ public:
+  struct Handlers {
+    std::function<void(const std::string&)> onLine;  // without its end
+    std::function<void()> onLongLine;
+  };
+  void take(std::string_view bytes, const Handlers& handlers);
+  // The input has ended: what is left is its last line.
+  void end(const Handlers& handlers);
+
+ private:
+  std::string started_;
+  bool skipping_ = false;  // the rest of a line that is too long
+};
+
 // Waits on one thread for everything a program without a screen reacts to. POSIX only.
 class EventLoop {
  public:
   struct Handlers {
-    std::function<void(const std::string&)> onLine;  // a line of standard input, without its end
-    std::function<void()> onLongLine;                // one of more than 64 KiB was dropped
+    InputLines::Handlers input;  // of standard input
     std::function<void()> onEndOfInput;
     std::function<void()> onTerminate;
   };
@@ -33,8 +49,7 @@ class EventLoop {
 
   TerminateSignals signals_;
   bool read_input_;
-  std::string input_;
-  bool skipping_ = false;  // the rest of a line that is too long
+  InputLines lines_;
 };
 
 }  // namespace kalmira

@@ -8,11 +8,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <limits>
-
 #include <system_error>
 #include <utility>
-#include "platform/text.h"
-#include "settings/setting_check.h"
 
 #include "console/event_loop.h"
 #include "console/operator_commands.h"
@@ -28,6 +25,7 @@
 #include "platform/hand_over.h"
 #include "platform/power.h"
 #include "platform/text.h"
+#include "settings/setting_check.h"
 
 namespace kalmira {
 namespace {
@@ -196,10 +194,7 @@ Run::Run(const LogOptions& options, std::filesystem::path root, const PortFactor
 
 bool Run::createFile() {
   bool asked = false;
-  const DataPlace place{.kind = *options_.kind,
-                        .storageClass = options_.storageClass,
-                        .root = session_.setup.root,
-                        .mirror = options_.mirror};
+  const auto place = dataPlaceOf(session_);
   const auto choose = [&](const std::string&) -> std::optional<std::filesystem::path> {
     if (options_.name.empty()) return dataFilePathFor(place, unattendedName(place, clock_));
     // The name is taken, and there is nobody to ask for another.
@@ -281,8 +276,8 @@ void Run::showStatus() {
 
 void Run::loop() {
   const EventLoop::Handlers handlers{
-      .onLine = [this](const std::string& line) { onLine(line); },
-      .onLongLine = [this] { output_.line("error a line of more than 64 KiB is no command: dropped"); },
+      .input = {.onLine = [this](const std::string& line) { onLine(line); },
+                .onLongLine = [this] { output_.line("error a line of more than 64 KiB is no command: dropped"); }},
       .onEndOfInput = [this] { leave(); },
       .onTerminate = [this] { leave(); }};
   while (session_.sessionActive) {

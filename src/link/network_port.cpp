@@ -106,8 +106,7 @@ class NetworkPort final : public Port {
     // Where the system does not have it, silence is noticed all the same.
     (void)::setsockopt(fd_, SOL_SOCKET, SO_KEEPALIVE, &on, sizeof on);
     gpsd_ = address->gpsd;
-    in_report_ = false;
-    at_line_start_ = true;
+    reports_ = {};
     last_byte_ = std::chrono::steady_clock::now();
     if (gpsd_ && ::send(fd_, kWatch.data(), kWatch.size(), MSG_NOSIGNAL) != static_cast<ssize_t>(kWatch.size())) {
       close();
@@ -127,7 +126,7 @@ class NetworkPort final : public Port {
     if (count <= 0) return {.count = 0, .gone = true};
     last_byte_ = std::chrono::steady_clock::now();
     const auto got = buffer.first(static_cast<std::size_t>(count));
-    return {.count = gpsd_ ? withoutReports(got) : got.size(), .gone = false};
+    return {.count = gpsd_ ? reports_.withoutReports(got) : got.size(), .gone = false};
   }
 
   void purge() override {
@@ -153,21 +152,9 @@ class NetworkPort final : public Port {
   }
 
  private:
-  // Moves the rest together and returns its length.
-  std::size_t withoutReports(std::span<std::uint8_t> bytes) {
-    const auto isReport = [this](std::uint8_t byte) {
-      if (at_line_start_) in_report_ = byte == '{';
-      at_line_start_ = byte == '\n';
-      return in_report_;
-    };
-    const auto end = std::remove_if(bytes.begin(), bytes.end(), isReport);
-    return static_cast<std::size_t>(end - bytes.begin());
-  }
-
   int fd_ = -1;
   bool gpsd_ = false;
-  bool in_report_ = false;
-  bool at_line_start_ = true;
+  ReportFilter reports_;
   Moment last_byte_{};
 };
 
@@ -238,6 +225,19 @@ std::string networkProblem(std::string_view device, PortRole role) {
   if (role == PortRole::marker) return "a marker is a line of a serial port: it has no address";
   if (role == PortRole::instrument && address->gpsd) return "gpsd serves receivers, not instruments";
   return {};
+}
+
+std::size_t ReportFilter::withoutReports(std::span<std::uint8_t> bytes) {
+  const auto isReport = [this](std::uint8_t byte) {
+    if (at_line_start_) in_report_ = byte == '{';
+    at_line_start_ = byte == '\n';
+    return in_report_;
+  };
+  std::size_t kept = 0;
+  for (const auto byte : bytes) {
+    if (!isReport(byte)) bytes[kept++] = byte;
+  }
+  return kept;
 }
 
 std::unique_ptr<Port> makeNetworkPort() { return std::make_unique<NetworkPort>(); }

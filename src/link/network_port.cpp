@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <chrono>
 #include <future>
@@ -31,10 +32,22 @@ constexpr std::string_view kGpsd = "gpsd://";
 constexpr std::string_view kGpsdPort = "2947";
 constexpr std::string_view kWatch = "?WATCH={\"enable\":true,\"nmea\":true}\n";
 
+constexpr std::int64_t kLookForStopMs = 50;
+
 int millisecondsUntil(Moment end) {
   const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(end - std::chrono::steady_clock::now());
   return static_cast<int>(std::max<std::int64_t>(0, left.count()));
 }
+
+// How long opening may wait.
+struct Patience {
+  Moment end;
+  const std::atomic<bool>* stop;
+
+  bool isOver() const { return std::chrono::steady_clock::now() >= end || (stop != nullptr && *stop); }
+  // Until it has to be asked again.
+  int stepMs() const { return static_cast<int>(std::min<std::int64_t>(kLookForStopMs, millisecondsUntil(end))); }
+};
 
 struct Found {
   std::vector<std::pair<sockaddr_storage, socklen_t>> addresses;
@@ -58,23 +71,29 @@ Found lookUp(const NetworkAddress& address) {
 }
 
 // No call for looking up a name can be ended: one that takes too long is left to itself.
-Found lookUpUntil(const NetworkAddress& address, Moment end) {
+Found lookUpFor(const NetworkAddress& address, const Patience& patience) {
   std::promise<Found> promise;
   auto future = promise.get_future();
   std::thread([promise = std::move(promise), address]() mutable { promise.set_value(lookUp(address)); }).detach();
-  if (future.wait_until(end) != std::future_status::ready) return {.addresses = {}, .problem = "its name is not found"};
+  while (future.wait_for(std::chrono::milliseconds(patience.stepMs())) != std::future_status::ready) {
+    if (patience.isOver()) return {.addresses = {}, .problem = "its name is not found"};
+  }
   return future.get();
 }
 
 // A connected socket, or -1 with errno.
-int connectUntil(const sockaddr_storage& address, socklen_t length, Moment end) {
+int connectFor(const sockaddr_storage& address, socklen_t length, const Patience& patience) {
   const int fd = ::socket(address.ss_family, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
   if (fd < 0) return -1;
   int error = ::connect(fd, reinterpret_cast<const sockaddr*>(&address), length) == 0 ? 0 : errno;
   if (error == EINPROGRESS) {
     pollfd wait{.fd = fd, .events = POLLOUT, .revents = 0};
     socklen_t size = sizeof error;
-    if (::poll(&wait, 1, millisecondsUntil(end)) != 1) {
+    int ready = 0;
+    do {
+      ready = ::poll(&wait, 1, patience.stepMs());
+    } while (ready != 1 && !patience.isOver());
+    if (ready != 1) {
       error = ETIMEDOUT;
     } else if (::getsockopt(fd, SOL_SOCKET, SO_ERROR, &error, &size) != 0) {
       error = errno;
@@ -90,14 +109,15 @@ class NetworkPort final : public Port {
  public:
   ~NetworkPort() override { close(); }
 
+  void giveUpWhen(const std::atomic<bool>& set) override { stop_ = &set; }
   std::optional<PortError> open(const std::string& device, const LineSettings&) override {
     close();
     const auto address = parseNetworkAddress(device);
     if (!address) return PortError{PortErrorKind::missing, device + " is no address: tcp://HOST:PORT is one"};
-    const auto end = std::chrono::steady_clock::now() + kOpening;
-    auto found = lookUpUntil(*address, end);
+    const Patience patience{.end = std::chrono::steady_clock::now() + kOpening, .stop = stop_};
+    auto found = lookUpFor(*address, patience);
     for (const auto& [socketAddress, length] : found.addresses) {
-      fd_ = connectUntil(socketAddress, length, end);
+      fd_ = connectFor(socketAddress, length, patience);
       if (fd_ >= 0) break;
       found.problem = std::generic_category().message(errno);
     }
@@ -153,6 +173,7 @@ class NetworkPort final : public Port {
 
  private:
   int fd_ = -1;
+  const std::atomic<bool>* stop_ = nullptr;
   bool gpsd_ = false;
   ReportFilter reports_;
   Moment last_byte_{};
@@ -161,8 +182,10 @@ class NetworkPort final : public Port {
 // Decides when it is opened: a COM number may get another device between two tries.
 class AnyPort final : public Port {
  public:
+  void giveUpWhen(const std::atomic<bool>& set) override { stop_ = &set; }
   std::optional<PortError> open(const std::string& device, const LineSettings& line) override {
     port_ = isNetworkName(device) ? makeNetworkPort() : makeQtSerialPort();
+    if (stop_ != nullptr) port_->giveUpWhen(*stop_);
     return port_->open(device, line);
   }
   ReadResult read(std::span<std::uint8_t> buffer, int timeoutMs) override {
@@ -181,6 +204,7 @@ class AnyPort final : public Port {
 
  private:
   std::unique_ptr<Port> port_;
+  const std::atomic<bool>* stop_ = nullptr;
 };
 
 }  // namespace

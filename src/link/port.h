@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -74,6 +75,8 @@ class Port {
   Port& operator=(const Port&) = delete;
   virtual ~Port() = default;
 
+  // Opening that waits for another machine gives up soon once this is set. It outlives the port.
+  virtual void giveUpWhen(const std::atomic<bool>& /*set*/) {}
   // Takes the device for this program alone. The port must be closed.
   virtual std::optional<PortError> open(const std::string& device, const LineSettings& line) = 0;
   // Waits until anything has come, at most `timeoutMs`, and returns what is there, up to the size of `buffer`.

@@ -67,6 +67,7 @@ void PortThread::reopen() {
 
 void PortThread::body(Opened opened, int tries, Absent absent) {
   const std::unique_ptr<Port> port = factory_();
+  port->giveUpWhen(worker_.stopping());
   std::optional<PortError> error = openWithTries(*port, tries);
   gone_ = error.has_value();
   opened.set_value(std::move(error));

@@ -80,8 +80,8 @@ void tellContinued(Session& session, const std::string& happened, std::uint64_t 
   const auto& file = session.file;
   auto text = fmt::format("{}\r\nRecording goes on in\r\n{}", happened, file.path().string());
   if (missing > 0) {
-    text +=
-        fmt::format("\r\nIts first {} records are not in there: look for the old file.", missing / file.recordLength());
+    text += fmt::format("\r\n{} of the records before are not in there: look for the old file.",
+                        missing / file.recordLength());
   } else {
     text += "\r\nwith everything recorded so far.";
   }

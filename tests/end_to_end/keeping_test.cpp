@@ -2,6 +2,8 @@
 #include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <poll.h>
+#include <sched.h>
+#include <sys/mount.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -50,6 +52,52 @@ TEST(Keeping, AFileTakenAwayOrSwappedIsToldAndTheSurveyIsWholeElsewhere) {
     }
     EXPECT_THAT(survey.logger.output(), HasSubstr("\nnot whole: "));
   }
+}
+
+// A file system in memory for a card, in a slot that is the survey's storage folder. The slot is seen by this thread
+// and the programs that it starts.
+struct Card {
+  Card(const TempFolder& machine, std::string slotPath)
+      : card((machine.path() / "card").string()), slot(std::move(slotPath)) {
+    std::filesystem::create_directories(card);
+    std::filesystem::create_directories(slot);
+    allowed = ::unshare(CLONE_NEWNS) == 0 && ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
+              ::mount("none", card.c_str(), "tmpfs", 0, "size=4m") == 0;
+  }
+  ~Card() {
+    pull();
+    ::umount2(card.c_str(), MNT_DETACH);
+  }
+  bool put() const { return ::mount(card.c_str(), slot.c_str(), nullptr, MS_BIND, nullptr) == 0; }
+  void pull() const { ::umount2(slot.c_str(), MNT_DETACH); }
+
+  std::string card, slot;
+  bool allowed = false;
+};
+
+// The survey goes on below the empty slot; when the card covers that again, its file is known for ours and is filled
+// up.
+TEST(Keeping, ACardThatIsPulledAndComesBackIsFilledUpForItHoldsOurFile) {
+  const TempFolder machine;
+  const Card card(machine, (machine.path() / "Kalmira").string());
+  if (!card.allowed) GTEST_SKIP() << "nothing can be mounted here";
+  ASSERT_TRUE(card.put());
+  Kept survey("--root " + card.slot);
+  survey.readings(1, 5);
+  const auto onCard = card.card + survey.path.string().substr(card.slot.size());
+  EXPECT_EQ(readingsIn(onCard), 5);
+  std::filesystem::path moved;
+  for (const bool back : {false, true}) {
+    back ? (void)card.put() : card.pull();
+    const int first = back ? 9 : 6;
+    EXPECT_TRUE(survey.send(fmt::format("T${:+05d}-0800\r", first)));
+    moved = survey.logger.nextLine("file ").substr(5);
+    survey.logger.nextLine("notice with everything recorded so far.");
+    survey.readings(first + 1, first + 2);
+    EXPECT_EQ(readingsIn(moved), first + 2);
+    EXPECT_GE(readingsIn(onCard), back ? 11 : 5);
+  }
+  survey.logger.leave(3);
 }
 
 // A server on this machine with one client at a time.

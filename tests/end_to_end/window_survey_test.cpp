@@ -197,6 +197,36 @@ TEST(WindowSurvey, OfAnOrlaWithItsReceiverGivesItsFileByteForByte) {
   expectSettings(saved, "conductivityMinimum=3.000000|conductivityMaximum=8.000000|lineName=7/a");
 }
 
+TEST(WindowSurvey, GoesOnWithAllItsReadingsWhenItsFileIsTakenAway) {
+  const Device instrument;
+  Machine machine(Kind::orla, kQuietWheel);
+  machine.options.com[0] = instrument.name;
+  std::filesystem::path path, moved;
+  const auto work = [&](const Operator& person) {
+    person.command(Qt::Key_L);
+    person.sends(instrument, kOrlaRecord, "C:-10.00", PanelField::value1, true);
+    path = person.createFile();
+    person.go();
+    person.sends(instrument, "Td-0412+0796\r", "C:10.30");
+    const auto takeAway = [&] {
+      std::filesystem::remove_all(path.parent_path());
+      person.sends(instrument, kOrlaRecord, "C:-10.00");
+      EXPECT_TRUE(comes([&] { return std::filesystem::exists(path); }));
+    };
+    person.answers("CRITICAL WARNING", takeAway, answered(QMessageBox::Ok));
+    EXPECT_EQ(person.text(PanelField::state), "Logging");
+    person.sends(instrument, "Td-0412+0796\r", "C:10.30");
+    person.pause();
+    moved = person.logging().session()->file.path();
+    person.leave();
+  };
+  EXPECT_EQ(machine.run(work, false), 0);
+  EXPECT_EQ(moved.parent_path(), path.parent_path()) << "the folder could be made again";
+  EXPECT_THAT(wiped(readFile(moved), 24),
+              EndsWith(records24({withTick(24, "X$STARTED"), withTick(24, "Td-0412+0796"), withTick(24, "T$+0400-0800"),
+                                  withTick(24, "Td-0412+0796"), withTick(24, "X$PAUSED")})));
+}
+
 // An instrument that sends all the time, behind a link that outlives its cable.
 class Cable {
  public:

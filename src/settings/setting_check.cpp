@@ -22,17 +22,23 @@ struct Range {
   double most = 0;
 };
 
-// Whole numbers that are no dialog's list.
+// What is no dialog's list. An interval shorter than the instrument's own has every record taken.
 std::optional<Range> plainRange(std::string_view name) {
   struct Entry {
     std::string_view name;
     Range range;
   };
-  static constexpr std::array kEntries{Entry{"surveyMode", {0, 2}},         Entry{"iceDisplay", {0, 1}},
-                                       Entry{"iceQuantity", {0, 1}},        Entry{"seaWaterChoice", {0, 10}},
-                                       Entry{"traceShown", {0, 1}},         Entry{"traceWidth", {1, kTraceWidths}},
-                                       Entry{"traceColour", {0, 0xFFFFFF}}, Entry{"profileGrid", {0, 3}},
-                                       Entry{"sequenceMode", {0, 1}},       Entry{"direction", {0, 3}}};
+  static constexpr std::array kEntries{Entry{"surveyMode", {0, 2}},
+                                       Entry{"iceDisplay", {0, 1}},
+                                       Entry{"iceQuantity", {0, 1}},
+                                       Entry{"seaWaterChoice", {0, 10}},
+                                       Entry{"traceShown", {0, 1}},
+                                       Entry{"traceWidth", {1, kTraceWidths}},
+                                       Entry{"traceColour", {0, 0xFFFFFF}},
+                                       Entry{"profileGrid", {0, 3}},
+                                       Entry{"sequenceMode", {0, 1}},
+                                       Entry{"direction", {0, 3}},
+                                       Entry{"readingsInterval", {0.001, 86400}}};
   const auto found = std::find_if(kEntries.begin(), kEntries.end(), [&](const Entry& e) { return e.name == name; });
   return found == kEntries.end() ? std::nullopt : std::optional(found->range);
 }
@@ -65,7 +71,6 @@ std::string surveyListProblem(SurveyList (*listOf)(int), double value, std::stri
 }
 
 std::optional<SurveyNumber> surveyNumberOf(std::string_view name) {
-  if (name == "readingsInterval") return SurveyNumber::readingsInterval;
   if (name == "readingsCount") return SurveyNumber::readingsCount;
   if (name == "startStation") return SurveyNumber::startStation;
   if (name == "lineIncrement") return SurveyNumber::lineIncrement;

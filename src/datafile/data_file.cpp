@@ -78,11 +78,13 @@ bool DataFile::isWritable() const {
 }
 
 DataFile::Condition DataFile::look() {
-  const auto open = file_->status();
-  if (!open) return Condition::failing;
+  // One call where all is well: this runs with every reading.
   const auto named = disk_->status(path_);
-  if (!named || !named->isSameFile(*open) || open->links == 0) return Condition::gone;
-  if (open->size < written_) return Condition::cut;
+  if (!named || own_files_.empty() || !named->isSameFile(own_files_.back())) {
+    return file_->status() ? Condition::gone : Condition::failing;
+  }
+  if (named->links == 0) return Condition::gone;
+  if (named->size < written_) return Condition::cut;
   const auto error = sync_->progress().error;
   if (error == 0 && !readsBack()) {
     // Once may be a commit that is failing just now.
@@ -92,7 +94,7 @@ DataFile::Condition DataFile::look() {
   }
   if (failed_commits_ >= kFailuresToGiveUp && !isFull(error)) return Condition::failing;
   if (end() - written_ > kLongWaiting) return Condition::failing;
-  return open->size > reached_ ? Condition::lengthened : condition_;
+  return named->size > reached_ ? Condition::lengthened : condition_;
 }
 
 // Whether the file ends as it was written.

@@ -2,7 +2,10 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cctype>
+#include <optional>
+#include <vector>
 
 #include "gps/nmea.h"
 
@@ -13,6 +16,64 @@ constexpr int kReadMs = 100;
 constexpr std::size_t kAddressCharacters = 5;  // "GPGGA"
 
 enum class Heard { nothing, noise, sentence, stopped };
+constexpr int kSevenBits = 0, kEightBits = 1;      // places in the list of data bits
+constexpr int kNoParity = 0, kEven = 1, kOdd = 2;  // of parities
+constexpr int kOneStopBit = 0, kTwoStopBits = 1;   // of stop bits
+constexpr int kBaudRates = 8;
+constexpr std::array kOtherFrames{std::array{kEightBits, kEven}, std::array{kEightBits, kOdd},
+                                  std::array{kSevenBits, kNoParity}};
+
+// Heard with eight data bits, the eighth bit of a line with seven is its parity or its first stop bit. Nothing when it
+// is neither.
+std::optional<ReceiverLine> sevenBitLine(ReceiverLine line, const std::vector<std::uint8_t>& bytes) {
+  const auto all = [&bytes](auto holds) { return std::all_of(bytes.begin(), bytes.end(), holds); };
+  line.dataBitsIndex = kSevenBits;
+  line.stopBitsIndex = kOneStopBit;
+  if (all([](std::uint8_t byte) { return std::popcount(byte) % 2 == 0; })) {
+    line.parityIndex = kEven;
+  } else if (all([](std::uint8_t byte) { return std::popcount(byte) % 2 == 1; })) {
+    line.parityIndex = kOdd;
+  } else if (all([](std::uint8_t byte) { return byte >= 0x80; })) {
+    line.parityIndex = kNoParity;
+    line.stopBitsIndex = kTwoStopBits;
+  } else {
+    return std::nullopt;
+  }
+  return line;
+}
+
+// One line setting's stream, read as it comes and without its eighth bits.
+class Listener {
+ public:
+  explicit Listener(const ReceiverLine& line) : line_(line) {}
+  // True when a sentence is complete.
+  bool take(std::uint8_t byte) {
+    if (plain_.feed(byte, 0) && isReceiverSentence(plain_.line().text)) {
+      sentence = plain_.line().text;
+      found = line_;
+      return true;
+    }
+    if (line_.dataBitsIndex == kSevenBits) return false;
+    const auto seven = static_cast<std::uint8_t>(byte & 0x7F);
+    if (seven == '$') bytes_.clear();
+    bytes_.push_back(byte);
+    if (bytes_.size() > NmeaFramer::kLoggingLimit) bytes_.clear();
+    if (!stripped_.feed(seven, 0) || !isReceiverSentence(stripped_.line().text)) return false;
+    const auto line = sevenBitLine(line_, bytes_);
+    if (!line) return false;
+    sentence = stripped_.line().text;
+    found = *line;
+    return true;
+  }
+  std::string sentence;
+  ReceiverLine found;
+
+ private:
+  ReceiverLine line_;
+  NmeaFramer plain_{NmeaFramer::kLoggingLimit};
+  NmeaFramer stripped_{NmeaFramer::kLoggingLimit};
+  std::vector<std::uint8_t> bytes_;  // of the sentence that is coming
+};
 
 LineSettings lineOf(const ReceiverLine& line) {
   Settings settings;
@@ -20,9 +81,7 @@ LineSettings lineOf(const ReceiverLine& line) {
   return gpsPortLine(settings);
 }
 
-// `sentence` is what was heard.
-Heard listen(Port& port, const Clock& clock, const std::atomic<bool>& stop, std::string& sentence) {
-  NmeaFramer framer(NmeaFramer::kLoggingLimit);
+Heard listen(Port& port, const Clock& clock, const std::atomic<bool>& stop, Listener& listener) {
   std::array<std::uint8_t, 256> bytes{};
   Heard heard = Heard::nothing;
   const std::uint32_t begin = clock.tick();
@@ -31,9 +90,7 @@ Heard listen(Port& port, const Clock& clock, const std::atomic<bool>& stop, std:
     const auto result = port.read(bytes, kReadMs);
     if (result.count > 0) heard = Heard::noise;
     for (const auto byte : std::span(bytes).first(result.count)) {
-      if (!framer.feed(byte, begin) || !isReceiverSentence(framer.line().text)) continue;
-      sentence = framer.line().text;
-      return Heard::sentence;
+      if (listener.take(byte)) return Heard::sentence;
     }
     if (result.gone) return heard;
   }
@@ -58,10 +115,16 @@ void takeReceiverLine(const ReceiverLine& line, Settings& settings) {
 
 std::vector<ReceiverLine> receiverTrials(const Settings& settings) {
   std::vector<ReceiverLine> trials{receiverLineOf(settings)};
-  // 9600 and 4800 are what receivers come with, 38400 and 115200 what they are set to; the rest is rare.
-  for (const int baudIndex : {1, 0, 3, 5, 4, 2, 6, 7}) {
-    const ReceiverLine line{.baudIndex = baudIndex};
+  const auto add = [&trials](const ReceiverLine& line) {
     if (line != trials.front()) trials.push_back(line);
+  };
+  // 9600 and 4800 are what receivers come with, 38400 and 115200 what they are set to; the rest is rare.
+  constexpr std::array<int, kBaudRates> kLikelyFirst{1, 0, 3, 5, 4, 2, 6, 7};
+  for (const int baudIndex : kLikelyFirst) add({.baudIndex = baudIndex});
+  for (const int baudIndex : kLikelyFirst) {
+    for (const auto& [dataBits, parity] : kOtherFrames) {
+      add({.baudIndex = baudIndex, .dataBitsIndex = dataBits, .parityIndex = parity});
+    }
   }
   return trials;
 }
@@ -80,19 +143,24 @@ FindOutcome findReceiver(Port& port, const std::string& device, const std::vecto
                          const std::function<void(std::size_t)>& onTrial) {
   using How = FindOutcome::How;
   bool noise = false;
+  std::array<bool, kBaudRates> silent{};  // with the usual eight bits: then with any
   for (std::size_t i = 0; i < trials.size(); ++i) {
     if (stop) return {.how = How::cancelled};
+    const bool usual = trials[i] == ReceiverLine{.baudIndex = trials[i].baudIndex};
+    auto& isSilent = silent.at(static_cast<std::size_t>(trials[i].baudIndex) % kBaudRates);
+    if (!usual && isSilent) continue;
     onTrial(i);
     if (const auto error = port.open(device, lineOf(trials[i]))) {
       if (i == 0) return {.how = How::cannotOpen, .problem = error->text};
       continue;  // it was open before: a rate that the device does not take
     }
     port.purge();
-    std::string sentence;
-    const auto heard = listen(port, clock, stop, sentence);
+    Listener listener(trials[i]);
+    const auto heard = listen(port, clock, stop, listener);
     port.close();
     if (heard == Heard::stopped) return {.how = How::cancelled};
-    if (heard == Heard::sentence) return {.how = How::found, .line = trials[i], .sentence = sentence};
+    if (heard == Heard::sentence) return {.how = How::found, .line = listener.found, .sentence = listener.sentence};
+    isSilent = usual && heard == Heard::nothing;
     noise = noise || heard == Heard::noise;
   }
   return {.how = noise ? How::notUnderstood : How::nothingHeard};

@@ -30,7 +30,8 @@ void takeReceiverLine(const ReceiverLine& line, Settings& settings);
 inline constexpr std::uint32_t kListenMs = 1300;
 
 // The lines to try, most likely first: as set up, then every baud rate with 8 data bits, no parity and one stop bit,
-// which is what receivers use.
+// which is what receivers use and which also tells lines with 7 bits and parity. Then those that it does not tell,
+// tried where something had been heard.
 std::vector<ReceiverLine> receiverTrials(const Settings& settings);
 
 // A complete sentence of at least an address whose two-digit checksum is right: nothing that noise at a wrong baud rate

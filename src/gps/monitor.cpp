@@ -24,11 +24,11 @@ void nextDefault(MonitorState& state) {
 // One layout, in units of the screen it was drawn for.
 struct MonitorUnits {
   int width, height;
-  int listWidth, listHeight;
+  int listWidth, listHeight, summaryHeight;
   int buttonWidth, gap;
 };
-constexpr MonitorUnits kUpright{240, 320, 236, 260, 76, 4};
-constexpr MonitorUnits kLying{320, 240, 316, 178, 104, 2};
+constexpr MonitorUnits kUpright{240, 320, 236, 260, 42, 76, 4};
+constexpr MonitorUnits kLying{320, 240, 316, 178, 30, 104, 2};
 constexpr int kMargin = 2;       // units
 constexpr int kButtonRise = 28;  // units from the lower edge to the upper edge of the buttons
 
@@ -107,7 +107,9 @@ MonitorLayout layOutMonitor(int width, int height, int touchHeight) {
   layout.scale = std::min(across, down);
   const int left = pixels(kMargin, across);
   const int listWidth = pixels(units.listWidth, across);
-  layout.list = {left, margin, listWidth, std::max(1, editTop - 2 * margin)};
+  const int summaryHeight = pixels(units.summaryHeight, down);
+  layout.summary = {left, margin, listWidth, summaryHeight};
+  layout.list = {left, margin + summaryHeight, listWidth, std::max(1, editTop - 2 * margin - summaryHeight)};
   layout.edit = {left, editTop, listWidth, std::max(1, buttonTop - margin - editTop)};
   for (int i = 0; i < kMonitorCommands; ++i) {
     const int place = std::max(0, i - 1);  // "Go" and "Pause" in the same one

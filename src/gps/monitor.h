@@ -46,13 +46,14 @@ struct MonitorBox {
   int left = 0, top = 0, width = 0, height = 0;  // pixels
 };
 struct MonitorLayout {
+  MonitorBox summary;  // of the fix
   MonitorBox list;
   MonitorBox edit;
   std::array<MonitorBox, kMonitorCommands> buttons;
   double scale = 1.0;  // pixels a unit, for fonts
 };
-// For a window of that size: upright 240 x 320 units, lying 320 x 240. The list gives up what the edit line and the
-// buttons need to be `touchHeight` pixels high.
+// For a window of that size: upright 240 x 320 units, lying 320 x 240. The list gives up what the summary above it
+// takes, and what the edit line and the buttons need to be `touchHeight` pixels high.
 MonitorLayout layOutMonitor(int width, int height, int touchHeight);
 
 }  // namespace kalmira

@@ -48,6 +48,7 @@ class QtSerialPort final : public Port {
   QEventLoop events_;
   DeviceClaim claim_;
   std::optional<QSerialPort> port_;
+  bool seven_bits_ = false;
 };
 
 std::optional<PortError> QtSerialPort::open(const std::string& device, const LineSettings& line) {
@@ -83,6 +84,7 @@ PortError QtSerialPort::openingError(const std::string& path) const {
 void QtSerialPort::setLine(const LineSettings& line, const LineSettings& found) {
   // Opening has set Qt's own defaults, so what is to be left as it was is set back.
   if (const auto baud = line.baud ? line.baud : found.baud) port_->setBaudRate(*baud);
+  seven_bits_ = line.dataBits == 7;
   if (const auto bits = line.dataBits ? line.dataBits : found.dataBits) {
     port_->setDataBits(*bits == 7 ? QSerialPort::Data7 : QSerialPort::Data8);
   }
@@ -106,6 +108,8 @@ ReadResult QtSerialPort::read(std::span<std::uint8_t> buffer, int timeoutMs) {
   const int ready = ::poll(&wait, 1, timeoutMs);
   if (ready == 0 || (ready < 0 && errno == EINTR)) return {};
   const ssize_t count = ready < 0 ? -1 : ::read(wait.fd, buffer.data(), buffer.size());
+  // A device that knows no data bits, as pseudo-terminals and some adapters, hands the parity up with the byte.
+  for (ssize_t i = 0; seven_bits_ && i < count; ++i) buffer[static_cast<std::size_t>(i)] &= 0x7F;
   if (count > 0) return {.count = static_cast<std::size_t>(count), .gone = false};
   // Woken for nothing now and then; but a device that has hung up wakes at once for ever.
   const bool hungUp = (wait.revents & (POLLHUP | POLLERR | POLLNVAL)) != 0;

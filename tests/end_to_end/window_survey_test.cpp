@@ -110,7 +110,7 @@ struct Operator {
   }
   void leave() const {
     const auto exit = [this] { command(Qt::Key_X, "E&xit"); };
-    answers("Confirm Exit", exit, answered(QMessageBox::Yes));
+    answers("Confirm Exit", exit, answered("Yes"));
     EXPECT_FALSE(logging().isVisible());
     exit();
   }
@@ -213,7 +213,7 @@ TEST(WindowSurvey, GoesOnWithAllItsReadingsWhenItsFileIsTakenAway) {
       person.sends(instrument, kOrlaRecord, "C:-10.00");
       EXPECT_TRUE(comes([&] { return std::filesystem::exists(path); }));
     };
-    person.answers("CRITICAL WARNING", takeAway, answered(QMessageBox::Ok));
+    person.answers("CRITICAL WARNING", takeAway, answered("OK"));
     EXPECT_EQ(person.text(PanelField::state), "Logging");
     person.sends(instrument, "Td-0412+0796\r", "C:10.30");
     person.pause();
@@ -276,10 +276,10 @@ TEST(WindowCable, PulledBehindADialogAndPluggedInAgainResumesAndTheFrameEndsTheP
           dialog.accept();
         });
     person.command(Qt::Key_G);
-    person.answers("Confirm Exit", closeFrame, answered(QMessageBox::No));
+    person.answers("Confirm Exit", closeFrame, answered("No"));
     EXPECT_EQ(person.text(PanelField::state), "Logging");
     EXPECT_TRUE(comes([&person] { return person.logging().session()->counts.readings >= 2; }));
-    person.answers("Confirm Exit", closeFrame, answered(QMessageBox::Yes));
+    person.answers("Confirm Exit", closeFrame, answered("Yes"));
   };
   EXPECT_EQ(machine.run(work, false), 0);
   // One break, then the line and its readings.

@@ -1,5 +1,7 @@
 #include <gmock/gmock.h>
 
+#include <bit>
+
 #include <thread>
 
 #include "gps/find_receiver.h"
@@ -163,7 +165,11 @@ TEST_F(FindReceiver, FindsTheLineThroughTheNoiseOfTheOthersAndTellsWhatItHeardEl
   EXPECT_EQ(find(line, "", "").how, How::nothingHeard);
   EXPECT_EQ(bauds.size(), 8U);
   EXPECT_EQ(clock.tick() - begin, 8 * kListenMs);
-  EXPECT_EQ(find({.baudIndex = 5, .parityIndex = 1}, "$GPGLL,1,2*53\r\n", "xyz").how, How::notUnderstood);
+  EXPECT_EQ(find({.baudIndex = 5, .parityIndex = 1, .stopBitsIndex = 1}, "$GPGLL,1,2*53\r\n", "xyz").how,
+            How::notUnderstood);
+  // All 8-bit frames that are told from noise by listening with them.
+  EXPECT_EQ(find({.baudIndex = 1, .parityIndex = 2}, "$GPGLL,1,2*53\r\n", "xyz").line,
+            (ReceiverLine{.baudIndex = 1, .parityIndex = 2}));
   device.refusals = 1;
   const auto refused = find(line, "", "");
   EXPECT_EQ(refused.how, How::cannotOpen);
@@ -171,6 +177,27 @@ TEST_F(FindReceiver, FindsTheLineThroughTheNoiseOfTheOthersAndTellsWhatItHeardEl
   stop = true;
   EXPECT_EQ(find(line, "", "").how, How::cancelled);
   EXPECT_FALSE(device.isOpen);
+}
+
+// With seven data bits the eighth that is heard is the parity, or the first of two stop bits.
+TEST_F(FindReceiver, TellsSevenBitsAndTheirParityByListeningWithEight) {
+  enum { even, odd, stopBit };
+  for (const auto& [eighth, line] :
+       {std::pair{even, ReceiverLine{.baudIndex = 1, .dataBitsIndex = 0, .parityIndex = 1}},
+        {odd, {.baudIndex = 1, .dataBitsIndex = 0, .parityIndex = 2}},
+        {stopBit, {.baudIndex = 1, .dataBitsIndex = 0, .parityIndex = 0, .stopBitsIndex = 1}}}) {
+    std::string heard = "xx$GPGLL,1,2*53\r\n";
+    for (char& byte : heard) {
+      const bool ones = std::popcount(static_cast<unsigned char>(byte)) % 2 == 1;
+      if (eighth == stopBit || ones == (eighth == even)) byte = static_cast<char>(byte | 0x80);
+    }
+    const auto found = find(line, "", heard);
+    EXPECT_EQ(found.how, How::found);
+    EXPECT_EQ(found.line.dataBitsIndex, 0);
+    EXPECT_EQ(found.line.parityIndex, line.parityIndex);
+    EXPECT_EQ(found.line.stopBitsIndex, line.stopBitsIndex);
+    EXPECT_EQ(found.sentence, "$GPGLL,1,2*53");
+  }
 }
 
 }  // namespace

@@ -9,7 +9,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
-#include <QMessageBox>
 #include <QPointer>
 #include <QPushButton>
 #include <QScrollArea>
@@ -80,21 +79,29 @@ class DialogActor {
 };
 
 // A button of a message box. A question that comes by itself is deaf at first.
-inline DialogActor::Act answered(QMessageBox::StandardButton which) {
+inline QPushButton& buttonOf(const QWidget& window, const QString& text);
+inline DialogActor::Act answered(const char* which) {
   return [which](QDialog& dialog) {
-    const QPointer<QMessageBox> box(qobject_cast<QMessageBox*>(&dialog));
-    ASSERT_NE(box, nullptr) << dialog.windowTitle().toStdString();
+    const QPointer<QDialog> box(&dialog);
     while (box && box->isVisible()) {
-      QTest::mouseClick(box->button(which), Qt::LeftButton);
+      QTest::mouseClick(&buttonOf(*box, which), Qt::LeftButton);
       QTest::qWait(20);
     }
   };
+}
+// What a message says, its lines as they stand in the box.
+inline std::string messageOf(const QDialog& box) {
+  QStringList lines;
+  for (const auto* label : box.findChildren<QLabel*>("text")) {
+    lines += label->text().remove(QChar(0x200B)).replace(QChar::Nbsp, ' ');
+  }
+  return lines.join('\n').toStdString();
 }
 
 // Reads a message and takes note by Enter.
 inline DialogActor::Act noted(std::string& text) {
   return [&text](QDialog& dialog) {
-    text = dynamic_cast<QMessageBox&>(dialog).text().toStdString();
+    text = messageOf(dialog);
     QTest::keyClick(&dialog, Qt::Key_Return);
   };
 }

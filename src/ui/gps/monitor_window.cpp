@@ -5,6 +5,7 @@
 #include <QDialog>
 #include <QEvent>
 #include <QKeyEvent>
+#include <QLabel>
 #include <QLineEdit>
 #include <algorithm>
 #include <optional>
@@ -26,6 +27,7 @@ constexpr int kGpsTries = 10;
 // Units: forty characters a row upright, so that most sentences take two.
 constexpr double kListFontUnits = 9.0;
 constexpr double kFontUnits = 13.0;
+constexpr int kSummaryMs = 500;
 
 QRect rectOf(const MonitorBox& box) { return {box.left, box.top, box.width, box.height}; }
 
@@ -54,6 +56,7 @@ std::optional<std::string> runMessageEntryDialog(QWidget* parent, const std::str
 MonitorGPSWnd::MonitorGPSWnd(MonitorHost host, const Theme& theme, QWidget* parent)
     : CoverWindow("MonitorGPSWnd", host.onLeft, parent),
       host_(std::move(host)),
+      summary_text_(new QLabel(this)),
       list_(new SentenceList(theme, this)),
       edit_(new QLineEdit(this)),
       buttons_(this, theme, [this](int index) { run(static_cast<MonitorCommand>(index)); }),
@@ -64,6 +67,10 @@ MonitorGPSWnd::MonitorGPSWnd(MonitorHost host, const Theme& theme, QWidget* pare
       port_(host_.portFactory, hand_over_, kRetryPeriod) {
   makeEdit(theme);
   makeButtons();
+  summary_text_->setObjectName("summary");
+  summary_text_->setWordWrap(true);
+  summary_text_->setTextFormat(Qt::PlainText);
+  connect(&summary_timer_, &QTimer::timeout, this, [this] { showSummary(); });
 }
 
 MonitorGPSWnd::~MonitorGPSWnd() { port_.close(); }
@@ -94,6 +101,9 @@ bool MonitorGPSWnd::open() {
   receiver_gone_ = false;
   // What another port or another rate has brought would be taken for the answer of this one.
   list_->clearLines();
+  summary_ = {};
+  showSummary();
+  summary_timer_.start(kSummaryMs);
   requests_.clear();
   startReader();
   showButtons();
@@ -129,6 +139,7 @@ void MonitorGPSWnd::startReader() {
 void MonitorGPSWnd::leave() {
   if (!port_.isOpen()) return;
   port_.close();
+  summary_timer_.stop();
   for (auto* dialog : findChildren<QDialog*>()) {
     if (dialog->isVisible()) dialog->reject();
   }
@@ -142,7 +153,20 @@ void MonitorGPSWnd::showNews(const MonitorNews& news) {
   if (news.kind == MonitorNews::Kind::back) receiver_gone_ = false;
   // A line that was on its way when the operator asked for a pause: nothing may move any more.
   if (news.kind == MonitorNews::Kind::line && state_.monitorPaused == 1) return;
-  list_->addLine(news.text);
+  const bool sentence = news.kind == MonitorNews::Kind::line && news.text != kNoData;
+  const bool good = nmeaChecksumOk(news.text);
+  if (sentence) summary_.take(news.text, good, host_.clock.tick());
+  list_->addLine(news.text, sentence && !good);
+}
+
+// Each text stays in one piece.
+void MonitorGPSWnd::showSummary() {
+  QStringList texts;
+  for (const auto& text : summary_.texts(host_.clock.tick())) texts += qtText(text).replace(' ', QChar::Nbsp);
+  const auto all = texts.join("   ");
+  if (all == summary_text_->text()) return;
+  summary_text_->setText(all);
+  summary_text_->setFont(fittedFont(all, edit_->font(), summary_text_->size()));
 }
 
 void MonitorGPSWnd::run(MonitorCommand command) {
@@ -232,6 +256,8 @@ void MonitorGPSWnd::arrange() {
   QFont text = font();
   text.setPixelSize(std::max(8, static_cast<int>(kFontUnits * layout.scale)));
   edit_->setFont(text);
+  summary_text_->setGeometry(rectOf(layout.summary));
+  summary_text_->setFont(fittedFont(summary_text_->text(), text, summary_text_->size()));
   for (std::size_t i = 0; i < layout.buttons.size(); ++i) {
     buttons_.buttons()[i]->setFont(text);
     buttons_.buttons()[i]->setGeometry(rectOf(layout.buttons[i]));

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <QTimer>
 #include <functional>
 
+#include "gps/fix_summary.h"
 #include "gps/gps_readers.h"
 #include "gps/monitor.h"
 #include "link/port_thread.h"
@@ -12,6 +14,7 @@
 #include "ui/screen/action_bar.h"
 #include "ui/screen/cover_window.h"
 
+class QLabel;
 class QLineEdit;
 
 namespace kalmira {
@@ -52,6 +55,7 @@ class MonitorGPSWnd final : public CoverWindow {
   void makeEdit(const Theme& theme);
   bool openPort();
   void startReader();
+  void showSummary();
   void showNews(const MonitorNews& news);
   void run(MonitorCommand command);
   void sendMessage();
@@ -63,6 +67,9 @@ class MonitorGPSWnd final : public CoverWindow {
   MonitorState state_;
   bool receiver_gone_ = false;
   bool entering_ = false;  // the message dialog is open
+  FixSummary summary_;
+  QLabel* summary_text_;
+  QTimer summary_timer_;
   SentenceList* list_;
   QLineEdit* edit_;
   ActionBar buttons_;

@@ -46,14 +46,16 @@ int SentenceList::rowHeight() const { return std::max(1, fontMetrics().height())
 
 int SentenceList::rowsInView() const { return std::max(1, viewport()->height() / rowHeight()); }
 
-void SentenceList::addLine(std::string line) {
+void SentenceList::addLine(std::string line, bool bad) {
   lines_.push_back(std::move(line));
+  bad_.push_back(bad);
   row_counts_.push_back(static_cast<int>(rowsOf(lines_.back()).size()));
   rows_ += row_counts_.back();
   if (lines_.size() > kMostMonitorLines) {
     rows_ -= row_counts_.front();
     row_counts_.pop_front();
     lines_.pop_front();
+    bad_.pop_front();
   }
   showRange();
   verticalScrollBar()->setValue(rows_ - row_counts_.back());
@@ -62,6 +64,7 @@ void SentenceList::addLine(std::string line) {
 
 void SentenceList::clearLines() {
   lines_.clear();
+  bad_.clear();
   breakAnew();
 }
 
@@ -98,7 +101,6 @@ void SentenceList::resizeEvent(QResizeEvent*) { breakAnew(); }
 void SentenceList::paintEvent(QPaintEvent* event) {
   QPainter painter(viewport());
   painter.fillRect(event->rect(), QColor(theme_->background));
-  painter.setPen(QColor(theme_->text));
   const int height = rowHeight();
   const int indent = static_cast<int>(static_cast<double>(kIndent) * characterWidth(font()));
   int row = -verticalScrollBar()->value();
@@ -106,6 +108,10 @@ void SentenceList::paintEvent(QPaintEvent* event) {
     if (row + row_counts_[i] > 0) {
       int left = kEdge;
       int baseline = row * height + fontMetrics().ascent();
+      if (bad_[i]) {
+        painter.fillRect(0, row * height, viewport()->width(), row_counts_[i] * height, QColor(theme_->warning));
+      }
+      painter.setPen(QColor(bad_[i] ? theme_->warningText : theme_->text));
       for (const auto text : rowsOf(lines_[i])) {
         painter.drawText(left, baseline, QString::fromLatin1(text.data(), static_cast<int>(text.size())));
         left = kEdge + indent;

@@ -16,8 +16,9 @@ class SentenceList final : public QAbstractScrollArea {
  public:
   SentenceList(const Theme& theme, QWidget* parent);
 
-  // Scrolls on until the new line is the first in view, or the last one stands at the lower edge.
-  void addLine(std::string line);
+  // Scrolls on until the new line is the first in view, or the last one stands at the lower edge. A `bad` line is
+  // marked.
+  void addLine(std::string line, bool bad = false);
   void clearLines();
   const std::deque<std::string>& lines() const { return lines_; }
   void setFontSize(int pixelSize);
@@ -38,6 +39,7 @@ class SentenceList final : public QAbstractScrollArea {
   const Theme* theme_;
   std::deque<std::string> lines_;
   std::deque<int> row_counts_;  // of each line
+  std::deque<bool> bad_;        // likewise
   int rows_ = 0;                // in all
   std::size_t columns_ = 1;
 };

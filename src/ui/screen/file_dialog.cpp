@@ -2,20 +2,25 @@
 
 #include <fmt/format.h>
 
+#include <QAbstractItemView>
 #include <QComboBox>
 #include <QDialogButtonBox>
 #include <QFileDialog>
 #include <QGridLayout>
 #include <QLineEdit>
+#include <QPushButton>
 
 #include "ui/screen/template_dialog.h"
 #include "ui/screen/theme.h"
+#include "ui/screen/touch_button.h"
+#include "ui/screen/window_fit.h"
 
 namespace kalmira {
 namespace {
 
 // In a window narrower than this many widths of an "x" only what is needed to name a file is shown.
 constexpr int kFewLetters = 70;
+constexpr int kSmallestLetters = 8;  // pixels
 
 // The parts of Qt's dialog by the names it gives them. Where a future one lacks a part, it is simply not changed.
 void hidePieces(const QFileDialog& dialog, std::initializer_list<const char*> names) {
@@ -55,6 +60,7 @@ void dress(QFileDialog& dialog, const QWidget* parent) {
   const int letter = dialog.fontMetrics().horizontalAdvance('x');
   if (parent != nullptr && parent->window()->width() < kFewLetters * letter) makeSmall(dialog);
   fitForFingers(dialog);
+  for (auto* button : dialog.findChildren<QPushButton*>()) button->setIcon({});
   // A long list of patterns must not make the dialog wider than its window.
   for (auto* box : dialog.findChildren<QComboBox*>()) {
     box->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
@@ -68,7 +74,32 @@ void useForSaving(QFileDialog& dialog) {
   dialog.setFileMode(QFileDialog::AnyFile);
 }
 
+// The list of files gives way before anything is pushed out of the window, then ways to other folders, then letters.
+void fitIn(QFileDialog& dialog, QSize room) {
+  for (auto* list : dialog.findChildren<QAbstractItemView*>()) list->setMinimumSize(0, touchHeight(dialog.screen()));
+  auto* layout = dialog.layout();
+  const auto needed = [layout] {
+    layout->invalidate();
+    layout->activate();
+    return layout->minimumSize();
+  };
+  for (const char* piece : {"newFolderButton", "fileTypeCombo", "lookInCombo", "toParentButton"}) {
+    if (needed().height() <= room.height() && needed().width() <= room.width()) return;
+    hidePieces(dialog, {piece});
+  }
+  auto* box = dialog.findChild<QDialogButtonBox*>(QStringLiteral("buttonBox"));
+  if (box == nullptr || box->buttons().isEmpty()) return;
+  auto font = box->buttons().first()->font();
+  while (needed().width() > room.width() && font.pixelSize() > kSmallestLetters) {
+    font.setPixelSize(font.pixelSize() - 1);
+    for (auto* button : box->buttons()) button->setFont(font);
+  }
+}
+
 std::optional<std::filesystem::path> answerOf(QFileDialog& dialog) {
+  if (const auto* parent = dialog.parentWidget()) {
+    fitIn(dialog, parent->window()->size().boundedTo(roomFor(dialog).size()));
+  }
   placeInParent(dialog);
   if (execDialog(dialog) != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return std::nullopt;
   return dialog.selectedFiles().constFirst().toStdU16String();

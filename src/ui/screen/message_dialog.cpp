@@ -1,13 +1,14 @@
 #include "ui/screen/message_dialog.h"
 
 #include <QCoreApplication>
-#include <QEvent>
-#include <QMessageBox>
+#include <QDialog>
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLabel>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QStyle>
-#include <QTextLayout>
 #include <QTimer>
-#include <algorithm>
 
 #include "ui/screen/template_dialog.h"
 #include "ui/screen/theme.h"
@@ -15,63 +16,115 @@
 namespace kalmira {
 namespace {
 
-constexpr int kMargins = 60;     // pixels: around icon and text
-constexpr int kLeastRoom = 120;  // pixels
+constexpr int kBesideText = 8;  // pixels
+constexpr int kBelowText = 3;
 
-QMessageBox::Icon boxIcon(Icon icon) {
+QStyle::StandardPixmap pictureOf(Icon icon) {
   switch (icon) {
-    case Icon::none: return QMessageBox::NoIcon;
-    case Icon::information: return QMessageBox::Information;
-    case Icon::question: return QMessageBox::Question;
-    case Icon::exclamation: return QMessageBox::Warning;
-    case Icon::stop: return QMessageBox::Critical;
+    case Icon::question: return QStyle::SP_MessageBoxQuestion;
+    case Icon::exclamation: return QStyle::SP_MessageBoxWarning;
+    case Icon::stop: return QStyle::SP_MessageBoxCritical;
+    default: return QStyle::SP_MessageBoxInformation;
   }
-  return QMessageBox::NoIcon;
 }
 
-// Broken where the window ends: the box by itself looks only at the screen, which may be a good deal wider.
-QString wrapped(const QString& paragraph, const QFont& font, int room) {
-  QTextLayout layout(paragraph, font);
+// Where a path ends that stands in a sentence: it may have blanks itself.
+qsizetype endOfPath(const QString& text, qsizetype start) {
+  static const QRegularExpression kEnd(R"((: |, |; |\. |\.?$))");
+  const auto found = kEnd.match(text, start);
+  return found.hasMatch() ? found.capturedStart() : text.size();
+}
+
+// The paragraphs of a message, paths on lines of their own.
+QStringList linesOf(const QString& text) {
+  static const QRegularExpression kPath("(^|[ \"])/[^/ ]");
   QStringList lines;
-  layout.beginLayout();
-  for (auto line = layout.createLine(); line.isValid(); line = layout.createLine()) {
-    line.setLineWidth(room);
-    lines += paragraph.mid(line.textStart(), line.textLength()).trimmed();
+  for (const auto& paragraph : text.trimmed().remove('\r').split('\n')) {
+    auto rest = paragraph;
+    for (auto found = kPath.match(rest); found.hasMatch(); found = kPath.match(rest)) {
+      const auto start = found.capturedEnd(1);
+      const auto end = endOfPath(rest, start);
+      // A lone slash is no path: "km/h" has no blank before it, "a /b" no second one.
+      if (rest.mid(start, end - start).count('/') < 2) break;
+      if (const auto before = rest.left(start).trimmed(); !before.isEmpty()) lines += before;
+      auto after = end;
+      while (after < rest.size() && QStringLiteral(":,;.").contains(rest[after])) ++after;
+      lines += rest.mid(start, after - start);
+      rest = rest.mid(after).trimmed();
+    }
+    if (!rest.isEmpty() || paragraph.isEmpty()) lines += rest;
   }
-  layout.endLayout();
-  if (lines.size() == 1) return paragraph;  // with the blanks that it may begin with
-  return lines.join('\n');
+  return lines;
 }
 
-QString wrappedText(const QMessageBox& box, const std::string& text) {
-  QStringList paragraphs = qtText(text).remove('\r').trimmed().split('\n');
-  if (box.parentWidget() == nullptr) return paragraphs.join('\n');
-  const int beside = box.style()->pixelMetric(QStyle::PM_MessageBoxIconSize, nullptr, &box) + kMargins;
-  const int room = box.parentWidget()->window()->width() - beside;
-  for (auto& paragraph : paragraphs) paragraph = wrapped(paragraph, box.font(), std::max(room, kLeastRoom));
-  return paragraphs.join('\n');
+// A path that is longer than the box is broken behind a folder, and nowhere else.
+QString breakable(const QString& line) {
+  return line.startsWith('/') ? QString(line).replace(' ', QChar::Nbsp).replace('/', QStringLiteral("/\u200B")) : line;
 }
 
-void showMessage(QMessageBox& box, const QWidget* parent, const Message& message) {
-  dressLike(box, parent);
-  box.setWindowTitle(qtText(message.title));
-  box.setTextFormat(Qt::PlainText);
-  box.setText(wrappedText(box, message.text));
-  box.setIcon(boxIcon(message.icon));
-}
+class MessageBox final : public QDialog {
+ public:
+  MessageBox(QWidget* parent, const Message& message) : QDialog(parent) {
+    dressLike(*this, parent);
+    setWindowTitle(qtText(message.title));
+    setAccessibleName(windowTitle());
+    setAccessibleDescription(qtText(message.text));
+    auto* form = new QWidget(this);
+    auto* row = new QHBoxLayout(form);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(kBesideText);
+    if (message.icon != Icon::none) {
+      auto* picture = new QLabel(form);
+      const int side = style()->pixelMetric(QStyle::PM_MessageBoxIconSize, nullptr, this);
+      picture->setPixmap(style()->standardIcon(pictureOf(message.icon), nullptr, this).pixmap(side));
+      row->addWidget(picture, 0, Qt::AlignTop);
+    }
+    auto* lines = new QVBoxLayout;
+    lines->setSpacing(kBelowText);
+    for (const auto& line : linesOf(qtText(message.text))) {
+      auto* label = new QLabel(breakable(line), form);
+      label->setObjectName("text");
+      label->setTextFormat(Qt::PlainText);
+      label->setWordWrap(true);
+      lines->addWidget(label);
+    }
+    lines->addStretch(1);
+    row->addLayout(lines, 1);
+    buttons_ = new QHBoxLayout;
+    arrange(*this, *form, buttons_);
+  }
 
-// The texts are set here because a desktop may have its own, in another language and with other keys.
-QPushButton& addButton(QMessageBox& box, QMessageBox::StandardButton which, const char* text) {
-  auto& button = *box.addButton(which);
-  button.setText(text);
-  button.setIcon({});
-  return button;
-}
+  // The texts are set here because a desktop may have its own, in another language and with other keys.
+  QPushButton& addButton(int result, const char* text) {
+    auto* button = new QPushButton(text, this);
+    connect(button, &QPushButton::clicked, this, [this, result] { done(result); });
+    buttons_->addWidget(button);
+    return *button;
+  }
+  int run() {
+    fitForFingers(*this);
+    placeInParent(*this);
+    return execDialog(*this);
+  }
+  // Letters alone answer, too.
+  void keyPressEvent(QKeyEvent* event) override {
+    for (auto* button : findChildren<QPushButton*>()) {
+      const auto letter = button->text().indexOf('&') + 1;
+      if (letter > 0 && event->text().compare(button->text().mid(letter, 1), Qt::CaseInsensitive) == 0) {
+        return button->click();
+      }
+    }
+    QDialog::keyPressEvent(event);
+  }
+
+ private:
+  QHBoxLayout* buttons_;
+};
 
 // Drops keys and taps for its box until its time is over.
 class Deaf final : public QObject {
  public:
-  Deaf(QMessageBox& box, int milliseconds) : box_(box) {
+  Deaf(QDialog& box, int milliseconds) : box_(box) {
     if (milliseconds <= 0) return;
     QCoreApplication::instance()->installEventFilter(this);
     QTimer::singleShot(milliseconds, this, [this] { QCoreApplication::instance()->removeEventFilter(this); });
@@ -91,17 +144,15 @@ class Deaf final : public QObject {
   }
 
  private:
-  QMessageBox& box_;
+  QDialog& box_;
 };
 
 }  // namespace
 
 void tellMessage(QWidget* parent, const Message& message) {
-  QMessageBox box(parent);
-  showMessage(box, parent, message);
-  box.setEscapeButton(&addButton(box, QMessageBox::Ok, "OK"));
-  fitForFingers(box);
-  execDialog(box);
+  MessageBox box(parent, message);
+  box.addButton(QDialog::Accepted, "OK").setDefault(true);
+  box.run();
 }
 
 EnterMeans enterAnswer(Question question) {
@@ -115,15 +166,14 @@ EnterMeans enterAnswer(Question question) {
 }
 
 bool askMessage(QWidget* parent, const Message& message, EnterMeans enter, int deafMs) {
-  QMessageBox box(parent);
-  showMessage(box, parent, message);
-  auto& yes = addButton(box, QMessageBox::Yes, "&Yes");
-  auto& no = addButton(box, QMessageBox::No, "&No");
-  box.setEscapeButton(&no);
-  box.setDefaultButton(enter == EnterMeans::yes ? &yes : &no);
-  fitForFingers(box);
+  MessageBox box(parent, message);
+  auto& yes = box.addButton(QDialog::Accepted, "&Yes");
+  auto& no = box.addButton(QDialog::Rejected, "&No");
+  auto& marked = enter == EnterMeans::yes ? yes : no;
+  marked.setDefault(true);
+  marked.setFocus();
   const Deaf deaf(box, deafMs);
-  return execDialog(box) == QMessageBox::Yes;
+  return box.run() == QDialog::Accepted;
 }
 
 }  // namespace kalmira

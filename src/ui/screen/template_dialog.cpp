@@ -13,6 +13,7 @@
 #include <QRegularExpression>
 #include <QScrollArea>
 #include <QScroller>
+#include <QSet>
 #include <QStyledItemDelegate>
 #include <QToolButton>
 #include <QUiLoader>
@@ -23,6 +24,7 @@
 
 #include "platform/text.h"
 #include "ui/screen/touch_button.h"
+#include "ui/screen/window_fit.h"
 
 namespace kalmira {
 namespace {
@@ -36,6 +38,7 @@ constexpr int kBeside = 6;
 constexpr int kBelow = 3;
 constexpr int kAboveButtons = 4;
 constexpr int kNarrowestButton = 64;
+constexpr int kSmallestButtonText = 8;
 // What is always seen of a list's entry.
 constexpr int kShownLetters = 4;
 
@@ -73,19 +76,25 @@ class FormArea final : public QScrollArea {
 // A window that is turned or resized takes its dialog along.
 class Follower final : public QObject {
  public:
-  explicit Follower(QDialog& dialog) : dialog_(dialog) {
+  explicit Follower(QDialog& dialog) : dialog_(dialog), frame_(dialog, [this] { place(); }) {
     if (auto* parent = dialog.parentWidget()) parent->window()->installEventFilter(this);
   }
   bool eventFilter(QObject*, QEvent* event) override {
     if (event->type() == QEvent::Resize && dialog_.isVisible()) {
       dialog_.adjustSize();
-      placeInParent(dialog_);
+      place();
     }
     return false;
   }
 
  private:
+  void place() {
+    placeInParent(dialog_);
+    keepOnScreen(dialog_);
+  }
+
   QDialog& dialog_;
+  FrameWatch frame_;
 };
 
 // What a name stands for, see the resources' dialogs/names.txt.
@@ -117,12 +126,35 @@ void leaveOut(const QWidget& form, const QStringList& words) {
   }
 }
 
+QString labelAt(const QGridLayout& grid, int row, int column) {
+  const auto* item = grid.itemAtPosition(row, column);
+  const auto* label = item == nullptr ? nullptr : qobject_cast<const QLabel*>(item->widget());
+  return label == nullptr ? QString() : label->text().remove(':').remove('&');
+}
+
+// A screen reader says what a field is by the label that belongs to it. In a table of fields that is its row's and its
+// column's.
+void nameFields(QWidget& form, const QGridLayout& grid) {
+  QSet<const QWidget*> labelled;
+  for (const auto* label : form.findChildren<QLabel*>()) labelled.insert(label->buddy());
+  for (int i = 0; i < grid.count(); ++i) {
+    auto* field = grid.itemAt(i)->widget();
+    const bool isField = qobject_cast<QLineEdit*>(field) != nullptr || qobject_cast<QComboBox*>(field) != nullptr;
+    if (!isField || labelled.contains(field) || !field->accessibleName().isEmpty()) continue;
+    int row = 0, column = 0, rows = 0, columns = 0;
+    grid.getItemPosition(i, &row, &column, &rows, &columns);
+    const auto above = row > 1 || column > 0 ? labelAt(grid, 0, column) : QString();
+    field->setAccessibleName((labelAt(grid, row, 0) + ' ' + above).simplified());
+  }
+}
+
 // What all forms have alike, so that it need not stand in their files.
 void settle(QWidget& form) {
   form.layout()->setContentsMargins(0, 0, 0, 0);
   if (auto* grid = qobject_cast<QGridLayout*>(form.layout())) {
     grid->setHorizontalSpacing(kBeside);
     grid->setVerticalSpacing(kBelow);
+    nameFields(form, *grid);
   }
   // Texts come from devices and files, too, and are shown as they are.
   for (auto* label : form.findChildren<QLabel*>()) label->setTextFormat(Qt::PlainText);
@@ -159,17 +191,6 @@ QLayout* makeButtons(QDialog& dialog, const QWidget& form) {
   return row;
 }
 
-// The form in a frame that scrolls, and the buttons below it.
-void arrange(QDialog& dialog, QWidget& form) {
-  auto* area = new FormArea(&dialog);
-  auto* whole = new QVBoxLayout(&dialog);
-  whole->setContentsMargins(kMargin, kMargin, kMargin, kMargin);
-  whole->setSpacing(kAboveButtons);
-  whole->addWidget(area);
-  whole->addLayout(makeButtons(dialog, form));
-  area->setWidget(&form);
-}
-
 // The room that the form wants, now that it is filled: layouts within layouts remember what they wanted when they were
 // empty.
 void remeasure(const QDialog& dialog) {
@@ -186,6 +207,23 @@ int wrappedHeight(const QDialog& dialog, int width) {
   const auto margins = dialog.layout()->contentsMargins();
   const int room = width - margins.left() - margins.right();
   return std::max(0, form->layout()->totalHeightForWidth(room) - form->sizeHint().height());
+}
+
+// Large texts on a small screen: the buttons below the form must stay side by side, and in the window.
+void fitButtons(const QDialog& dialog, int width) {
+  auto* whole = dialog.layout();
+  if (whole == nullptr) return;
+  const auto buttons = dialog.findChildren<QPushButton*>(QString(), Qt::FindDirectChildrenOnly);
+  while (!buttons.isEmpty() && whole->minimumSize().width() > width) {
+    auto font = buttons.first()->font();
+    if (font.pixelSize() <= kSmallestButtonText) return;
+    font.setPixelSize(font.pixelSize() - 1);
+    for (auto* button : buttons) {
+      button->setFont(font);
+      button->setMinimumWidth(0);
+    }
+    whole->invalidate();
+  }
 }
 
 // Half the world types a comma where the numbers of files have a full stop, and what stands behind it would silently be
@@ -229,6 +267,17 @@ bool isControl(const QObject& object) {
 
 }  // namespace
 
+void arrange(QDialog& dialog, QWidget& form, QLayout* buttons) {
+  form.setObjectName("form");
+  auto* area = new FormArea(&dialog);
+  auto* whole = new QVBoxLayout(&dialog);
+  whole->setContentsMargins(kMargin, kMargin, kMargin, kMargin);
+  whole->setSpacing(kAboveButtons);
+  whole->addWidget(area);
+  whole->addLayout(buttons);
+  area->setWidget(&form);
+}
+
 void templateFault(const QDialog& dialog, const char* objectName) {
   qFatal("Dialog \"%s\" has no part \"%s\" of its kind", qUtf8Printable(dialog.objectName()), objectName);
 }
@@ -247,7 +296,10 @@ void fitForFingers(QWidget& root) {
     control->setMinimumHeight(height);
     // Buttons have a font of their own from the desktop.
     if (qobject_cast<QAbstractButton*>(control) != nullptr) control->setFont(root.font());
-    if (qobject_cast<QToolButton*>(control) != nullptr) control->setMinimumWidth(height);
+    if (auto* tool = qobject_cast<QToolButton*>(control)) {
+      tool->setMinimumWidth(height);
+      tool->setIconSize({height / 2, height / 2});
+    }
     if (auto* box = qobject_cast<QComboBox*>(control)) {
       box->setItemDelegate(new TouchRows(height, box));
       // In a narrow window a list gives way before the form is cut.
@@ -260,13 +312,19 @@ void fitForFingers(QWidget& root) {
 void placeInParent(QDialog& dialog) {
   if (dialog.parentWidget() == nullptr) return;
   const auto* window = dialog.parentWidget()->window();
-  const QSize room = window->size();
+  const QSize room = window->size().boundedTo(roomFor(dialog).size());
+  fitButtons(dialog, room.width());
   const QSize wished = dialog.sizeHint();
   const int comfortable = std::max(wished.width(), kWidestLetters * dialog.fontMetrics().horizontalAdvance('x'));
   const int width = std::min(comfortable, room.width());
   const QSize size = QSize(width, wished.height() + wrappedHeight(dialog, width)).boundedTo(room);
   dialog.resize(size);
-  dialog.move(window->pos() + QPoint((room.width() - size.width()) / 2, 0));
+  const auto frame = frameOf(dialog);
+  const auto free = roomFor(dialog);
+  const int left = window->pos().x() + (room.width() - size.width()) / 2;
+  dialog.move(std::clamp(left, free.left() - frame.left(), free.left() + free.width() - size.width() - frame.left()),
+              std::clamp(window->pos().y(), free.top() - frame.top(),
+                         free.top() + free.height() - size.height() - frame.top()));
 }
 
 QWidget* makeForm(const QString& name, QWidget* parent) {
@@ -290,9 +348,8 @@ std::unique_ptr<QDialog> makeDialog(std::string_view name, QWidget* parent) {
   if (form == nullptr) form = makeForm(called, dialog.get());
   if (form == nullptr) return nullptr;
   dialog->setWindowTitle(form->windowTitle());
-  form->setObjectName("form");
   dressLike(*dialog, parent);
-  arrange(*dialog, *form);
+  arrange(*dialog, *form, makeButtons(*dialog, *form));
   fitForFingers(*dialog);
   takeCommas(*dialog);
   return dialog;

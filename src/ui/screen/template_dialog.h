@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+class QLayout;
 class QLineEdit;
 
 // Dialogs from named templates. What a name stands for says ":/dialogs/names.txt" of the program's resources. The form,
@@ -47,6 +48,9 @@ bool runDialog(QDialog& dialog);
 // For every dialog: waits until it is closed, and gives its result. It stays within its parent's window when that is
 // turned or resized, and gives the keyboard back to it.
 int execDialog(QDialog& dialog);
+
+// The form in a frame that scrolls, and the buttons below it, always in sight.
+void arrange(QDialog& dialog, QWidget& form, QLayout* buttons);
 
 // What stands in a field, as a decimal number with a full stop; what is no finite number is 0.
 double numberIn(const QLineEdit& field);

@@ -1,7 +1,10 @@
 #include "ui/screen/touch_button.h"
 
+#include <xcb/xcb.h>
+
 #include <QFontInfo>
 #include <QFontMetrics>
+#include <QGuiApplication>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPainterPath>
@@ -37,6 +40,19 @@ QRect balanced(const QString& text, const QFont& font, const QRect& room) {
   return narrow;
 }
 
+// What the X server itself says of its screen; 0 where there is none.
+double serverDotsPerInch() {
+#if QT_CONFIG(xcb)
+  const auto* application = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+  if (application == nullptr || application->connection() == nullptr) return 0.0;
+  const auto screens = xcb_setup_roots_iterator(xcb_get_setup(application->connection()));
+  if (screens.rem == 0 || screens.data->height_in_millimeters == 0) return 0.0;
+  return screens.data->height_in_pixels * kMillimetresPerInch / screens.data->height_in_millimeters;
+#else
+  return 0.0;
+#endif
+}
+
 }  // namespace
 
 int touchHeightAt(double dotsPerInch) {
@@ -46,8 +62,13 @@ int touchHeightAt(double dotsPerInch) {
 }
 
 int touchHeight(const QScreen* screen) {
-  // Qt counts these dots in the coordinates of widgets, whatever the screen's own pixels are.
-  return touchHeightAt(screen == nullptr ? 0.0 : screen->physicalDotsPerInchY());
+  if (screen == nullptr) return touchHeightAt(0.0);
+  // A screen is described in several places, and often in one of them only. Who says more has looked more closely; and
+  // a finger would rather have too much. Qt counts these dots in the coordinates of widgets, whatever the screen's own
+  // pixels are.
+  const auto sensible = [](double dots) { return dots <= kMostDotsPerInch ? dots : 0.0; };
+  return touchHeightAt(std::max({sensible(screen->physicalDotsPerInchY()), sensible(screen->logicalDotsPerInchY()),
+                                 sensible(serverDotsPerInch() / screen->devicePixelRatio())}));
 }
 
 QFont fittedFont(const QString& text, const QFont& wanted, QSize room) {

@@ -104,20 +104,16 @@ const std::array<Action, kMenuCommands>& menuEntries() {
 }
 
 MenuLayout layOutMenu(int width, int height, int touchHeight) {
-  auto layout =
-      width > height ? layOutLandscape(width, height, touchHeight) : layOutPortrait(width, height, touchHeight);
-  const int gap = gapOf(width, height);
-  const int side = std::max(0, std::min(touchHeight, layout.title.height() / 3));
-  const int lastLine = std::min(layout.title.width() / 12, layout.title.height() / 9) * 5 / 3;
-  layout.fonts = {layout.title.left() + layout.title.width() - side - gap,
-                  layout.title.height() - lastLine - side - gap, side, side};
-  return layout;
+  return width > height ? layOutLandscape(width, height, touchHeight) : layOutPortrait(width, height, touchHeight);
 }
 
 WindowPlace openingPlace(QSize room, std::optional<bool> portrait, std::optional<double> scale) {
   const bool wideScreen = room.width() > room.height();
   const bool upright = portrait.value_or(!wideScreen || fits(room, placeOf(true, 2.0)));
-  if (scale) return placeOf(upright, *scale);
+  if (scale) {
+    const auto place = placeOf(upright, *scale);
+    return {.width = std::min(place.width, room.width()), .height = std::min(place.height, room.height())};
+  }
   for (const double tried : {2.0, 1.5, 1.0}) {
     auto place = placeOf(upright, tried);
     if (!fits(room, place) && tried > 1.0) continue;

@@ -20,7 +20,6 @@ struct MenuLayout {
   std::array<QRect, kMenuCommands> buttons;
   QRect model;  // "Model", beside the theme's button
   QRect theme;
-  QRect fonts;  // small, at the right edge of the title, above its last line
 };
 
 // Title above the buttons in a window that is higher than wide, else beside them. Buttons stand in one column where

@@ -62,8 +62,6 @@ void MainWindow::makeMenu() {
   };
   model_button_ = addButton(QStringLiteral("&Model"), QStringLiteral("model"), [this] { chooseInstrument(); });
   theme_button_ = addButton(QString(), QStringLiteral("theme"), [this] { toggleTheme(); });
-  fonts_button_ = addButton(QStringLiteral("&Fonts"), QStringLiteral("fonts"), [this] { showFonts(); });
-  fonts_button_->setVisible(host_.showFonts != nullptr);
   auto* fullScreenKey = new QShortcut(Qt::Key_F11, this);
   connect(fullScreenKey, &QShortcut::activated, this, [this] { toggleFullScreen(); });
 }
@@ -84,7 +82,7 @@ void MainWindow::showTheme() {
   QApplication::setPalette(paletteOf(theme()));
   title_->setTheme(theme());
   commands_.setTheme(theme());
-  for (auto* button : {model_button_, theme_button_, fonts_button_}) button->setTheme(theme());
+  for (auto* button : {model_button_, theme_button_}) button->setTheme(theme());
   // Says what pressing it gives.
   theme_button_->setText(host_.night ? QStringLiteral("Day") : QStringLiteral("&Night"));
   logging_->setTheme(theme());
@@ -112,7 +110,6 @@ void MainWindow::arrange() {
   title_->setGeometry(layout.title);
   model_button_->setGeometry(layout.model);
   theme_button_->setGeometry(layout.theme);
-  fonts_button_->setGeometry(layout.fonts);
   commands_.place(layout.buttons, layout.buttons[0].height() * kTextPercent / 100);
 }
 

@@ -10,6 +10,7 @@
 
 #include "ui/screen/action_bar.h"
 #include "ui/screen/theme.h"
+#include "ui/screen/window_fit.h"
 #include "ui/session/logging_window.h"
 #include "ui/shell/main_menu.h"
 #include "ui/shell/remembered.h"
@@ -85,9 +86,9 @@ class MainWindow final : public QWidget {
   TitleView* title_ = nullptr;
   TouchButton* model_button_ = nullptr;
   TouchButton* theme_button_ = nullptr;
-  TouchButton* fonts_button_ = nullptr;
   QPointer<QWidget> cover_;
   QTimer settings_watch_;
+  FrameWatch frame_watch_{*this, [this] { keepOnScreen(*this); }};
   bool uptime_exceeded_ = false;
   bool painted_ = false;
   bool acting_ = false;

@@ -2,7 +2,7 @@
 
 #include <fmt/format.h>
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QGuiApplication>
 #include <QScreen>
 #include <QSettings>
@@ -19,6 +19,7 @@
 #include "platform/power.h"
 #include "platform/terminate.h"
 #include "settings/settings_file.h"
+#include "ui/screen/touch_style.h"
 #include "ui/shell/chooser_dialog.h"
 #include "ui/shell/main_menu.h"
 #include "ui/shell/main_window.h"
@@ -274,6 +275,7 @@ std::string Program::finishSettings() {
 }
 
 int Program::run() {
+  QApplication::setStyle(makeTouchStyle());
   const SingleInstance instance(options_.root, [this] {
     if (window_) window_->bringToFront();
   });

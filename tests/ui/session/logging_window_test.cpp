@@ -36,10 +36,10 @@ TEST(LoggingWindow, RowsFollowTheStateADoubleTapIsOneALoneShiftNoneAndACancelled
       type(dialog, "comment", "no");
       press(dialog, Qt::Key_Escape);
     });
-    const DialogActor warning("Comment Warning", answered(QMessageBox::Ok));
+    const DialogActor warning("Comment Warning", answered("OK"));
     test.tap("&Cmnt");
   }
-  const DialogActor exit("Confirm Exit", answered(QMessageBox::No));
+  const DialogActor exit("Confirm Exit", answered("No"));
   test.tap("E&xit");
   EXPECT_TRUE(test.window.sessionActive());
   EXPECT_EQ(test.tags(), "XX");
@@ -100,7 +100,7 @@ TEST(LoggingWindow, ALinkThatDiesClosesWhateverIsOpen) {
     if (code != 0) test.create();
     const DialogActor lost("No Connection/Instrument OFF", [title = title](QDialog& box) {
       EXPECT_TRUE(*title == '\0' || openDialog(title) != nullptr);
-      answered(QMessageBox::No)(box);
+      answered("No")(box);
     });
     QTimer silence;  // one watch period after the other
     QObject::connect(&silence, &QTimer::timeout, [&test] {

@@ -84,16 +84,16 @@ TEST_F(MainWindowTest, KeysAndTapsReachTheActions) {
 
 TEST_F(MainWindowTest, ASessionCoversTheMenuUntilItIsLeft) {
   open();
-  const auto& log = buttonOf(*window, "Monitor/&Log");
+  const auto* log = &buttonOf(*window, "Monitor/&Log");
   tapButton(*window, "Monitor/&Log");
   ASSERT_TRUE(window->logging().sessionActive());
-  EXPECT_FALSE(log.isVisible());
+  EXPECT_FALSE(log->isVisible());
   window->resize(640, 480);
   EXPECT_EQ(window->logging().geometry(), window->rect());
   key(Qt::Key_M);  // a key of the menu, which is not there now
   EXPECT_EQ(opened, 1);
   window->logging().leaveAtOnce();
-  EXPECT_TRUE(log.isVisible());
+  EXPECT_TRUE(log->isVisible());
   EXPECT_FALSE(window->logging().isVisible());
   EXPECT_TRUE(window->hasFocus());
   device.plug(false);  // a session that is refused leaves the menu

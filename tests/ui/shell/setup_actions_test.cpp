@@ -131,7 +131,7 @@ TEST_F(SetupActionsTest, EveryCommandSavesByOkAndOnlyByOk) {
 
 TEST_F(SetupActionsTest, TheMonitorTriesWhatIsNotSaved) {
   open(Kind::vardo);
-  const auto& menuButton = buttonOf(*window, "Monitor/&Log");
+  const auto* menuButton = &buttonOf(*window, "Monitor/&Log");
   for (const auto& [name, chosen] : {std::pair{"gpsBaud", 7}, {"gpsInput", 1}}) {
     EXPECT_EQ(monitor(), nullptr) << "GPS input is disabled";
     command(Qt::Key_G, "Set GPS Port", [name = name, chosen = chosen](QDialog& dialog) {
@@ -142,11 +142,11 @@ TEST_F(SetupActionsTest, TheMonitorTriesWhatIsNotSaved) {
   EXPECT_EQ(settings.gpsBaudIndex, 7);
   EXPECT_EQ(saved().gpsBaudIndex, 0);
   ASSERT_NE(monitor(), nullptr);
-  EXPECT_FALSE(menuButton.isVisible());
+  EXPECT_FALSE(menuButton->isVisible());
   key(Qt::Key_M);  // a key of the menu, which is not there now
   EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
   QTest::keyClick(monitor(), Qt::Key_X);
-  EXPECT_TRUE(menuButton.isVisible());
+  EXPECT_TRUE(menuButton->isVisible());
   EXPECT_TRUE(waitFor([this] { return monitor() == nullptr; }));
   EXPECT_EQ(saved().gpsInput, 0);
 }

@@ -29,10 +29,10 @@ TEST(AttendedRun, ShowsHowFarItIsOnATerminalFromTwoSecondsOnAndTakesItAwayAgain)
     clock.advance(later);
     EXPECT_TRUE(run.goOn("x", done, 4000000));
     ASSERT_EQ(::write(fd, "|", 1), 1);
-    EXPECT_EQ(terminal.receive(), written + "|");
+    EXPECT_EQ(terminal.receiveUpTo('|'), written + "|");
   }
   run.say("done");
-  EXPECT_EQ(terminal.receive(), "\r\033[Kprogram: done\r\n");
+  EXPECT_EQ(terminal.receiveUpTo('\n'), "\r\033[Kprogram: done\r\n");
   ::close(fd);
 }
 

@@ -32,6 +32,15 @@ class Pty {
     const ssize_t count = ::read(master_, buffer.data(), buffer.size());
     return {buffer.data(), count > 0 ? static_cast<std::size_t>(count) : 0};
   }
+  // In pieces, as it may come, until what has come ends so.
+  std::string receiveUpTo(char end) const {
+    std::string all;
+    for (auto piece = receive(); !piece.empty(); piece = receive()) {
+      all += piece;
+      if (all.back() == end) break;
+    }
+    return all;
+  }
   int master() const { return master_; }
   void unplug() {
     if (master_ >= 0) ::close(master_);

@@ -2,6 +2,7 @@
 
 #include <QAbstractButton>
 #include <QAbstractSpinBox>
+#include <QApplication>
 #include <QComboBox>
 #include <QEvent>
 #include <QFile>
@@ -68,6 +69,10 @@ class FormArea final : public QScrollArea {
     setFrameShape(QFrame::NoFrame);
     setFocusPolicy(Qt::NoFocus);
     QScroller::grabGesture(viewport(), QScroller::TouchGesture);
+    // Also where Tab comes in from the buttons below.
+    connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) {
+      if (now != nullptr && widget() != nullptr && widget()->isAncestorOf(now)) ensureWidgetVisible(now);
+    });
   }
   QSize sizeHint() const override { return widget() == nullptr ? QSize() : widget()->sizeHint(); }
   QSize minimumSizeHint() const override { return {0, touchHeight(screen())}; }

@@ -59,18 +59,19 @@ bool continueInFolder(Session& session, const fs::path& folder, const fs::path& 
 
 bool continueAnywhere(Session& session, std::uint64_t& missing) {
   const auto path = session.file.path();
+  if (session.guard.name.empty()) session.guard.name = path.filename();
   const bool mediumFails = session.file.condition() == Condition::failing;
   const auto place = session.disk.status(path);
   const auto inOwnFolder = [&] {
     return makeFolders(path.parent_path()).empty() &&
-           continueInFolder(session, path.parent_path(), path.filename(), missing);
+           continueInFolder(session, path.parent_path(), session.guard.name, missing);
   };
   if (!mediumFails && inOwnFolder()) return true;
   const auto folders = otherFolders(session.setup.root);
   const bool elsewhere = std::any_of(folders.begin(), folders.end(), [&](const fs::path& folder) {
     const auto there = session.disk.status(folder);
     if (mediumFails && place && there && there->device == place->device) return false;
-    return continueInFolder(session, folder, path.filename(), missing);
+    return continueInFolder(session, folder, session.guard.name, missing);
   });
   // Where there is no better place, a medium that may come round.
   return elsewhere || (mediumFails && inOwnFolder());
@@ -95,7 +96,7 @@ void goOnElsewhere(Session& session) {
   const auto happened = whatHappened(condition, session.file.path());
   std::uint64_t missing = 0;
   if (continueAnywhere(session, missing)) {
-    guard = {.movedFromFailing = guard.movedFromFailing || condition == Condition::failing};
+    guard = {.name = guard.name, .movedFromFailing = guard.movedFromFailing || condition == Condition::failing};
     noteShortfall(session, happened + "; the survey went on in " + session.file.path().string());
     showFile(session);
     session.mirror.setOriginal(session.file.readingHandle());

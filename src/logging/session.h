@@ -92,6 +92,7 @@ struct Session {
   std::vector<std::string> shortfalls;
   std::vector<std::string> remarks;  // likewise said at its end, of a survey that is whole
   struct FileGuard {
+    std::filesystem::path name{};  // the first file's, once the survey went on in another
     bool lengthenedTold = false;
     bool movedFromFailing = false;
     int servicesToTry = 0;  // until the next try to find another place for the survey

@@ -5,11 +5,6 @@
 
 #include "resources.h"
 
-// What Qt, the font libraries and the C library's search for locales keep until the end is not ours to free. The sanitizer asks for this name.
-extern "C" const char* __lsan_default_suppressions() {  // NOLINT(bugprone-reserved-identifier,cert-dcl*)
-  return "leak:libfontconfig\nleak:libQt6\nleak:argz_add_sep\n";
-}
-
 // Qt is not built for the thread sanitizer: what its libraries do between themselves looks like races.
 extern "C" const char* __tsan_default_suppressions() {  // NOLINT(bugprone-reserved-identifier,cert-dcl*)
   return "called_from_lib:libQt6Core.so\ncalled_from_lib:libQt6Gui.so\ncalled_from_lib:libQt6Widgets.so\n";

@@ -145,7 +145,8 @@ struct Session {
     bool allBlank = false;
     bool everGood = false;
     bool everFixed = false;
-    std::uint32_t lastGoodTick = 0;  // of a sentence with a right checksum
+    std::uint32_t goodTick = 0;      // of the last sentence with a right checksum
+    std::uint32_t lastGoodTick = 0;  // the same, later where a receiver that is back gets its time to speak
     std::uint32_t lastLineTick = 0;
     struct Noise {
       double room = 0;  // bytes that may be recorded now

@@ -61,7 +61,7 @@ void resetCounters(Session& session) {
   session.remarks.clear();
   session.guard = {};
   session.gps = {};
-  session.gps.lastGoodTick = session.gps.lastLineTick = session.clock.tick();
+  session.gps.goodTick = session.gps.lastGoodTick = session.gps.lastLineTick = session.clock.tick();
   session.sleptMs = session.clock.sleptMs();
   session.chartPointCount = 0;
   clearTraces(session);

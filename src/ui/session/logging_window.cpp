@@ -21,6 +21,9 @@ namespace {
 constexpr int kButtonUnits = 28;
 constexpr int kTextPercent = 45;  // of a button's height, for one line
 constexpr double kSmallScale = 1.5;
+// Signs are looked at more often than this, unless something held the window up; then so much later.
+constexpr std::uint32_t kHeldUpMs = 1500;
+constexpr int kMomentMs = 100;
 
 // Messages and questions stand on top of whatever is open.
 QWidget* topmost(QWidget* window) {
@@ -114,12 +117,14 @@ StartOutcome LoggingWnd::startLogging() {
   parts_->run = std::make_unique<LoggingRun>(host_, parts_->view, parts_->handOver, [this] {
     const Depth handling(parts_->readingDepth);
     OnReading(parts_->run->session);
+    if (!parts_->panel->signs().instrument.empty()) showSigns();
   });
   auto& session = parts_->run->session;
   arrange();
   const auto outcome = startSession(session);
   if (outcome != StartOutcome::started || !session.sessionActive) return outcome;
   parts_->chart->setSession(&session);
+  parts_->signsTick = session.clock.tick();
   showButtons();
   cover();
   parts_->serviceTimer.start(0);
@@ -131,17 +136,28 @@ void LoggingWnd::service() {
   auto& session = parts_->run->session;
   const Depth busy(parts_->commandDepth);
   // Before anything is asked: the watch goes on behind an open question.
-  parts_->serviceTimer.start(static_cast<int>(msUntilService(session)));
+  parts_->serviceTimer.start(static_cast<int>(std::min(msUntilService(session), msUntilOtherSigns(session))));
   // An instrument whose reading waits behind a calibration's question is not silent.
   const bool heldUp = parts_->readingDepth > 0 && parts_->askingDepth > 0;
   const bool watched = session.timer.running;
   if (heldUp) session.timer.running = false;
   serviceSession(session);
   if (heldUp) session.timer.running = watched;
+  if (!heldUp) showSigns();
   if (!sessionActive() || !host_.takeSettingsProblem) return;
   if (const auto problem = host_.takeSettingsProblem(); !problem.empty()) {
     parts_->view.tell({.title = "WARNING", .text = problem, .icon = Icon::exclamation});
   }
+}
+
+// A window that was held up itself has kept records waiting: they are handled first.
+void LoggingWnd::showSigns() {
+  if (!sessionActive()) return;
+  const auto& session = parts_->run->session;
+  const auto now = session.clock.tick();
+  const bool heldUp = ticksSince(now, std::exchange(parts_->signsTick, now)) > kHeldUpMs;
+  if (heldUp) return parts_->serviceTimer.start(kMomentMs);
+  parts_->panel->setSigns(linkSignsOf(session));
 }
 
 void LoggingWnd::arrange() {

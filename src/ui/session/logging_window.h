@@ -81,6 +81,7 @@ class LoggingWnd final : public CoverWindow {
   void showButtons();
   void placeButtons();
   void service();
+  void showSigns();
 
   LoggingHost host_;
   std::unique_ptr<Parts> parts_;

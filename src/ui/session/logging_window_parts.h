@@ -77,10 +77,11 @@ struct LoggingWnd::Parts {
   QTimer serviceTimer;
   std::unique_ptr<LoggingRun> run;
   Focus focus;
-  int commandDepth = 0;  // a command is being carried out: its dialog or question may be open
-  int readingDepth = 0;  // a reading is being handled, which a calibration's question may hold up
-  bool ending = false;   // nobody is there to read
-  int askingDepth = 0;   // a message or question of the session is open
+  std::uint32_t signsTick = 0;  // when the signs were looked at last
+  int commandDepth = 0;         // a command is being carried out: its dialog or question may be open
+  int readingDepth = 0;         // a reading is being handled, which a calibration's question may hold up
+  bool ending = false;          // nobody is there to read
+  int askingDepth = 0;          // a message or question of the session is open
 };
 
 }  // namespace kalmira

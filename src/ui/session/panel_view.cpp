@@ -17,6 +17,9 @@ QRect rectOf(const PanelCell& cell) { return {cell.left, cell.top, cell.width, c
 
 std::string_view withoutTrailingBlanks(std::string_view text) { return text.substr(0, text.find_last_not_of(' ') + 1); }
 
+bool isValue(PanelField field) { return field >= PanelField::value1 && field <= PanelField::marker; }
+bool isGpsText(PanelField field) { return field >= PanelField::gpsActivity && field <= PanelField::pdop; }
+
 struct StateColours {
   QColor band;
   QColor text;
@@ -93,7 +96,11 @@ void PanelView::showText(PanelField field, std::string_view text) {
   if (held == text) return;
   held = text;
   const auto* cell = cellOf(field);
-  if (cell != nullptr) update(rectOf(*cell));
+  if (cell == nullptr) return;
+  // In a row that says what is old, one text makes room for another.
+  const bool band = !signs_.instrument.empty() && cell->top < layout_.stateBandHeight;
+  const bool gps = !signs_.gps.empty() && isGpsText(field);
+  update(band || gps ? QRect(0, cell->top, width(), cell->height) : rectOf(*cell));
 }
 
 void PanelView::setLoggingState(int loggingState) {
@@ -102,8 +109,20 @@ void PanelView::setLoggingState(int loggingState) {
   update(0, 0, width(), layout_.stateBandHeight);
 }
 
+void PanelView::setSigns(const LinkSigns& signs) {
+  if (signs_ == signs) return;
+  const bool valuesChange = signs_.instrument.empty() != signs.instrument.empty();
+  if (signs_.instrument != signs.instrument) update(0, 0, width(), layout_.stateBandHeight);
+  signs_ = signs;
+  for (const auto& cell : layout_.cells) {
+    if (isGpsText(cell.field)) update(0, cell.top, width(), cell.height);
+    if (valuesChange && isValue(cell.field)) update(rectOf(cell));
+  }
+}
+
 void PanelView::clearTexts() {
   texts_.fill({});
+  signs_ = {};
   update();
 }
 
@@ -134,6 +153,91 @@ void PanelView::paintBand(QPainter& painter) const {
   paintStateShape(painter, room, logging_state_, colours.text);
 }
 
+bool PanelView::isOld(PanelField field) const {
+  return (isValue(field) && !signs_.instrument.empty()) || (isGpsText(field) && !signs_.gps.empty());
+}
+
+// A text on a ground of its own, drawn narrower where it has no room.
+void PanelView::paintPlate(QPainter& painter, const QRectF& room, const QString& text, const QFont& font) const {
+  const double margin = layout_.textSize / 4;
+  const QFontMetricsF metrics(font);
+  const double needed = metrics.horizontalAdvance(text);
+  const double given = std::max(1.0, std::min(needed, room.width() - 2 * margin));
+  painter.fillRect(QRectF(room.left(), room.top(), given + 2 * margin, room.height()), QColor(theme_->stale));
+  painter.setPen(QColor(theme_->staleText));
+  painter.setFont(font);
+  painter.save();
+  painter.translate(room.left() + margin, baselineIn(room, metrics));
+  painter.scale(given / std::max(needed, 1.0), 1.0);
+  painter.drawText(QPointF(0, 0), text);
+  painter.restore();
+}
+
+// Stripes from edge to edge; the word stays where it stands, and what else the band shows but this makes room.
+void PanelView::paintOldBand(QPainter& painter) const {
+  const double height = layout_.stateBandHeight;
+  painter.fillRect(QRectF(0, 0, width(), height), QColor(theme_->stale));
+  painter.setBrush(QColor(theme_->staleText));
+  painter.setPen(Qt::NoPen);
+  const double stripe = height / 3;
+  for (double left = -height; left < width(); left += 2 * stripe) {
+    const QPointF corners[]{{left, height}, {left + height, 0}, {left + height + stripe, 0}, {left + stripe, height}};
+    painter.drawConvexPolygon(corners, 4);
+  }
+  const auto* state = cellOf(PanelField::state);
+  const auto* battery = cellOf(PanelField::battery);
+  if (state == nullptr || battery == nullptr) return;
+  const double gap = layout_.textSize / 3;
+  const auto word = shownIn(*state);
+  const double margin = layout_.textSize / 4;
+  paintPlate(painter, QRectF(state->left - margin, 0, word.width + 2 * margin, height), word.text, fontOf(state->font));
+  double left = state->left + word.width + margin + gap;
+  double right = battery->left - gap;
+  if (const auto shown = shownIn(*battery); !shown.text.isEmpty()) {
+    paintPlate(painter, QRectF(battery->left - margin, 0, shown.width + 2 * margin, height), shown.text,
+               fontOf(battery->font));
+    right -= margin;
+  }
+  const auto* message = cellOf(PanelField::message);
+  if (message != nullptr && message->top == 0 && !text(PanelField::message).empty()) {
+    const auto shown = shownIn(*message);
+    const double needed = std::min(shown.width + 2 * margin, (right - left) / 2);
+    const QRectF room(right - needed, 0, needed, height);
+    painter.fillRect(room, QColor(theme_->warning));
+    painter.setPen(QColor(theme_->warningText));
+    paintText(painter, room.adjusted(margin, 0, -margin, 0), shown, message->font);
+    right -= needed + gap;
+  }
+  const auto words = qtText(signs_.instrument);
+  QFont font = fontOf(PanelFont::state);
+  while (font.pixelSize() > layout_.textSize &&
+         QFontMetricsF(font).horizontalAdvance(words) > right - left - 2 * margin) {
+    font.setPixelSize(font.pixelSize() - 1);
+  }
+  paintPlate(painter, QRectF(left, 0, right - left, height), words, font);
+}
+
+// From where the fix stands to the next text of the row. What stands there without a text makes room with its label.
+QRect PanelView::gpsSignRect() const {
+  const auto* fix = cellOf(PanelField::fix);
+  if (fix == nullptr) return {};
+  int right = fix->left + fix->width;
+  for (const auto field : {PanelField::pdop, PanelField::satellites, PanelField::gpsCount}) {
+    const auto* cell = cellOf(field);
+    if (cell == nullptr) continue;
+    const bool empty = text(field).empty();
+    right = empty ? cell->left + cell->width : cell->left + cell->labelWidth;
+    if (!empty) break;
+  }
+  return {fix->left, fix->top, right - fix->left, fix->height};
+}
+
+void PanelView::paintGpsSign(QPainter& painter) const {
+  QFont font = fontOf(PanelFont::text);
+  font.setBold(true);
+  paintPlate(painter, gpsSignRect(), qtText(signs_.gps), font);
+}
+
 void PanelView::paintText(QPainter& painter, const QRectF& room, const Shown& shown, PanelFont font) const {
   painter.setFont(fontOf(font));
   const double baseline = baselineIn(room, QFontMetricsF(painter.font()));
@@ -151,7 +255,7 @@ void PanelView::paintText(QPainter& painter, const QRectF& room, const Shown& sh
 void PanelView::paintCell(QPainter& painter, const PanelCell& cell) const {
   const auto shown = shownIn(cell);
   QRectF room = rectOf(cell);
-  QColor colour(theme_->text);
+  QColor colour(isOld(cell.field) ? theme_->oldText : theme_->text);
   if (cell.top < layout_.stateBandHeight) colour = coloursOfState(*theme_, logging_state_).text;
   if (cell.field == PanelField::message) {
     if (shown.text.isEmpty()) return;
@@ -161,12 +265,13 @@ void PanelView::paintCell(QPainter& painter, const PanelCell& cell) const {
   } else if (cell.field == PanelField::calibration && shown.width < room.width()) {
     room.setLeft((width() - shown.width) / 2);
   }
-  if (!cell.label.empty()) {
+  const bool oldGps = isGpsText(cell.field) && !signs_.gps.empty();
+  if (!cell.label.empty() && (!oldGps || rectOf(cell).left() + cell.labelWidth > gpsSignRect().right())) {
     painter.setFont(fontOf(PanelFont::text));
     painter.setPen(QColor(theme_->faintText));
     painter.drawText(QPointF(room.left(), baselineIn(room, QFontMetricsF(painter.font()))), qtText(cell.label));
-    room.setLeft(room.left() + cell.labelWidth);
   }
+  room.setLeft(room.left() + cell.labelWidth);
   painter.setPen(colour);
   paintText(painter, room, shown, cell.font);
 }
@@ -176,10 +281,13 @@ void PanelView::paintEvent(QPaintEvent* event) {
   painter.setRenderHint(QPainter::Antialiasing);
   const auto& region = event->region();
   painter.fillRect(event->rect(), QColor(theme_->background));
-  if (event->rect().top() < layout_.stateBandHeight) paintBand(painter);
+  const bool old = !signs_.instrument.empty();
+  if (event->rect().top() < layout_.stateBandHeight) old ? paintOldBand(painter) : paintBand(painter);
   for (const auto& cell : layout_.cells) {
-    if (region.intersects(rectOf(cell))) paintCell(painter, cell);
+    const bool drawn = old && cell.top < layout_.stateBandHeight;
+    if (!drawn && region.intersects(rectOf(cell))) paintCell(painter, cell);
   }
+  if (!signs_.gps.empty() && region.intersects(gpsSignRect())) paintGpsSign(painter);
 }
 
 }  // namespace kalmira

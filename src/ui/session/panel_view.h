@@ -6,6 +6,7 @@
 #include <string>
 
 #include "logging/panel_layout.h"
+#include "logging/signs.h"
 #include "ui/screen/theme.h"
 
 namespace kalmira {
@@ -29,6 +30,10 @@ class PanelView final : public QWidget {
   void showText(PanelField field, std::string_view text);
   // The colours of the band: as in the session, 0 Monitor, -1 Stand By, 1 Logging.
   void setLoggingState(int loggingState);
+  // What is old is seen to be: the band has stripes and says so beside the state word, the values are greyed, and where
+  // the fix stands it says how long there has been none.
+  void setSigns(const LinkSigns& signs);
+  const LinkSigns& signs() const { return signs_; }
   void clearTexts();
 
   const std::string& text(PanelField field) const;
@@ -46,7 +51,12 @@ class PanelView final : public QWidget {
   const PanelCell* cellOf(PanelField field) const;
   const QFont& fontOf(PanelFont font) const;
   Shown shownIn(const PanelCell& cell) const;
+  bool isOld(PanelField field) const;
+  QRect gpsSignRect() const;
   void paintBand(QPainter& painter) const;
+  void paintOldBand(QPainter& painter) const;
+  void paintPlate(QPainter& painter, const QRectF& room, const QString& text, const QFont& font) const;
+  void paintGpsSign(QPainter& painter) const;
   void paintCell(QPainter& painter, const PanelCell& cell) const;
   void paintText(QPainter& painter, const QRectF& room, const Shown& shown, PanelFont font) const;
 
@@ -55,6 +65,7 @@ class PanelView final : public QWidget {
   std::array<std::string, kPanelFields> texts_;
   std::array<QFont, 3> fonts_;
   int logging_state_ = 0;
+  LinkSigns signs_;
 };
 
 }  // namespace kalmira

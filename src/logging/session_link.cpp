@@ -60,6 +60,7 @@ void resetCounters(Session& session) {
   session.shortfalls.clear();
   session.remarks.clear();
   session.guard = {};
+  session.saving = {};
   session.gps = {};
   session.gps.goodTick = session.gps.lastGoodTick = session.gps.lastLineTick = session.clock.tick();
   session.sleptMs = session.clock.sleptMs();

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <optional>
 
+#include "logging/calibration.h"
 #include "logging/gps_watch.h"
 
 namespace kalmira {
@@ -40,7 +41,39 @@ std::string signOf(std::string_view words, const std::optional<Silence>& silence
   return silence && silence->tooLong() ? fmt::format("{} {}", words, ageText(silence->passed)) : std::string();
 }
 
+// What a step of the calibration lasts, and what it wants.
+struct CalibrationAim {
+  CalibrationSign::Stage stage;
+  std::string_view doing;
+  std::uint32_t limit;
+};
+
+CalibrationAim aimOf(const Calibration& calibration) {
+  using enum CalibrationSign::Stage;
+  namespace step = calibration_step;
+  if (calibration.calibrationActive == 1) return {measuring, "Hold still, VERTICAL", kCalibrationStageMs};
+  switch (calibration.calibrationStep) {
+    case step::kWaitForHorizontal: return {waiting, "Turn to HORIZONTAL", kCalibrationRotationMs};
+    case step::kPreparing: return {waiting, "Hold still, HORIZONTAL", kCalibrationPreparationMs};
+    case step::kMeasuring: return {measuring, "Hold still, HORIZONTAL", kCalibrationStageMs};
+    case step::kCompleted: return {completed, "Calibrated", kCalibrationClosingMs};
+    case step::kVerticalFailed: return {failed, "FAILED: it was not VERTICAL", kCalibrationClosingMs};
+    case step::kHorizontalFailed: return {failed, "FAILED: it was not HORIZONTAL", kCalibrationClosingMs};
+    default: return {failed, "FAILED: it was not turned", kCalibrationClosingMs};
+  }
+}
+
 }  // namespace
+
+CalibrationSign calibrationSignOf(const Session& session) {
+  const auto& calibration = session.calibration;
+  if (!session.sessionActive || calibration.calibrationPhase == 0) return {};
+  const auto [stage, doing, limit] = aimOf(calibration);
+  const auto passed = ticksSince(session.clock.tick(), calibration.calibrationTick);
+  const auto left = limit - std::min(passed, limit);
+  return {
+      .stage = stage, .doing = std::string(doing), .seconds = fmt::format("{} s", (left + kSecondMs - 1) / kSecondMs)};
+}
 
 std::string ageText(std::uint32_t milliseconds) {
   constexpr std::uint32_t kMinute = 60;
@@ -58,7 +91,8 @@ LinkSigns linkSignsOf(const Session& session) {
 }
 
 std::uint32_t msUntilOtherSigns(const Session& session) {
-  std::uint32_t wait = kSecondMs;
+  constexpr std::uint32_t kCalibrationLookMs = 200;
+  std::uint32_t wait = session.calibration.calibrationPhase != 0 ? kCalibrationLookMs : kSecondMs;
   for (const auto& silence : {instrumentSilence(session), gpsSilence(session)}) {
     if (!silence) continue;
     const auto next = silence->tooLong() ? kSecondMs - silence->passed % kSecondMs : silence->limit - silence->passed;

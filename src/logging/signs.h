@@ -16,8 +16,17 @@ struct LinkSigns {
   bool operator==(const LinkSigns&) const = default;
 };
 LinkSigns linkSignsOf(const Session& session);
-// Milliseconds until the signs may say something else if nothing comes; at most a second.
+// Milliseconds until any of these signs may say something else if nothing comes; at most a second.
 std::uint32_t msUntilOtherSigns(const Session& session);
+
+// What a calibration wants of the operator, to be read from further away than the panel's texts.
+struct CalibrationSign {
+  enum class Stage { none, measuring, waiting, completed, failed } stage = Stage::none;
+  std::string doing{};    // "Turn to HORIZONTAL"
+  std::string seconds{};  // that are left for it: "8 s"
+  bool operator==(const CalibrationSign&) const = default;
+};
+CalibrationSign calibrationSignOf(const Session& session);
 
 // "4 s", "12 min", "3 h": whole ones that have passed.
 std::string ageText(std::uint32_t milliseconds);

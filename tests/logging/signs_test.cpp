@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include "logging/calibration.h"
+#include "logging/saving.h"
 #include "support/session_fixture.h"
 
 namespace kalmira {
@@ -76,11 +78,95 @@ TEST(LinkSigns, AReceiverWithoutASentenceAndAMachineThatSleptAreOld) {
   test.clock.advance(60000);
   serviceSession(test.session);
   EXPECT_EQ(linkSignsOf(test.session).gps, "NO GPS DATA 60 s");
-  EXPECT_EQ(linkSignsOf(test.session).instrument, "NO DATA 63 s");
+  EXPECT_EQ(linkSignsOf(test.session).instrument, "NO DATA 66 s");
   EXPECT_EQ(shown(), "||") << "at once";
   EXPECT_EQ(test.view.texts[PanelField::message], "The machine slept for 60 s");
   test.session.settings.gpsInput = 0;
   EXPECT_EQ(linkSignsOf(test.session).gps, "");
+}
+
+// A disk with so much room, and a battery that lasts so long.
+struct Supplies {
+  std::uint64_t freeBytes;
+  std::optional<double> hours;
+  std::string text, brief;
+  Urgency urgency;
+};
+
+TEST(SavingSigns, TellWhatIsInTheFileAndWhatIsLeftAtThePresentRate) {
+  // A reading of 24 bytes a second is 86400 an hour.
+  for (const auto& item :
+       {Supplies{1000000, std::nullopt, "disk 11 h left, battery 87 %", "60 readings, written 0 s ago", Urgency::fine},
+        Supplies{100000000, 3.9, "disk over 99 h left, battery 87 %, 3 h", "60 readings, written 0 s ago",
+                 Urgency::fine},
+        Supplies{172000, 1.99, "disk 119 min left, battery 87 %, 119 min", "disk 119 min left, battery 87 %, 119 min",
+                 Urgency::warning},
+        Supplies{43000, 1.0, "disk 29 min left, battery 87 %, 60 min", "disk 29 min left", Urgency::alarm},
+        Supplies{1000000, 0.4, "disk 11 h left, battery 87 %, 24 min", "battery 87 %, 24 min", Urgency::alarm}}) {
+    TestSession test(Kind::orla);
+    test.disk.freeBytesLeft = item.freeBytes;
+    test.session.readBatteryHours = [&item] { return item.hours; };
+    test.settings.readingsInterval = 0.091F;  // every record; they come once a second
+    EXPECT_EQ(savingSignsOf(test.session).text(), "");
+    test.go();
+    serviceSession(test.session);
+    for (int i = 0; i < 60; ++i) {
+      test.clock.advance(1000);
+      test.record("T -0100-0400");
+      serviceSession(test.session);
+    }
+    auto signs = savingSignsOf(test.session);
+    EXPECT_EQ(signs.text(), "60 readings, written 0 s ago, " + item.text);
+    EXPECT_EQ(signs.shortText(), item.brief);
+    EXPECT_EQ(signs.worst(), item.urgency);
+  }
+}
+
+TEST(SavingSigns, WhatWaitsIsNotInTheFileAndRaisesTheAlarm) {
+  TestSession test(Kind::orla);
+  test.settings.gpsInput = 1;
+  ASSERT_EQ(startSession(test.session), StartOutcome::started);
+  EXPECT_EQ(savingSignsOf(test.session).text(), "No file yet: nothing is saved");
+  LeaveLogging(test.session, true);
+  test.session.readBattery = [] { return std::optional(9); };
+  test.go();
+  test.record("T -0100-0400");
+  serviceSession(test.session);
+  test.disk.setRoom(test.disk.content().size());
+  test.clock.advance(65000);
+  test.record("T -0200-0400");
+  serviceSession(test.session);
+  const auto signs = savingSignsOf(test.session);
+  EXPECT_EQ(signs.text(), "1 reading, GPS 0, written 65 s ago, 1 record waits, battery 9 %");
+  EXPECT_EQ(signs.shortText(), "1 record waits");
+  EXPECT_EQ(signs.worst(), Urgency::alarm);
+  EXPECT_EQ(signs.parts.back().urgency, Urgency::warning) << "of a battery that tells no hours";
+}
+
+TEST(CalibrationSign, SaysWhatToDoAndWhatTheRealLimitsLeave) {
+  using Stage = CalibrationSign::Stage;
+  namespace step = calibration_step;
+  TestSession test(Kind::tesk2);
+  test.begin();
+  EXPECT_EQ(calibrationSignOf(test.session), CalibrationSign{});
+  auto& calibration = test.session.calibration;
+  calibration.calibrationPhase = -1;
+  const struct {
+    int active, step;
+    std::uint32_t passed;
+    CalibrationSign sign;
+  } cases[]{{1, 0, 0, {Stage::measuring, "Hold still, VERTICAL", "2 s"}},
+            {2, step::kWaitForHorizontal, 1000, {Stage::waiting, "Turn to HORIZONTAL", "9 s"}},
+            {2, step::kWaitForHorizontal, 12000, {Stage::waiting, "Turn to HORIZONTAL", "0 s"}},
+            {2, step::kMeasuring, 1001, {Stage::measuring, "Hold still, HORIZONTAL", "1 s"}},
+            {2, step::kCompleted, 0, {Stage::completed, "Calibrated", "3 s"}},
+            {2, step::kHorizontalFailed, 0, {Stage::failed, "FAILED: it was not HORIZONTAL", "3 s"}}};
+  for (const auto& item : cases) {
+    calibration.calibrationActive = item.active;
+    calibration.calibrationStep = item.step;
+    calibration.calibrationTick = test.clock.tick() - item.passed;
+    EXPECT_EQ(calibrationSignOf(test.session), item.sign) << item.step;
+  }
 }
 
 }  // namespace

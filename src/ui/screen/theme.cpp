@@ -26,6 +26,8 @@ const Theme& nightTheme() {
                                 .stale = 0xC85400,
                                 .staleText = 0x000000,
                                 .oldText = 0x6A6058,
+                                .calibration = 0x1C2F6E,
+                                .calibrationText = 0xD8E0F8,
                                 .warning = 0x8A1020,
                                 .warningText = 0xFFE8E0,
                                 .chart = 0x101010,

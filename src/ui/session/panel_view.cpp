@@ -8,6 +8,8 @@
 #include <memory>
 #include <utility>
 
+#include "ui/screen/touch_button.h"
+
 namespace kalmira {
 namespace {
 
@@ -20,10 +22,7 @@ std::string_view withoutTrailingBlanks(std::string_view text) { return text.subs
 bool isValue(PanelField field) { return field >= PanelField::value1 && field <= PanelField::marker; }
 bool isGpsText(PanelField field) { return field >= PanelField::gpsActivity && field <= PanelField::pdop; }
 
-struct StateColours {
-  QColor band;
-  QColor text;
-};
+using StateColours = PanelView::StateColours;
 
 StateColours coloursOfState(const Theme& theme, int loggingState) {
   if (loggingState == 0) return {QColor(theme.monitor), QColor(theme.monitorText)};
@@ -53,6 +52,15 @@ double baselineIn(const QRectF& room, const QFontMetricsF& metrics) {
 }
 
 }  // namespace
+
+PanelView::StateColours PanelView::bandColours() const {
+  auto colours = coloursOfState(*theme_, logging_state_);
+  if (calibration_.stage != CalibrationSign::Stage::none) {
+    colours = {QColor(theme_->calibration), QColor(theme_->calibrationText)};
+  }
+  if (flash_) std::swap(colours.band, colours.text);
+  return colours;
+}
 
 QFont fontOfPanel(const QFont& base, PanelFont font, double pixelSize) {
   QFont made = base;
@@ -120,9 +128,21 @@ void PanelView::setSigns(const LinkSigns& signs) {
   }
 }
 
+void PanelView::setCalibration(const CalibrationSign& sign) {
+  if (calibration_ == sign) return;
+  calibration_ = sign;
+  update();
+}
+
+void PanelView::setFlash(bool flash) {
+  flash_ = flash;
+  update(0, 0, width(), layout_.stateBandHeight);
+}
+
 void PanelView::clearTexts() {
   texts_.fill({});
   signs_ = {};
+  calibration_ = {};
   update();
 }
 
@@ -144,7 +164,7 @@ PanelView::Shown PanelView::shownIn(const PanelCell& cell) const {
 }
 
 void PanelView::paintBand(QPainter& painter) const {
-  const auto colours = coloursOfState(*theme_, logging_state_);
+  const auto colours = bandColours();
   painter.fillRect(0, 0, width(), layout_.stateBandHeight, colours.band);
   const auto* state = cellOf(PanelField::state);
   if (state == nullptr) return;
@@ -192,11 +212,11 @@ void PanelView::paintOldBand(QPainter& painter) const {
   const double margin = layout_.textSize / 4;
   paintPlate(painter, QRectF(state->left - margin, 0, word.width + 2 * margin, height), word.text, fontOf(state->font));
   double left = state->left + word.width + margin + gap;
-  double right = battery->left - gap;
+  double right = width();
   if (const auto shown = shownIn(*battery); !shown.text.isEmpty()) {
     paintPlate(painter, QRectF(battery->left - margin, 0, shown.width + 2 * margin, height), shown.text,
                fontOf(battery->font));
-    right -= margin;
+    right = battery->left - margin - gap;
   }
   const auto* message = cellOf(PanelField::message);
   if (message != nullptr && message->top == 0 && !text(PanelField::message).empty()) {
@@ -208,13 +228,26 @@ void PanelView::paintOldBand(QPainter& painter) const {
     paintText(painter, room.adjusted(margin, 0, -margin, 0), shown, message->font);
     right -= needed + gap;
   }
+  paintNoData(painter, QRectF(left, 0, right - left, height));
+}
+
+// "NO DATA 4 s", in two lines where one would be small.
+void PanelView::paintNoData(QPainter& painter, const QRectF& room) const {
+  constexpr double kLeast = 0.6;     // of the state word's size, for one line
+  constexpr double kHalfLine = 0.5;  // of the band's height: letters are capitals and figures, and leave a gap
   const auto words = qtText(signs_.instrument);
+  const double margin = layout_.textSize / 4;
   QFont font = fontOf(PanelFont::state);
-  while (font.pixelSize() > layout_.textSize &&
-         QFontMetricsF(font).horizontalAdvance(words) > right - left - 2 * margin) {
-    font.setPixelSize(font.pixelSize() - 1);
+  const double needed = QFontMetricsF(font).horizontalAdvance(words);
+  const double fitting = layout_.stateSize * std::min(1.0, (room.width() - 2 * margin) / needed);
+  if (fitting >= kLeast * layout_.stateSize) {
+    font.setPixelSize(std::max(1, static_cast<int>(fitting)));
+    return paintPlate(painter, room, words, font);
   }
-  paintPlate(painter, QRectF(left, 0, right - left, height), words, font);
+  font.setPixelSize(std::max(1, static_cast<int>(kHalfLine * room.height())));
+  const double half = room.height() / 2;
+  paintPlate(painter, QRectF(room.left(), 0, room.width(), half), words.section(' ', 0, 1), font);
+  paintPlate(painter, QRectF(room.left(), half, room.width(), half), words.section(' ', 2), font);
 }
 
 // From where the fix stands to the next text of the row. What stands there without a text makes room with its label.
@@ -238,6 +271,36 @@ void PanelView::paintGpsSign(QPainter& painter) const {
   paintPlate(painter, gpsSignRect(), qtText(signs_.gps), font);
 }
 
+// Below the band, down to the values while they are measured, else to the calibration's own text.
+QRect PanelView::calibrationRect() const {
+  const bool measuring = calibration_.stage == CalibrationSign::Stage::measuring;
+  const auto* end = cellOf(measuring ? PanelField::value1 : PanelField::calibration);
+  const int top = layout_.stateBandHeight;
+  return {0, top, width(), (end == nullptr ? layout_.height : end->top) - top};
+}
+
+// What to do, as large as there is room for it, and the seconds that are left beside it.
+void PanelView::paintCalibration(QPainter& painter) const {
+  const QRect room = calibrationRect();
+  const bool failed = calibration_.stage == CalibrationSign::Stage::failed;
+  painter.fillRect(room, QColor(failed ? theme_->warning : theme_->calibration));
+  painter.setPen(QColor(failed ? theme_->warningText : theme_->calibrationText));
+  const int margin = static_cast<int>(layout_.textSize / 2);
+  const auto seconds = qtText(calibration_.seconds);
+  QFont font = fontOfPanel(this->font(), PanelFont::state, room.height() * 0.7);
+  const auto widthOf = [&font](const QString& text) { return QFontMetrics(font).horizontalAdvance(text); };
+  while (font.pixelSize() > layout_.textSize && widthOf(seconds) > room.width() / 4) {
+    font.setPixelSize(font.pixelSize() - 1);
+  }
+  painter.setFont(font);
+  const QRect right(room.right() - widthOf(seconds) - margin, room.top(), widthOf(seconds), room.height());
+  painter.drawText(right, Qt::AlignCenter | Qt::TextSingleLine, seconds);
+  const QRect left(margin, room.top(), right.left() - 2 * margin, room.height());
+  font.setPixelSize(std::max(1, static_cast<int>(room.height() * 0.7)));
+  painter.setFont(fittedFont(qtText(calibration_.doing), font, left.size()));
+  painter.drawText(left, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextWordWrap, qtText(calibration_.doing));
+}
+
 void PanelView::paintText(QPainter& painter, const QRectF& room, const Shown& shown, PanelFont font) const {
   painter.setFont(fontOf(font));
   const double baseline = baselineIn(room, QFontMetricsF(painter.font()));
@@ -256,7 +319,7 @@ void PanelView::paintCell(QPainter& painter, const PanelCell& cell) const {
   const auto shown = shownIn(cell);
   QRectF room = rectOf(cell);
   QColor colour(isOld(cell.field) ? theme_->oldText : theme_->text);
-  if (cell.top < layout_.stateBandHeight) colour = coloursOfState(*theme_, logging_state_).text;
+  if (cell.top < layout_.stateBandHeight) colour = bandColours().text;
   if (cell.field == PanelField::message) {
     if (shown.text.isEmpty()) return;
     colour = QColor(theme_->warningText);
@@ -281,12 +344,13 @@ void PanelView::paintEvent(QPaintEvent* event) {
   painter.setRenderHint(QPainter::Antialiasing);
   const auto& region = event->region();
   painter.fillRect(event->rect(), QColor(theme_->background));
-  const bool old = !signs_.instrument.empty();
+  const bool old = !signs_.instrument.empty() && !flash_;
   if (event->rect().top() < layout_.stateBandHeight) old ? paintOldBand(painter) : paintBand(painter);
   for (const auto& cell : layout_.cells) {
     const bool drawn = old && cell.top < layout_.stateBandHeight;
     if (!drawn && region.intersects(rectOf(cell))) paintCell(painter, cell);
   }
+  if (calibration_.stage != CalibrationSign::Stage::none) return paintCalibration(painter);
   if (!signs_.gps.empty() && region.intersects(gpsSignRect())) paintGpsSign(painter);
 }
 

@@ -177,7 +177,7 @@ TEST(LoggingWindow, OldDataAreSeenAlsoBehindAQuestionUntilTheNextRecord) {
     EXPECT_TRUE(waitFor([&] { return panelOf(test.window).signs().instrument != before; })) << "it goes on counting";
     EXPECT_EQ(test.text(PanelField::message), "Please Wait...");
     EXPECT_EQ(test.text(PanelField::state), "Stand By");
-    answered(QMessageBox::Yes)(box);
+    answered("Yes")(box);
   });
   for (int i = 0; i < 6; ++i) {
     test.clock.advance(1001);

@@ -163,6 +163,36 @@ TracePoints tracePointsOf(const ProfileSetup& setup, const ProfilePoint& point) 
   return points;
 }
 
+void ValueSpan::take(float value) {
+  if (!std::isfinite(value)) return;
+  least = any ? std::min(least, value) : value;
+  largest = any ? std::max(largest, value) : value;
+  any = true;
+}
+
+void ValueSpan::take(const ValueSpan& other) {
+  if (!other.any) return;
+  take(other.least);
+  take(other.largest);
+}
+
+int traceColourOf(const ProfileSetup& setup, std::size_t trace) { return setup.traceColour[penOf(trace)]; }
+
+void takeShown(const ProfileSetup& setup, const ProfilePoint& point, const TracePoints& points, ShownColumn& column) {
+  const auto take = [&](std::size_t trace, int axis, float value) {
+    if (!points.drawn[trace]) return;
+    const int y = points.y[trace];
+    auto& side = y < 0 ? column.above : y > setup.height ? column.below : column.inside;
+    side.set(trace);
+    column.spans.at(static_cast<std::size_t>(axis)).take(value);
+  };
+  for (const auto& channel : instrumentOf(setup.kind).channels) {
+    take(channel.slot, channel.axis, point.channels.value[channel.slot]);
+  }
+  take(kFirstExtra, kConductivityAxis, point.extra1);
+  take(kFirstExtra + 1, kConductivityAxis, point.extra2);
+}
+
 void DrawProfileAxes(ChartCanvas& canvas, const ProfileSetup& setup) { drawGrid(canvas, setup, 0, setup.width - 1); }
 
 void DrawProfilePoint(ChartCanvas& canvas, const ProfileSetup& setup, TraceState& traces, const ProfilePoint& point) {
@@ -173,6 +203,9 @@ void DrawProfilePoint(ChartCanvas& canvas, const ProfileSetup& setup, TraceState
     drawGrid(canvas, setup, x - 1, x + 1);
   }
   const auto points = tracePointsOf(setup, point);
+  if (point.newStation || traces.shown.empty()) traces.shown.emplace_back();
+  while (traces.shown.size() > static_cast<std::size_t>(x / 2 + 1)) traces.shown.pop_front();
+  takeShown(setup, point, points, traces.shown.back());
   for (std::size_t i = 0; i < kProfilePoints; ++i) {
     if (!points.drawn[i]) continue;
     const auto pen = penOf(i);

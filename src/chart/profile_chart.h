@@ -1,7 +1,9 @@
 #pragma once
 
 #include <array>
+#include <bitset>
 #include <cstdint>
+#include <deque>
 
 #include "instruments/catalogue.h"
 #include "instruments/profile_map.h"
@@ -65,10 +67,28 @@ struct ProfileSetup {
 ProfileSetup profileSetupOf(Kind kind, bool iceOption, const Settings& settings, bool wideLayout, double scale,
                             int width, int height);
 
+// Whose colour a trace is drawn in: its own, or for an auxiliary value that of another trace.
+int traceColourOf(const ProfileSetup& setup, std::size_t trace);
+
+// The least and the largest of some values.
+struct ValueSpan {
+  float least = 0, largest = 0;
+  bool any = false;
+  void take(float value);  // what is no number is left out
+  void take(const ValueSpan& other);
+};
+
+// What stands in one column of a chart: for arrows, legend and fitted scales.
+struct ShownColumn {
+  std::bitset<kProfilePoints> inside, above, below;  // traces with a value on the chart, over and under it
+  std::array<ValueSpan, 3> spans;                    // by axis
+};
+
 // Where the traces stand. traceStarted is the session's own: commands and the watchdog clear it.
 struct TraceState {
   std::array<int, kProfilePoints>& traceStarted;
   std::array<int, kProfilePoints> previousY{};
+  std::deque<ShownColumn> shown{};  // the columns that the chart shows, the newest last
 };
 
 // The traces that a reading has a point on: present in it, drawn for its kind, and shown.
@@ -77,6 +97,8 @@ struct TracePoints {
   std::array<bool, kProfilePoints> drawn{};
 };
 TracePoints tracePointsOf(const ProfileSetup& setup, const ProfilePoint& point);
+// Adds a reading, with its points, to what its column shows.
+void takeShown(const ProfileSetup& setup, const ProfilePoint& point, const TracePoints& points, ShownColumn& column);
 
 // Draws the whole grid; labels are the window's.
 void DrawProfileAxes(ChartCanvas& canvas, const ProfileSetup& setup);

@@ -195,6 +195,7 @@ int drawSteps(const ProfileSetup& setup, const std::vector<Step>& steps, ChartCa
 RedrawCost RedrawProfileFromFile(Session& session, const ProfileSetup& setup, ChartCanvas& canvas, TraceState& traces) {
   const auto startedBefore = traces.traceStarted;
   traces.traceStarted.fill(0);
+  traces.shown.clear();
   canvas.clear();
   DrawProfileAxes(canvas, setup);
   LineBackwards line(session);

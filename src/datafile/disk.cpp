@@ -96,6 +96,13 @@ OpenOutcome LocalDisk::createNew(const std::filesystem::path& path) {
 
 OpenOutcome LocalDisk::openExisting(const std::filesystem::path& path) { return openFile(path, O_NOFOLLOW); }
 
+std::optional<std::uint64_t> LocalDisk::freeBytes(const std::filesystem::path& path) {
+  std::error_code error;
+  const auto space = std::filesystem::space(path, error);
+  if (error) return std::nullopt;
+  return space.available;
+}
+
 std::optional<FileStatus> LocalDisk::status(const std::filesystem::path& path) {
   struct stat found {};
   return ::lstat(path.c_str(), &found) == 0 ? std::optional(statusOf(found)) : std::nullopt;

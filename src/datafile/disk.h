@@ -61,6 +61,8 @@ class Disk {
   virtual ~Disk() = default;
   virtual OpenOutcome createNew(const std::filesystem::path& path) = 0;     // fails when it exists
   virtual OpenOutcome openExisting(const std::filesystem::path& path) = 0;  // read and write; follows no link
+  // Bytes that may still be written where `path` lies; nothing when that is not known.
+  virtual std::optional<std::uint64_t> freeBytes(const std::filesystem::path& /*path*/) { return std::nullopt; }
   // Of the file that stands under the name now, links not followed; nothing when there is none.
   virtual std::optional<FileStatus> status(const std::filesystem::path& path) = 0;
 };
@@ -70,6 +72,7 @@ class LocalDisk final : public Disk {
  public:
   OpenOutcome createNew(const std::filesystem::path& path) override;
   OpenOutcome openExisting(const std::filesystem::path& path) override;
+  std::optional<std::uint64_t> freeBytes(const std::filesystem::path& path) override;
   std::optional<FileStatus> status(const std::filesystem::path& path) override;
 };
 

@@ -66,6 +66,8 @@ struct CurveScales {
 };
 inline CurveScales bothScales(int) { return {}; }
 
+inline bool allTheTime(int) { return false; }
+
 // Of a record of the ASCII kinds, see rows.h.
 bool asciiTriggerPressed(std::string_view record);
 RecordFields asciiRawFields(std::string_view record);
@@ -109,6 +111,8 @@ struct Instrument {
   double recordPeriodMs = 91.0;   // time between two records of the stream (TESK: the longer of its two)
   bool asksRecordLength = false;  // the record length is found out before logging
   bool savesBattery = false;      // falls asleep by itself: a silent link asks for it to be woken
+  // Records come when something asks for one, not all the time: silence alone is no fault then.
+  bool (*onDemand)(int surveyMode) = allTheTime;
   // --- files
   int fileRecordLength = 24;  // bytes of a data file record, with its line feed
   int recordedBytes = 12;     // of an instrument's record, in a reading record

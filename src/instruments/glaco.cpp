@@ -52,6 +52,7 @@ constexpr Instrument kGlaco{
     .framing = Framing::ice,
     .instrumentLength = 8,
     .recordPeriodMs = 100.0,
+    .onDemand = [](int surveyMode) { return surveyMode == kModeWheel; },
     .hasTrigger = false,
     .channels = kChannels,
     .axes = kAxes,

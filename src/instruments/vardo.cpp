@@ -99,6 +99,7 @@ constexpr Instrument kVardo{
     .titlePictures = kTitles,
     .drawing = "vardo",
     .savesBattery = true,
+    .onDemand = [](int) { return true; },
     .listBValues = 6,
     .listB = listB,
     .readingsAtStation = [](int, int listB) { return coilSetting(listB) + 1; },

@@ -5,20 +5,8 @@
 namespace kalmira {
 namespace {
 
-constexpr std::uint32_t kPreparationMs = 1000;
-constexpr std::uint32_t kClosingMs = 3000;
-
-// calibrationStep of the horizontal stage.
-constexpr int kWaitForHorizontal = 0;
-constexpr int kPreparing = 1;
-constexpr int kMeasuring = 2;
-constexpr int kCompleted = 3;
-constexpr int kVerticalFailed = 4;
-constexpr int kHorizontalFailed = 5;
-constexpr int kNotDetected = 6;
-
-void beepThrice(Session& session, Beep sound) {
-  for (int i = 0; i < 3; ++i) session.view.beep(sound);
+void beepThrice(Session& session) {
+  for (int i = 0; i < 3; ++i) session.view.beep(Beep::calibration);
 }
 
 void showText(Session& session, std::string_view text) { session.view.show(PanelField::calibration, text); }
@@ -57,14 +45,14 @@ void verticalStage(Session& session, const Reading& reading) {
     return;
   }
   calibration.calibrationActive = 2;
-  if (calibration.calibrationCount < kCalibrationReadings) return enterStep(session, kVerticalFailed);
+  if (calibration.calibrationCount < kCalibrationReadings) return enterStep(session, calibration_step::kVerticalFailed);
   toAverages(calibration.vertical, calibration.calibrationCount);
   session.settings.calibrationFactors[0] = calibration.vertical[0];
   session.settings.calibrationFactors[1] = calibration.vertical[1];
   showText(session, session.setup.wideLayout ? "Rotate to Horiz. Mode within 60 s"
                                              : "Rotate to Horizontal Mode within 60 seconds");
-  beepThrice(session, Beep::exclamation);
-  enterStep(session, kWaitForHorizontal);
+  beepThrice(session);
+  enterStep(session, calibration_step::kWaitForHorizontal);
 }
 
 void completeWith(Session& session) {
@@ -76,7 +64,7 @@ void completeWith(Session& session) {
   factors[4] = calibration.vertical[2] - 2.0F * calibration.horizontal[2];
   factors[5] = calibration.vertical[3] - 2.0F * calibration.horizontal[3];
   calibration.deletedCalibration = calibration.calibrationBackup;
-  enterStep(session, kCompleted);
+  enterStep(session, calibration_step::kCompleted);
   saveSettingsOrTell(session);
   if (session.file.isOpen()) WriteCalibrationRecords(session.writer());
 }
@@ -87,7 +75,7 @@ void measureHorizontal(Session& session, const Reading& reading) {
     if (reading.orientation == 'H') addReading(calibration, calibration.horizontal, reading);
     showMeasuring(session, "Horizontal Calibration", reading);
   } else if (calibration.calibrationCount < kCalibrationReadings) {
-    enterStep(session, kHorizontalFailed);
+    enterStep(session, calibration_step::kHorizontalFailed);
   } else {
     completeWith(session);
   }
@@ -102,24 +90,26 @@ void endCalibration(Session& session) {
 }
 
 void closeWithSuccess(Session& session) {
-  if (sinceTick(session) <= kClosingMs) {
+  if (sinceTick(session) <= kCalibrationClosingMs) {
     showText(session, "Calibration Completed - Wait for Beep");
-    return beepThrice(session, Beep::hand);
+    return beepThrice(session);
   }
   endCalibration(session);
-  beepThrice(session, Beep::hand);
+  beepThrice(session);
 }
 
 std::string_view failureText(int step, bool wide) {
   switch (step) {
-    case kVerticalFailed: return wide ? "Vert. Mode Failed - Wait for Beep" : "Vertical Mode Failed - Wait for Beep";
-    case kHorizontalFailed: return wide ? "Hor. Mode Failed - Wait for Beep" : "Horizontal Mode Failed - Wait for Beep";
+    case calibration_step::kVerticalFailed:
+      return wide ? "Vert. Mode Failed - Wait for Beep" : "Vertical Mode Failed - Wait for Beep";
+    case calibration_step::kHorizontalFailed:
+      return wide ? "Hor. Mode Failed - Wait for Beep" : "Horizontal Mode Failed - Wait for Beep";
     default: return wide ? "Hor. Mode Not Detected - Wait for Beep" : "Horizontal Mode Not Detected - Wait for Beep";
   }
 }
 
 void closeWithFailure(Session& session) {
-  if (sinceTick(session) <= kClosingMs) {
+  if (sinceTick(session) <= kCalibrationClosingMs) {
     return showText(session, failureText(session.calibration.calibrationStep, session.setup.wideLayout));
   }
   session.settings.calibrationFactors = session.calibration.calibrationBackup;
@@ -129,18 +119,18 @@ void closeWithFailure(Session& session) {
 void horizontalStage(Session& session, const Reading& reading) {
   auto& calibration = session.calibration;
   switch (calibration.calibrationStep) {
-    case kWaitForHorizontal:
-      if (reading.orientation == 'H') return enterStep(session, kPreparing);
-      if (sinceTick(session) > kCalibrationRotationMs) enterStep(session, kNotDetected);
+    case calibration_step::kWaitForHorizontal:
+      if (reading.orientation == 'H') return enterStep(session, calibration_step::kPreparing);
+      if (sinceTick(session) > kCalibrationRotationMs) enterStep(session, calibration_step::kNotDetected);
       return;
-    case kPreparing:
-      if (sinceTick(session) <= kPreparationMs) {
+    case calibration_step::kPreparing:
+      if (sinceTick(session) <= kCalibrationPreparationMs) {
         return showText(session, "Preparing for Horizontal Calibration");
       }
       calibration.calibrationCount = 0;
-      return enterStep(session, kMeasuring);
-    case kMeasuring: return measureHorizontal(session, reading);
-    case kCompleted: return closeWithSuccess(session);
+      return enterStep(session, calibration_step::kMeasuring);
+    case calibration_step::kMeasuring: return measureHorizontal(session, reading);
+    case calibration_step::kCompleted: return closeWithSuccess(session);
     default: return closeWithFailure(session);
   }
 }

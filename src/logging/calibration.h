@@ -15,6 +15,20 @@ inline constexpr std::uint32_t kCalibrationStageMs = 2000;
 // orientation from one that is being turned.
 inline constexpr std::uint32_t kCalibrationRotationMs = 10000;
 
+inline constexpr std::uint32_t kCalibrationPreparationMs = 1000;
+inline constexpr std::uint32_t kCalibrationClosingMs = 3000;  // how long its outcome is shown
+
+// calibrationStep of the horizontal stage.
+namespace calibration_step {
+inline constexpr int kWaitForHorizontal = 0;
+inline constexpr int kPreparing = 1;
+inline constexpr int kMeasuring = 2;
+inline constexpr int kCompleted = 3;
+inline constexpr int kVerticalFailed = 4;
+inline constexpr int kHorizontalFailed = 5;
+inline constexpr int kNotDetected = 6;
+}  // namespace calibration_step
+
 // Both ask first. True when the answer was yes and the calibration runs, or the factors are deleted.
 bool startCalibration(Session& session);
 bool deleteCalibration(Session& session);

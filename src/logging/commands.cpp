@@ -20,6 +20,7 @@ bool commandAllowed(const Session& session, Command command) {
       return calibrated && state != kLogging && session.calibration.calibrationPhase == 0;
     case Command::newStation:
     case Command::comment: return state != kLogging;
+    case Command::fit: return true;
     default: return state == kStandBy;
   }
 }
@@ -61,7 +62,7 @@ void startRecording(Session& session) {
   session.beepCounter = 0;
   session.loggingState = kLogging;
   showState(session);
-  session.view.beep(Beep::hand);
+  session.view.beep(Beep::reading);
   session.triggerLatch = 0;
   session.chartPointCount = 0;
   clearTraces(session);

@@ -25,6 +25,7 @@ enum class Command {
   repaint,
   calibrate,
   deleteCalibration,
+  fit,  // the scale of the profile, to what is shown
 };
 
 // Whether the logging window offers the command in the session's present state.

@@ -10,7 +10,6 @@
 namespace kalmira {
 namespace {
 
-constexpr std::uint32_t kSilenceMs = 3000;
 // A fix that comes and goes, under trees, is told no more often.
 constexpr std::uint32_t kFixPauseMs = 10000;
 // 460800 baud with start and stop bit.
@@ -31,18 +30,23 @@ void watchPort(Session& session) {
 
 void watchSilence(Session& session) {
   auto& gps = session.gps;
-  if (since(session, gps.lastGoodTick) <= kSilenceMs) {
+  if (since(session, gps.lastGoodTick) <= kGpsSilenceMs) {
     if (std::exchange(gps.silent, false)) showMessage(session, "GPS data again");
     return;
   }
   if (!std::exchange(gps.silent, true)) {
     if (!gps.gone) showMessage(session, "No GPS data");
     gps.fix.clear();
-    gps.fixBlank = gps.allBlank = false;
   }
+}
+
+// What is true no longer does not stay on the panel, whoever is to blame: a machine that slept, too.
+void blankOldTexts(Session& session) {
+  auto& gps = session.gps;
   if (session.calibration.calibrationActive != 0) return;  // the calibration has the panel to itself
+  if (since(session, gps.goodTick) <= kGpsSilenceMs) return;
   if (!std::exchange(gps.fixBlank, true)) session.view.show(PanelField::fix, "");
-  if (since(session, gps.lastLineTick) <= kSilenceMs || std::exchange(gps.allBlank, true)) return;
+  if (since(session, gps.lastLineTick) <= kGpsSilenceMs || std::exchange(gps.allBlank, true)) return;
   session.view.show(PanelField::satellites, "");
   session.view.show(PanelField::pdop, "");
 }
@@ -73,7 +77,8 @@ void noteGpsLine(Session& session, bool checksumOk) {
   gps.lastLineTick = session.clock.tick();
   gps.allBlank = false;
   if (!checksumOk) return;
-  gps.lastGoodTick = gps.lastLineTick;
+  gps.goodTick = gps.lastGoodTick = gps.lastLineTick;
+  gps.fixBlank = false;
   gps.everGood = true;
 }
 
@@ -94,6 +99,7 @@ void watchGps(Session& session) {
   if (!session.gpsEnabled() || !session.sessionActive) return;
   watchPort(session);
   watchSilence(session);
+  blankOldTexts(session);
   watchFix(session);
   watchNoise(session);
   session.gps.everFixed = session.gps.everFixed || (!session.gps.fix.empty() && session.gps.fix != kNoFixWord);

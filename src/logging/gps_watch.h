@@ -6,6 +6,9 @@
 // Called on the session's thread.
 namespace kalmira {
 
+// A receiver that gives no sentence with a right checksum for so long has fallen silent.
+inline constexpr std::uint32_t kGpsSilenceMs = 3000;
+
 // A line has come from the receiver.
 void noteGpsLine(Session& session, bool checksumOk);
 // Whether a line of so many bytes that is no good sentence is to be recorded. No faster than the fastest serial line

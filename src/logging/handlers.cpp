@@ -107,7 +107,7 @@ void beepWithReading(Session& session) {
   if (indexOr(session.settings.audio, 2, 1) != 1) return;
   // Without a trigger every reading beeps: it is taken while standing, not at a walking pace.
   if (++session.beepCounter < session.beepInterval && session.instrument.hasTrigger) return;
-  session.view.beep(Beep::hand);
+  session.view.beep(Beep::reading);
   session.beepCounter = 0;
 }
 

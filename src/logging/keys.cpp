@@ -84,7 +84,8 @@ int keyWhileLogging(Session& session, const KeyContext& context, int keyCode) {
   const bool arrowMarks = !context.digitsPlatform && isArrow(keyCode) && focusMoves(session, context);
   const bool digitMarks = (context.digitsPlatform || context.keypadEntry) && isMarkDigit(keyCode);
   if (arrowMarks || digitMarks) pressMarker(session);
-  return pauses(session, keyCode) ? 0 : kNoCode;
+  if (pauses(session, keyCode)) return 0;
+  return keyCode == 'F' || keyCode == 'f' ? kFit : kNoCode;
 }
 
 // The first key after a release only arms the movement; the next one moves.
@@ -168,6 +169,7 @@ int codeOfKey(Session& session, Focus& focus, const KeyContext& context, int key
   const bool letter = (keyCode >= 'A' && keyCode <= 'Z') || (keyCode >= 'a' && keyCode <= 'z');
   if (!letter) return kNoCode;
   const int capital = std::toupper(keyCode);
+  if (capital == 'F') return kFit;
   return session.loggingState == kStandBy ? letterStandingBy(capital)
                                           : remapTesk2(session, letterWithoutFile(session, capital));
 }
@@ -186,6 +188,7 @@ std::optional<Command> commandOf(const Session& session, int code) {
     case 103: return Command::repaint;
     case kMenuCalibrate: return Command::calibrate;
     case kMenuDeleteCalibration: return Command::deleteCalibration;
+    case kFit: return Command::fit;
     default: break;
   }
   if (code < 0 || code > 5) return std::nullopt;

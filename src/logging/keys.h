@@ -44,6 +44,7 @@ struct KeyContext {
 inline constexpr int kNoCode = -1;
 inline constexpr int kMenuCalibrate = 107;
 inline constexpr int kMenuDeleteCalibration = 108;
+inline constexpr int kFit = 109;  // the chart's button, and F where it does not pause
 
 // The code of button `index` of the present row.
 int codeOfButton(const Session& session, int index);

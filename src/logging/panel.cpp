@@ -64,7 +64,7 @@ void showMode(Session& session) {
 }
 
 void showValues(Session& session, const Reading& reading, bool measuring) {
-  const PanelStyle style{.wide = session.setup.wideLayout,
+  const PanelStyle style{.wide = session.setup.wideLayout || session.setup.units,
                          .iceOption = session.iceOption,
                          .feet = session.settings.lengthUnits == 1,
                          .listA = session.settings.surveyListA,

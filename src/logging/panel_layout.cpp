@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <initializer_list>
+#include <utility>
 
 #include "logging/panel.h"
 
@@ -18,6 +19,9 @@ constexpr double kGap = 4;  // between two cells of a row
 constexpr double kBatteryWidth = 40;
 constexpr double kTextSize = 12;
 constexpr double kValueSize = 18;
+constexpr double kRoomyValueSize = 34;  // in a window larger than the layouts, as far as there is room
+constexpr double kSmallestValueSize = 13;
+constexpr double kSmallestTextSize = 9;  // where height is wanted
 constexpr double kStateSizePortrait = 22;
 constexpr double kStateSizeLandscape = 21;
 constexpr double kSmallestStateSize = 15;  // the word gives way to nothing below this
@@ -104,7 +108,12 @@ std::vector<Row> portraitRows(const PanelSpace& space) {
 // What is short moves up beside the figures.
 std::vector<Row> landscapeRows(const PanelSpace& space) {
   std::vector<Row> rows;
-  for (const auto& row : instrumentOf(space.kind).lyingFigures) rows.push_back(rowOf(row));
+  for (const auto& figures : instrumentOf(space.kind).lyingFigures) {
+    auto row = rowOf(figures);
+    // With units, columns as wide as the widest would leave little of the figures' size.
+    if (space.roomy && row.shape == RowShape::columns) row.shape = RowShape::flow;
+    rows.push_back(std::move(row));
+  }
   rows.push_back(
       {RowShape::flow, {F::gpsActivity, F::fix, F::pdop, F::satellites, F::gpsCount, F::gpsNote, F::mode, F::marker}});
   return rows;
@@ -164,6 +173,9 @@ bool contains(const Row& row, PanelFont font) {
 bool shrinkFor(const Job& job, const Row& row, Sizes& sizes) {
   if (contains(row, PanelFont::state) && sizes.state > pixels(job.space, kSmallestStateSize)) {
     --sizes.state;
+  } else if (job.space.roomy && sizes.value <= pixels(job.space, kValueSize) && contains(row, PanelFont::text) &&
+             sizes.text > pixels(job.space, kSmallestTextSize)) {
+    --sizes.text;
   } else if (contains(row, PanelFont::value) && sizes.value > std::max(sizes.text, kSmallestFont)) {
     --sizes.value;
   } else if (sizes.text > kSmallestFont) {
@@ -174,11 +186,35 @@ bool shrinkFor(const Job& job, const Row& row, Sizes& sizes) {
   return true;
 }
 
+int rowHeight(const Row& row, const Sizes& sizes) {
+  if (row.shape == RowShape::band) return static_cast<int>(std::lround(kStateRowHeight * sizes.state));
+  const double text = kTextRowHeight * sizes.text;
+  const double value = contains(row, PanelFont::value) ? kValueRowHeight * sizes.value : 0.0;
+  return static_cast<int>(std::lround(std::max(text, value)));
+}
+
+int panelHeight(const PanelSpace& space, const std::vector<Row>& rows, const Sizes& sizes) {
+  int height = pixels(space, 1);  // a line to the chart
+  for (const auto& row : rows) height += rowHeight(row, sizes);
+  return height;
+}
+
+// Makes the panel lower: values give way down to their usual size, then the small texts, then everything.
+bool lower(const PanelSpace& space, Sizes& sizes) {
+  const auto shrink = [&space](int& size, double least) {
+    if (size <= pixels(space, least)) return false;
+    --size;
+    return true;
+  };
+  return shrink(sizes.value, kValueSize) || shrink(sizes.text, kSmallestTextSize) ||
+         shrink(sizes.state, kSmallestStateSize) || shrink(sizes.value, kSmallestValueSize);
+}
+
 // Rows of nothing but small text first: what they take away from it, the others need not take from figures.
 Sizes fittingSizes(const Job& job, const std::vector<Row>& rows) {
   const auto& space = job.space;
   Sizes sizes{.text = pixels(space, kTextSize),
-              .value = pixels(space, kValueSize),
+              .value = pixels(space, space.roomy ? kRoomyValueSize : kValueSize),
               .state = pixels(space, space.wideLayout ? kStateSizePortrait : kStateSizeLandscape)};
   for (const bool plain : {true, false}) {
     for (const auto& row : rows) {
@@ -187,14 +223,10 @@ Sizes fittingSizes(const Job& job, const std::vector<Row>& rows) {
       while (!fits(job, row, sizes) && shrinkFor(job, row, sizes)) continue;
     }
   }
+  while (space.mostHeight > 0 && panelHeight(space, rows, sizes) > space.mostHeight) {
+    if (!lower(space, sizes)) break;
+  }
   return sizes;
-}
-
-int rowHeight(const Row& row, const Sizes& sizes) {
-  if (row.shape == RowShape::band) return static_cast<int>(std::lround(kStateRowHeight * sizes.state));
-  const double text = kTextRowHeight * sizes.text;
-  const double value = contains(row, PanelFont::value) ? kValueRowHeight * sizes.value : 0.0;
-  return static_cast<int>(std::lround(std::max(text, value)));
 }
 
 PanelCell cellAt(const Job& job, PanelField field, const Sizes& sizes) {
@@ -267,7 +299,7 @@ Texts readingTexts(const PanelSpace& space, PanelField field) {
     if (measuring && !instrument.calibrated) continue;
     for (const bool feet : {false, true}) {
       const PanelStyle style{
-          .wide = space.wideLayout, .iceOption = space.iceOption, .feet = feet, .measuring = measuring};
+          .wide = space.wideLayout || space.roomy, .iceOption = space.iceOption, .feet = feet, .measuring = measuring};
       for (const auto& reading : instrument.widestReadings) {
         for (const auto& [shown, text] : instrument.panelTexts(reading, style)) {
           if (shown == field || (instrument.valuesAlike && isValue(shown) && isValue(field))) addOnce(texts, text);

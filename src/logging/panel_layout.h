@@ -45,6 +45,8 @@ struct PanelSpace {
   bool gps = false;    // GPS input is on: its fields stand in place of the note
   double scale = 1.0;  // pixels a unit
   int width = 0;       // pixels
+  bool roomy = false;  // the window is larger than the layouts: values are large and have their units
+  int mostHeight = 0;  // pixels; smaller fonts keep the panel within it as far as they can be read. 0: any
 };
 
 // The widest text that a field can show in a session of this kind; empty where the kind never uses the field.

@@ -7,6 +7,7 @@
 
 #include "logging/file_guard.h"
 #include "logging/gps_watch.h"
+#include "logging/saving.h"
 #include "logging/session_link.h"
 #include "platform/power.h"
 
@@ -92,7 +93,8 @@ Session::Session(SessionSetup setupOfRun, Settings& settingsRecord, LinkState& l
       disk(diskOfRun),
       view(viewOfRun),
       saveSettings(std::move(save)),
-      readBattery([] { return batteryPercent(); }) {
+      readBattery([] { return batteryPercent(); }),
+      readBatteryHours([] { return batteryHours(); }) {
   link.recordLength = instrument.instrumentLength;
   link.recordPeriodMs = static_cast<float>(instrument.recordPeriodMs);
 }
@@ -165,6 +167,7 @@ void serviceSession(Session& session) {
     guardFile(session);
     showFileTrouble(session);
   }
+  watchSaving(session);
   endWaiting(session);
   lookForPorts(session);
   watchGps(session);

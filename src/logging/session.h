@@ -35,6 +35,7 @@ struct SessionSetup {
   bool portrait = true;
   bool smallScreen = false;
   bool wideLayout = true;  // the panel spans the width: long texts with units
+  bool units = false;      // values have their units in the other layout, too: the window is larger than it
 };
 
 inline constexpr int kNoFile = 0;
@@ -86,6 +87,7 @@ struct Session {
   // Whether the program is to end: what waits for an instrument looks at it.
   std::function<bool()> interrupted = [] { return false; };
   std::function<std::optional<int>()> readBattery;  // percent; the machine's own battery
+  std::function<std::optional<double>()> readBatteryHours;
   DataFile file;
   Mirror mirror;
   // Why the survey is not whole, or not where it should be: what was told already, for its end.
@@ -145,7 +147,8 @@ struct Session {
     bool allBlank = false;
     bool everGood = false;
     bool everFixed = false;
-    std::uint32_t lastGoodTick = 0;  // of a sentence with a right checksum
+    std::uint32_t goodTick = 0;      // of the last sentence with a right checksum
+    std::uint32_t lastGoodTick = 0;  // the same, later where a receiver that is back gets its time to speak
     std::uint32_t lastLineTick = 0;
     struct Noise {
       double room = 0;  // bytes that may be recorded now
@@ -158,6 +161,20 @@ struct Session {
     std::string fixTold;
     std::uint32_t fixToldTick = 0;
   } gps;
+  // What is known of the survey's safety, see saving.h.
+  struct Saving {
+    std::uint64_t readings = 0;  // in the file when no record waited, the last time that was looked
+    std::uint64_t bytes = 0;     // recorded, then
+    std::uint64_t written = 0;   // bytes of the file, then
+    std::uint32_t lookTick = 0;
+    std::uint32_t writeTick = 0;     // the file has grown
+    double loggedMs = 0;             // of the time of which the rate is taken
+    double loggedBytes = 0;          // recorded in it
+    std::uint32_t suppliesTick = 0;  // when room and battery were looked at
+    std::optional<std::uint64_t> freeBytes;
+    std::optional<int> batteryPercent;
+    std::optional<double> batteryHours;
+  } saving;
   std::uint32_t portsLookedForTick = 0;
   float periodOfRates = 0;    // the record period that the rates were taken for
   std::uint64_t sleptMs = 0;  // how long the machine has slept, when that was last looked at

@@ -60,8 +60,9 @@ void resetCounters(Session& session) {
   session.shortfalls.clear();
   session.remarks.clear();
   session.guard = {};
+  session.saving = {};
   session.gps = {};
-  session.gps.lastGoodTick = session.gps.lastLineTick = session.clock.tick();
+  session.gps.goodTick = session.gps.lastGoodTick = session.gps.lastLineTick = session.clock.tick();
   session.sleptMs = session.clock.sleptMs();
   session.chartPointCount = 0;
   clearTraces(session);

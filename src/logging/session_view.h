@@ -13,7 +13,8 @@
 // session be handled before it is answered.
 namespace kalmira {
 
-enum class Beep { hand, exclamation };
+// What has happened, for a sound of its own.
+enum class Beep { reading, calibration, alarm, linkLost };
 enum class Icon { none, information, question, exclamation, stop };
 
 struct Message {

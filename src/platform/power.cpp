@@ -4,6 +4,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <cmath>
 #include <cstdint>
 #include <cstdlib>
 #include <system_error>
@@ -25,6 +26,8 @@ std::optional<int> systemBatteryPercent(const fs::path& supply) {
   if (percent < 0 || percent > 100) return std::nullopt;
   return percent;
 }
+
+double numberOf(const fs::path& file) { return std::abs(parseReal(firstLineOf(file))); }
 
 // The bus library is loaded only when there is a bus to speak to: linked, it and what it brings along would cost every
 // start memory and time, also on machines that have no login service.
@@ -94,6 +97,23 @@ std::optional<int> batteryPercent(const fs::path& powerSupplies) {
   }
   if (count == 0) return std::nullopt;
   return (sum + count / 2) / count;
+}
+
+// Energy in microwatt hours by power in microwatts, or charge by current, whichever the driver counts in.
+std::optional<double> batteryHours(const fs::path& powerSupplies) {
+  double stored = 0;
+  double drawn = 0;
+  bool charged = false;
+  std::error_code error;
+  for (fs::directory_iterator it(powerSupplies, error), end; !error && it != end; it.increment(error)) {
+    if (!systemBatteryPercent(it->path())) continue;
+    const bool energy = fs::exists(it->path() / "energy_now", error);
+    stored += numberOf(it->path() / (energy ? "energy_now" : "charge_now"));
+    drawn += numberOf(it->path() / (energy ? "power_now" : "current_now"));
+    charged = charged || firstLineOf(it->path() / "status") == "Charging";
+  }
+  if (charged || stored <= 0 || drawn <= 0) return std::nullopt;
+  return stored / drawn;
 }
 
 bool IdleInhibitor::renew() {

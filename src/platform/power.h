@@ -15,6 +15,10 @@ namespace kalmira {
 // or none that tells. `powerSupplies` is the kernel's power-supply folder. From any thread.
 std::optional<int> batteryPercent(const std::filesystem::path& powerSupplies = "/sys/class/power_supply");
 
+// How long those batteries will last at what is drawn from them now; nothing while they are charged, or when they do
+// not tell. From any thread.
+std::optional<double> batteryHours(const std::filesystem::path& powerSupplies = "/sys/class/power_supply");
+
 // Asks the system's login service not to put the machine to sleep, by itself or when its lid is closed. Where there is
 // no such service nothing happens, and that is no error. One thread at a time.
 class IdleInhibitor {

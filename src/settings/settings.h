@@ -30,7 +30,7 @@ struct Settings {
   int audio = 1;                // 0 "No", 1 "Yes": a beep with the readings
   int pauseKey = 0;             // 0 to 3
   std::array<int, kTraces> traceShown{1, 1, 1, 1, 1, 1, 1, 1};
-  std::array<int, kTraces> traceWidth{1, 1, 1, 1, 1, 1, 1, 1};  // pixels, 1 to 4
+  std::array<int, kTraces> traceWidth{2, 2, 2, 2, 2, 2, 2, 2};  // pixels, 1 to 4
   // 0x00BBGGRR; dark and bright enough apart for colour-blind eyes on white, in sunlight.
   std::array<int, kTraces> traceColour{0x00B27200, 0x00005ED5, 0x00739E00, 0x00A779CC,
                                        0x00000000, 0x00E9B456, 0x00009FE6, 0x00666666};

@@ -1,3 +1,4 @@
+#include <fmt/format.h>
 #include <gmock/gmock.h>
 
 #include <limits>
@@ -6,6 +7,7 @@
 #include "chart/chart_picture.h"
 #include "chart/profile_chart.h"
 #include "chart/profile_redraw.h"
+#include "chart/scale_fit.h"
 #include "datafile/record_format.h"
 #include "instruments/profile_map.h"
 #include "logging/calibration.h"
@@ -157,6 +159,56 @@ TEST(DrawProfilePoint, AStationScrollsOnceAndItsReadingsShareAColumn) {
   settings.traceShown[0] = settings.profileGrid = 0;
   DrawProfilePoint(canvas, profileSetupOf(Kind::orla, false, settings, true, 1, 240, 200), traces, reading(5, true));
   EXPECT_THAT(canvas.take(), ElementsAre("scroll 200", "erase 199 201")) << "neither trace nor grid";
+}
+
+// Ends of a scale for values from `least` to `largest`.
+TEST(FittedScale, IsRoundHoldsEverythingAndTouchesNothing) {
+  for (const auto& [least, largest, step, minimum, maximum] : {std::tuple{12.0F, 48.0F, 1.0, 10.0F, 50.0F},
+                                                               {0.2F, 48.0F, 1.0, 0.0F, 50.0F},
+                                                               {0.0F, 48.0F, 1.0, -10.0F, 50.0F},
+                                                               {7.0F, 7.0F, 1.0, 6.0F, 8.0F},
+                                                               {-0.3F, 0.4F, 1.0, -1.0F, 1.0F},
+                                                               {-40.0F, -3.0F, 1.0, -50.0F, 0.0F},
+                                                               {2.31F, 2.52F, 0.1, 2.3F, 2.6F},
+                                                               {50.0F, 50.0F, 1.0, 49.0F, 51.0F},
+                                                               {-8000.0F, 8500.0F, 1.0, -10000.0F, 10000.0F}}) {
+    const auto ends = fittedEnds({.least = least, .largest = largest, .any = true}, step);
+    EXPECT_FLOAT_EQ(ends.minimum, minimum) << least << ' ' << largest;
+    EXPECT_FLOAT_EQ(ends.maximum, maximum) << least << ' ' << largest;
+  }
+}
+
+// A scale of 0 to 10 on 100 pixels: what leaves it is known by column until it has left the chart as well.
+TEST(ShownColumns, TellArrowsAndFittedScales) {
+  Settings settings;
+  const auto setup = profileSetupOf(Kind::orla, false, settings, true, 1, 240, 100);
+  std::array<int, kProfilePoints> started{};
+  TraceState traces{.traceStarted = started};
+  ListingCanvas canvas;
+  EXPECT_FALSE(fittedScales(Kind::orla, settings, traces.shown));
+  DrawProfilePoint(canvas, setup, traces, reading(70, false));
+  auto both = reading(-30, true);
+  both.channels.value[2] = 3;
+  both.channels.present[2] = 1;
+  DrawProfilePoint(canvas, setup, traces, both);
+  DrawProfilePoint(canvas, setup, traces, reading(20, false));
+  for (int i = 0; i < 3; ++i) DrawProfilePoint(canvas, setup, traces, reading(i == 2 ? 0 : kNoNumber, true));
+  std::string arrows;
+  for (const auto& arrow : edgeArrows(traces.shown, 3)) {
+    arrows += fmt::format("{}{}{}.{} ", arrow.trace, arrow.above ? '^' : 'v', arrow.columns, arrow.rank);
+  }
+  EXPECT_EQ(arrows, "0^3.0 0v3.0 ");
+  canvas.take();
+  drawEdgeArrow(canvas, setup, {.trace = 0, .above = false}, 50, 2);
+  EXPECT_THAT(canvas.take(), ElementsAre("line 50 99 50 99 1", "line 49 98 51 98 1"));
+  const auto fitted = fittedScales(Kind::orla, settings, traces.shown);
+  ASSERT_TRUE(fitted);
+  EXPECT_EQ(std::pair(fitted->conductivityMinimum, fitted->conductivityMaximum), std::pair(-40.0F, 80.0F));
+  EXPECT_EQ(std::pair(fitted->inphaseMinimum, fitted->inphaseMaximum), std::pair(2.0F, 4.0F));
+  EXPECT_EQ(fitted->iceMinimum, settings.iceMinimum);
+  EXPECT_TRUE(anyOffScale(traces.shown));
+  for (int i = 0; i < 100; ++i) DrawProfilePoint(canvas, setup, traces, reading(5, true));
+  EXPECT_FALSE(anyOffScale(traces.shown)) << "out of sight";
 }
 
 std::vector<std::string> rowsOf(const ChartPicture& picture) {

@@ -105,6 +105,7 @@ class FakeDiskFile final : public DiskFile {
 
 struct FakeDisk final : Disk {
   FakeDiskState state;
+  std::optional<std::uint64_t> freeBytesLeft;  // what it says
 
   OpenOutcome createNew(const std::filesystem::path& path) override {
     const std::lock_guard lock(state.mutex);
@@ -127,6 +128,8 @@ struct FakeDisk final : Disk {
     const auto found = state.files.find(path);
     return found == state.files.end() ? std::nullopt : std::optional(FakeDiskFile::statusOf(*found->second));
   }
+
+  std::optional<std::uint64_t> freeBytes(const std::filesystem::path&) override { return freeBytesLeft; }
 
   // Somebody else's doings.
   void put(const std::filesystem::path& path, std::string content) {

@@ -287,6 +287,7 @@ StationPoint stationPoint(std::size_t slot, float value) {
 TEST(StationPlot, joinsStationsButNotOverBreaks) {
   Settings settings;
   for (std::size_t i = 0; i < kTraces; ++i) settings.traceColour[i] = static_cast<int>(i);
+  settings.traceWidth.fill(1);
   settings.traceWidth[2] = 3;
   const ViewedFile viewed(kOrla);
   // 10 pixels a mS/m, 5 a ppt.

@@ -29,6 +29,12 @@ struct Theme {
   std::uint32_t standByText = 0x000000;
   std::uint32_t logging = 0x00702A;
   std::uint32_t loggingText = 0xFFFFFF;
+  // What is old: the band when no data come, with stripes across it, which no state has.
+  std::uint32_t stale = 0xFF6A00;
+  std::uint32_t staleText = 0x000000;  // and the stripes
+  std::uint32_t oldText = 0x949494;    // values that are no longer true
+  std::uint32_t calibration = 0x0A3FA8;
+  std::uint32_t calibrationText = 0xFFFFFF;
   std::uint32_t warning = 0xB00020;  // the message line
   std::uint32_t warningText = 0xFFFFFF;
   std::uint32_t chart = 0xFFFFFF;

@@ -7,6 +7,7 @@
 
 #include "chart/chart_picture.h"
 #include "chart/profile_chart.h"
+#include "chart/scale_fit.h"
 #include "logging/session.h"
 #include "ui/screen/theme.h"
 
@@ -19,8 +20,8 @@ std::string limitText(Kind kind, float limit);
 
 // CurveWnd: the profile on the screen. It is drawn on a picture that scrolls, so that a reading costs one column and
 // not the chart; the limits of the scale are laid over it. The picture has one pixel for each of the widget's own
-// coordinates: on a screen with smaller dots the lines keep the widths that were chosen. The session must outlive it or
-// be taken away.
+// coordinates: on a screen with smaller dots the lines keep the widths that were chosen. Arrows tell where values left
+// it, a legend what its traces are, and an empty one says why. The session must outlive it or be taken away.
 class CurveWnd final : public QWidget {
  public:
   CurveWnd(const Theme& theme, QWidget* parent);
@@ -36,6 +37,12 @@ class CurveWnd final : public QWidget {
   void redraw();      // from the data file, with the settings and the size as they are now
   void clearChart();  // axes alone
 
+  bool offScale() const { return traces_ != nullptr && anyOffScale(traces_->shown); }
+  // The session's settings with scales that hold what is shown; nothing when nothing is.
+  std::optional<Settings> fitted() const;
+  // What an empty chart says; empty while there is something to be seen.
+  std::string note() const;
+
   // The picture as it stands, without labels.
   QImage picture() const;
 
@@ -46,6 +53,9 @@ class CurveWnd final : public QWidget {
  private:
   void rebuild();
   void drawLabels(QPainter& painter) const;
+  void drawLegend(QPainter& painter, const QRect& room) const;
+  void drawArrows(QPainter& painter) const;
+  QRect labelRoom() const;
 
   const Theme* theme_;
   Session* session_ = nullptr;
@@ -54,6 +64,8 @@ class CurveWnd final : public QWidget {
   ProfileSetup setup_;
   std::unique_ptr<ChartPicture> picture_;
   std::unique_ptr<TraceState> traces_;
+  std::bitset<kProfilePoints> seen_;  // the traces that the legend names
+  std::string note_;
 };
 
 }  // namespace kalmira

@@ -5,8 +5,13 @@
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPushButton>
+#include <charconv>
+#include <cmath>
 #include <vector>
 
+#include "platform/text.h"
+#include "ui/screen/message_dialog.h"
 #include "ui/screen/template_dialog.h"
 #include "ui/screen/theme.h"
 
@@ -95,6 +100,21 @@ std::vector<ScaleRow> rowsOf(const QDialog& dialog, const ScaleFields& fields) {
   return rows;
 }
 
+// As numbers are read: blanks, then a number, whatever follows it.
+bool beginsWithNumber(const QLineEdit& field) {
+  const auto typed = typedText(field);
+  auto text = trimmed(typed);
+  if (text.starts_with('+')) text.remove_prefix(1);
+  double value = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+  return error == std::errc() && std::isfinite(value);
+}
+
+Message noStationQuestion(std::string_view typed) {
+  const std::string why = typed.empty() ? "The field is empty." : fmt::format("\"{}\" is no number.", typed);
+  return {.title = "No Number", .text = why + "\r\nSet the station to 0?", .icon = Icon::question};
+}
+
 // Fields whose name begins with `prefix` and their labels: what a template has for other kinds.
 void hideParts(const QDialog& dialog, const QString& prefix) {
   for (auto* widget : dialog.findChildren<QWidget*>()) {
@@ -123,8 +143,19 @@ std::optional<double> runNewStationDialog(QWidget* parent, std::string_view temp
   };
   show("startStation", settings.startStation);
   show("lastStation", station);
+  auto& field = part<QLineEdit>(*dialog, "newStation");
+  // Asked while the dialog stands, so that whatever closes it from outside closes it for good.
+  auto& ok = part<QPushButton>(*dialog, "ok");
+  ok.disconnect(dialog.get());
+  QObject::connect(&ok, &QPushButton::clicked, dialog.get(), [&] {
+    if (beginsWithNumber(field) || askMessage(dialog.get(), noStationQuestion(typedText(field)), EnterMeans::no)) {
+      return dialog->accept();
+    }
+    field.setFocus();
+    field.selectAll();
+  });
   if (!runDialog(*dialog)) return std::nullopt;
-  return numberIn(part<QLineEdit>(*dialog, "newStation"));
+  return numberIn(field);
 }
 
 CommentOutcome runCommentDialog(QWidget* parent) {
@@ -144,7 +175,7 @@ CommentOutcome runCommentDialog(QWidget* parent) {
 }
 
 std::optional<Settings> runProfileScaleDialog(QWidget* parent, std::string_view templateName, Kind kind, bool iceOption,
-                                              const Settings& settings) {
+                                              const Settings& settings, const std::optional<Settings>& fitted) {
   const auto dialog = makeDialog(templateName, parent);
   if (dialog == nullptr) return std::nullopt;
   const ScaleFields fields = scaleFieldsOf(kind, iceOption);
@@ -153,6 +184,10 @@ std::optional<Settings> runProfileScaleDialog(QWidget* parent, std::string_view 
   if (!fields.ice) hideParts(*dialog, "ice");
   const auto rows = rowsOf(*dialog, fields);
   for (const auto& row : rows) showRow(*dialog, row, settings);
+  if (!fitted) hideParts(*dialog, "fit");
+  QObject::connect(&part<QPushButton>(*dialog, "fit"), &QPushButton::clicked, dialog.get(), [&] {
+    for (const auto& row : rows) showRow(*dialog, row, *fitted);
+  });
   if (!runDialog(*dialog)) return std::nullopt;
   Settings changed = settings;
   for (const auto& row : rows) readRow(*dialog, row, changed);

@@ -16,7 +16,7 @@ namespace kalmira {
 // "New Line". `station` is the current one.
 std::optional<LineEntry> runNewLineDialog(QWidget* parent, const Settings& settings, double station);
 
-// "New Station"; `templateName` is GetNewStation or GetNewStationwm6. What is no number gives 0.
+// "New Station"; `templateName` is GetNewStation or GetNewStationwm6. What is no number gives 0, after a question.
 std::optional<double> runNewStationDialog(QWidget* parent, std::string_view templateName, const Settings& settings,
                                           double station);
 
@@ -28,8 +28,10 @@ struct CommentOutcome {
 };
 CommentOutcome runCommentDialog(QWidget* parent);
 
-// "Enter Scale": the scales of the settings, changed within their limits.
+// "Enter Scale": the scales of the settings, changed within their limits. Its button "Fit" fills in those of `fitted`;
+// without them there is no such button.
 std::optional<Settings> runProfileScaleDialog(QWidget* parent, std::string_view templateName, Kind kind, bool iceOption,
-                                              const Settings& settings);
+                                              const Settings& settings,
+                                              const std::optional<Settings>& fitted = std::nullopt);
 
 }  // namespace kalmira

@@ -4,6 +4,7 @@
 #include <QDialog>
 #include <QKeyEvent>
 #include <algorithm>
+#include <array>
 #include <utility>
 
 #include "logging/handlers.h"
@@ -21,6 +22,38 @@ namespace {
 constexpr int kButtonUnits = 28;
 constexpr int kTextPercent = 45;  // of a button's height, for one line
 constexpr double kSmallScale = 1.5;
+// Signs are looked at more often than this, unless something held the window up; then so much later.
+constexpr std::uint32_t kHeldUpMs = 1500;
+constexpr int kMomentMs = 100;
+constexpr std::uint32_t kAlarmAgainMs = 60000;
+constexpr int kFlashMs = 120;
+constexpr std::uint32_t kFlashAgainMs = 400;
+// A window larger than the layouts: by this part in one direction, or of so many pixels a unit.
+constexpr double kLargerBy = 1.05;
+constexpr double kLargeScale = 3.0;
+// Of such a window the chart has half, the row of buttons no more than this.
+constexpr int kChartShare = 2;
+constexpr int kButtonShare = 12;
+constexpr double kFitUnits = 18;
+constexpr double kSavingUnits = 12;
+constexpr int kLowestSaving = 12;  // pixels
+
+// Told apart by their pitch, what is wrong low and several times.
+Tone toneOf(Beep sound) {
+  switch (sound) {
+    case Beep::reading: return {.hertz = 1047, .milliseconds = 60};
+    case Beep::calibration: return {.hertz = 1568, .milliseconds = 120};
+    case Beep::alarm: return {.hertz = 523, .milliseconds = 160, .times = 4};
+    case Beep::linkLost: return {.hertz = 262, .milliseconds = 300, .times = 2};
+  }
+  return {};
+}
+
+bool isRoomy(QSize window, bool portrait, double scale) {
+  if (scale < kSmallScale) return false;
+  const QSizeF layout = QSizeF(portrait ? QSize(240, 320) : QSize(320, 240)) * scale * kLargerBy;
+  return scale >= kLargeScale || window.width() > layout.width() || window.height() > layout.height();
+}
 
 // Messages and questions stand on top of whatever is open.
 QWidget* topmost(QWidget* window) {
@@ -32,7 +65,7 @@ QWidget* topmost(QWidget* window) {
 
 void LoggingWnd::View::show(PanelField field, std::string_view text) { window_.parts_->panel->showText(field, text); }
 
-void LoggingWnd::View::beep(Beep) { QApplication::beep(); }
+void LoggingWnd::View::beep(Beep sound) { window_.parts_->tones.play(toneOf(sound)); }
 
 bool LoggingWnd::View::ask(Question question, const Message& message) {
   if (window_.parts_->ending) return question != Question::linkLost;
@@ -50,13 +83,24 @@ void LoggingWnd::View::tell(const Message& message) {
   window_.setFocus();
 }
 
-void LoggingWnd::View::addProfilePoint(const ProfilePoint& point) { window_.parts_->chart->addPoint(point); }
+void LoggingWnd::View::addProfilePoint(const ProfilePoint& point) {
+  window_.parts_->chart->addPoint(point);
+  window_.offerFit();
+}
 
-void LoggingWnd::View::redrawProfile() { window_.parts_->chart->redraw(); }
+void LoggingWnd::View::redrawProfile() { window_.redrawChart(); }
 
-void LoggingWnd::View::clearProfile() { window_.parts_->chart->clearChart(); }
+void LoggingWnd::View::clearProfile() {
+  window_.parts_->chart->clearChart();
+  window_.offerFit();
+}
 
-void LoggingWnd::View::loggingStateChanged() { window_.showButtons(); }
+void LoggingWnd::View::loggingStateChanged() {
+  window_.showButtons();
+  auto& session = *window_.session();
+  watchSaving(session);
+  window_.parts_->saving->setSigns(savingSignsOf(session));
+}
 
 // Whatever stands open above the window goes as if it had been cancelled, the topmost first.
 void LoggingWnd::View::closeDialogs() {
@@ -74,7 +118,7 @@ void LoggingWnd::View::loggingLeft() {
   window_.uncover();
 }
 
-LoggingWnd::Parts::Parts(LoggingWnd& window, const Theme& theme)
+LoggingWnd::Parts::Parts(LoggingWnd& window, const Theme& theme, SoundFactory sound)
     : view(window),
       handOver([this, &window] {
         QMetaObject::invokeMethod(
@@ -82,18 +126,32 @@ LoggingWnd::Parts::Parts(LoggingWnd& window, const Theme& theme)
       }),
       panel(new PanelView(theme, &window)),
       chart(new CurveWnd(theme, &window)),
-      buttons(&window, theme, [&window](int index) {
-        if (window.sessionActive()) window.runCode(codeOfButton(*window.session(), index));
+      saving(new SavingLine(theme, &window)),
+      fit(new TouchButton(QStringLiteral("&Fit"), theme, &window)),
+      buttons(&window, theme,
+              [&window](int index) {
+                if (window.sessionActive()) window.runCode(codeOfButton(*window.session(), index));
+              }),
+      tones(std::move(sound), [&window] {
+        QMetaObject::invokeMethod(
+            &window, [&window] { window.flash(); }, Qt::QueuedConnection);
       }) {
   panel->setObjectName("panel");
   chart->setObjectName("chart");
+  saving->setObjectName("saving");
+  fit->setObjectName("fit");
+  fit->setAccessibleName(QStringLiteral("Fit the scale to what the chart shows"));
+  fit->hide();
+  flashTimer.setSingleShot(true);
   serviceTimer.setSingleShot(true);
 }
 
 LoggingWnd::LoggingWnd(LoggingHost host, const Theme& theme, QWidget* parent)
     : CoverWindow("LoggingWnd", host.onLeft, parent),
       host_(std::move(host)),
-      parts_(std::make_unique<Parts>(*this, theme)) {
+      parts_(std::make_unique<Parts>(*this, theme, host_.sound)) {
+  connect(&parts_->flashTimer, &QTimer::timeout, this, [this] { parts_->panel->setFlash(false); });
+  connect(parts_->fit, &QPushButton::clicked, this, [this] { runCode(kFit); });
   connect(&parts_->serviceTimer, &QTimer::timeout, this, [this] { service(); });
 }
 
@@ -114,12 +172,15 @@ StartOutcome LoggingWnd::startLogging() {
   parts_->run = std::make_unique<LoggingRun>(host_, parts_->view, parts_->handOver, [this] {
     const Depth handling(parts_->readingDepth);
     OnReading(parts_->run->session);
+    if (!parts_->panel->signs().instrument.empty()) showSigns();
   });
   auto& session = parts_->run->session;
   arrange();
   const auto outcome = startSession(session);
   if (outcome != StartOutcome::started || !session.sessionActive) return outcome;
   parts_->chart->setSession(&session);
+  parts_->signsTick = session.clock.tick();
+  parts_->saving->setSigns(savingSignsOf(session));
   showButtons();
   cover();
   parts_->serviceTimer.start(0);
@@ -131,17 +192,72 @@ void LoggingWnd::service() {
   auto& session = parts_->run->session;
   const Depth busy(parts_->commandDepth);
   // Before anything is asked: the watch goes on behind an open question.
-  parts_->serviceTimer.start(static_cast<int>(msUntilService(session)));
+  parts_->serviceTimer.start(static_cast<int>(std::min(msUntilService(session), msUntilOtherSigns(session))));
   // An instrument whose reading waits behind a calibration's question is not silent.
   const bool heldUp = parts_->readingDepth > 0 && parts_->askingDepth > 0;
   const bool watched = session.timer.running;
   if (heldUp) session.timer.running = false;
   serviceSession(session);
   if (heldUp) session.timer.running = watched;
+  if (!heldUp) showSigns();
   if (!sessionActive() || !host_.takeSettingsProblem) return;
   if (const auto problem = host_.takeSettingsProblem(); !problem.empty()) {
     parts_->view.tell({.title = "WARNING", .text = problem, .icon = Icon::exclamation});
   }
+}
+
+// A window that was held up itself has kept records waiting: they are handled first.
+void LoggingWnd::showSigns() {
+  if (!sessionActive()) return;
+  const auto& session = parts_->run->session;
+  const auto now = session.clock.tick();
+  const bool heldUp = ticksSince(now, std::exchange(parts_->signsTick, now)) > kHeldUpMs;
+  if (heldUp) return parts_->serviceTimer.start(kMomentMs);
+  const auto signs = linkSignsOf(session);
+  const auto& before = parts_->panel->signs();
+  const bool lost =
+      (!signs.instrument.empty() && before.instrument.empty()) || (!signs.gps.empty() && before.gps.empty());
+  if (lost) parts_->view.beep(Beep::linkLost);
+  parts_->panel->setSigns(signs);
+  parts_->panel->setCalibration(calibrationSignOf(session));
+  parts_->saving->setSigns(savingSignsOf(session));
+  alarmAboutSaving(now);
+}
+
+// When it begins, and again every minute as long as it lasts.
+void LoggingWnd::alarmAboutSaving(std::uint32_t now) {
+  const bool alarm = parts_->saving->signs().worst() == Urgency::alarm;
+  const bool before = std::exchange(parts_->alarmed, alarm);
+  if (!alarm || (before && ticksSince(now, parts_->alarmTick) < kAlarmAgainMs)) return;
+  parts_->alarmTick = now;
+  parts_->view.beep(Beep::alarm);
+}
+
+// In place of a sound. Not often enough to do anybody harm.
+void LoggingWnd::flash() {
+  if (parts_->flashTimer.isActive() || !sessionActive()) return;
+  const auto now = parts_->run->session.clock.tick();
+  if (ticksSince(now, parts_->flashTick) < kFlashAgainMs) return;
+  parts_->flashTick = now;
+  parts_->panel->setFlash(true);
+  parts_->flashTimer.start(kFlashMs);
+}
+
+void LoggingWnd::offerFit() { parts_->fit->setVisible(sessionActive() && parts_->chart->offScale()); }
+
+void LoggingWnd::redrawChart() {
+  parts_->chart->redraw();
+  offerFit();
+}
+
+// The chart's scale becomes that of what it shows, as if it had been entered.
+void LoggingWnd::fitScale() {
+  const auto fitted = parts_->chart->fitted();
+  if (!fitted) return;
+  auto& session = *this->session();
+  const int pointCount = session.chartPointCount;
+  takeEnteredScale(*fitted);
+  session.chartPointCount = pointCount;  // readings may be coming: they go on where they are
 }
 
 void LoggingWnd::arrange() {
@@ -150,20 +266,34 @@ void LoggingWnd::arrange() {
   auto& setup = host_.setup;
   setup.portrait = setup.wideLayout = portrait;
   setup.smallScreen = scale < kSmallScale;
-  if (auto* running = session()) running->setup = setup;
   setTextScale(*this, scale);
-  const int panelHeight = parts_->panel->arrange({.kind = setup.kind,
-                                                  .iceOption = setup.iceChosen && host_.settings.iceDisplay == 1,
-                                                  .wideLayout = portrait,
-                                                  .gps = host_.settings.gpsInput == 1,
-                                                  .scale = scale,
-                                                  .width = width()});
-  const int buttonHeight = std::max(touchHeight(screen()), static_cast<int>(kButtonUnits * scale));
-  const int chartHeight = std::max(1, height() - panelHeight - buttonHeight);
+  const bool roomy = isRoomy(size(), portrait, scale);
+  setup.units = roomy;
+  if (auto* running = session()) running->setup = setup;
+  int buttonHeight = std::max(touchHeight(screen()), static_cast<int>(kButtonUnits * scale));
+  if (roomy) buttonHeight = std::min(buttonHeight, std::max(touchHeight(screen()), height() / kButtonShare));
+  const int savingHeight = std::max(kLowestSaving, static_cast<int>(kSavingUnits * (roomy ? 0.8 : 1.0) * scale));
+  const int panelHeight =
+      parts_->panel->arrange({.kind = setup.kind,
+                              .iceOption = setup.iceChosen && host_.settings.iceDisplay == 1,
+                              .wideLayout = portrait,
+                              .gps = host_.settings.gpsInput == 1,
+                              .scale = scale,
+                              .width = width(),
+                              .roomy = roomy,
+                              .mostHeight = roomy ? height() / kChartShare - buttonHeight - savingHeight : 0});
+  const int chartHeight = std::max(1, height() - panelHeight - savingHeight - buttonHeight);
   parts_->panel->setGeometry(0, 0, width(), panelHeight);
   parts_->chart->setLayoutOf(portrait, scale);
   parts_->chart->setGeometry(0, panelHeight, width(), chartHeight);
+  parts_->saving->setSmall(setup.smallScreen);
+  parts_->saving->setGeometry(0, panelHeight + chartHeight, width(), savingHeight);
+  const int finger = std::max(touchHeight(screen()), static_cast<int>(kFitUnits * scale));
+  parts_->fit->setGeometry(0, panelHeight, std::min(finger * 3 / 2, width()), std::min(finger, chartHeight));
+  fitTogether(std::array{parts_->fit}, finger * kTextPercent / 100);
+  parts_->fit->raise();
   parts_->buttonRow = {0, height() - buttonHeight, width(), buttonHeight};
+  offerFit();
   placeButtons();
 }
 
@@ -184,6 +314,8 @@ void LoggingWnd::resizeEvent(QResizeEvent*) {
 void LoggingWnd::setTheme(const Theme& theme) {
   parts_->panel->setTheme(theme);
   parts_->chart->setTheme(theme);
+  parts_->saving->setTheme(theme);
+  parts_->fit->setTheme(theme);
   parts_->buttons.setTheme(theme);
 }
 

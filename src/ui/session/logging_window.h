@@ -10,6 +10,7 @@
 #include "logging/serial_session_ports.h"
 #include "logging/session.h"
 #include "logging/session_link.h"
+#include "platform/tone.h"
 #include "ui/screen/cover_window.h"
 #include "ui/screen/theme.h"
 
@@ -31,6 +32,7 @@ struct LoggingHost {
   std::function<bool()> interrupted = [] { return false; };  // the program is to end: nothing is waited for
   std::function<void()> onLeft;                              // the session is over; the main menu is to be shown
   std::function<void()> endProgram;                          // the operator was told why
+  SoundFactory sound = {};                                   // none: what would sound is flashed
   // "Display Options" of the menu: the settings as changed, nothing when cancelled. Greyed while there is none.
   std::function<std::optional<Settings>(QWidget* parent, const Settings& settings)> displayOptions;
 };
@@ -81,6 +83,13 @@ class LoggingWnd final : public CoverWindow {
   void showButtons();
   void placeButtons();
   void service();
+  void showSigns();
+  void alarmAboutSaving(std::uint32_t now);
+  void flash();
+  void offerFit();
+  void redrawChart();
+  void fitScale();
+  void takeEnteredScale(const Settings& entered);
 
   LoggingHost host_;
   std::unique_ptr<Parts> parts_;

@@ -70,12 +70,13 @@ void LoggingWnd::runCommand(Command command) {
     case Command::repaint: return redrawAfterDialog();
     case Command::calibrate: startCalibration(session); return;
     case Command::deleteCalibration: deleteCalibration(session); return;
+    case Command::fit: return fitScale();
     case Command::leave: LeaveLogging(session, false); return;
   }
 }
 
 void LoggingWnd::redrawAfterDialog() {
-  if (sessionActive()) parts_->chart->redraw();
+  if (sessionActive()) redrawChart();
 }
 
 void LoggingWnd::createFile() {
@@ -97,7 +98,7 @@ void LoggingWnd::enterLine() {
   const auto entry = runNewLineDialog(this, session.settings, session.station);
   if (!session.sessionActive) return;
   if (entry) return newLine(session, *entry);
-  parts_->chart->redraw();
+  redrawChart();
 }
 
 void LoggingWnd::enterStation() {
@@ -106,7 +107,7 @@ void LoggingWnd::enterStation() {
   const auto station = runNewStationDialog(this, name, session.settings, session.station);
   if (!session.sessionActive) return;
   if (station) return newStation(session, *station);
-  parts_->chart->redraw();
+  redrawChart();
 }
 
 void LoggingWnd::enterComment() {
@@ -123,14 +124,20 @@ void LoggingWnd::enterComment() {
 void LoggingWnd::enterScale() {
   auto& session = *this->session();
   const auto name = profileScaleTemplate(session.instrument.kind, session.iceOption, lyingHandheld(session));
-  const auto changed = runProfileScaleDialog(this, name, session.instrument.kind, session.iceOption, session.settings);
+  const auto changed = runProfileScaleDialog(this, name, session.instrument.kind, session.iceOption, session.settings,
+                                             parts_->chart->fitted());
   if (!session.sessionActive) return;
+  if (changed) return takeEnteredScale(*changed);
   session.chartPointCount = 0;
-  if (changed) {
-    takeScales(*changed, session.settings);
-    clearTraces(session);
-    saveSettingsOrTell(session);
-  }
+  redrawAfterDialog();
+}
+
+void LoggingWnd::takeEnteredScale(const Settings& entered) {
+  auto& session = *this->session();
+  session.chartPointCount = 0;
+  takeScales(entered, session.settings);
+  clearTraces(session);
+  saveSettingsOrTell(session);
   redrawAfterDialog();
 }
 

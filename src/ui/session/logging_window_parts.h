@@ -8,10 +8,13 @@
 #include "logging/handlers.h"
 #include "logging/keys.h"
 #include "platform/hand_over.h"
+#include "platform/tone.h"
 #include "ui/screen/action_bar.h"
+#include "ui/screen/touch_button.h"
 #include "ui/session/curve_window.h"
 #include "ui/session/logging_window.h"
 #include "ui/session/panel_view.h"
+#include "ui/session/saving_line.h"
 
 // What LoggingWnd is made of. Private to its two source files.
 namespace kalmira {
@@ -66,17 +69,25 @@ struct LoggingRun {
 };
 
 struct LoggingWnd::Parts {
-  Parts(LoggingWnd& window, const Theme& theme);
+  Parts(LoggingWnd& window, const Theme& theme, SoundFactory sound);
 
   View view;
   HandOver handOver;
   PanelView* panel;
   CurveWnd* chart;
+  SavingLine* saving;
+  TouchButton* fit;  // over the chart, while something is off its scale
   ActionBar buttons;
   QRect buttonRow;
+  TonePlayer tones;
+  QTimer flashTimer;            // the flash for a sound that nobody could hear ends
+  std::uint32_t alarmTick = 0;  // of the last alarm about saving
+  bool alarmed = false;
   QTimer serviceTimer;
   std::unique_ptr<LoggingRun> run;
   Focus focus;
+  std::uint32_t signsTick = 0;  // when the signs were looked at last
+  std::uint32_t flashTick = 0;
   int commandDepth = 0;  // a command is being carried out: its dialog or question may be open
   int readingDepth = 0;  // a reading is being handled, which a calibration's question may hold up
   bool ending = false;   // nobody is there to read

@@ -8,6 +8,8 @@
 #include <memory>
 #include <utility>
 
+#include "ui/screen/touch_button.h"
+
 namespace kalmira {
 namespace {
 
@@ -17,10 +19,10 @@ QRect rectOf(const PanelCell& cell) { return {cell.left, cell.top, cell.width, c
 
 std::string_view withoutTrailingBlanks(std::string_view text) { return text.substr(0, text.find_last_not_of(' ') + 1); }
 
-struct StateColours {
-  QColor band;
-  QColor text;
-};
+bool isValue(PanelField field) { return field >= PanelField::value1 && field <= PanelField::marker; }
+bool isGpsText(PanelField field) { return field >= PanelField::gpsActivity && field <= PanelField::pdop; }
+
+using StateColours = PanelView::StateColours;
 
 StateColours coloursOfState(const Theme& theme, int loggingState) {
   if (loggingState == 0) return {QColor(theme.monitor), QColor(theme.monitorText)};
@@ -50,6 +52,15 @@ double baselineIn(const QRectF& room, const QFontMetricsF& metrics) {
 }
 
 }  // namespace
+
+PanelView::StateColours PanelView::bandColours() const {
+  auto colours = coloursOfState(*theme_, logging_state_);
+  if (calibration_.stage != CalibrationSign::Stage::none) {
+    colours = {QColor(theme_->calibration), QColor(theme_->calibrationText)};
+  }
+  if (flash_) std::swap(colours.band, colours.text);
+  return colours;
+}
 
 QFont fontOfPanel(const QFont& base, PanelFont font, double pixelSize) {
   QFont made = base;
@@ -93,7 +104,11 @@ void PanelView::showText(PanelField field, std::string_view text) {
   if (held == text) return;
   held = text;
   const auto* cell = cellOf(field);
-  if (cell != nullptr) update(rectOf(*cell));
+  if (cell == nullptr) return;
+  // In a row that says what is old, one text makes room for another.
+  const bool band = !signs_.instrument.empty() && cell->top < layout_.stateBandHeight;
+  const bool gps = !signs_.gps.empty() && isGpsText(field);
+  update(band || gps ? QRect(0, cell->top, width(), cell->height) : rectOf(*cell));
 }
 
 void PanelView::setLoggingState(int loggingState) {
@@ -102,8 +117,32 @@ void PanelView::setLoggingState(int loggingState) {
   update(0, 0, width(), layout_.stateBandHeight);
 }
 
+void PanelView::setSigns(const LinkSigns& signs) {
+  if (signs_ == signs) return;
+  const bool valuesChange = signs_.instrument.empty() != signs.instrument.empty();
+  if (signs_.instrument != signs.instrument) update(0, 0, width(), layout_.stateBandHeight);
+  signs_ = signs;
+  for (const auto& cell : layout_.cells) {
+    if (isGpsText(cell.field)) update(0, cell.top, width(), cell.height);
+    if (valuesChange && isValue(cell.field)) update(rectOf(cell));
+  }
+}
+
+void PanelView::setCalibration(const CalibrationSign& sign) {
+  if (calibration_ == sign) return;
+  calibration_ = sign;
+  update();
+}
+
+void PanelView::setFlash(bool flash) {
+  flash_ = flash;
+  update(0, 0, width(), layout_.stateBandHeight);
+}
+
 void PanelView::clearTexts() {
   texts_.fill({});
+  signs_ = {};
+  calibration_ = {};
   update();
 }
 
@@ -125,13 +164,141 @@ PanelView::Shown PanelView::shownIn(const PanelCell& cell) const {
 }
 
 void PanelView::paintBand(QPainter& painter) const {
-  const auto colours = coloursOfState(*theme_, logging_state_);
+  const auto colours = bandColours();
   painter.fillRect(0, 0, width(), layout_.stateBandHeight, colours.band);
   const auto* state = cellOf(PanelField::state);
   if (state == nullptr) return;
   const double side = 0.6 * layout_.stateSize;
   const QRectF room((state->left - side) / 2, (state->height - side) / 2, side, side);
   paintStateShape(painter, room, logging_state_, colours.text);
+}
+
+bool PanelView::isOld(PanelField field) const {
+  return (isValue(field) && !signs_.instrument.empty()) || (isGpsText(field) && !signs_.gps.empty());
+}
+
+// A text on a ground of its own, drawn narrower where it has no room.
+void PanelView::paintPlate(QPainter& painter, const QRectF& room, const QString& text, const QFont& font) const {
+  const double margin = layout_.textSize / 4;
+  const QFontMetricsF metrics(font);
+  const double needed = metrics.horizontalAdvance(text);
+  const double given = std::max(1.0, std::min(needed, room.width() - 2 * margin));
+  painter.fillRect(QRectF(room.left(), room.top(), given + 2 * margin, room.height()), QColor(theme_->stale));
+  painter.setPen(QColor(theme_->staleText));
+  painter.setFont(font);
+  painter.save();
+  painter.translate(room.left() + margin, baselineIn(room, metrics));
+  painter.scale(given / std::max(needed, 1.0), 1.0);
+  painter.drawText(QPointF(0, 0), text);
+  painter.restore();
+}
+
+// Stripes from edge to edge; the word stays where it stands, and what else the band shows but this makes room.
+void PanelView::paintOldBand(QPainter& painter) const {
+  const double height = layout_.stateBandHeight;
+  painter.fillRect(QRectF(0, 0, width(), height), QColor(theme_->stale));
+  painter.setBrush(QColor(theme_->staleText));
+  painter.setPen(Qt::NoPen);
+  const double stripe = height / 3;
+  for (double left = -height; left < width(); left += 2 * stripe) {
+    const QPointF corners[]{{left, height}, {left + height, 0}, {left + height + stripe, 0}, {left + stripe, height}};
+    painter.drawConvexPolygon(corners, 4);
+  }
+  const auto* state = cellOf(PanelField::state);
+  const auto* battery = cellOf(PanelField::battery);
+  if (state == nullptr || battery == nullptr) return;
+  const double gap = layout_.textSize / 3;
+  const auto word = shownIn(*state);
+  const double margin = layout_.textSize / 4;
+  paintPlate(painter, QRectF(state->left - margin, 0, word.width + 2 * margin, height), word.text, fontOf(state->font));
+  double left = state->left + word.width + margin + gap;
+  double right = width();
+  if (const auto shown = shownIn(*battery); !shown.text.isEmpty()) {
+    paintPlate(painter, QRectF(battery->left - margin, 0, shown.width + 2 * margin, height), shown.text,
+               fontOf(battery->font));
+    right = battery->left - margin - gap;
+  }
+  const auto* message = cellOf(PanelField::message);
+  if (message != nullptr && message->top == 0 && !text(PanelField::message).empty()) {
+    const auto shown = shownIn(*message);
+    const double needed = std::min(shown.width + 2 * margin, (right - left) / 2);
+    const QRectF room(right - needed, 0, needed, height);
+    painter.fillRect(room, QColor(theme_->warning));
+    painter.setPen(QColor(theme_->warningText));
+    paintText(painter, room.adjusted(margin, 0, -margin, 0), shown, message->font);
+    right -= needed + gap;
+  }
+  paintNoData(painter, QRectF(left, 0, right - left, height));
+}
+
+// "NO DATA 4 s", in two lines where one would be small.
+void PanelView::paintNoData(QPainter& painter, const QRectF& room) const {
+  constexpr double kLeast = 0.6;     // of the state word's size, for one line
+  constexpr double kHalfLine = 0.5;  // of the band's height: letters are capitals and figures, and leave a gap
+  const auto words = qtText(signs_.instrument);
+  const double margin = layout_.textSize / 4;
+  QFont font = fontOf(PanelFont::state);
+  const double needed = QFontMetricsF(font).horizontalAdvance(words);
+  const double fitting = layout_.stateSize * std::min(1.0, (room.width() - 2 * margin) / needed);
+  if (fitting >= kLeast * layout_.stateSize) {
+    font.setPixelSize(std::max(1, static_cast<int>(fitting)));
+    return paintPlate(painter, room, words, font);
+  }
+  font.setPixelSize(std::max(1, static_cast<int>(kHalfLine * room.height())));
+  const double half = room.height() / 2;
+  paintPlate(painter, QRectF(room.left(), 0, room.width(), half), words.section(' ', 0, 1), font);
+  paintPlate(painter, QRectF(room.left(), half, room.width(), half), words.section(' ', 2), font);
+}
+
+// From where the fix stands to the next text of the row. What stands there without a text makes room with its label.
+QRect PanelView::gpsSignRect() const {
+  const auto* fix = cellOf(PanelField::fix);
+  if (fix == nullptr) return {};
+  int right = fix->left + fix->width;
+  for (const auto field : {PanelField::pdop, PanelField::satellites, PanelField::gpsCount}) {
+    const auto* cell = cellOf(field);
+    if (cell == nullptr) continue;
+    const bool empty = text(field).empty();
+    right = empty ? cell->left + cell->width : cell->left + cell->labelWidth;
+    if (!empty) break;
+  }
+  return {fix->left, fix->top, right - fix->left, fix->height};
+}
+
+void PanelView::paintGpsSign(QPainter& painter) const {
+  QFont font = fontOf(PanelFont::text);
+  font.setBold(true);
+  paintPlate(painter, gpsSignRect(), qtText(signs_.gps), font);
+}
+
+// Below the band, down to the values while they are measured, else to the calibration's own text.
+QRect PanelView::calibrationRect() const {
+  const bool measuring = calibration_.stage == CalibrationSign::Stage::measuring;
+  const auto* end = cellOf(measuring ? PanelField::value1 : PanelField::calibration);
+  const int top = layout_.stateBandHeight;
+  return {0, top, width(), (end == nullptr ? layout_.height : end->top) - top};
+}
+
+// What to do, as large as there is room for it, and the seconds that are left beside it.
+void PanelView::paintCalibration(QPainter& painter) const {
+  const QRect room = calibrationRect();
+  const bool failed = calibration_.stage == CalibrationSign::Stage::failed;
+  painter.fillRect(room, QColor(failed ? theme_->warning : theme_->calibration));
+  painter.setPen(QColor(failed ? theme_->warningText : theme_->calibrationText));
+  const int margin = static_cast<int>(layout_.textSize / 2);
+  const auto seconds = qtText(calibration_.seconds);
+  QFont font = fontOfPanel(this->font(), PanelFont::state, room.height() * 0.7);
+  const auto widthOf = [&font](const QString& text) { return QFontMetrics(font).horizontalAdvance(text); };
+  while (font.pixelSize() > layout_.textSize && widthOf(seconds) > room.width() / 4) {
+    font.setPixelSize(font.pixelSize() - 1);
+  }
+  painter.setFont(font);
+  const QRect right(room.right() - widthOf(seconds) - margin, room.top(), widthOf(seconds), room.height());
+  painter.drawText(right, Qt::AlignCenter | Qt::TextSingleLine, seconds);
+  const QRect left(margin, room.top(), right.left() - 2 * margin, room.height());
+  font.setPixelSize(std::max(1, static_cast<int>(room.height() * 0.7)));
+  painter.setFont(fittedFont(qtText(calibration_.doing), font, left.size()));
+  painter.drawText(left, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextWordWrap, qtText(calibration_.doing));
 }
 
 void PanelView::paintText(QPainter& painter, const QRectF& room, const Shown& shown, PanelFont font) const {
@@ -151,8 +318,8 @@ void PanelView::paintText(QPainter& painter, const QRectF& room, const Shown& sh
 void PanelView::paintCell(QPainter& painter, const PanelCell& cell) const {
   const auto shown = shownIn(cell);
   QRectF room = rectOf(cell);
-  QColor colour(theme_->text);
-  if (cell.top < layout_.stateBandHeight) colour = coloursOfState(*theme_, logging_state_).text;
+  QColor colour(isOld(cell.field) ? theme_->oldText : theme_->text);
+  if (cell.top < layout_.stateBandHeight) colour = bandColours().text;
   if (cell.field == PanelField::message) {
     if (shown.text.isEmpty()) return;
     colour = QColor(theme_->warningText);
@@ -161,12 +328,13 @@ void PanelView::paintCell(QPainter& painter, const PanelCell& cell) const {
   } else if (cell.field == PanelField::calibration && shown.width < room.width()) {
     room.setLeft((width() - shown.width) / 2);
   }
-  if (!cell.label.empty()) {
+  const bool oldGps = isGpsText(cell.field) && !signs_.gps.empty();
+  if (!cell.label.empty() && (!oldGps || rectOf(cell).left() + cell.labelWidth > gpsSignRect().right())) {
     painter.setFont(fontOf(PanelFont::text));
     painter.setPen(QColor(theme_->faintText));
     painter.drawText(QPointF(room.left(), baselineIn(room, QFontMetricsF(painter.font()))), qtText(cell.label));
-    room.setLeft(room.left() + cell.labelWidth);
   }
+  room.setLeft(room.left() + cell.labelWidth);
   painter.setPen(colour);
   paintText(painter, room, shown, cell.font);
 }
@@ -176,10 +344,14 @@ void PanelView::paintEvent(QPaintEvent* event) {
   painter.setRenderHint(QPainter::Antialiasing);
   const auto& region = event->region();
   painter.fillRect(event->rect(), QColor(theme_->background));
-  if (event->rect().top() < layout_.stateBandHeight) paintBand(painter);
+  const bool old = !signs_.instrument.empty() && !flash_;
+  if (event->rect().top() < layout_.stateBandHeight) old ? paintOldBand(painter) : paintBand(painter);
   for (const auto& cell : layout_.cells) {
-    if (region.intersects(rectOf(cell))) paintCell(painter, cell);
+    const bool drawn = old && cell.top < layout_.stateBandHeight;
+    if (!drawn && region.intersects(rectOf(cell))) paintCell(painter, cell);
   }
+  if (calibration_.stage != CalibrationSign::Stage::none) return paintCalibration(painter);
+  if (!signs_.gps.empty() && region.intersects(gpsSignRect())) paintGpsSign(painter);
 }
 
 }  // namespace kalmira

@@ -226,6 +226,7 @@ LoggingHost Program::openInstrument(RememberedKind instrument) {
           .interrupted = [this] { return terminate_.wanted(); },
           .onLeft = {},
           .endProgram = {},
+          .sound = openSystemSound,
           .displayOptions =
               [this](QWidget* parent, const Settings& settings) {
                 return actions_.runSessionDisplayOptions(parent, settings);

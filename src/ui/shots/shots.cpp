@@ -21,7 +21,9 @@
 
 #include "instruments/ice_model.h"
 #include "link/port.h"
+#include "logging/calibration.h"
 #include "logging/commands.h"
+#include "logging/keys.h"
 #include "sim/encode.h"
 #include "sim/survey.h"
 #include "ui/gps/monitor_window.h"
@@ -105,6 +107,7 @@ constexpr std::array kNightKinds{Kind::orla, Kind::tesk2};
 constexpr std::uint64_t kRecords = 260;  // more than a chart is wide
 constexpr std::uint64_t kFirstRecords = 40;
 constexpr int kSettling_ms = 150;
+constexpr int kSignsSettling_ms = 700;  // until the session is looked after again, and a moment
 constexpr int kPatience_ms = 10000;
 
 // Two devices, as an adapter and a receiver are named.
@@ -122,6 +125,7 @@ struct Shot {
 class SurveyClock final : public Clock {
  public:
   std::uint32_t tick() const override { return tick_; }
+  void advance(std::uint32_t milliseconds) { tick_ += milliseconds; }
   LocalTime localTime() const override {
     return {.year = 2026, .month = 7, .day = 14, .hour = 9, .minute = 30, .second = 0, .millisecond = 0};
   }
@@ -129,7 +133,13 @@ class SurveyClock final : public Clock {
   void pause(std::uint32_t) const override {}
 
  private:
-  std::uint32_t tick_ = 60000;
+  std::atomic<std::uint32_t> tick_{60000};
+};
+
+// Or the pictures would show flashes in place of tones.
+class HeardByNobody final : public SoundDevice {
+ public:
+  bool play(std::span<const std::int16_t>) override { return true; }
 };
 
 std::string nameOf(const Shot& shot, std::string_view what) {
@@ -195,9 +205,11 @@ class Stage {
   void takeSetup();
   void takeMonitor();
   void takeViewer(const std::filesystem::path& file);
-  void settle();
+  void settle(int milliseconds = kSettling_ms);
   bool waitFor(const std::function<bool()>& happened);
   void takeQuestion();
+  void takeSigns();
+  void takeCalibration();
 
   Shot shot_;
   std::filesystem::path folder_;
@@ -229,6 +241,7 @@ LoggingHost Stage::hostOfLogging() {
       .takeSettingsProblem = {},
       .onLeft = {},
       .endProgram = {},
+      .sound = [] { return std::make_unique<HeardByNobody>(); },
       .displayOptions = [](QWidget*, const Settings&) { return std::optional<Settings>(); }};
 }
 
@@ -328,10 +341,10 @@ void Stage::takeMonitor() {
   monitor.leave();
 }
 
-void Stage::settle() {
+void Stage::settle(int milliseconds) {
   QElapsedTimer settling;
   settling.start();
-  waitFor([&] { return settling.elapsed() > kSettling_ms; });
+  waitFor([&] { return settling.elapsed() > milliseconds; });
 }
 
 void Stage::takeQuestion() {
@@ -340,6 +353,48 @@ void Stage::takeQuestion() {
                      .icon = Icon::exclamation};
   auto& view = window_.logging().session()->view;
   runAndSave([&] { view.ask(Question::linkLost, lost); }, "link-lost");
+}
+
+// Each sign that all is not well.
+void Stage::takeSigns() {
+  constexpr std::uint64_t kLittleRoom = 300000;  // bytes
+  auto& session = *window_.logging().session();
+  const auto settings = settings_;
+  settings_.conductivityMaximum = settings_.inphaseMaximum = settings_.conductivityMinimum + 1;
+  session.view.redrawProfile();
+  save("8-off-scale");
+  window_.logging().runCode(kFit);
+  save("8-fitted");
+  settings_ = settings;
+  session.view.redrawProfile();
+  session.saving.freeBytes = kLittleRoom;
+  settle(kSignsSettling_ms);
+  save("8-disk-nearly-full");
+  session.saving.freeBytes.reset();
+  clock_.advance(4300);
+  settle(kSignsSettling_ms);
+  save("8-no-data");
+  takeQuestion();
+}
+
+void Stage::takeCalibration() {
+  auto& session = *window_.logging().session();
+  auto& calibration = session.calibration;
+  if (!session.instrument.calibrated) return;
+  session.link.lastRecordTick = clock_.tick();
+  calibration.calibrationPhase = -1;
+  calibration.calibrationActive = 2;
+  calibration.calibrationTick = clock_.tick() - 2200;
+  session.view.show(PanelField::calibration, "Rotate to Horiz. Mode within 60 s");
+  for (const auto& [step, what] : {std::pair{calibration_step::kWaitForHorizontal, "9-calibration-turn"},
+                                   std::pair{calibration_step::kMeasuring, "9-calibration-measuring"},
+                                   std::pair{calibration_step::kNotDetected, "9-calibration-failed"}}) {
+    calibration.calibrationStep = step;
+    calibration.calibrationTick = clock_.tick() - 800;
+    settle(kSignsSettling_ms);
+    save(what);
+  }
+  abandonCalibration(session);
 }
 
 void Stage::takeAll() {
@@ -374,7 +429,8 @@ void Stage::takeAll() {
   runCodeAndSave(101, "scale");
   runCodeAndSave(4, "popup-menu");
   runCodeAndSave(5, "exit");
-  takeQuestion();
+  takeSigns();
+  takeCalibration();
   window_.logging().leaveAtOnce();
   takeViewer(name);
 }

@@ -140,5 +140,76 @@ TEST(LoggingWindow, TurningInTheMiddleLosesNothing) {
   EXPECT_EQ(test.session().counts.readings, 40U);
 }
 
+PanelView& panelOf(const LoggingWnd& window) { return dynamic_cast<PanelView&>(*window.findChild<QWidget*>("panel")); }
+
+// How much of the band is black: its stripes.
+int blackOfBand(const LoggingWnd& window) {
+  const auto band = panelOf(window).grab().toImage().copy(0, 0, 36, 40);
+  int black = 0;
+  for (int y = 0; y < band.height(); ++y) {
+    for (int x = 0; x < band.width(); ++x) black += band.pixelColor(x, y) == QColor(dayTheme().staleText) ? 1 : 0;
+  }
+  return black * 100 / (band.width() * band.height());
+}
+
+TEST(LoggingWindow, OldDataAreSeenAlsoBehindAQuestionUntilTheNextRecord) {
+  TestWindow test(Kind::orla);
+  test.start();
+  test.create();
+  test.device.send(orlaRecord(3));
+  ASSERT_TRUE(waitFor([&] { return test.text(PanelField::value1).starts_with("C:3.0"); }));
+  const auto says = [&test](const std::string& words) {
+    return waitFor([&] { return panelOf(test.window).signs().instrument == words; });
+  };
+  const auto whole = panelOf(test.window).grab().toImage();
+  test.clock.advance(4100);
+  EXPECT_TRUE(says("NO DATA 4 s"));
+  EXPECT_GT(blackOfBand(test.window), 35);
+  const auto* cell = &panelOf(test.window).layoutOfPanel().cells.front();
+  for (const auto& each : panelOf(test.window).layoutOfPanel().cells) {
+    if (each.field == PanelField::value1) cell = &each;
+  }
+  const QRect value(cell->left, cell->top, cell->width, cell->height);
+  EXPECT_NE(panelOf(test.window).grab().toImage().copy(value), whole.copy(value)) << "values are grey";
+  const DialogActor lost("No Connection/Instrument OFF", [&](QDialog& box) {
+    test.clock.advance(1000);
+    const auto before = panelOf(test.window).signs().instrument;
+    EXPECT_TRUE(waitFor([&] { return panelOf(test.window).signs().instrument != before; })) << "it goes on counting";
+    EXPECT_EQ(test.text(PanelField::message), "Please Wait...");
+    EXPECT_EQ(test.text(PanelField::state), "Stand By");
+    answered("Yes")(box);
+  });
+  for (int i = 0; i < 6; ++i) {
+    test.clock.advance(1001);
+    onTimer(test.session());
+  }
+  test.device.send(orlaRecord(4));
+  EXPECT_TRUE(says(""));
+  EXPECT_LT(blackOfBand(test.window), 35);
+}
+
+TEST(LoggingWindow, OffTheScaleFitsByOneTapAByAKeyAndNothingIsLost) {
+  TestWindow test(Kind::orla, {1280, 800});
+  test.settings.readingsInterval = 0.091F;
+  test.settings.pauseKey = 2;  // Enter
+  test.start();
+  test.create();
+  test.press(Qt::Key_G);
+  test.log(orlaRecord(3), 5);
+  auto& fit = *test.window.findChild<QPushButton*>("fit");
+  EXPECT_FALSE(fit.isVisible());
+  test.log(orlaRecord(33), 10);
+  EXPECT_TRUE(fit.isVisible()) << "the scale ends at 10";
+  QTest::mouseClick(&fit, Qt::LeftButton);
+  EXPECT_FALSE(fit.isVisible());
+  EXPECT_EQ(test.settings.conductivityMaximum, 40);
+  test.log(orlaRecord(93), 15);
+  test.press(Qt::Key_F);
+  EXPECT_EQ(test.settings.conductivityMaximum, 100);
+  EXPECT_EQ(test.session().loggingState, kLogging);
+  // More room than the layouts have: the chart takes half of it, and values have their units.
+  EXPECT_GE(test.window.findChild<QWidget*>("chart")->height(), 400);
+  EXPECT_THAT(test.text(PanelField::value1), HasSubstr("mS/m"));
+}
 }  // namespace
 }  // namespace kalmira

@@ -88,12 +88,23 @@ TEST_F(SessionDialogs, NewStationStartsEmptyAndReadsWhatIsANumber) {
   const auto newStation = [this](const DialogActor::Act& act) {
     return in("New Station", act, [&] { return runNewStationDialog(&window, "GetNewStation", settings, 12.5); });
   };
-  for (const auto& [typed, wanted] :
-       {std::pair{"", 0.0}, {"abc", 0.0}, {" 17.25m", 17.25}, {"-3,5", -3.5}, {"1e999", 0.0}}) {
-    const auto station = newStation([typed = typed](QDialog& dialog) {
+  for (const auto& [typed, wanted, asked] : {std::tuple{"", 0.0, true},
+                                             {"abc", 0.0, true},
+                                             {" 17.25m", 17.25, false},
+                                             {"-3,5", -3.5, false},
+                                             {"+0", 0.0, false},
+                                             {"1e999", 0.0, true}}) {
+    const auto station = newStation([typed = typed, asked = asked](QDialog& dialog) {
       shows(dialog, "startStation=3.000|lastStation=12.500|newStation=");
       QTest::keyClicks(dialog.focusWidget(), typed);
-      press(dialog, Qt::Key_Enter);
+      // No, which Enter presses, comes back to the field; Yes sets it.
+      for (const auto* answer : {"No", "Yes"}) {
+        std::optional<DialogActor> question;
+        if (asked) question.emplace("No Number", answered(answer));
+        press(dialog, Qt::Key_Enter);
+        if (!asked) return;
+        EXPECT_EQ(dialog.isVisible(), *answer == 'N');
+      }
     });
     EXPECT_EQ(station, std::optional(wanted)) << typed;
   }
@@ -159,6 +170,18 @@ TEST_F(SessionDialogs, ScalesAreShownAndLimitedAsTheKindHasThemThicknessToo) {
               c.saved);
     EXPECT_FALSE(scale(tapCancel));
   }
+  const auto fitted = in(
+      "Enter Scale",
+      [](QDialog& dialog) {
+        buttonOf(dialog, "&Fit").click();
+        tapOk(dialog);
+      },
+      [&] {
+        return runProfileScaleDialog(&window, "GetNewProfileScaleOrlaH", Kind::orla, false, settings,
+                                     settingsOf("conductivityMaximum=70|inphaseMinimum=-3"));
+      });
+  ASSERT_TRUE(fitted);
+  EXPECT_EQ(std::pair(fitted->conductivityMaximum, fitted->inphaseMinimum), std::pair(70.0F, -3.0F));
 }
 
 struct CreateFileDialog : DialogTest {
@@ -229,6 +252,12 @@ std::vector<PanelSpace> allPanelSpaces(const std::vector<double>& scales) {
                         .gps = variant % 4 >= 2,
                         .scale = scale,
                         .width = static_cast<int>((wide ? 240 : 320) * scale)});
+      if (scale < 2) continue;
+      auto larger = spaces.back();  // with a tenth more width, and half a window less its buttons
+      larger.roomy = true;
+      larger.width = larger.width * 11 / 10;
+      larger.mostHeight = static_cast<int>((wide ? 160 : 120) * scale) - static_cast<int>(35 * scale);
+      spaces.push_back(larger);
     }
   }
   return spaces;
@@ -265,8 +294,9 @@ TEST(PanelLayout, NothingOverlapsIsCutOrTakesTheChartsRoom) {
     for (const auto& cell : layout.cells) rects.push_back(rectOf(cell));
     expectApart({0, 0, space.width, layout.height}, rects);
     // Below it a row of buttons, 34 units, and a chart of 118 units, of 100 where four or six values are low.
-    EXPECT_LE(layout.height, (space.wideLayout ? 145 : space.kind == Kind::tesk2 ? 106 : 93) * space.scale);
-    EXPECT_GE(layout.textSize, 11 * space.scale - 1);
+    const double usual = (space.wideLayout ? 145 : space.kind == Kind::tesk2 ? 106 : 93) * space.scale;
+    EXPECT_LE(layout.height, space.roomy ? space.mostHeight : usual);
+    EXPECT_GE(layout.textSize, (space.roomy ? 9 : 11) * space.scale - 1);
     EXPECT_GE(layout.valueSize, 13 * space.scale);
     EXPECT_GE(layout.stateSize, 15 * space.scale);
     for (int i = 0; i < kPanelFields; ++i) {

@@ -60,7 +60,8 @@ void ViewFilesWnd::makeButtons() {
     if (entry.command == ViewCommand::openFile) first = static_cast<int>(actions.size());
     actions.push_back({.text = entry.text,
                        .toolTip = entry.toolTip,
-                       .identifier = kFirstCommandId + static_cast<int>(entry.command)});
+                       .identifier = kFirstCommandId + static_cast<int>(entry.command),
+                       .repeats = movesView(entry.command)});
   }
   buttons_.setActions(actions);
   buttons_.setHighlight(first);

@@ -109,6 +109,15 @@ TEST_F(ViewFilesTest, KeysAndTapsWalkAlongTheLineAndTurningTheWindowKeepsThePlac
       EXPECT_TRUE(viewer.hasFocus());
     }
   }
+  for (int i = 0; i < 6; ++i) {
+    QTest::mouseClick(&button(483), Qt::LeftButton);
+    QTest::mouseDClick(&button(483), Qt::LeftButton);
+    QTest::mouseRelease(&button(483), Qt::LeftButton);
+  }
+  EXPECT_EQ(at.bar, 62) << "twelve quick taps";
+  QTest::mousePress(&button(482), Qt::LeftButton);
+  EXPECT_TRUE(QTest::qWaitFor([&] { return at.bar < 60; })) << "goes on while it is held";
+  QTest::mouseRelease(&button(482), Qt::LeftButton);
   key(Qt::Key_End);
   tapAt(plot(), shown);  // the last column but the frame
   EXPECT_THAT(readout(), StartsWith("Stn: 908.50\n"));

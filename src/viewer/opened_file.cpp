@@ -23,11 +23,11 @@ std::string openLine(OpenedFile& file, std::size_t index, const RowFiles& rowFil
   return ExtractLine(file.reader, file.scanned, index + 1, rowFiles, options, file.line).text;
 }
 
-std::vector<std::string> loadView(OpenedFile& file, const RowFiles& rowFiles, const Navigation& state) {
+std::vector<std::string> loadView(OpenedFile& file, const Navigation& state) {
   file.points.clear();
   if (file.line.line == 0) return {};
   const auto outcome =
-      LoadLineRows(rowFiles, file.scanned, file.line, 0, state.pointsInView - 1, state.firstRow, file.points);
+      LoadLineRows(file.reader, file.scanned, file.line, 0, state.pointsInView - 1, state.firstRow, file.points);
   std::vector<std::string> messages;
   if (outcome.line1Missing) messages.emplace_back(kInvalidHandle1);
   if (outcome.line2Missing) messages.emplace_back(kInvalidHandle2);
@@ -45,7 +45,8 @@ RowReadout readoutOf(OpenedFile& file, const Navigation& state) {
   const auto index = static_cast<std::size_t>(state.bar - 1);
   if (row < 1 || row > state.totalRows || state.bar < 1 || index >= file.points.size()) return {};
   RowReadout readout;
-  readout.fields = readoutFields(file.scanned, file.line, row, file.points[index]);
+  readout.fields =
+      readoutFields(file.scanned, placeOfRow(file.reader, file.scanned, file.line, row), file.points[index]);
   const auto found = readStationNotes(file.reader, file.scanned, file.line, row);
   for (const auto& note : found.notes) readout.notes.push_back(noteText(note));
   if (found.more) readout.notes.emplace_back("and more");

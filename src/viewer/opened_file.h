@@ -29,7 +29,7 @@ std::unique_ptr<OpenedFile> openDataFile(const std::filesystem::path& path, std:
 std::string openLine(OpenedFile& file, std::size_t index, const RowFiles& rowFiles, const ExtractOptions& options);
 
 // The rows in view. The messages for the operator, for there may be two.
-std::vector<std::string> loadView(OpenedFile& file, const RowFiles& rowFiles, const Navigation& state);
+std::vector<std::string> loadView(OpenedFile& file, const Navigation& state);
 
 // "111510A.ROR  TESK, ice thickness", with what is damaged in it.
 std::string fileCaption(const OpenedFile& file);

@@ -38,29 +38,16 @@ void drawStation(ChartCanvas& canvas, const ProfileSetup& setup, const TracePoin
   }
 }
 
-using Spans = std::array<Overview::Span, kProfilePoints>;
-
-void widen(Overview::Span& span, float value) {
-  span.least = span.any ? std::min(span.least, value) : value;
-  span.largest = span.any ? std::max(span.largest, value) : value;
-  span.any = true;
-}
-
-void takePoint(const StationPoint& point, Spans& spans) {
-  for (std::size_t slot = 0; slot < kSlots; ++slot) {
-    if (point.channels.present[slot] != 0) widen(spans[slot], point.channels.value[slot]);
-  }
-  for (std::size_t i = 0; point.hasExtras && i < point.extras.size(); ++i) widen(spans[kSlots + i], point.extras[i]);
-}
-
 // The y of one end of every trace's span.
-TracePoints endOf(const ProfileSetup& setup, const Spans& spans, float Overview::Span::*end) {
+TracePoints endOf(const ProfileSetup& setup, const TraceSpans& spans, float ValueSpan::*end) {
   StationPoint point;
   for (std::size_t slot = 0; slot < kSlots; ++slot) {
-    point.channels.present[slot] = spans[slot].any ? 1 : 0;
-    point.channels.value[slot] = spans[slot].*end;
+    point.channels.present[slot] = spans[slot].any() ? 1 : 0;
+    if (spans[slot].any()) point.channels.value[slot] = spans[slot].*end;
   }
-  for (std::size_t i = 0; i < point.extras.size(); ++i) point.extras[i] = spans[kSlots + i].*end;
+  for (std::size_t i = 0; i < point.extras.size(); ++i) {
+    if (spans[kSlots + i].any()) point.extras[i] = spans[kSlots + i].*end;
+  }
   return tracesOf(setup, point);
 }
 
@@ -72,12 +59,12 @@ struct Stroke {
 };
 using Strokes = std::array<Stroke, kProfilePoints>;
 
-Strokes strokesOf(const ProfileSetup& setup, const Spans& spans) {
-  const auto least = endOf(setup, spans, &Overview::Span::least);
-  const auto largest = endOf(setup, spans, &Overview::Span::largest);
+Strokes strokesOf(const ProfileSetup& setup, const TraceSpans& spans) {
+  const auto least = endOf(setup, spans, &ValueSpan::least);
+  const auto largest = endOf(setup, spans, &ValueSpan::largest);
   Strokes strokes;
   for (std::size_t i = 0; i < kProfilePoints; ++i) {
-    strokes[i] = {.any = spans[i].any && least.drawn[i], .top = largest.y[i], .bottom = least.y[i]};
+    strokes[i] = {.any = spans[i].any() && least.drawn[i], .top = largest.y[i], .bottom = least.y[i]};
   }
   return strokes;
 }
@@ -129,15 +116,19 @@ std::vector<StationLabel> stationLabels(std::span<const StationPoint> points, in
   return labels;
 }
 
-Overview lineOverview(const RowFiles& rowFiles, const ScannedFile& file, const ExtractedLine& line, int columns) {
-  Overview overview{
-      .columns = std::max(0, std::min(columns, line.rowCount())), .rowCount = line.rowCount(), .spans = {}};
+Overview lineOverview(const LineSummary& summary, int columns) {
+  const int rows = summary.rowCount();
+  Overview overview{.columns = std::max(0, std::min(columns, rows)), .rowCount = rows, .spans = {}};
   overview.spans.resize(static_cast<std::size_t>(overview.columns));
-  if (overview.columns == 0) return overview;
-  forEachRow(rowFiles, file, line, [&](int row, const StationPoint& point) {
-    const auto column = static_cast<std::size_t>(overviewColumn(overview, row));
-    if (point.valid) takePoint(point, overview.spans[column]);
-  });
+  int row = 1;
+  for (const auto& block : summary.blocks()) {
+    const int next = row + summary.rowsPerBlock();
+    for (int column = overviewColumn(overview, row); column <= overviewColumn(overview, next - 1); ++column) {
+      auto& spans = overview.spans[static_cast<std::size_t>(column)];
+      for (std::size_t i = 0; i < spans.size(); ++i) spans[i].take(block.spans[i]);
+    }
+    row = next;
+  }
   return overview;
 }
 

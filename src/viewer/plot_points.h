@@ -39,17 +39,13 @@ std::vector<StationLabel> stationLabels(std::span<const StationPoint> points, in
 
 // A whole line in few columns: the least and the largest value of each trace in each column.
 struct Overview {
-  struct Span {
-    float least = 0;
-    float largest = 0;
-    bool any = false;
-  };
   int columns = 0;
   int rowCount = 0;
-  std::vector<std::array<Span, kProfilePoints>> spans;  // one entry a column
+  std::vector<TraceSpans> spans;  // one entry a column
 };
-// One pass over the row files. Of a line shorter than `columns` every row has a column of its own.
-Overview lineOverview(const RowFiles& rowFiles, const ScannedFile& file, const ExtractedLine& line, int columns);
+// Of a line shorter than `columns` every row has a column of its own; of a very long one a column may show a few rows
+// of its neighbour's, too.
+Overview lineOverview(const LineSummary& summary, int columns);
 // Clears, then draws the shown traces as upright strokes that touch their neighbours. No grid.
 void DrawOverview(ChartCanvas& canvas, const ProfileSetup& setup, const Overview& overview);
 

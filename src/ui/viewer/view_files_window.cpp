@@ -181,7 +181,7 @@ void ViewFilesWnd::showHelp() {
 void ViewFilesWnd::apply(const ViewStep& step) {
   if (file_ == nullptr) return;
   std::vector<std::string> messages;
-  if (step.load) messages = loadView(*file_, row_files_, navigation_);
+  if (step.load) messages = loadView(*file_, navigation_);
   if (step.redraw) showPlot();
   if (step.moveBar) plot_->setBar(navigation_.bar);
   if (step.readout || step.redraw) showReadout();
@@ -218,7 +218,7 @@ void ViewFilesWnd::showReadout() {
 
 void ViewFilesWnd::showOverview() {
   if (file_ == nullptr || file_->line.rowCount() == 0) return overview_->clearLine();
-  auto overview = lineOverview(row_files_, file_->scanned, file_->line, std::max(1, overview_->width()));
+  auto overview = lineOverview(file_->line.summary, std::max(1, overview_->width()));
   const auto setup = setupFor({overview.columns, overview_->height()});
   overview_->showLine(setup, std::move(overview));
 }
@@ -281,7 +281,7 @@ void ViewFilesWnd::arrange() {
   setPlotWidth(navigation_, plot_->plotSize().width());
   if (isVisible() && file_ != nullptr) {
     // A message in the middle of a change of size would be asked for again by its own.
-    if (!loadView(*file_, row_files_, navigation_).empty()) status_ = kInvalidHandle1;
+    if (!loadView(*file_, navigation_).empty()) status_ = kInvalidHandle1;
     showPlot();
     showReadout();
     showOverview();

@@ -74,9 +74,12 @@ ViewStep goToRow(Navigation& state, int row);
 
 // The viewer's commands: their buttons and keys, and the texts that go with them.
 
-// Behind the numbered commands: the two that save.
+// Behind the numbered commands: the two that save, and those that change how the line is seen.
 inline constexpr ViewCommand kSavePicture{11};
 inline constexpr ViewCommand kExportCsv{12};
+inline constexpr ViewCommand kFitScale{13};
+inline constexpr ViewCommand kZoomOut{14};
+inline constexpr ViewCommand kZoomIn{15};
 
 struct ViewEntry {
   ViewCommand command;
@@ -84,12 +87,14 @@ struct ViewEntry {
   std::string_view keys;          // capital letters
   std::array<int, 2> keyCodes;    // the handheld's, 0 for none
   bool needsFile = true;          // greyed while none is open
+  bool repeats = false;           // moves on; goes on while it is held
   std::string_view toolTip = {};  // for who has a mouse, and for screen readers
 };
-inline constexpr int kViewButtons = 12;
+inline constexpr int kViewButtons = 15;
 // In the order in which Tab goes over the buttons.
 const std::array<ViewEntry, kViewButtons>& viewEntries();
 
+inline constexpr int kPlusKey = '+';  // with or without Shift, wherever it stands
 // What a key asks for, by the handheld's virtual key codes (letters of either case by their ASCII codes); nothing for
 // Tab and Enter, which go by the highlight.
 std::optional<ViewCommand> viewCommandOfKey(int keyCode);

@@ -4,7 +4,10 @@
 
 #include <algorithm>
 #include <bitset>
+#include <optional>
+#include <utility>
 
+#include "chart/scale_fit.h"
 #include "viewer/row_files.h"
 
 namespace kalmira {
@@ -24,7 +27,10 @@ struct Pens {
 
 void drawStation(ChartCanvas& canvas, const ProfileSetup& setup, const TracePoints& traces, int column, Pens& pens) {
   for (std::size_t i = 0; i < kProfilePoints; ++i) {
-    if (!traces.drawn[i]) continue;
+    if (!traces.drawn[i]) {
+      pens.down.reset(i);
+      continue;
+    }
     const int colour = setup.traceColour[penOf(i)];
     const int width = setup.traceWidth[penOf(i)];
     if (pens.down[i]) {
@@ -82,6 +88,55 @@ void drawStrokes(ChartCanvas& canvas, const ProfileSetup& setup, int column, con
   }
 }
 
+constexpr int kMarksApart = 4;  // marks' widths, as long as a trace is away
+
+// Puts marks where traces leave the scale, each beside the one before.
+class Marks {
+ public:
+  Marks(const ProfileSetup& setup, int size) : setup_(setup), size_(std::max(1, size)) {}
+
+  // The traces' highest and lowest y in a column.
+  void takeColumn(int column, const TracePoints& highest, const TracePoints& lowest) {
+    for (std::size_t i = 0; i < kProfilePoints; ++i) {
+      take(column, i, true, highest.drawn[i] && highest.y[i] < 0);
+      take(column, i, false, lowest.drawn[i] && lowest.y[i] > setup_.height);
+    }
+  }
+  std::vector<OffScaleMark> made;
+
+ private:
+  void take(int column, std::size_t trace, bool above, bool away) {
+    auto& last = last_[trace][above ? 1 : 0];
+    auto& used = used_[above ? 1 : 0];
+    const bool was = std::exchange(away_[trace][above ? 1 : 0], away);
+    const int apart = (was ? kMarksApart : 1) * size_;
+    if (!away || (last && column - *last < apart)) return;
+    last = used ? std::max(column, *used + size_) : column;
+    used = last;
+    made.push_back({.column = *last, .above = above, .colour = setup_.traceColour[penOf(trace)]});
+  }
+
+  using Edges = std::array<std::optional<int>, 2>;
+  const ProfileSetup& setup_;
+  int size_;
+  std::array<Edges, kProfilePoints> last_{};
+  std::array<std::array<bool, 2>, kProfilePoints> away_{};
+  Edges used_{};
+};
+
+ScaleEnds fitted(const Instrument& instrument, bool ice, const ProfileSetup& setup, int axis, const TraceSpans& spans,
+                 const ScaleEnds& before) {
+  ValueSpan values;
+  for (const auto& channel : channelsOf(instrument, ice)) {
+    if (channel.axis == axis && setup.traceShown[channel.slot] == 1) values.take(spans[channel.slot]);
+  }
+  for (std::size_t i = kSlots; axis == kConductivityAxis && setup.secondCoil && i < kProfilePoints; ++i)
+    values.take(spans[i]);
+  if (!values.any()) return before;
+  const bool thickness = axis == kIceAxis || (axis == kConductivityAxis && instrument.firstAxisIsThickness);
+  return fittedScale(values.least, values.largest, thickness);
+}
+
 }  // namespace
 
 ProfileSetup plotSetup(const ScannedFile& file, const Settings& settings, int width, int height) {
@@ -90,28 +145,97 @@ ProfileSetup plotSetup(const ScannedFile& file, const Settings& settings, int wi
   return profileSetupOf(file.header.kind, file.wantsThickness, asLogged, true, 1.0, width, height);
 }
 
-void DrawStationPlot(ChartCanvas& canvas, const ProfileSetup& setup, std::span<const StationPoint> points) {
+Settings fittedSettings(const ScannedFile& file, const TraceSpans& spans, const Settings& settings) {
+  Settings result = settings;
+  const auto& instrument = instrumentOf(file.header.kind);
+  const auto setup = plotSetup(file, settings, 1, 1);
+  const auto fit = [&](int axis, float Settings::*minimum, float Settings::*maximum) {
+    const ScaleEnds before{settings.*minimum, settings.*maximum};
+    const auto ends = fitted(instrument, file.wantsThickness, setup, axis, spans, before);
+    result.*minimum = ends.minimum;
+    result.*maximum = ends.maximum;
+  };
+  fit(kConductivityAxis, &Settings::conductivityMinimum, &Settings::conductivityMaximum);
+  fit(kInphaseAxis, &Settings::inphaseMinimum, &Settings::inphaseMaximum);
+  fit(kIceAxis, &Settings::iceMinimum, &Settings::iceMaximum);
+  return result;
+}
+
+void DrawStationPlot(ChartCanvas& canvas, const ProfileSetup& setup, const PlotView& view,
+                     std::span<const StationPoint> points) {
   canvas.clear();
   DrawProfileAxes(canvas, setup);
   Pens pens;
-  int column = kFirstColumn;
+  int row = view.firstRow;
   for (const auto& point : points) {
+    const int column = kFirstColumn + view.columnOf(row++);
     if (point.valid) {
       drawStation(canvas, setup, tracesOf(setup, point), column, pens);
     } else {
       pens.down.reset();
     }
-    ++column;
   }
 }
 
-std::vector<StationLabel> stationLabels(std::span<const StationPoint> points, int spacing) {
-  std::vector<StationLabel> labels;
-  int column = kFirstColumn;
+std::vector<OffScaleMark> offScaleMarks(const ProfileSetup& setup, const PlotView& view,
+                                        std::span<const StationPoint> points, int size) {
+  Marks marks(setup, size);
+  int row = view.firstRow;
   for (const auto& point : points) {
-    const bool room = labels.empty() || column - labels.back().column >= spacing;
-    if (point.valid && room) labels.push_back({column, fmt::format("{:.2f}", point.station)});
-    ++column;
+    const auto traces = point.valid ? tracesOf(setup, point) : TracePoints{};
+    marks.takeColumn(kFirstColumn + view.columnOf(row++), traces, traces);
+  }
+  return std::move(marks.made);
+}
+
+std::vector<OffScaleMark> offScaleMarks(const ProfileSetup& setup, const Overview& overview, int left, int size) {
+  Marks marks(setup, size);
+  int column = left;
+  for (const auto& spans : overview.spans) {
+    auto highest = endOf(setup, spans, &ValueSpan::largest);
+    auto lowest = endOf(setup, spans, &ValueSpan::least);
+    for (std::size_t i = 0; i < kProfilePoints; ++i) {
+      highest.drawn[i] = highest.drawn[i] && spans[i].any();
+      lowest.drawn[i] = lowest.drawn[i] && spans[i].any();
+    }
+    marks.takeColumn(column++, highest, lowest);
+  }
+  return std::move(marks.made);
+}
+
+std::vector<StationTick> stationTicks(const PlotView& view, std::span<const StationPoint> points) {
+  std::vector<StationTick> ticks;
+  int row = view.firstRow;
+  for (const auto& point : points) {
+    if (point.valid) ticks.push_back({kFirstColumn + view.columnOf(row), point.station});
+    ++row;
+  }
+  return ticks;
+}
+
+std::vector<StationTick> stationTicks(const LineSummary& summary, const Overview& overview) {
+  std::vector<StationTick> ticks;
+  int row = 1;
+  for (const auto& block : summary.blocks()) {
+    if (block.hasStation) ticks.push_back({kFirstColumn + overviewColumn(overview, row), block.station});
+    row += summary.rowsPerBlock();
+  }
+  return ticks;
+}
+
+std::vector<StationLabel> stationLabels(std::span<const StationTick> ticks, int width,
+                                        const std::function<int(const std::string&)>& widthOf, int gap) {
+  std::vector<StationLabel> labels;
+  int free = 0;
+  for (const auto& tick : ticks) {
+    // A label that begins left of its station still covers it: what is too near needs no text to be known.
+    if (tick.column < free) continue;
+    StationLabel label{.column = tick.column, .text = fmt::format("{:.2f}", tick.station)};
+    const int wide = widthOf(label.text);
+    label.left = std::clamp(tick.column - wide / 2, 0, std::max(0, width - wide));
+    if (label.left < free) continue;
+    free = label.left + wide + gap;
+    labels.push_back(std::move(label));
   }
   return labels;
 }
@@ -132,10 +256,11 @@ Overview lineOverview(const LineSummary& summary, int columns) {
   return overview;
 }
 
-void DrawOverview(ChartCanvas& canvas, const ProfileSetup& setup, const Overview& overview) {
+void DrawOverview(ChartCanvas& canvas, const ProfileSetup& setup, const Overview& overview, int left, bool grid) {
   canvas.clear();
+  if (grid) DrawProfileAxes(canvas, setup);
   Strokes before{};
-  int column = 0;
+  int column = left;
   for (const auto& spans : overview.spans) {
     const auto strokes = strokesOf(setup, spans);
     drawStrokes(canvas, setup, column, strokes, before);

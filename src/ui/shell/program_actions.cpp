@@ -112,6 +112,7 @@ void ProgramActions::viewFiles(QWidget* parent, const std::filesystem::path& fil
        .extract = {.teskRangeTimes10 = host_.teskRangeTimes10},
        .settingsFor = [this](Kind kind, bool ice) { return settingsFor(kind, ice); },
        .takeSettings = [this](Kind kind, bool ice, const Settings& changed) { takeSettings(kind, ice, changed); },
+       .confirmedScales = confirmed_scales_,
        .onLeft = [this] { uncover(); }},
       host_.theme(), parent);
   covering_ = viewer;

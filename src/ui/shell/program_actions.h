@@ -2,6 +2,7 @@
 
 #include <QPointer>
 #include <QWidget>
+#include <bitset>
 #include <filesystem>
 #include <functional>
 #include <optional>
@@ -70,6 +71,7 @@ class ProgramActions {
   void uncover();
 
   ActionsHost host_;
+  std::bitset<kKindCount> confirmed_scales_;
   QPointer<QWidget> covering_;  // the monitor, the viewer or the fonts
 };
 

@@ -383,10 +383,12 @@ void Stage::takeAll() {
 void Stage::takeViewer(const std::filesystem::path& file) {
   const auto& theme = shot_.night ? nightTheme() : dayTheme();
   const DataPlace place{.kind = shot_.instrument.kind, .root = root_.path().toStdString()};
+  std::bitset<kKindCount> confirmed;
   ViewFilesWnd viewer({.place = place,
                        .extract = {},
                        .settingsFor = [this](Kind, bool) { return settings_; },
                        .takeSettings = [](Kind, bool, const Settings&) {},
+                       .confirmedScales = confirmed,
                        .onLeft = {}},
                       theme, &window_);
   viewer.open();

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "ui/session/curve_window.h"
+#include "ui/viewer/view_curve_window.h"
 
 namespace kalmira {
 namespace {
@@ -36,6 +37,7 @@ class LineModel final : public QAbstractListModel {
   const std::vector<SurveyLine>* lines_ = nullptr;
 };
 
+constexpr int kMark = 8;    // pixels, of an arrow
 constexpr int kFrame = 2;   // pixels, of the shown window's
 constexpr int kVeil = 145;  // of 255, over what is not in the window: it stands back
 
@@ -87,7 +89,9 @@ OverviewStrip::~OverviewStrip() = default;
 void OverviewStrip::showLine(const ProfileSetup& setup, Overview overview) {
   overview_ = std::move(overview);
   picture_ = std::make_unique<ChartPicture>(chartColoursOf(*theme_), setup.width, setup.height);
-  DrawOverview(*picture_, setup, overview_);
+  DrawOverview(*picture_, setup, overview_, 0, false);
+  marks_ = offScaleMarks(setup, overview_, 0, std::max(1, kMark * overview_.columns / std::max(1, width())));
+  for (auto& mark : marks_) mark.column = mark.column * width() / std::max(1, overview_.columns);
   update();
 }
 
@@ -127,13 +131,15 @@ void OverviewStrip::paintEvent(QPaintEvent*) {
   painter.fillRect(rect(), QColor(theme_->chart));
   if (picture_ && overview_.rowCount > 0) {
     painter.drawImage(rect(), imageOf(*picture_));
-    const int left = leftOf(first_row_);
+    paintOffScale(painter, marks_, chartColoursOf(*theme_), rect(), kMark);
+    const int left = leftOf(std::max(1, first_row_));
     const int end = last_row_ >= overview_.rowCount ? width() - 1 : std::max(left, leftOf(last_row_ + 1) - 1);
     QColor veil = QColor(theme_->chart);
     veil.setAlpha(kVeil);
     painter.fillRect(QRect(0, 0, left, height()), veil);
     painter.fillRect(QRect(end + 1, 0, width() - end - 1, height()), veil);
-    painter.fillRect(QRect(leftOf(bar_row_), 0, 1, height()), QColor(theme_->focus));
+    if (bar_row_ >= 1 && bar_row_ <= overview_.rowCount)
+      painter.fillRect(QRect(leftOf(bar_row_), 0, 1, height()), QColor(theme_->focus));
     painter.setPen(QPen(QColor(theme_->focus), kFrame, Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin));
     painter.drawRect(QRect(QPoint(left, 1), QPoint(std::max(left + kFrame, end - 1), height() - kFrame)));
   }

@@ -56,6 +56,7 @@ class OverviewStrip final : public QWidget {
   std::function<void(int)> row_wanted_;
   std::unique_ptr<ChartPicture> picture_;
   Overview overview_;
+  std::vector<OffScaleMark> marks_;
   int first_row_ = 0;
   int last_row_ = 0;
   int bar_row_ = 0;

@@ -2,6 +2,7 @@
 
 #include <QWidget>
 #include <array>
+#include <vector>
 
 #include "chart/profile_chart.h"
 #include "ui/screen/theme.h"
@@ -27,11 +28,12 @@ class ReadoutView final : public QWidget {
  private:
   struct Grid {
     QFont font;
-    int columns = 1;
-    int columnWidth = 0;
+    std::vector<int> widths;  // of the columns
     int lineHeight = 0;
+    int notes = 0;  // pixels, high
   };
-  Grid gridFor(int noteLines) const;
+  Grid gridFor() const;
+  int heightOfNotes(const QFontMetrics& metrics) const;
   void drawField(QPainter& painter, const ReadoutField& field, const QRect& cell) const;
 
   const Theme* theme_;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QTimer>
+#include <bitset>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -29,6 +31,8 @@ struct ViewerHost {
   std::function<Settings(Kind kind, bool ice)> settingsFor;
   // The scales were changed while a file of that instrument was shown.
   std::function<void(Kind kind, bool ice, const Settings& changed)> takeSettings;
+  // Kinds whose scale the operator has confirmed in the scale dialog, and not asked to be fitted since.
+  std::bitset<kKindCount>& confirmedScales;
   std::function<void()> onLeft;  // the viewer is closed; the main menu is to be shown
 };
 
@@ -55,6 +59,7 @@ class ViewFilesWnd final : public CoverWindow {
   void keyPressEvent(QKeyEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
+  void wheelEvent(QWheelEvent* event) override;
 
  private:
   void makeButtons();
@@ -62,6 +67,11 @@ class ViewFilesWnd final : public CoverWindow {
   void chooseFile();
   void chooseLine(int index);
   void enterScale();
+  void fitScale();
+  void takeScale();
+  void showScale();
+  void changeZoom(ViewCommand command);
+  void finishRows();
   using WriteFile = std::function<std::string(const std::filesystem::path&)>;
   void saveAs(const SaveQuestion& question, const WriteFile& write);
   void savePicture();
@@ -69,8 +79,9 @@ class ViewFilesWnd final : public CoverWindow {
   void showHelp();
   std::string extractShown();
   void apply(const ViewStep& step);
-  void moveBarTo(int bar);
+  void moveBarTo(int column);
   void moveToRow(int row);
+  int barColumn() const;
   void showPlot();
   void showReadout();
   void showOverview();
@@ -83,9 +94,14 @@ class ViewFilesWnd final : public CoverWindow {
   ViewerHost host_;
   const Theme* theme_;
   RowFiles row_files_;
-  Settings settings_;
+  Settings settings_;  // the operator's
+  Settings shown_;     // the same, with scales fitted to the line where they are
   std::unique_ptr<OpenedFile> file_;
   Navigation navigation_;
+  Zoom zoom_;
+  PlotView view_;
+  QTimer filling_;  // the row files, while nothing else is to be done
+  int wheel_ = 0;   // of a notch
   std::string caption_;
   std::string status_;
   QString outer_title_;  // of the program's window, as it was before

@@ -21,6 +21,7 @@
 #include "ui/screen/message_dialog.h"
 #include "ui/screen/theme.h"
 #include "ui/viewer/readout_view.h"
+#include "ui/viewer/view_curve_window.h"
 #include "ui/viewer/view_files_window.h"
 #include "viewer/plot_points.h"
 
@@ -71,6 +72,7 @@ constexpr int kTitlePixels = 30;
 constexpr int kTextPixels = 20;
 constexpr int kMostStationLabels = 12;
 constexpr int kTick = 6;
+constexpr int kMark = 18;  // of an arrow
 
 // The chart drawn as strokes that stay sharp at any size, each column `stretch_` wide.
 class PaintedChart final : public ChartCanvas {
@@ -148,25 +150,34 @@ ProfileSetup setupOf(const LinePicture& picture, int columns) {
   return plotSetup(picture.file.scanned, picture.settings, columns, kPlot.height());
 }
 
+// `marks` by columns.
+void drawMarks(QPainter& painter, std::vector<OffScaleMark> marks, int columns) {
+  for (auto& mark : marks) mark.column = static_cast<int>((mark.column + 0.5) * kPlot.width() / columns);
+  paintOffScale(painter, marks, chartColoursOf(dayTheme()), kPlot, kMark);
+}
+
 void drawTraces(QPainter& painter, const LinePicture& picture) {
   painter.save();
   painter.setClipRect(kPlot);
-  const int rows = picture.file.line.rowCount();
+  auto& file = picture.file;
+  const int rows = file.line.rowCount();
   if (rows <= kPlot.width()) {
     std::vector<StationPoint> points;
-    auto& file = picture.file;
     if (rows > 0) LoadLineRows(file.reader, file.scanned, file.line, 0, rows - 1, 1, points);
     const int columns = rows + 2 * kFirstColumn;
+    const PlotView view{.firstRow = 1, .rows = rows, .columns = rows};
+    const auto setup = setupOf(picture, columns);
     PaintedChart chart(painter, kPlot, columns);
-    DrawStationPlot(chart, setupOf(picture, columns), points);
+    DrawStationPlot(chart, setup, view, points);
+    drawMarks(painter, offScaleMarks(setup, view, points, kMark * columns / kPlot.width()), columns);
     painter.restore();
     return drawStations(painter, picture, columns, [](int row) { return row - 1 + kFirstColumn; });
   }
-  const auto overview = lineOverview(picture.file.line.summary, kPlot.width());
+  const auto overview = lineOverview(file.line.summary, kPlot.width());
   PaintedChart chart(painter, kPlot, overview.columns);
   const auto setup = setupOf(picture, overview.columns);
-  DrawOverview(chart, setup, overview);
-  DrawProfileAxes(chart, setup);
+  DrawOverview(chart, setup, overview, 0, true);
+  drawMarks(painter, offScaleMarks(setup, overview, 0, kMark), overview.columns);
   painter.restore();
   drawStations(painter, picture, overview.columns, [&](int row) { return overviewColumn(overview, row); });
 }
@@ -298,7 +309,7 @@ void ViewFilesWnd::savePicture() {
                               .proposal = proposedName(file_->path, lineName, "png")};
   saveAs(question, [&](const std::filesystem::path& path) {
     const LinePicture picture{
-        .file = *file_, .settings = settings_, .title = fmt::format("{}   Line {}", fileCaption(*file_), lineName)};
+        .file = *file_, .settings = shown_, .title = fmt::format("{}   Line {}", fileCaption(*file_), lineName)};
     const bool svg = path.extension() == ".svg" || path.extension() == ".SVG";
     const auto content = svg ? linePictureSvg(picture) : linePicturePng(picture);
     status_ = fmt::format("Saved {}", path.filename().string());

@@ -74,12 +74,14 @@ struct ViewFilesTest : testing::Test {
   std::string content;
   Settings settings;
   std::optional<Settings> taken;
+  std::bitset<kKindCount> confirmed;
   int left = 0;
   QWidget main;
   ViewFilesWnd& viewer = *new ViewFilesWnd({.place = {.kind = Kind::orla, .root = folder.path()},
                                             .extract = {},
                                             .settingsFor = [this](Kind, bool) { return settings; },
                                             .takeSettings = [this](Kind, bool, const Settings& now) { taken = now; },
+                                            .confirmedScales = confirmed,
                                             .onLeft = [this] { ++left; }},
                                            dayTheme(), &main);
   const Navigation& at = viewer.navigation();
@@ -123,7 +125,7 @@ TEST_F(ViewFilesTest, KeysAndTapsWalkAlongTheLineAndTurningTheWindowKeepsThePlac
   EXPECT_THAT(readout(), StartsWith("Stn: 908.50\n"));
   auto& overview = *viewer.findChild<QWidget*>("overview");
   tapAt(overview, 0);
-  EXPECT_EQ(rowAtBar(at), 2) << "the middle of the rows in the first column";
+  EXPECT_EQ(rowAtBar(at), 3) << "the middle of the rows in the first column";
   tapAt(overview, overview.width() - 1);
   EXPECT_EQ(at.lastRow, 600);
   const int first = at.firstRow;
@@ -139,7 +141,7 @@ TEST_F(ViewFilesTest, TheListChoosesALineAndItsNotesStandAtTheirStations) {
   EXPECT_EQ(at.selectedLine, 1U);
   EXPECT_EQ(at.totalRows, 2 + 4 + 1);
   EXPECT_EQ(at.bar, 50) << "past the short line's end";
-  EXPECT_EQ(readout(), "");
+  EXPECT_EQ(readout(), "No station here\n");
   key(Qt::Key_Left, 49);
   EXPECT_THAT(readout(), HasSubstr("Comment: gate"));
   key(Qt::Key_Right);
@@ -174,12 +176,83 @@ TEST_F(ViewFilesTest, TabMovesTheHighlightTheScaleIsShownAndEnterPresses) {
   EXPECT_EQ(taken->conductivityMaximum, 40.0F);
   EXPECT_THAT(viewer.caption(), EndsWith("C:0/40  I:-10/10"));
   EXPECT_NE(plot().picture(), before);
-  EXPECT_EQ(goRound(13), 12U);
+  EXPECT_TRUE(confirmed.test(0));
+  EXPECT_EQ(goRound(16), 15U);
   EXPECT_EQ(round.front(), round.back());
   while (!button(488).isDefault() && !HasFailure()) key(Qt::Key_Tab);
   key(Qt::Key_Return);
   EXPECT_EQ(left, 1);
   EXPECT_TRUE(viewer.isHidden());
+}
+
+TEST_F(ViewFilesTest, TheScaleIsFittedUnlessTheOperatorConfirmedOneAndIsNeverHandedOn) {
+  settings.conductivityMaximum = 5;
+  const auto path = survey(300);
+  const auto marks = [&] { return plot().offScale().size(); };
+  ASSERT_TRUE(viewer.openFile(path));
+  EXPECT_EQ(marks(), 0U);
+  key(Qt::Key_T);
+  EXPECT_THAT(viewer.caption(), EndsWith("C:9/11  I:-3/-1"));
+  {
+    const DialogActor actor("Enter Scale", [](QDialog& dialog) {
+      EXPECT_EQ(dialog.findChild<QLineEdit*>("firstMaximum")->text(), "5") << "the operator's own";
+      press(dialog, Qt::Key_Return);
+    });
+    key(Qt::Key_S);
+  }
+  EXPECT_THAT(viewer.caption(), EndsWith("C:0/5  I:-10/10"));
+  EXPECT_GT(marks(), 3U) << "10 mS/m";
+  ASSERT_TRUE(taken);
+  EXPECT_EQ(taken->conductivityMaximum, 5.0F);
+  ASSERT_TRUE(viewer.openFile(path));
+  EXPECT_GT(marks(), 3U) << "holds for the next file, too";
+  taken.reset();
+  QTest::mouseClick(&button(493), Qt::LeftButton);
+  EXPECT_EQ(marks(), 0U);
+  ASSERT_TRUE(viewer.openFile(path));
+  EXPECT_EQ(marks(), 0U);
+  EXPECT_FALSE(taken);
+}
+
+TEST_F(ViewFilesTest, ZoomsByKeysButtonsAndWheelAndStretchesShortLines) {
+  const auto path = survey(600);
+  ASSERT_TRUE(viewer.openFile(path));
+  const auto before = at;
+  const auto places = [&] {
+    std::string text;
+    for (const auto& label : plot().labels()) text += label.text + " ";
+    return text;
+  };
+  const auto usual = places();
+  key(Qt::Key_Minus);
+  const auto whole = places();
+  EXPECT_THAT(whole, HasSubstr("10.00 ")) << "the first";
+  EXPECT_THAT(whole, HasSubstr(" 8")) << "one near the last, 908.50";
+  key(Qt::Key_Right, 3);
+  EXPECT_THAT(readout(), StartsWith("Stn: 88.00\n"));
+  tapAt(plot(), plot().width() - 3);
+  EXPECT_THAT(readout(), StartsWith("Stn: 90")) << "in the last column";
+  key(Qt::Key_Home);
+  viewer.run(kZoomIn);
+  EXPECT_EQ(places(), usual);
+  QTest::mouseClick(&button(495), Qt::LeftButton);
+  EXPECT_NE(places(), usual);
+  key(Qt::Key_Plus, 9);
+  key(Qt::Key_Right, 9);
+  EXPECT_THAT(places(), HasSubstr(readout().substr(5, 6))) << "the view follows the bar";
+  for (int i = 0; i < 20; ++i) {
+    QWheelEvent wheel(QPointF(9, 9), QPointF(9, 9), {}, QPoint(0, -120), Qt::NoButton, Qt::NoModifier,
+                      Qt::NoScrollPhase, false);
+    QApplication::sendEvent(&viewer, &wheel);
+  }
+  EXPECT_EQ(places(), whole);
+  EXPECT_EQ(at.pointsInView, before.pointsInView);
+
+  ASSERT_TRUE(viewer.openFile(survey(20)));
+  EXPECT_EQ(at.bar, 10);
+  EXPECT_GT(plot().bar(), plot().width() / 3) << "stretched";
+  tapAt(plot(), plot().width() - 3);
+  EXPECT_EQ(at.bar, 20);
 }
 
 TEST_F(ViewFilesTest, SavesPicturesAndTablesButNeverOverADataFile) {
@@ -237,7 +310,7 @@ TEST_F(ViewFilesTest, WhatCannotBeShownIsTold) {
   EXPECT_TRUE(viewer.openFile(folder.path() / "none.ROR"));
   EXPECT_THAT(viewer.caption(), EndsWith("no lines"));
   for (const auto each : {Qt::Key_Home, Qt::Key_PageDown, Qt::Key_End, Qt::Key_L}) key(each);
-  EXPECT_EQ(readout(), "");
+  EXPECT_EQ(readout(), "No station here\n");
 }
 
 TEST(ViewerLayout, NothingOverlapsOrLeavesTheWindowAndButtonsFitAFinger) {

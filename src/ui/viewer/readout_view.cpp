@@ -14,7 +14,7 @@ constexpr int kSmallestText = 9;  // pixels
 constexpr int kMargin = 3;
 constexpr int kSwatchGap = 3;
 
-constexpr int kMostColumns = 6;
+constexpr std::size_t kMostColumns = 6;
 constexpr int kNoteFlags = static_cast<int>(Qt::AlignLeft | Qt::AlignTop) | Qt::TextWordWrap;
 
 // What a station may well have: a comment of full length and an event.
@@ -22,6 +22,10 @@ const std::vector<std::string> kUsualNotes{"10:00:00 Comment: MMMMMMMMMMM", "10:
 
 // The place of a trace's colour.
 int swatchWidth(int lineHeight) { return lineHeight / 3; }
+
+std::string shownText(const ReadoutField& field, bool units) {
+  return units ? readoutText(field) : field.label + ": " + field.value;
+}
 
 int noteHeight(const QFontMetrics& metrics, const std::string& note, int width) {
   return metrics.boundingRect(QRect(0, 0, width, 1), kNoteFlags, qtText(note)).height();
@@ -55,6 +59,8 @@ std::string ReadoutView::text() const {
   return all;
 }
 
+// Room for the usual notes is kept where there are none, so that the text does not change its size at every other
+// station.
 int ReadoutView::heightOfNotes(const QFontMetrics& metrics) const {
   const int wide = width() - 2 * kMargin;
   const auto all = [&](const std::vector<std::string>& notes) {
@@ -65,45 +71,51 @@ int ReadoutView::heightOfNotes(const QFontMetrics& metrics) const {
   return std::max(all(kUsualNotes), all(readout_.notes));
 }
 
-// The largest text with which all fields and the notes fit, in as many columns as there is room for. Room for the usual
-// notes is kept where there are none, so that the text does not change its size at every other station.
-ReadoutView::Grid ReadoutView::gridFor() const {
-  Grid grid{.font = font(), .widths = {}};
+// In as many columns as there is room for.
+ReadoutView::Grid ReadoutView::gridOf(int pixels, bool units) const {
+  Grid grid{.font = font(), .widths = {}, .units = units};
+  grid.font.setPixelSize(pixels);
+  QFont plain = grid.font;
+  grid.font.setBold(true);
+  const QFontMetrics metrics(grid.font);
   const int wide = width() - 2 * kMargin;
-  const int count = static_cast<int>(readout_.fields.size());
-  for (int pixels = largest_text_; pixels >= kSmallestText; --pixels) {
-    grid.font.setPixelSize(pixels);
-    grid.font.setBold(true);
-    const QFontMetrics metrics(grid.font);
-    QFont plain = grid.font;
-    plain.setBold(false);
-    grid.lineHeight = metrics.lineSpacing();
-    grid.notes = heightOfNotes(QFontMetrics(plain));
-    for (int columns = kMostColumns; columns >= 1; --columns) {
-      grid.widths.assign(static_cast<std::size_t>(columns), 0);
-      for (int i = 0; i < count; ++i) {
-        const auto& field = readout_.fields[static_cast<std::size_t>(i)];
-        auto& width = grid.widths[static_cast<std::size_t>(i % columns)];
-        width = std::max(width, metrics.horizontalAdvance(qtText(readoutText(field))) + swatchWidth(grid.lineHeight) +
-                                    4 * kSwatchGap);
-      }
-      if (std::accumulate(grid.widths.begin(), grid.widths.end(), 0) <= wide) break;
+  grid.lineHeight = metrics.lineSpacing();
+  const int beside = swatchWidth(grid.lineHeight) + 4 * kSwatchGap;
+  for (std::size_t columns = kMostColumns; columns >= 1; --columns) {
+    grid.widths.assign(columns, 0);
+    std::size_t column = 0;
+    for (const auto& field : readout_.fields) {
+      auto& width = grid.widths[column++ % columns];
+      width = std::max(width, metrics.horizontalAdvance(qtText(shownText(field, units))) + beside);
     }
-    const int columns = static_cast<int>(grid.widths.size());
-    const int rows = (count + columns - 1) / columns;
-    if (grid.widths.front() <= wide && rows * grid.lineHeight + grid.notes <= height() - 2 * kMargin) break;
+    if (std::accumulate(grid.widths.begin(), grid.widths.end(), 0) <= wide) break;
   }
+  const auto columns = grid.widths.size();
+  const auto rows = static_cast<int>((readout_.fields.size() + columns - 1) / columns);
+  const int high = rows * grid.lineHeight + heightOfNotes(QFontMetrics(plain));
+  grid.fits = grid.widths.front() <= wide && high <= height() - 2 * kMargin;
   return grid;
 }
 
-void ReadoutView::drawField(QPainter& painter, const ReadoutField& field, const QRect& cell) const {
+// The largest text with which all fields and the notes fit; where none does, without the units, which the letters
+// before the values tell, too.
+ReadoutView::Grid ReadoutView::gridFor() const {
+  for (const bool units : {true, false}) {
+    for (int pixels = largest_text_; pixels >= kSmallestText; --pixels) {
+      if (auto grid = gridOf(pixels, units); grid.fits) return grid;
+    }
+  }
+  return gridOf(kSmallestText, false);
+}
+
+void ReadoutView::drawField(QPainter& painter, const ReadoutField& field, const QRect& cell, bool units) const {
   const int swatch = swatchWidth(cell.height());
   if (field.trace >= 0) {
     const QRect place(cell.left(), cell.top() + cell.height() / 4, swatch, cell.height() / 2);
     painter.fillRect(place, QColor(colours_.at(static_cast<std::size_t>(field.trace))));
   }
   const QRect room = cell.adjusted(swatch + kSwatchGap, 0, 0, 0);
-  painter.drawText(room, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, qtText(readoutText(field)));
+  painter.drawText(room, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, qtText(shownText(field, units)));
 }
 
 void ReadoutView::paintEvent(QPaintEvent*) {
@@ -121,7 +133,7 @@ void ReadoutView::paintEvent(QPaintEvent*) {
       cell.moveTo(kMargin, cell.top() + grid.lineHeight);
     }
     cell.setWidth(grid.widths[column++]);
-    drawField(painter, field, cell);
+    drawField(painter, field, cell, grid.units);
     cell.moveLeft(cell.left() + cell.width() + spare / static_cast<int>(grid.widths.size()));
   }
   QFont plain = grid.font;

@@ -30,11 +30,13 @@ class ReadoutView final : public QWidget {
     QFont font;
     std::vector<int> widths;  // of the columns
     int lineHeight = 0;
-    int notes = 0;  // pixels, high
+    bool units = true;
+    bool fits = false;
   };
+  Grid gridOf(int pixels, bool units) const;
   Grid gridFor() const;
   int heightOfNotes(const QFontMetrics& metrics) const;
-  void drawField(QPainter& painter, const ReadoutField& field, const QRect& cell) const;
+  void drawField(QPainter& painter, const ReadoutField& field, const QRect& cell, bool units) const;
 
   const Theme* theme_;
   RowReadout readout_;

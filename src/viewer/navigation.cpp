@@ -112,6 +112,19 @@ void fileClosed(Navigation& state) {
   state.pointsInView = pointsInView;
 }
 
+ViewStep goToEnd(Navigation& state) { return goToRow(state, state.totalRows); }
+
+ViewStep lineGrew(Navigation& state, int totalRows) {
+  const int row = rowAtBar(state);
+  const bool atEnd = state.lastRow >= state.totalRows;
+  const bool barAtEnd = row == state.totalRows;
+  state.totalRows = totalRows;
+  showFrom(state, atEnd ? std::max(1, lastView(state)) : state.firstRow);
+  const int wanted = barAtEnd && atEnd ? totalRows : row;
+  placeBar(state, std::clamp(wanted - state.firstRow + 1, 1, state.pointsInView));
+  return kViewMoved;
+}
+
 ViewStep goToRow(Navigation& state, int row) {
   if (!state.fileOpen || state.totalRows < 1) return kNothing;
   const int wanted = std::clamp(row, 1, state.totalRows);

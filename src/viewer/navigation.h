@@ -64,6 +64,12 @@ ViewStep moveView(Navigation& state, ViewCommand command);
 bool selectLine(Navigation& state, std::size_t index);
 ViewStep lineExtracted(Navigation& state, int totalRows);
 
+// The line has grown to `totalRows`. While its last row is in view the view goes along; a bar on that row stays on the
+// last one, any other on its station as long as that is in view.
+ViewStep lineGrew(Navigation& state, int totalRows);
+// The view and the bar to the last row.
+ViewStep goToEnd(Navigation& state);
+
 // A file was opened and its first line extracted (`totalRows` 0 where it has none).
 ViewStep fileOpened(Navigation& state, int totalRows);
 void fileClosed(Navigation& state);

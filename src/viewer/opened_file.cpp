@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <system_error>
+
 namespace kalmira {
 
 std::unique_ptr<OpenedFile> openDataFile(const std::filesystem::path& path, std::string& problem) {
@@ -41,6 +43,16 @@ bool fillSome(OpenedFile& file, std::string& problem) {
   const auto error = fillRows(file.reader, file.scanned, file.line, written + kRows);
   problem = error.text;
   return error.kind == ViewerErrorKind::none && file.line.filling.place.rows < file.line.rowCount();
+}
+
+FileGrowth followFile(OpenedFile& file) {
+  std::error_code ignored;
+  const auto size = std::filesystem::file_size(file.path, ignored);
+  if (ignored || size <= file.scanned.scannedTo || file.reader.error().kind != FileErrorKind::none) return {};
+  FileGrowth growth;
+  growth.lines = extendScan(file.reader, file.scanned);
+  growth.rows = extendLine(file.reader, file.scanned, file.line);
+  return growth;
 }
 
 std::string fileCaption(const OpenedFile& file) {

@@ -37,6 +37,13 @@ std::vector<std::string> loadView(OpenedFile& file, const PlotView& view, const 
 // says what went wrong, if anything did.
 bool fillSome(OpenedFile& file, std::string& problem);
 
+// What has come into a file that is being logged since it was looked at.
+struct FileGrowth {
+  bool rows = false;   // of the line that is shown
+  bool lines = false;  // others have begun
+};
+FileGrowth followFile(OpenedFile& file);
+
 // "111510A.ROR  TESK, ice thickness", with what is damaged in it.
 std::string fileCaption(const OpenedFile& file);
 

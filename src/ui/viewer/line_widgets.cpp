@@ -23,11 +23,17 @@ class LineModel final : public QAbstractListModel {
   void setLines(const std::vector<SurveyLine>* lines) {
     beginResetModel();
     lines_ = lines;
+    known_ = lines == nullptr ? 0 : static_cast<int>(lines->size());
     endResetModel();
   }
-  int rowCount(const QModelIndex& parent = {}) const override {
-    return parent.isValid() || lines_ == nullptr ? 0 : static_cast<int>(lines_->size());
+  void takeNewLines() {
+    const int now = lines_ == nullptr ? 0 : static_cast<int>(lines_->size());
+    if (now <= known_) return;
+    beginInsertRows({}, known_, now - 1);
+    known_ = now;
+    endInsertRows();
   }
+  int rowCount(const QModelIndex& parent = {}) const override { return parent.isValid() ? 0 : known_; }
   QVariant data(const QModelIndex& index, int role) const override {
     if (role != Qt::DisplayRole || !index.isValid()) return {};
     return qtText(lineNameOf((*lines_)[static_cast<std::size_t>(index.row())]));
@@ -35,6 +41,7 @@ class LineModel final : public QAbstractListModel {
 
  private:
   const std::vector<SurveyLine>* lines_ = nullptr;
+  int known_ = 0;
 };
 
 constexpr int kMark = 8;    // pixels, of an arrow
@@ -64,6 +71,8 @@ void LineList::setLines(const std::vector<SurveyLine>* lines) {
   static_cast<LineModel*>(model())->setLines(lines);
   setCurrentIndex(count() == 0 ? -1 : 0);
 }
+
+void LineList::takeNewLines() { static_cast<LineModel*>(model())->takeNewLines(); }
 
 bool LineList::eventFilter(QObject* watched, QEvent* event) {
   if (event->type() == QEvent::Hide) {

@@ -21,6 +21,8 @@ class LineList final : public QComboBox {
 
   // Selects the first one. The lines must outlive the list or be taken away: nullptr.
   void setLines(const std::vector<SurveyLine>* lines);
+  // Lines have been added at the end of the table.
+  void takeNewLines();
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  protected:

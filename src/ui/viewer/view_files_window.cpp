@@ -1,7 +1,9 @@
 #include "ui/viewer/view_files_window.h"
 
+#include <QAbstractItemView>
 #include <QEvent>
 #include <QKeyEvent>
+#include <QLabel>
 #include <QPainter>
 #include <QWheelEvent>
 #include <algorithm>
@@ -27,6 +29,7 @@ constexpr double kLabelUnits = 9;     // of texts at the plot
 constexpr int kSmallestLabel = 9;     // pixels
 
 constexpr int kWheelNotch = 120;
+constexpr int kFollow_ms = 500;
 
 bool movesView(ViewCommand command) { return command <= ViewCommand::lineEnd; }
 
@@ -57,6 +60,13 @@ ViewFilesWnd::ViewFilesWnd(ViewerHost host, const Theme& theme, QWidget* parent)
           theme, [this](int row) { moveToRow(row); }, this)),
       buttons_(this, theme, [this](int index) { run(viewEntries().at(static_cast<std::size_t>(index)).command); }) {
   makeButtons();
+  concern_ = new QLabel(this);
+  concern_->setObjectName("concern");
+  concern_->setAlignment(Qt::AlignCenter);
+  concern_->setWordWrap(true);
+  concern_->setAutoFillBackground(true);
+  concern_->hide();
+  connect(&following_, &QTimer::timeout, this, [this] { follow(); });
   connect(&filling_, &QTimer::timeout, this, [this] {
     std::string problem;
     if (file_ != nullptr && fillSome(*file_, problem)) return;
@@ -86,10 +96,13 @@ void ViewFilesWnd::open() {
   outer_title_ = window()->windowTitle();
   cover();
   arrange();
+  following_.start(kFollow_ms);
 }
 
 void ViewFilesWnd::leave() {
   finishRows();
+  following_.stop();
+  concern_->hide();
   fileClosed(navigation_);
   lines_->setLines(nullptr);
   plot_->clearPlot();
@@ -191,6 +204,40 @@ void ViewFilesWnd::chooseLine(int index) {
   apply(lineExtracted(navigation_, file_->line.rowCount()));
   showOverview();
   if (!problem.empty()) tell(problem);
+}
+
+void ViewFilesWnd::showEnd() {
+  if (file_ == nullptr || file_->scanned.lines.empty()) return;
+  lines_->setCurrentIndex(lines_->count() - 1);
+  chooseLine(lines_->currentIndex());
+  apply(goToEnd(navigation_));
+}
+
+void ViewFilesWnd::follow() {
+  showConcern();
+  if (file_ == nullptr || acting_ || telling_ || lines_->view()->isVisible()) return;
+  const bool newest = navigation_.selectedLine + 1 == file_->scanned.lines.size() || file_->scanned.lines.empty();
+  const bool atEnd = newest && navigation_.lastRow >= navigation_.totalRows;
+  const auto growth = followFile(*file_);
+  if (growth.rows) {
+    takeScale();
+    apply(lineGrew(navigation_, file_->line.rowCount()));
+    showOverview();
+    filling_.start(0);
+  }
+  if (!growth.lines) return;
+  lines_->takeNewLines();
+  showButtons();
+  showCaption();
+  if (atEnd) showEnd();
+}
+
+void ViewFilesWnd::showConcern() {
+  const auto text = host_.concern ? host_.concern() : std::string();
+  if (qtText(text) == concern_->text() && concern_->isVisible() == !text.empty()) return;
+  concern_->setText(qtText(text));
+  concern_->setVisible(!text.empty());
+  concern_->raise();
 }
 
 void ViewFilesWnd::enterScale() {
@@ -346,6 +393,11 @@ void ViewFilesWnd::arrange() {
   lines_->setGeometry(layout.lines);
   buttons_.place(layout.buttons, layout.buttons[0].height() / 2);
   caption_place_ = layout.caption;
+  concern_->setGeometry(layout.caption.united(layout.readout));
+  QPalette colours = concern_->palette();
+  colours.setColor(QPalette::Window, QColor(theme_->warning));
+  colours.setColor(QPalette::WindowText, QColor(theme_->warningText));
+  concern_->setPalette(colours);
   readout_->setLargestText(std::max(kSmallestLabel, static_cast<int>(kReadoutUnits * layout.scale)));
   readout_->setGeometry(layout.readout);
   texts.setPixelSize(std::max(kSmallestLabel, static_cast<int>(kLabelUnits * layout.scale)));

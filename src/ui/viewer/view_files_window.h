@@ -15,6 +15,8 @@
 #include "viewer/navigation.h"
 #include "viewer/opened_file.h"
 
+class QLabel;
+
 namespace kalmira {
 
 class LineList;
@@ -33,7 +35,9 @@ struct ViewerHost {
   std::function<void(Kind kind, bool ice, const Settings& changed)> takeSettings;
   // Kinds whose scale the operator has confirmed in the scale dialog, and not asked to be fitted since.
   std::bitset<kKindCount>& confirmedScales;
-  std::function<void()> onLeft;  // the viewer is closed; the main menu is to be shown
+  std::function<void()> onLeft;  // the viewer is closed; what it covered is to be shown
+  // What a session below the viewer has to say at once, in words; empty while all is well.
+  std::function<std::string()> concern = {};
 };
 
 // ViewFilesWnd: opens a data file, lists its survey lines and moves along one of them. Data files are only ever read.
@@ -46,6 +50,9 @@ class ViewFilesWnd final : public CoverWindow {
   // Shows the file in place of the one that is open. False when it cannot be opened: the operator has been told why,
   // and what was shown stays.
   bool openFile(const std::filesystem::path& path);
+  // Shows the end of the file's last line, as of a file that is being logged. New readings come in as long as the end
+  // of a line is in view, and the next line when it begins.
+  void showEnd();
   // Closes file and window.
   void leave();
   // Whatever a button or key asks for.
@@ -72,6 +79,8 @@ class ViewFilesWnd final : public CoverWindow {
   void showScale();
   void changeZoom(ViewCommand command);
   void finishRows();
+  void follow();
+  void showConcern();
   using WriteFile = std::function<std::string(const std::filesystem::path&)>;
   void saveAs(const SaveQuestion& question, const WriteFile& write);
   void savePicture();
@@ -101,7 +110,8 @@ class ViewFilesWnd final : public CoverWindow {
   Zoom zoom_;
   PlotView view_;
   QTimer filling_;  // the row files, while nothing else is to be done
-  int wheel_ = 0;   // of a notch
+  QTimer following_;
+  int wheel_ = 0;  // of a notch
   std::string caption_;
   std::string status_;
   QString outer_title_;  // of the program's window, as it was before
@@ -113,6 +123,7 @@ class ViewFilesWnd final : public CoverWindow {
   OverviewStrip* overview_;
   ActionBar buttons_;
   QRect caption_place_;
+  QLabel* concern_;  // over all else
 };
 
 }  // namespace kalmira

@@ -76,13 +76,15 @@ struct ViewFilesTest : testing::Test {
   std::optional<Settings> taken;
   std::bitset<kKindCount> confirmed;
   int left = 0;
+  std::string concern;
   QWidget main;
   ViewFilesWnd& viewer = *new ViewFilesWnd({.place = {.kind = Kind::orla, .root = folder.path()},
                                             .extract = {},
                                             .settingsFor = [this](Kind, bool) { return settings; },
                                             .takeSettings = [this](Kind, bool, const Settings& now) { taken = now; },
                                             .confirmedScales = confirmed,
-                                            .onLeft = [this] { ++left; }},
+                                            .onLeft = [this] { ++left; },
+                                            .concern = [this] { return concern; }},
                                            dayTheme(), &main);
   const Navigation& at = viewer.navigation();
 };
@@ -253,6 +255,53 @@ TEST_F(ViewFilesTest, ZoomsByKeysButtonsAndWheelAndStretchesShortLines) {
   EXPECT_GT(plot().bar(), plot().width() / 3) << "stretched";
   tapAt(plot(), plot().width() - 3);
   EXPECT_EQ(at.bar, 20);
+}
+
+TEST_F(ViewFilesTest, AFileThatGrowsIsFollowedAtItsEnd) {
+  const auto path = survey(300);
+  const auto grow = [&](int stations, const std::string& before = "") {
+    std::string bytes = before;
+    for (int i = 0; i < stations; ++i) bytes += vertical();
+    std::ofstream(path, std::ios::binary | std::ios::app) << bytes;
+  };
+  ASSERT_TRUE(viewer.openFile(path));
+  grow(200);
+  QTest::qWait(700);
+  EXPECT_EQ(at.totalRows, 300) << "another line is shown";
+  viewer.showEnd();
+  EXPECT_EQ(at.selectedLine, 1U);
+  EXPECT_EQ(at.totalRows, 207);
+  EXPECT_EQ(rowAtBar(at), 207);
+  grow(300);
+  ASSERT_TRUE(QTest::qWaitFor([&] { return at.totalRows == 507; }));
+  EXPECT_EQ(at.lastRow, 507);
+  EXPECT_EQ(rowAtBar(at), 507) << "the bar goes along";
+  EXPECT_THAT(readout(), StartsWith("Stn: 800.00\n"));
+  key(Qt::Key_Left, 5);
+  grow(1);
+  ASSERT_TRUE(QTest::qWaitFor([&] { return at.totalRows == 508; }));
+  EXPECT_EQ(rowAtBar(at), 502) << "or stays where it is";
+  key(Qt::Key_Home);
+  grow(1);
+  ASSERT_TRUE(QTest::qWaitFor([&] { return at.totalRows == 509; }));
+  EXPECT_EQ(at.firstRow, 1);
+  key(Qt::Key_End);
+  grow(3, lineBlock("L9"));
+  ASSERT_TRUE(QTest::qWaitFor([&] { return at.selectedLine == 2; })) << "the next line";
+  EXPECT_EQ(at.totalRows, 3);
+  EXPECT_EQ(lines().count(), 3);
+  viewer.leave();
+  EXPECT_EQ(std::filesystem::file_size(rowFilesOf(folder.path(), kDefaultStorageClass).line1), 3 * kLine1Row);
+}
+
+TEST_F(ViewFilesTest, WhatASessionHasToSayStandsInFront) {
+  ASSERT_TRUE(viewer.openFile(survey(300)));
+  const auto& band = *viewer.findChild<QLabel*>("concern");
+  for (const std::string text : {"Please Wait...", ""}) {
+    concern = text;
+    EXPECT_TRUE(QTest::qWaitFor([&] { return band.isVisible() == !text.empty(); }));
+    EXPECT_EQ(band.text().toStdString(), text);
+  }
 }
 
 TEST_F(ViewFilesTest, SavesPicturesAndTablesButNeverOverADataFile) {

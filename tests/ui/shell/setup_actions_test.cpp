@@ -95,7 +95,7 @@ TEST_F(SetupActionsTest, TheFileBeingLoggedIsShownOverTheSessionWhichGoesOn) {
   pressInMenu(Qt::Key_V);
   log.runCode(4);
   ViewFilesWnd* viewer = nullptr;
-  ASSERT_TRUE(waitFor([&] { return (viewer = dynamic_cast<ViewFilesWnd*>(QApplication::focusWidget())) != nullptr; }));
+  ASSERT_TRUE(waitFor([&] { return (viewer = dynamic_cast<ViewFilesWnd*>(window->focusWidget())) != nullptr; }));
   EXPECT_TRUE(log.isVisible());
   startRecording(session);
   const auto logUntil = [&](int rows) {
@@ -112,22 +112,22 @@ TEST_F(SetupActionsTest, TheFileBeingLoggedIsShownOverTheSessionWhichGoesOn) {
     session.view.tell({.title = "Told", .text = "of the session"});
   }
   EXPECT_EQ(text, "of the session");
-  EXPECT_TRUE(viewer->hasFocus()) << "not the session below";
+  EXPECT_EQ(window->focusWidget(), viewer) << "not the session below";
   QTest::keyClick(viewer, Qt::Key_X);
-  EXPECT_TRUE(log.hasFocus());
+  EXPECT_EQ(window->focusWidget(), &log);
   EXPECT_EQ(session.loggingState, kLogging);
   {
     const DialogActor actor("View Files", noted(text));
     actions->showFile(&*window, folder.path() / "nowhere.ROR");
   }
-  EXPECT_TRUE(log.hasFocus());
+  EXPECT_EQ(window->focusWidget(), &log);
   actions->showFile(&*window, session.file.path());
   log.leaveAtOnce();
-  auto* shown = dynamic_cast<ViewFilesWnd*>(QApplication::focusWidget());
+  auto* shown = dynamic_cast<ViewFilesWnd*>(window->focusWidget());
   ASSERT_NE(shown, nullptr);
   EXPECT_GE(shown->navigation().totalRows, 3);
   QTest::keyClick(shown, Qt::Key_X);
-  EXPECT_TRUE(window->hasFocus());
+  EXPECT_EQ(window->focusWidget(), &*window);
 }
 
 TEST_F(SetupActionsTest, WhatIsSetUpStandsInTheFilesOfEveryFamily) {

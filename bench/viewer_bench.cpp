@@ -8,6 +8,7 @@
 #include <fstream>
 #include <string>
 
+#include "chart/chart_picture.h"
 #include "datafile/record_format.h"
 #include "platform/text.h"
 #include "viewer/plot_points.h"
@@ -127,6 +128,35 @@ void stepAlong(benchmark::State& state, Kind kind, const Size& size) {
 BENCHMARK_CAPTURE(stepAlong, orla, Kind::orla, kManyLines)->Unit(benchmark::kMicrosecond);
 BENCHMARK_CAPTURE(stepAlong, tesk2, Kind::tesk2, kManyLines)->Unit(benchmark::kMicrosecond);
 BENCHMARK_CAPTURE(stepAlong, orlaTenMillion, Kind::orla, kOneLine)->Unit(benchmark::kMicrosecond);
+
+// The whole line on a wide screen, as after each change of size.
+void redrawWhole(benchmark::State& state) {
+  Survey survey(Kind::orla, kOneLine);
+  if (!survey.open()) state.SkipWithError("the survey cannot be opened");
+  constexpr int kWidth = 1280;
+  constexpr int kHeight = 600;
+  ChartPicture picture({}, kWidth, kHeight);
+  const auto setup = plotSetup(survey.file, {}, kWidth, kHeight);
+  while (state.KeepRunning()) {
+    const auto overview = lineOverview(survey.line.summary, kWidth - 2);
+    DrawOverview(picture, setup, overview, kFirstColumn, true);
+    benchmark::DoNotOptimize(offScaleMarks(setup, overview, kFirstColumn, 12));
+  }
+}
+BENCHMARK(redrawWhole)->Unit(benchmark::kMillisecond);
+
+// What is written beside the screen, a little at a time.
+void fillRowFiles(benchmark::State& state) {
+  Survey survey(Kind::orla, kOneLine);
+  while (state.KeepRunning()) {
+    state.PauseTiming();
+    if (!survey.open()) state.SkipWithError("the survey cannot be opened");
+    state.ResumeTiming();
+    if (fillRows(survey.reader, survey.file, survey.line, survey.line.rowCount()).kind != ViewerErrorKind::none)
+      state.SkipWithError("the row files cannot be written");
+  }
+}
+BENCHMARK(fillRowFiles)->Unit(benchmark::kMillisecond);
 
 void plainCopy(benchmark::State& state) {
   Survey survey(Kind::orla);

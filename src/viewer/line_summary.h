@@ -10,7 +10,7 @@
 namespace kalmira {
 
 // From the least to the largest value of a trace.
-struct ValueSpan {
+struct TraceSpan {
   float least = std::numeric_limits<float>::infinity();
   float largest = -std::numeric_limits<float>::infinity();
 
@@ -19,12 +19,12 @@ struct ValueSpan {
     if (value < least) least = value;
     if (value > largest) largest = value;
   }
-  void take(const ValueSpan& other) {
+  void take(const TraceSpan& other) {
     if (other.least < least) least = other.least;
     if (other.largest > largest) largest = other.largest;
   }
 };
-using TraceSpans = std::array<ValueSpan, kProfilePoints>;
+using TraceSpans = std::array<TraceSpan, kProfilePoints>;
 
 // What all rows of a line are between, in blocks of as many rows as keep it below three megabytes: a line of ten
 // million stations is drawn without going over it again.

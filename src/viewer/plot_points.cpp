@@ -4,10 +4,11 @@
 
 #include <algorithm>
 #include <bitset>
+#include <cmath>
 #include <optional>
 #include <utility>
 
-#include "chart/scale_fit.h"
+#include "settings/display_options.h"
 #include "viewer/row_files.h"
 
 namespace kalmira {
@@ -45,7 +46,7 @@ void drawStation(ChartCanvas& canvas, const ProfileSetup& setup, const TracePoin
 }
 
 // The y of one end of every trace's span.
-TracePoints endOf(const ProfileSetup& setup, const TraceSpans& spans, float ValueSpan::*end) {
+TracePoints endOf(const ProfileSetup& setup, const TraceSpans& spans, float TraceSpan::*end) {
   StationPoint point;
   for (std::size_t slot = 0; slot < kSlots; ++slot) {
     point.channels.present[slot] = spans[slot].any() ? 1 : 0;
@@ -66,8 +67,8 @@ struct Stroke {
 using Strokes = std::array<Stroke, kProfilePoints>;
 
 Strokes strokesOf(const ProfileSetup& setup, const TraceSpans& spans) {
-  const auto least = endOf(setup, spans, &ValueSpan::least);
-  const auto largest = endOf(setup, spans, &ValueSpan::largest);
+  const auto least = endOf(setup, spans, &TraceSpan::least);
+  const auto largest = endOf(setup, spans, &TraceSpan::largest);
   Strokes strokes;
   for (std::size_t i = 0; i < kProfilePoints; ++i) {
     strokes[i] = {.any = spans[i].any() && least.drawn[i], .top = largest.y[i], .bottom = least.y[i]};
@@ -124,9 +125,34 @@ class Marks {
   Edges used_{};
 };
 
+constexpr double kRoom = 0.03;   // of the values' range, beyond each end
+constexpr double kSteps = 10.0;  // that the scale is made of, about
+
+// The smallest of 1, 2, 5, 10, 20 ... times `unit` that is not below `wanted`.
+double roundStep(double wanted, double unit) {
+  double step = unit;
+  for (int turn = 0; step < wanted; ++turn) step *= turn % 3 == 1 ? 2.5 : 2.0;
+  return step;
+}
+
+// Ends at round numbers, with a little room at both so that no trace runs along an edge. Whole numbers, of a thickness
+// in metres tenths from 0 up.
+ScaleEnds endsAround(const TraceSpan& values, bool thickness) {
+  constexpr double kFarthest = 1e9;
+  const double low = std::clamp(static_cast<double>(values.least), -kFarthest, kFarthest);
+  const double high = std::clamp(static_cast<double>(values.largest), low, kFarthest);
+  const double room = (high - low) * kRoom;
+  const double step = roundStep((high - low) / kSteps, thickness ? 0.1 : 1.0);
+  double minimum = std::floor((low - room) / step) * step;
+  double maximum = std::ceil((high + room) / step) * step;
+  if (maximum - minimum < 2.0 * step) minimum -= step, maximum += step;
+  if (thickness) minimum = std::max(minimum, 0.0);
+  return {static_cast<float>(minimum), static_cast<float>(maximum)};
+}
+
 ScaleEnds fitted(const Instrument& instrument, bool ice, const ProfileSetup& setup, int axis, const TraceSpans& spans,
                  const ScaleEnds& before) {
-  ValueSpan values;
+  TraceSpan values;
   for (const auto& channel : channelsOf(instrument, ice)) {
     if (channel.axis == axis && setup.traceShown[channel.slot] == 1) values.take(spans[channel.slot]);
   }
@@ -134,7 +160,7 @@ ScaleEnds fitted(const Instrument& instrument, bool ice, const ProfileSetup& set
     values.take(spans[i]);
   if (!values.any()) return before;
   const bool thickness = axis == kIceAxis || (axis == kConductivityAxis && instrument.firstAxisIsThickness);
-  return fittedScale(values.least, values.largest, thickness);
+  return endsAround(values, thickness);
 }
 
 }  // namespace
@@ -192,8 +218,8 @@ std::vector<OffScaleMark> offScaleMarks(const ProfileSetup& setup, const Overvie
   Marks marks(setup, size);
   int column = left;
   for (const auto& spans : overview.spans) {
-    auto highest = endOf(setup, spans, &ValueSpan::largest);
-    auto lowest = endOf(setup, spans, &ValueSpan::least);
+    auto highest = endOf(setup, spans, &TraceSpan::largest);
+    auto lowest = endOf(setup, spans, &TraceSpan::least);
     for (std::size_t i = 0; i < kProfilePoints; ++i) {
       highest.drawn[i] = highest.drawn[i] && spans[i].any();
       lowest.drawn[i] = lowest.drawn[i] && spans[i].any();

@@ -328,7 +328,7 @@ TEST(StationLabels, areAsFarApartAsTheirTextsAreWide) {
 TEST(FittedSettings, holdTheShownTracesWithinRoundEnds) {
   struct Case {
     std::string header;
-    std::vector<std::pair<std::size_t, ValueSpan>> spans;
+    std::vector<std::pair<std::size_t, TraceSpan>> spans;
     std::array<float, 6> ends;  // first scale, inphase, ice
   };
   const Settings usual;

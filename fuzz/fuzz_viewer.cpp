@@ -50,19 +50,18 @@ void showLine(RecordReader& reader, const ScannedFile& file, const RowFiles& row
   const auto count = static_cast<std::uintmax_t>(line.rowCount());
   require(std::filesystem::file_size(rows.line1) == count * kLine1Row);
   require(std::filesystem::file_size(rows.line2) == count * kLine2Row);
-  require(file.header.kind != Kind::tesk2 || line.extras.size() == line.rows.size());
 
   constexpr int kView = 20;
   std::vector<StationPoint> points;
-  LoadLineRows(rows, file, line, 0, kView - 1, 0, points);
+  LoadLineRows(reader, file, line, 0, kView - 1, 0, points);
   require(points.size() == kView && !points[0].valid);
   BlindCanvas canvas;
   const auto setup = plotSetup(file, {}, kView + 2, 50);
   DrawStationPlot(canvas, setup, points);
-  DrawOverview(canvas, setup, lineOverview(rows, file, line, 7));
+  DrawOverview(canvas, setup, lineOverview(line.summary, 7));
   stationLabels(points, 3);
   for (int row = 0; row < kView; ++row) {
-    readoutFields(file, line, row, points[static_cast<std::size_t>(row)]);
+    readoutFields(file, placeOfRow(reader, file, line, row), points[static_cast<std::size_t>(row)]);
     for (const auto& note : readStationNotes(reader, file, line, row).notes) noteText(note);
   }
 }

@@ -1,10 +1,7 @@
 #include "viewer/line_extract.h"
 
 #include <algorithm>
-#include <cmath>
 
-#include "datafile/reading_context.h"
-#include "datafile/record_parse.h"
 #include "platform/text.h"
 
 namespace kalmira {
@@ -26,132 +23,9 @@ void takeHeader(const Header1& header, ScannedFile& file) {
   file.readingsPerStation = readingsPerStationOf(header.kind, header.surveyMode, header.listA, header.listB);
 }
 
-constexpr int kBreakRows = 4;
-
-// A number from a column (from 1) on; 0 when there is none.
-double numberFrom(std::string_view record, std::size_t column) {
-  const double value = parseReal(record.substr(column - 1));
-  return std::isfinite(value) ? value : 0.0;
-}
-
-// A station's readings that wait for the station to be whole.
-struct PendingRow {
-  int count = 0;  // of readings; 0: none
-  Channels channels;
-  std::array<float, 2> extras{};
-  RowPlace place;
-};
-
-class Extraction {
- public:
-  Extraction(const ScannedFile& file, const ExtractOptions& options, RowWriter& writer, ExtractedLine& out)
-      : file_(file),
-        writer_(writer),
-        out_(out),
-        decoder_(file.header, options.teskRangeTimes10),
-        extras_(decoder_.instrument().drawsAuxiliary) {}
-
-  // Any record of the line behind its name.
-  void take(const Record& record) {
-    switch (recordTypeOf(record.bytes)) {
-      case RecordType::startStation:
-        if (opening_) start_ = numberFrom(record.bytes, 2);
-        break;
-      case RecordType::direction:
-        if (opening_) takeIncrement(record.bytes);
-        break;
-      case RecordType::calibration: takeCalibration(record.bytes); break;
-      case RecordType::date:
-        if (const auto date = parseDate(record.bytes)) times_.takeDate(*date);
-        break;
-      case RecordType::timeMark:
-        if (const auto mark = parseTimeMark(record.bytes)) times_.takeMark(*mark);
-        break;
-      case RecordType::station: takeStation(record); break;
-      case RecordType::reading: takeReading(record); break;
-      default: break;
-    }
-  }
-
- private:
-  // The line's own "B" and "A" stand before its first reading; further ones are strays. Sentences of the satellite
-  // receiver, which come whenever they come, may stand between them.
-  void takeIncrement(std::string_view record) {
-    increment_ = numberFrom(record, 3);
-    station_ = start_ - increment_;
-    opening_ = false;
-  }
-
-  void takeCalibration(std::string_view record) {
-    if (!decoder_.instrument().calibrated || record[1] < '1' || record[1] > '6') return;
-    decoder_.takeCalibration({.channel = record[1] - '0', .factor = numberFrom(record, 3), .replaced = 0});
-  }
-
-  void takeStation(const Record& record) {
-    opening_ = false;
-    const RowPlace place{.offset = record.offset, .timeOfDayMs = RowPlace::kNoTime};
-    for (int i = 0; i < kBreakRows; ++i) {
-      writer_.appendBreakRow();
-      out_.rows.push_back(place);
-      if (extras_) out_.extras.push_back({});
-    }
-    station_ = numberFrom(record.bytes, 2) - increment_;
-  }
-
-  void takeReading(const Record& record) {
-    opening_ = false;
-    if (readingRepeat(record.bytes) == 1) {
-      station_ += increment_;
-      // The station before was not whole. Its row bears the number of the one that begins here.
-      if (pending_.count > 0) writeRow();
-      pending_.count = 1;
-    } else {
-      pending_.count = std::max(pending_.count, 1) + 1;
-    }
-    decodeInto(record);
-    if (pending_.count == file_.readingsPerStation) writeRow();
-  }
-
-  void decodeInto(const Record& record) {
-    if (pending_.place.offset == 0) {
-      pending_.place.offset = record.offset;
-      pending_.place.timeOfDayMs = timeOf(record.bytes);
-    }
-    const auto reading = decoder_.decode(readingText(record.bytes));
-    pending_.extras = reading.auxiliary;
-    // Ice thickness is derived again from what the row files hold.
-    for (const auto& channel : channelsOf(decoder_.instrument(), false)) {
-      if (reading.channels.present[channel.slot] == 0) continue;
-      pending_.channels.present[channel.slot] = 1;
-      pending_.channels.value[channel.slot] = reading.channels.value[channel.slot];
-    }
-  }
-
-  std::uint32_t timeOf(std::string_view record) const {
-    const auto tick = parseTick(record);
-    const auto moment = tick ? times_.at(*tick) : std::nullopt;
-    return moment ? moment->timeOfDayMs : RowPlace::kNoTime;
-  }
-
-  void writeRow() {
-    writer_.appendRow(station_, pending_.channels);
-    out_.rows.push_back(pending_.place);
-    if (extras_) out_.extras.push_back(pending_.extras);
-    pending_ = {};
-  }
-
-  const ScannedFile& file_;
-  RowWriter& writer_;
-  ExtractedLine& out_;
-  ReadingDecoder decoder_;
-  bool extras_;
-  RecordTimes times_;
-  bool opening_ = true;  // the increment has not come yet
-  double start_ = 0;
-  double increment_ = 0;
-  double station_ = 0;
-  PendingRow pending_;
-};
+// A line of so many rows is written while it is opened: nobody notices.
+constexpr int kRowsAtOnce = 20000;
+constexpr int kRowsPerWaypoint = 1024;
 
 // Stands behind the line's name record when it returns true.
 bool goToLine(RecordReader& reader, std::uint64_t offset) {
@@ -174,41 +48,89 @@ std::string lineNameOf(const SurveyLine& line) {
 
 FileError ScanDataFile(RecordReader& reader, ScannedFile& file) {
   takeHeader(reader.header(), file);
+  file.scannedTo = static_cast<std::uint64_t>(reader.recordLength());
+  extendScan(reader, file);
+  return reader.error();
+}
+
+bool extendScan(RecordReader& reader, ScannedFile& file) {
   const auto skippedBefore = reader.skippedBytes();
-  reader.seek(static_cast<std::uint64_t>(reader.recordLength()));
+  const auto linesBefore = file.lines.size();
+  reader.seek(file.scannedTo);
   Record record;
   while (reader.next(record)) {
     if (record.bytes[0] == tag::kLine) file.lines.push_back(surveyLineOf(record));
+    file.scannedTo = record.offset + record.bytes.size();
   }
-  file.skippedBytes = reader.skippedBytes() - skippedBefore;
+  file.skippedBytes += reader.skippedBytes() - skippedBefore;
   file.tornBytes = reader.tornBytes();
-  return reader.error();
+  return file.lines.size() > linesBefore;
 }
 
 ViewerError ExtractLine(RecordReader& reader, const ScannedFile& file, std::size_t line, const RowFiles& rowFiles,
                         const ExtractOptions& options, ExtractedLine& extracted) {
   extracted = {};
   extracted.line = line;
-  RowWriter writer;
-  if (auto error = writer.open(rowFiles); error.kind != ViewerErrorKind::none) return error;
+  extracted.options = options;
+  if (auto error = extracted.filling.writer.open(rowFiles); error.kind != ViewerErrorKind::none) return error;
   if (line < 1 || line > file.lines.size()) return {ViewerErrorKind::noSuchLine, "The file has no such line"};
-  const auto begin = file.lines[line - 1].offset;
-  if (!goToLine(reader, begin)) {
+  extracted.begin = file.lines[line - 1].offset;
+  if (!goToLine(reader, extracted.begin)) {
     if (auto error = readError(reader.error()); error.kind != ViewerErrorKind::none) return error;
     return {ViewerErrorKind::noSuchLine, "The line is no longer in the file"};
   }
-  extracted.begin = begin;
-  extracted.end = begin + static_cast<std::uint64_t>(reader.recordLength());
+  extracted.last.offset = extracted.begin + static_cast<std::uint64_t>(reader.recordLength());
+  extracted.waypoints.push_back(extracted.last);
+  extracted.filling.place = extracted.last;
+  extendLine(reader, file, extracted);
+  const auto failure = readError(reader.error());
+  const auto written = fillRows(reader, file, extracted, kRowsAtOnce);
+  return written.kind != ViewerErrorKind::none ? written : failure;
+}
 
-  Extraction extraction(file, options, writer, extracted);
-  Record record;
-  while (!writer.failed() && reader.next(record)) {
-    if (record.bytes[0] == tag::kLine) break;
-    extraction.take(record);
-    extracted.end = record.offset + record.bytes.size();
-  }
-  const auto written = writer.finish();
-  return written.kind != ViewerErrorKind::none ? written : readError(reader.error());
+bool extendLine(RecordReader& reader, const ScannedFile& file, ExtractedLine& extracted) {
+  if (extracted.line == 0 || extracted.complete) return false;
+  const int before = extracted.rowCount();
+  const bool withExtras = instrumentOf(file.header.kind).drawsAuxiliary;
+  LineWalk walk(file, extracted.options, extracted.last);
+  walk.goOn(reader, [&](std::span<const LineRow> rows) {
+    for (const auto& row : rows) extracted.summary.take(row, withExtras);
+    if (walk.state().rows - extracted.waypoints.back().rows >= kRowsPerWaypoint)
+      extracted.waypoints.push_back(walk.state());
+    return true;
+  });
+  extracted.last = walk.state();
+  extracted.complete = walk.atNextLine();
+  return extracted.rowCount() > before;
+}
+
+ViewerError fillRows(RecordReader& reader, const ScannedFile& file, ExtractedLine& line, int upTo) {
+  auto& [writer, place] = line.filling;
+  const int wanted = std::min(upTo, line.rowCount());
+  if (place.rows >= wanted || writer.failed()) return writer.error();
+  LineWalk walk(file, line.options, place);
+  walk.goOn(reader, [&](std::span<const LineRow> rows) {
+    for (const auto& row : rows) row.isBreak ? writer.appendBreakRow() : writer.appendRow(row.station, row.channels);
+    return walk.state().rows < wanted && !writer.failed();
+  });
+  place = walk.state();
+  writer.flush();
+  return writer.error();
+}
+
+void walkRows(RecordReader& reader, const ScannedFile& file, const ExtractedLine& line, int first,
+              const std::function<bool(int row, const LineRow&)>& take, std::uint64_t until) {
+  if (first < 1 || first > line.rowCount()) return;
+  const auto after = std::upper_bound(line.waypoints.begin(), line.waypoints.end(), first - 1,
+                                      [](int rows, const LineWalk::State& state) { return rows < state.rows; });
+  LineWalk walk(file, line.options, *std::prev(after));
+  walk.goOn(reader, [&](std::span<const LineRow> rows) {
+    int row = walk.state().rows - static_cast<int>(rows.size());
+    for (const auto& each : rows) {
+      if (++row >= first && (row > line.rowCount() || !take(row, each))) return false;
+    }
+    return walk.state().offset < std::min(until, line.end());
+  });
 }
 
 }  // namespace kalmira

@@ -2,10 +2,13 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
 #include "datafile/record_reader.h"
+#include "viewer/line_summary.h"
+#include "viewer/line_walk.h"
 #include "viewer/row_files.h"
 
 // What a data file says about itself before any of its lines is shown. Everything the viewer needs of the instrument
@@ -30,38 +33,43 @@ struct ScannedFile {
   std::vector<SurveyLine> lines;   // in file order
   std::uint64_t skippedBytes = 0;  // damage that was passed over
   std::uint64_t tornBytes = 0;     // behind the last whole record
+  std::uint64_t scannedTo = 0;     // offset behind the last record
 };
 
-// Reads the whole file; `reader` is open and may stand anywhere. Lines that begin after the scan, in a file that is
-// being logged, are not in the table. On an error `file` holds what was found before it.
+// Reads the whole file; `reader` is open and may stand anywhere. On an error `file` holds what was found before it.
 FileError ScanDataFile(RecordReader& reader, ScannedFile& file);
 
-// Where in the data file a row comes from.
-struct RowPlace {
-  std::uint64_t offset = 0;             // of its first reading, or of the new-station record of a break row
-  std::uint32_t timeOfDayMs = kNoTime;  // of that reading, since midnight
-
-  static constexpr std::uint32_t kNoTime = UINT32_MAX;
-};
-
-// One line as it was extracted. Memory: 16 bytes a row (TESK2: 24).
+// One line as it was extracted. Memory: 0.3 bytes a row and its summary.
 struct ExtractedLine {
-  std::size_t line = 0;                      // from 1, as in the line list
-  std::vector<RowPlace> rows;                // row n (from 1) is rows[n - 1]
-  std::vector<std::array<float, 2>> extras;  // TESK2: the auxiliary values of each row
+  std::size_t line = 0;  // from 1, as in the line list
+  ExtractOptions options;
   std::uint64_t begin = 0;                   // of its "L" record
-  std::uint64_t end = 0;                     // behind its last record
+  std::vector<LineWalk::State> waypoints{};  // every thousand rows or so, from its first record on
+  LineWalk::State last{};                    // behind its last record so far
+  bool complete = false;                     // another line begins there
+  LineSummary summary{};
+  RowFilling filling{};
 
-  int rowCount() const { return static_cast<int>(rows.size()); }
+  int rowCount() const { return last.rows; }
+  std::uint64_t end() const { return last.offset; }
 };
 
-struct ExtractOptions {
-  bool teskRangeTimes10 = false;  // the program's start-up choice; the file does not say it
-};
-
-// Writes the two row files of line `line` (from 1). On an error (`cannotRead` or `cannotWrite`) the rows that were
-// complete before it are in the files and in `extracted`. The data file is only read.
+// Goes over line `line` (from 1) and begins its two row files; those of a line that is soon written are whole then. On
+// an error (`cannotRead` or `cannotWrite`) the rows before it are in `extracted`. The data file is only read.
 ViewerError ExtractLine(RecordReader& reader, const ScannedFile& file, std::size_t line, const RowFiles& rowFiles,
                         const ExtractOptions& options, ExtractedLine& extracted);
+
+// What has come behind the line's last record since, where the file grows. True: there are more rows.
+bool extendLine(RecordReader& reader, const ScannedFile& file, ExtractedLine& extracted);
+// Lines that have begun since the scan, which are added to the table. True: there are some.
+bool extendScan(RecordReader& reader, ScannedFile& file);
+
+// Writes the row files up to row `upTo`, as far as there are that many. What went wrong since they were begun.
+ViewerError fillRows(RecordReader& reader, const ScannedFile& file, ExtractedLine& line, int upTo);
+
+// Rows `first` (from 1) and on out of the data file, until `take`, told the number and the row, says that it is enough,
+// or the record at `until` is reached.
+void walkRows(RecordReader& reader, const ScannedFile& file, const ExtractedLine& line, int first,
+              const std::function<bool(int row, const LineRow&)>& take, std::uint64_t until = UINT64_MAX);
 
 }  // namespace kalmira

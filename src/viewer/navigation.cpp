@@ -112,6 +112,19 @@ void fileClosed(Navigation& state) {
   state.pointsInView = pointsInView;
 }
 
+ViewStep goToEnd(Navigation& state) { return goToRow(state, state.totalRows); }
+
+ViewStep lineGrew(Navigation& state, int totalRows) {
+  const int row = rowAtBar(state);
+  const bool atEnd = state.lastRow >= state.totalRows;
+  const bool barAtEnd = row == state.totalRows;
+  state.totalRows = totalRows;
+  showFrom(state, atEnd ? std::max(1, lastView(state)) : state.firstRow);
+  const int wanted = barAtEnd && atEnd ? totalRows : row;
+  placeBar(state, std::clamp(wanted - state.firstRow + 1, 1, state.pointsInView));
+  return kViewMoved;
+}
+
 ViewStep goToRow(Navigation& state, int row) {
   if (!state.fileOpen || state.totalRows < 1) return kNothing;
   const int wanted = std::clamp(row, 1, state.totalRows);
@@ -123,18 +136,21 @@ ViewStep goToRow(Navigation& state, int row) {
 const std::array<ViewEntry, kViewButtons>& viewEntries() {
   using enum ViewCommand;
   static constexpr std::array<ViewEntry, kViewButtons> kEntries{{
-      {lineStart, "<<--", "", {key::kHome, 0}, true, "Start of line"},
-      {pageLeft, "<---", "", {key::kPageUp, 0}, true, "80 stations left"},
-      {barLeft, "|<--", "", {key::kLeft, key::kUp}, true, "Bar one station left"},
-      {barRight, "-->|", "", {key::kRight, key::kDown}, true, "Bar one station right"},
-      {pageRight, "--->", "", {key::kPageDown, 0}, true, "80 stations right"},
-      {lineEnd, "-->>", "", {key::kEnd, 0}, true, "End of line"},
-      {openFile, "&File", "F", {}, false, "Open a data file"},
-      {scale, "&Scale", "S", {}, false, "Scale of the profile"},
-      {exit, "E&xit", "XE", {}, false, "Back to the menu"},
-      {help, "?", "", {}, false, "Help"},
-      {kSavePicture, "&Picture", "P", {}, true, "Save picture"},
-      {kExportCsv, "&CSV", "C", {}, true, "Export CSV"},
+      {openFile, "&File", "F", {}, false, false, "Open a data file"},
+      {scale, "&Scale", "S", {}, false, false, "Scale of the profile"},
+      {help, "?", "", {}, false, false, "Help"},
+      {exit, "E&xit", "XE", {}, false, false, "Back to the menu"},
+      {kSavePicture, "&Picture", "P", {}, true, false, "Save picture"},
+      {kExportCsv, "&CSV", "C", {}, true, false, "Export CSV"},
+      {kZoomOut, "-", "", {key::kMinus, 0}, true, true, "Narrower stations, at last the whole line"},
+      {kZoomIn, "+", "", {kPlusKey, 0}, true, true, "Wider stations"},
+      {kFitScale, "Fi&t", "T", {}, true, false, "Fit the scale to the line"},
+      {lineStart, "<<--", "", {key::kHome, 0}, true, true, "Start of line"},
+      {pageLeft, "<---", "", {key::kPageUp, 0}, true, true, "80 stations left"},
+      {barLeft, "|<--", "", {key::kLeft, key::kUp}, true, true, "Bar one station left"},
+      {barRight, "-->|", "", {key::kRight, key::kDown}, true, true, "Bar one station right"},
+      {pageRight, "--->", "", {key::kPageDown, 0}, true, true, "80 stations right"},
+      {lineEnd, "-->>", "", {key::kEnd, 0}, true, true, "End of line"},
   }};
   return kEntries;
 }

@@ -64,6 +64,12 @@ ViewStep moveView(Navigation& state, ViewCommand command);
 bool selectLine(Navigation& state, std::size_t index);
 ViewStep lineExtracted(Navigation& state, int totalRows);
 
+// The line has grown to `totalRows`. While its last row is in view the view goes along; a bar on that row stays on the
+// last one, any other on its station as long as that is in view.
+ViewStep lineGrew(Navigation& state, int totalRows);
+// The view and the bar to the last row.
+ViewStep goToEnd(Navigation& state);
+
 // A file was opened and its first line extracted (`totalRows` 0 where it has none).
 ViewStep fileOpened(Navigation& state, int totalRows);
 void fileClosed(Navigation& state);
@@ -74,9 +80,12 @@ ViewStep goToRow(Navigation& state, int row);
 
 // The viewer's commands: their buttons and keys, and the texts that go with them.
 
-// Behind the numbered commands: the two that save.
+// Behind the numbered commands: the two that save, and those that change how the line is seen.
 inline constexpr ViewCommand kSavePicture{11};
 inline constexpr ViewCommand kExportCsv{12};
+inline constexpr ViewCommand kFitScale{13};
+inline constexpr ViewCommand kZoomOut{14};
+inline constexpr ViewCommand kZoomIn{15};
 
 struct ViewEntry {
   ViewCommand command;
@@ -84,12 +93,14 @@ struct ViewEntry {
   std::string_view keys;          // capital letters
   std::array<int, 2> keyCodes;    // the handheld's, 0 for none
   bool needsFile = true;          // greyed while none is open
+  bool repeats = false;           // moves on; goes on while it is held
   std::string_view toolTip = {};  // for who has a mouse, and for screen readers
 };
-inline constexpr int kViewButtons = 12;
+inline constexpr int kViewButtons = 15;
 // In the order in which Tab goes over the buttons.
 const std::array<ViewEntry, kViewButtons>& viewEntries();
 
+inline constexpr int kPlusKey = '+';  // with or without Shift, wherever it stands
 // What a key asks for, by the handheld's virtual key codes (letters of either case by their ASCII codes); nothing for
 // Tab and Enter, which go by the highlight.
 std::optional<ViewCommand> viewCommandOfKey(int keyCode);

@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <system_error>
+
 namespace kalmira {
 
 std::unique_ptr<OpenedFile> openDataFile(const std::filesystem::path& path, std::string& problem) {
@@ -23,15 +25,34 @@ std::string openLine(OpenedFile& file, std::size_t index, const RowFiles& rowFil
   return ExtractLine(file.reader, file.scanned, index + 1, rowFiles, options, file.line).text;
 }
 
-std::vector<std::string> loadView(OpenedFile& file, const RowFiles& rowFiles, const Navigation& state) {
+std::vector<std::string> loadView(OpenedFile& file, const PlotView& view, const Navigation& state) {
   file.points.clear();
   if (file.line.line == 0) return {};
-  const auto outcome =
-      LoadLineRows(rowFiles, file.scanned, file.line, 0, state.pointsInView - 1, state.firstRow, file.points);
+  file.firstPoint = view.summed() ? rowAtBar(state) : view.firstRow;
+  const auto outcome = LoadLineRows(file.reader, file.scanned, file.line, 0, view.summed() ? 0 : view.rows - 1,
+                                    file.firstPoint, file.points);
   std::vector<std::string> messages;
   if (outcome.line1Missing) messages.emplace_back(kInvalidHandle1);
   if (outcome.line2Missing) messages.emplace_back(kInvalidHandle2);
   return messages;
+}
+
+bool fillSome(OpenedFile& file, std::string& problem) {
+  constexpr int kRows = 10000;
+  const int written = file.line.filling.place.rows;
+  const auto error = fillRows(file.reader, file.scanned, file.line, written + kRows);
+  problem = error.text;
+  return error.kind == ViewerErrorKind::none && file.line.filling.place.rows < file.line.rowCount();
+}
+
+FileGrowth followFile(OpenedFile& file) {
+  std::error_code ignored;
+  const auto size = std::filesystem::file_size(file.path, ignored);
+  if (ignored || size <= file.scanned.scannedTo || file.reader.error().kind != FileErrorKind::none) return {};
+  FileGrowth growth;
+  growth.lines = extendScan(file.reader, file.scanned);
+  growth.rows = extendLine(file.reader, file.scanned, file.line);
+  return growth;
 }
 
 std::string fileCaption(const OpenedFile& file) {
@@ -42,10 +63,12 @@ std::string fileCaption(const OpenedFile& file) {
 
 RowReadout readoutOf(OpenedFile& file, const Navigation& state) {
   const int row = rowAtBar(state);
-  const auto index = static_cast<std::size_t>(state.bar - 1);
-  if (row < 1 || row > state.totalRows || state.bar < 1 || index >= file.points.size()) return {};
+  const auto index = static_cast<std::size_t>(row - file.firstPoint);
+  if (row < 1 || row > state.totalRows || row < file.firstPoint || index >= file.points.size())
+    return {.fields = {}, .notes = {"No station here"}};
   RowReadout readout;
-  readout.fields = readoutFields(file.scanned, file.line, row, file.points[index]);
+  const auto place = placeOfRow(file.reader, file.scanned, file.line, row);
+  readout.fields = readoutFields(file.scanned, place, file.points[index]);
   const auto found = readStationNotes(file.reader, file.scanned, file.line, row);
   for (const auto& note : found.notes) readout.notes.push_back(noteText(note));
   if (found.more) readout.notes.emplace_back("and more");

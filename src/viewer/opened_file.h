@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "viewer/line_extract.h"
-#include "viewer/navigation.h"
+#include "viewer/plot_view.h"
 #include "viewer/readout.h"
 #include "viewer/row_files.h"
 
@@ -18,7 +18,8 @@ struct OpenedFile {
   RecordReader reader;
   ScannedFile scanned;
   ExtractedLine line;
-  std::vector<StationPoint> points;  // rows firstRow on, one a column
+  std::vector<StationPoint> points;  // rows firstPoint on
+  int firstPoint = 1;
 };
 
 // Opens and scans the file; nullptr when it cannot be opened, or is no data file. `problem` says why, or what went
@@ -28,13 +29,26 @@ std::unique_ptr<OpenedFile> openDataFile(const std::filesystem::path& path, std:
 // Extracts line `index` (from 0). An empty text, or what went wrong.
 std::string openLine(OpenedFile& file, std::size_t index, const RowFiles& rowFiles, const ExtractOptions& options);
 
-// The rows in view. The messages for the operator, for there may be two.
-std::vector<std::string> loadView(OpenedFile& file, const RowFiles& rowFiles, const Navigation& state);
+// The rows in view, or where they are summed up that at the bar alone. The messages for the operator, for there may be
+// two.
+std::vector<std::string> loadView(OpenedFile& file, const PlotView& view, const Navigation& state);
+
+// Writes some more of the line's row files: a few milliseconds. False when there is nothing more to do; `problem` then
+// says what went wrong, if anything did.
+bool fillSome(OpenedFile& file, std::string& problem);
+
+// What has come into a file that is being logged since it was looked at.
+struct FileGrowth {
+  bool rows = false;   // of the line that is shown
+  bool lines = false;  // others have begun
+};
+FileGrowth followFile(OpenedFile& file);
 
 // "111510A.ROR  TESK, ice thickness", with what is damaged in it.
 std::string fileCaption(const OpenedFile& file);
 
-// What is said of the row: its fields, and what stands between it and the next station.
+// What is said of the row at the bar: its fields, and what stands between it and the next station; or that there is
+// none.
 struct RowReadout {
   std::vector<ReadoutField> fields;
   std::vector<std::string> notes;

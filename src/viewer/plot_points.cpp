@@ -4,7 +4,11 @@
 
 #include <algorithm>
 #include <bitset>
+#include <cmath>
+#include <optional>
+#include <utility>
 
+#include "settings/display_options.h"
 #include "viewer/row_files.h"
 
 namespace kalmira {
@@ -24,7 +28,10 @@ struct Pens {
 
 void drawStation(ChartCanvas& canvas, const ProfileSetup& setup, const TracePoints& traces, int column, Pens& pens) {
   for (std::size_t i = 0; i < kProfilePoints; ++i) {
-    if (!traces.drawn[i]) continue;
+    if (!traces.drawn[i]) {
+      pens.down.reset(i);
+      continue;
+    }
     const int colour = setup.traceColour[penOf(i)];
     const int width = setup.traceWidth[penOf(i)];
     if (pens.down[i]) {
@@ -38,29 +45,16 @@ void drawStation(ChartCanvas& canvas, const ProfileSetup& setup, const TracePoin
   }
 }
 
-using Spans = std::array<Overview::Span, kProfilePoints>;
-
-void widen(Overview::Span& span, float value) {
-  span.least = span.any ? std::min(span.least, value) : value;
-  span.largest = span.any ? std::max(span.largest, value) : value;
-  span.any = true;
-}
-
-void takePoint(const StationPoint& point, Spans& spans) {
-  for (std::size_t slot = 0; slot < kSlots; ++slot) {
-    if (point.channels.present[slot] != 0) widen(spans[slot], point.channels.value[slot]);
-  }
-  for (std::size_t i = 0; point.hasExtras && i < point.extras.size(); ++i) widen(spans[kSlots + i], point.extras[i]);
-}
-
 // The y of one end of every trace's span.
-TracePoints endOf(const ProfileSetup& setup, const Spans& spans, float Overview::Span::*end) {
+TracePoints endOf(const ProfileSetup& setup, const TraceSpans& spans, float TraceSpan::*end) {
   StationPoint point;
   for (std::size_t slot = 0; slot < kSlots; ++slot) {
-    point.channels.present[slot] = spans[slot].any ? 1 : 0;
-    point.channels.value[slot] = spans[slot].*end;
+    point.channels.present[slot] = spans[slot].any() ? 1 : 0;
+    if (spans[slot].any()) point.channels.value[slot] = spans[slot].*end;
   }
-  for (std::size_t i = 0; i < point.extras.size(); ++i) point.extras[i] = spans[kSlots + i].*end;
+  for (std::size_t i = 0; i < point.extras.size(); ++i) {
+    if (spans[kSlots + i].any()) point.extras[i] = spans[kSlots + i].*end;
+  }
   return tracesOf(setup, point);
 }
 
@@ -72,12 +66,12 @@ struct Stroke {
 };
 using Strokes = std::array<Stroke, kProfilePoints>;
 
-Strokes strokesOf(const ProfileSetup& setup, const Spans& spans) {
-  const auto least = endOf(setup, spans, &Overview::Span::least);
-  const auto largest = endOf(setup, spans, &Overview::Span::largest);
+Strokes strokesOf(const ProfileSetup& setup, const TraceSpans& spans) {
+  const auto least = endOf(setup, spans, &TraceSpan::least);
+  const auto largest = endOf(setup, spans, &TraceSpan::largest);
   Strokes strokes;
   for (std::size_t i = 0; i < kProfilePoints; ++i) {
-    strokes[i] = {.any = spans[i].any && least.drawn[i], .top = largest.y[i], .bottom = least.y[i]};
+    strokes[i] = {.any = spans[i].any() && least.drawn[i], .top = largest.y[i], .bottom = least.y[i]};
   }
   return strokes;
 }
@@ -95,6 +89,80 @@ void drawStrokes(ChartCanvas& canvas, const ProfileSetup& setup, int column, con
   }
 }
 
+constexpr int kMarksApart = 4;  // marks' widths, as long as a trace is away
+
+// Puts marks where traces leave the scale, each beside the one before.
+class Marks {
+ public:
+  Marks(const ProfileSetup& setup, int size) : setup_(setup), size_(std::max(1, size)) {}
+
+  // The traces' highest and lowest y in a column.
+  void takeColumn(int column, const TracePoints& highest, const TracePoints& lowest) {
+    for (std::size_t i = 0; i < kProfilePoints; ++i) {
+      take(column, i, true, highest.drawn[i] && highest.y[i] < 0);
+      take(column, i, false, lowest.drawn[i] && lowest.y[i] > setup_.height);
+    }
+  }
+  std::vector<OffScaleMark> made;
+
+ private:
+  void take(int column, std::size_t trace, bool above, bool away) {
+    auto& last = last_[trace][above ? 1 : 0];
+    auto& used = used_[above ? 1 : 0];
+    const bool was = std::exchange(away_[trace][above ? 1 : 0], away);
+    const int apart = (was ? kMarksApart : 1) * size_;
+    if (!away || (last && column - *last < apart)) return;
+    last = used ? std::max(column, *used + size_) : column;
+    used = last;
+    made.push_back({.column = *last, .above = above, .colour = setup_.traceColour[penOf(trace)]});
+  }
+
+  using Edges = std::array<std::optional<int>, 2>;
+  const ProfileSetup& setup_;
+  int size_;
+  std::array<Edges, kProfilePoints> last_{};
+  std::array<std::array<bool, 2>, kProfilePoints> away_{};
+  Edges used_{};
+};
+
+constexpr double kRoom = 0.03;   // of the values' range, beyond each end
+constexpr double kSteps = 10.0;  // that the scale is made of, about
+
+// The smallest of 1, 2, 5, 10, 20 ... times `unit` that is not below `wanted`.
+double roundStep(double wanted, double unit) {
+  double step = unit;
+  for (int turn = 0; step < wanted; ++turn) step *= turn % 3 == 1 ? 2.5 : 2.0;
+  return step;
+}
+
+// Ends at round numbers, with a little room at both so that no trace runs along an edge. Whole numbers, of a thickness
+// in metres tenths from 0 up.
+ScaleEnds endsAround(const TraceSpan& values, bool thickness) {
+  constexpr double kFarthest = 1e9;
+  const double low = std::clamp(static_cast<double>(values.least), -kFarthest, kFarthest);
+  const double high = std::clamp(static_cast<double>(values.largest), low, kFarthest);
+  const double room = (high - low) * kRoom;
+  const double step = roundStep((high - low) / kSteps, thickness ? 0.1 : 1.0);
+  double minimum = std::floor((low - room) / step) * step;
+  double maximum = std::ceil((high + room) / step) * step;
+  if (maximum - minimum < 2.0 * step) minimum -= step, maximum += step;
+  if (thickness) minimum = std::max(minimum, 0.0);
+  return {static_cast<float>(minimum), static_cast<float>(maximum)};
+}
+
+ScaleEnds fitted(const Instrument& instrument, bool ice, const ProfileSetup& setup, int axis, const TraceSpans& spans,
+                 const ScaleEnds& before) {
+  TraceSpan values;
+  for (const auto& channel : channelsOf(instrument, ice)) {
+    if (channel.axis == axis && setup.traceShown[channel.slot] == 1) values.take(spans[channel.slot]);
+  }
+  for (std::size_t i = kSlots; axis == kConductivityAxis && setup.secondCoil && i < kProfilePoints; ++i)
+    values.take(spans[i]);
+  if (!values.any()) return before;
+  const bool thickness = axis == kIceAxis || (axis == kConductivityAxis && instrument.firstAxisIsThickness);
+  return endsAround(values, thickness);
+}
+
 }  // namespace
 
 ProfileSetup plotSetup(const ScannedFile& file, const Settings& settings, int width, int height) {
@@ -103,48 +171,122 @@ ProfileSetup plotSetup(const ScannedFile& file, const Settings& settings, int wi
   return profileSetupOf(file.header.kind, file.wantsThickness, asLogged, true, 1.0, width, height);
 }
 
-void DrawStationPlot(ChartCanvas& canvas, const ProfileSetup& setup, std::span<const StationPoint> points) {
+Settings fittedSettings(const ScannedFile& file, const TraceSpans& spans, const Settings& settings) {
+  Settings result = settings;
+  const auto& instrument = instrumentOf(file.header.kind);
+  const auto setup = plotSetup(file, settings, 1, 1);
+  const auto fit = [&](int axis, float Settings::*minimum, float Settings::*maximum) {
+    const ScaleEnds before{settings.*minimum, settings.*maximum};
+    const auto ends = fitted(instrument, file.wantsThickness, setup, axis, spans, before);
+    result.*minimum = ends.minimum;
+    result.*maximum = ends.maximum;
+  };
+  fit(kConductivityAxis, &Settings::conductivityMinimum, &Settings::conductivityMaximum);
+  fit(kInphaseAxis, &Settings::inphaseMinimum, &Settings::inphaseMaximum);
+  fit(kIceAxis, &Settings::iceMinimum, &Settings::iceMaximum);
+  return result;
+}
+
+void DrawStationPlot(ChartCanvas& canvas, const ProfileSetup& setup, const PlotView& view,
+                     std::span<const StationPoint> points) {
   canvas.clear();
   DrawProfileAxes(canvas, setup);
   Pens pens;
-  int column = kFirstColumn;
+  int row = view.firstRow;
   for (const auto& point : points) {
+    const int column = kFirstColumn + view.columnOf(row++);
     if (point.valid) {
       drawStation(canvas, setup, tracesOf(setup, point), column, pens);
     } else {
       pens.down.reset();
     }
-    ++column;
   }
 }
 
-std::vector<StationLabel> stationLabels(std::span<const StationPoint> points, int spacing) {
-  std::vector<StationLabel> labels;
-  int column = kFirstColumn;
+std::vector<OffScaleMark> offScaleMarks(const ProfileSetup& setup, const PlotView& view,
+                                        std::span<const StationPoint> points, int size) {
+  Marks marks(setup, size);
+  int row = view.firstRow;
   for (const auto& point : points) {
-    const bool room = labels.empty() || column - labels.back().column >= spacing;
-    if (point.valid && room) labels.push_back({column, fmt::format("{:.2f}", point.station)});
-    ++column;
+    const auto traces = point.valid ? tracesOf(setup, point) : TracePoints{};
+    marks.takeColumn(kFirstColumn + view.columnOf(row++), traces, traces);
+  }
+  return std::move(marks.made);
+}
+
+std::vector<OffScaleMark> offScaleMarks(const ProfileSetup& setup, const Overview& overview, int left, int size) {
+  Marks marks(setup, size);
+  int column = left;
+  for (const auto& spans : overview.spans) {
+    auto highest = endOf(setup, spans, &TraceSpan::largest);
+    auto lowest = endOf(setup, spans, &TraceSpan::least);
+    for (std::size_t i = 0; i < kProfilePoints; ++i) {
+      highest.drawn[i] = highest.drawn[i] && spans[i].any();
+      lowest.drawn[i] = lowest.drawn[i] && spans[i].any();
+    }
+    marks.takeColumn(column++, highest, lowest);
+  }
+  return std::move(marks.made);
+}
+
+std::vector<StationTick> stationTicks(const PlotView& view, std::span<const StationPoint> points) {
+  std::vector<StationTick> ticks;
+  int row = view.firstRow;
+  for (const auto& point : points) {
+    if (point.valid) ticks.push_back({kFirstColumn + view.columnOf(row), point.station});
+    ++row;
+  }
+  return ticks;
+}
+
+std::vector<StationTick> stationTicks(const LineSummary& summary, const Overview& overview) {
+  std::vector<StationTick> ticks;
+  int row = 1;
+  for (const auto& block : summary.blocks()) {
+    if (block.hasStation) ticks.push_back({kFirstColumn + overviewColumn(overview, row), block.station});
+    row += summary.rowsPerBlock();
+  }
+  return ticks;
+}
+
+std::vector<StationLabel> stationLabels(std::span<const StationTick> ticks, int width,
+                                        const std::function<int(const std::string&)>& widthOf, int gap) {
+  std::vector<StationLabel> labels;
+  int free = 0;
+  for (const auto& tick : ticks) {
+    // A label that begins left of its station still covers it: what is too near needs no text to be known.
+    if (tick.column < free) continue;
+    StationLabel label{.column = tick.column, .text = fmt::format("{:.2f}", tick.station)};
+    const int wide = widthOf(label.text);
+    label.left = std::clamp(tick.column - wide / 2, 0, std::max(0, width - wide));
+    if (label.left < free) continue;
+    free = label.left + wide + gap;
+    labels.push_back(std::move(label));
   }
   return labels;
 }
 
-Overview lineOverview(const RowFiles& rowFiles, const ScannedFile& file, const ExtractedLine& line, int columns) {
-  Overview overview{
-      .columns = std::max(0, std::min(columns, line.rowCount())), .rowCount = line.rowCount(), .spans = {}};
+Overview lineOverview(const LineSummary& summary, int columns) {
+  const int rows = summary.rowCount();
+  Overview overview{.columns = std::max(0, std::min(columns, rows)), .rowCount = rows, .spans = {}};
   overview.spans.resize(static_cast<std::size_t>(overview.columns));
-  if (overview.columns == 0) return overview;
-  forEachRow(rowFiles, file, line, [&](int row, const StationPoint& point) {
-    const auto column = static_cast<std::size_t>(overviewColumn(overview, row));
-    if (point.valid) takePoint(point, overview.spans[column]);
-  });
+  int row = 1;
+  for (const auto& block : summary.blocks()) {
+    const int next = row + summary.rowsPerBlock();
+    for (int column = overviewColumn(overview, row); column <= overviewColumn(overview, next - 1); ++column) {
+      auto& spans = overview.spans[static_cast<std::size_t>(column)];
+      for (std::size_t i = 0; i < spans.size(); ++i) spans[i].take(block.spans[i]);
+    }
+    row = next;
+  }
   return overview;
 }
 
-void DrawOverview(ChartCanvas& canvas, const ProfileSetup& setup, const Overview& overview) {
+void DrawOverview(ChartCanvas& canvas, const ProfileSetup& setup, const Overview& overview, int left, bool grid) {
   canvas.clear();
+  if (grid) DrawProfileAxes(canvas, setup);
   Strokes before{};
-  int column = 0;
+  int column = left;
   for (const auto& spans : overview.spans) {
     const auto strokes = strokesOf(setup, spans);
     drawStrokes(canvas, setup, column, strokes, before);

@@ -15,7 +15,7 @@ namespace kalmira {
 namespace {
 
 // A station has a few dozen records at most; what a damaged file holds more must not hold up the screen.
-constexpr int kMostRecords = 2000;
+constexpr unsigned kMostRecords = 2000;
 constexpr std::size_t kMostNotes = 40;
 
 constexpr double kMetresPerFoot = 0.3048;
@@ -104,11 +104,17 @@ bool hasRow(const ExtractedLine& line, int row) { return row >= 1 && row <= line
 
 // Where the next station's records begin. Break rows share one place, and a row that was written late has an earlier
 // one than the break rows before it.
-std::uint64_t endOfRow(const ExtractedLine& line, int row) {
-  const auto own = line.rows[static_cast<std::size_t>(row - 1)].offset;
-  const auto next =
-      std::find_if(line.rows.begin() + row, line.rows.end(), [&](const RowPlace& place) { return place.offset > own; });
-  return next == line.rows.end() ? line.end : next->offset;
+std::uint64_t endOfRow(RecordReader& reader, const ScannedFile& file, const ExtractedLine& line, int row,
+                       std::uint64_t own) {
+  auto end = line.end();
+  const auto take = [&end, own](int, const LineRow& made) {
+    if (made.place.offset <= own) return true;
+    end = made.place.offset;
+    return false;
+  };
+  walkRows(reader, file, line, row, take,
+           own + std::uint64_t{kMostRecords} * static_cast<unsigned>(reader.recordLength()));
+  return end;
 }
 
 // --- the values ---
@@ -172,13 +178,13 @@ std::string_view noteWord(NoteKind note) {
 StationNotes readStationNotes(RecordReader& reader, const ScannedFile& file, const ExtractedLine& line, int row) {
   StationNotes notes;
   if (!hasRow(line, row)) return notes;
-  const auto& place = line.rows[static_cast<std::size_t>(row - 1)];
-  const auto end = endOfRow(line, row);
+  const auto place = placeOfRow(reader, file, line, row);
+  const auto end = endOfRow(reader, file, line, row, place.offset);
   reader.seek(row == 1 ? line.begin : place.offset);
   NoteCollector collector(file, notes);
   collector.takePlace(place);
   Record record;
-  int count = 0;
+  unsigned count = 0;
   while (reader.next(record) && record.offset < end) {
     collector.take(record);
     if (++count < kMostRecords) continue;
@@ -188,12 +194,19 @@ StationNotes readStationNotes(RecordReader& reader, const ScannedFile& file, con
   return notes;
 }
 
-std::vector<ReadoutField> readoutFields(const ScannedFile& file, const ExtractedLine& line, int row,
-                                        const StationPoint& point) {
+RowPlace placeOfRow(RecordReader& reader, const ScannedFile& file, const ExtractedLine& line, int row) {
+  RowPlace place;
+  walkRows(reader, file, line, row, [&place](int, const LineRow& made) {
+    place = made.place;
+    return false;
+  });
+  return place;
+}
+
+std::vector<ReadoutField> readoutFields(const ScannedFile& file, const RowPlace& place, const StationPoint& point) {
   std::vector<ReadoutField> fields;
-  if (!hasRow(line, row)) return fields;
   fields.push_back({.label = "Stn", .value = point.valid ? twoDecimals(point.station) : "-", .unit = ""});
-  const auto time = line.rows[static_cast<std::size_t>(row - 1)].timeOfDayMs;
+  const auto time = place.timeOfDayMs;
   if (time != RowPlace::kNoTime) fields.push_back({.label = "Time", .value = timeText(time), .unit = ""});
   if (!point.valid) return fields;
   addChannels(file, point, fields);

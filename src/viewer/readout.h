@@ -29,6 +29,9 @@ struct StationNotes {
 // one whose records are gone from the file.
 StationNotes readStationNotes(RecordReader& reader, const ScannedFile& file, const ExtractedLine& line, int row);
 
+// Where the row is in the data file; offset 0 of a row that does not exist.
+RowPlace placeOfRow(RecordReader& reader, const ScannedFile& file, const ExtractedLine& line, int row);
+
 // One value of the readout.
 struct ReadoutField {
   std::string label;  // "C V", "Stn", "Time"
@@ -37,10 +40,9 @@ struct ReadoutField {
   int trace = -1;     // 0 to 9: the trace in whose colour the label may be marked; -1: none
 };
 
-// The fields of the row's point in a fixed order: station, time of day, then every channel present; none for a row that
-// does not exist. Thickness is in the file's own unit of length.
-std::vector<ReadoutField> readoutFields(const ScannedFile& file, const ExtractedLine& line, int row,
-                                        const StationPoint& point);
+// The fields of a row's point in a fixed order: station, time of day, then every channel present. Thickness is in the
+// file's own unit of length.
+std::vector<ReadoutField> readoutFields(const ScannedFile& file, const RowPlace& place, const StationPoint& point);
 // "C V: 12.34 mS/m"
 std::string readoutText(const ReadoutField& field);
 // "10:05:07 Comment: gate", "Event: $STARTED" (no time known).

@@ -85,15 +85,6 @@ class OutFile {
     buffer_ += row;
     return buffer_.size() < kFlushBytes ? 0 : flush();
   }
-  int close() {
-    if (fd_ < 0) return 0;
-    const int error = flush();
-    const int closed = ::close(fd_) != 0 ? errno : 0;
-    fd_ = -1;
-    return error != 0 ? error : closed;
-  }
-
- private:
   int flush() {
     std::string_view rest = buffer_;
     while (!rest.empty()) {
@@ -106,6 +97,7 @@ class OutFile {
     return 0;
   }
 
+ private:
   int fd_ = -1;
   std::string buffer_;
 };
@@ -151,8 +143,8 @@ float valueField(std::string_view row, std::size_t column) {
 
 class PointReader {
  public:
-  PointReader(const RowFiles& rowFiles, const ScannedFile& file, const ExtractedLine& line)
-      : one_(rowFiles.line1), two_(rowFiles.line2), line_(line), thickness_(file.wantsThickness) {
+  PointReader(const RowFiles& rowFiles, const ScannedFile& file)
+      : one_(rowFiles.line1), two_(rowFiles.line2), thickness_(file.wantsThickness) {
     if (thickness_) LoadIceTable(file.seaWaterCase, file.header.shortInstrument, model_);
   }
 
@@ -167,13 +159,13 @@ class PointReader {
       const auto size = static_cast<std::size_t>(rows);
       const auto block1 = one_.readAt((row - 1) * std::int64_t{kLine1Row}, size * kLine1Row);
       const auto block2 = two_.readAt((row - 1) * std::int64_t{kLine2Row}, size * kLine2Row);
-      for (std::size_t i = 0; i < size; ++i, ++row) take(row, pointAt(block1, block2, i, row));
+      for (std::size_t i = 0; i < size; ++i, ++row) take(row, pointAt(block1, block2, i));
       count -= rows;
     }
   }
 
  private:
-  StationPoint pointAt(std::string_view block1, std::string_view block2, std::size_t i, std::int64_t row) {
+  StationPoint pointAt(std::string_view block1, std::string_view block2, std::size_t i) const {
     if ((i + 1) * kLine1Row > block1.size() || (i + 1) * kLine2Row > block2.size()) return {};
     const auto row1 = block1.substr(i * kLine1Row, kLine1Row);
     const auto row2 = block2.substr(i * kLine2Row, kLine2Row);
@@ -184,15 +176,11 @@ class PointReader {
       point.channels.present[slot] = parseInt(row1.substr(kField + slot * kFlag, kFlag)) == 1 ? 1 : 0;
       point.channels.value[slot] = valueField(row2, kField + slot * kField);
     }
-    if (point.valid) addDerived(point, static_cast<std::size_t>(row - 1));
+    if (point.valid) addThickness(point);
     return point;
   }
 
-  void addDerived(StationPoint& point, std::size_t index) {
-    if (index < line_.extras.size()) {
-      point.hasExtras = true;
-      point.extras = line_.extras[index];
-    }
+  void addThickness(StationPoint& point) const {
     // The model is made for horizontal dipoles.
     if (thickness_ && point.channels.present[kConductivityHorizontal] == 1) {
       point.hasThickness = true;
@@ -203,7 +191,6 @@ class PointReader {
 
   InFile one_;
   InFile two_;
-  const ExtractedLine& line_;
   bool thickness_;
   IceModel model_;
 };
@@ -218,23 +205,26 @@ RowFiles rowFilesOf(const std::filesystem::path& root, int storageClass) {
   return {.line1 = path / "LINE1.RXX", .line2 = path / "LINE2.RXX"};
 }
 
-LoadOutcome LoadLineRows(const RowFiles& rowFiles, const ScannedFile& file, const ExtractedLine& line, int firstIndex,
+LoadOutcome LoadLineRows(RecordReader& reader, const ScannedFile& file, ExtractedLine& line, int firstIndex,
                          int lastIndex, int firstRow, std::vector<StationPoint>& points) {
-  PointReader reader(rowFiles, file, line);
-  if (firstIndex < 0 || lastIndex < firstIndex) return reader.outcome();
+  const std::int64_t count = std::max<std::int64_t>(0, std::int64_t{lastIndex} - firstIndex + 1);
+  const std::int64_t lastRow = std::min<std::int64_t>(firstRow + count - 1, line.rowCount());
+  fillRows(reader, file, line, static_cast<int>(std::max<std::int64_t>(lastRow, 0)));
+  PointReader rows(line.filling.writer.files(), file);
+  if (firstIndex < 0 || count == 0) return rows.outcome();
   auto index = static_cast<std::size_t>(firstIndex);
   points.resize(std::max(points.size(), static_cast<std::size_t>(lastIndex) + 1));
-  reader.read(firstRow, std::int64_t{lastIndex} - firstIndex + 1,
-              [&](std::int64_t, const StationPoint& point) { points[index++] = point; });
-  return reader.outcome();
-}
-
-LoadOutcome forEachRow(const RowFiles& rowFiles, const ScannedFile& file, const ExtractedLine& line,
-                       const std::function<void(int, const StationPoint&)>& take) {
-  PointReader reader(rowFiles, file, line);
-  reader.read(1, line.rowCount(),
-              [&](std::int64_t row, const StationPoint& point) { take(static_cast<int>(row), point); });
-  return reader.outcome();
+  rows.read(firstRow, count, [&](std::int64_t, const StationPoint& point) { points[index++] = point; });
+  if (!instrumentOf(file.header.kind).drawsAuxiliary) return rows.outcome();
+  // The row files have no room for the auxiliary values.
+  walkRows(reader, file, line, std::max(firstRow, 1), [&](int row, const LineRow& made) {
+    if (row > lastRow) return false;
+    auto& point = points[static_cast<std::size_t>(firstIndex + row - firstRow)];
+    point.hasExtras = point.valid;
+    if (point.valid) point.extras = made.extras;
+    return row < lastRow;
+  });
+  return rows.outcome();
 }
 
 struct RowWriter::Files {
@@ -255,6 +245,8 @@ struct RowWriter::Files {
 };
 
 RowWriter::RowWriter() : files_(std::make_unique<Files>()) {}
+RowWriter::RowWriter(RowWriter&&) noexcept = default;
+RowWriter& RowWriter::operator=(RowWriter&&) noexcept = default;
 RowWriter::~RowWriter() = default;
 
 ViewerError RowWriter::open(const RowFiles& rowFiles) {
@@ -285,17 +277,14 @@ void RowWriter::appendRow(double station, const Channels& channels) {
 
 void RowWriter::appendBreakRow() { files_->append(kBreakRow1, kBreakRow2); }
 
-bool RowWriter::failed() const { return files_->error.kind != ViewerErrorKind::none; }
-
-ViewerError RowWriter::finish() {
-  const bool whole = !failed();
-  const int first = files_->one.close();
-  const int second = files_->two.close();
-  if (whole) {
-    files_->note(files_->names.line1, first);
-    files_->note(files_->names.line2, second);
-  }
-  return files_->error;
+void RowWriter::flush() {
+  if (failed()) return;
+  files_->note(files_->names.line1, files_->one.flush());
+  files_->note(files_->names.line2, files_->two.flush());
 }
+
+const ViewerError& RowWriter::error() const { return files_->error; }
+
+const RowFiles& RowWriter::files() const { return files_->names; }
 
 }  // namespace kalmira

@@ -2,19 +2,18 @@
 
 #include <array>
 #include <filesystem>
-#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "instruments/reading.h"
+#include "viewer/line_walk.h"
 
 // The two row files of an extracted line, one row a station: LINE1 has the station and eight channel flags (29 bytes),
 // LINE2 the station and eight values (109 bytes). Four break rows stand where the operator entered a new station.
 namespace kalmira {
 
 struct ExtractedLine;
-struct ScannedFile;
 
 enum class ViewerErrorKind { none, cannotRead, cannotWrite, noSuchLine };
 // A kind and a sentence for the operator.
@@ -52,34 +51,40 @@ struct LoadOutcome {
 inline constexpr const char* kInvalidHandle1 = "invalid handle 1";
 inline constexpr const char* kInvalidHandle2 = "invalid handle 2";
 
-// Fills points[firstIndex] to points[lastIndex] (both included; `points` is made long enough) with the rows from
-// `firstRow` on, counted from 1. Rows below 1 and rows past the line's end read as cleared points, so that every row
-// keeps its column.
-LoadOutcome LoadLineRows(const RowFiles& rowFiles, const ScannedFile& file, const ExtractedLine& line, int firstIndex,
-                         int lastIndex, int firstRow, std::vector<StationPoint>& points);
-
-// All rows of the line in order, in blocks, with a few dozen kilobytes of memory. `take` gets the row number (from 1)
-// and the point.
-LoadOutcome forEachRow(const RowFiles& rowFiles, const ScannedFile& file, const ExtractedLine& line,
-                       const std::function<void(int, const StationPoint&)>& take);
-
 // Writes row files: makes the folder when it is missing, and truncates what was there.
 class RowWriter {
  public:
   RowWriter();
-  ~RowWriter();  // closes without a word when finish() was not called
+  RowWriter(RowWriter&&) noexcept;
+  RowWriter& operator=(RowWriter&&) noexcept;
+  ~RowWriter();
 
   ViewerError open(const RowFiles& rowFiles);
   // A value too wide for its 12 columns loses decimals or is brought to the widest number; the columns stay.
   void appendRow(double station, const Channels& channels);
   void appendBreakRow();
-  bool failed() const;
-  // Writes what is left, and closes. The first thing that went wrong, or kind none.
-  ViewerError finish();
+  bool failed() const { return error().kind != ViewerErrorKind::none; }
+  // Hands what is left to the system, for whoever reads the files.
+  void flush();
+  // The first thing that went wrong, or kind none.
+  const ViewerError& error() const;
+  const RowFiles& files() const;
 
  private:
   struct Files;
   std::unique_ptr<Files> files_;
 };
+
+// How far a line's row files are written.
+struct RowFilling {
+  RowWriter writer;
+  LineWalk::State place{};
+};
+
+// Fills points[firstIndex] to points[lastIndex] (both included; `points` is made long enough) with the rows from
+// `firstRow` on, counted from 1; rows that have not been written yet are. Rows below 1 and rows past the line's end
+// read as cleared points, so that every row keeps its column.
+LoadOutcome LoadLineRows(RecordReader& reader, const ScannedFile& file, ExtractedLine& line, int firstIndex,
+                         int lastIndex, int firstRow, std::vector<StationPoint>& points);
 
 }  // namespace kalmira

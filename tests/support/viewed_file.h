@@ -43,7 +43,7 @@ struct ViewedFile {
   std::string line2() const { return readFile(rows.line2); }
   StationPoint point(int row) {
     std::vector<StationPoint> points;
-    LoadLineRows(rows, file, line, 0, 0, row, points);
+    LoadLineRows(reader, file, line, 0, 0, row, points);
     return points.at(0);
   }
 

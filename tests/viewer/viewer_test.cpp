@@ -178,7 +178,7 @@ TEST(LoadLineRows, everyRowKeepsItsColumn) {
   // "-" a cleared point, "x" a break, else the station and its first value.
   const auto load = [&](int firstRow, int firstColumn = 0, int lastColumn = 3) {
     static std::vector<StationPoint> points;
-    outcome = LoadLineRows(viewed.rows, viewed.file, viewed.line, firstColumn, lastColumn, firstRow, points);
+    outcome = LoadLineRows(viewed.reader, viewed.file, viewed.line, firstColumn, lastColumn, firstRow, points);
     std::string out;
     for (const auto& point : points) {
       const auto value = point.channels.value[0];
@@ -252,10 +252,10 @@ TEST(Readout, fieldsOfEachKind) {
     Texts expected{"Stn: 10.00", "Time: 11:02:05"};
     expected.insert(expected.end(), item.fields.begin(), item.fields.end());
     Texts texts;
-    for (const auto& field : readoutFields(viewed.file, viewed.line, 1, viewed.point(1)))
+    for (const auto& field :
+         readoutFields(viewed.file, placeOfRow(viewed.reader, viewed.file, viewed.line, 1), viewed.point(1)))
       texts.push_back(readoutText(field));
     EXPECT_EQ(texts, expected);
-    EXPECT_TRUE(readoutFields(viewed.file, viewed.line, 2, viewed.point(2)).empty());
   }
 }
 
@@ -284,21 +284,131 @@ StationPoint stationPoint(std::size_t slot, float value) {
   return point;
 }
 
-TEST(StationPlot, joinsStationsButNotOverBreaks) {
+TEST(StationPlot, gapsStayGapsAndWhatIsOffTheScaleIsMarked) {
   Settings settings;
   for (std::size_t i = 0; i < kTraces; ++i) settings.traceColour[i] = static_cast<int>(i);
   settings.traceWidth.fill(1);
   settings.traceWidth[2] = 3;
   const ViewedFile viewed(kOrla);
   // 10 pixels a mS/m, 5 a ppt.
-  const std::vector<StationPoint> points{stationPoint(0, 5), stationPoint(2, 0), stationPoint(0, 6),
-                                         StationPoint{},     stationPoint(0, 7), stationPoint(0, 8)};
+  auto two = stationPoint(0, 6);
+  two.channels.present[2] = 1;
+  const std::vector<StationPoint> points{
+      stationPoint(0, 5), two, stationPoint(0, 6), StationPoint{}, stationPoint(2, 0), stationPoint(0, 7),
+      stationPoint(0, 8)};
   TraceCanvas canvas;
-  DrawStationPlot(canvas, plotSetup(viewed.file, settings, 102, 100), points);
-  EXPECT_EQ(canvas.drawn, (Drawn{"0:1 1,50", "2:3 2,50", "0:1 1,50-3,40", "0:1 5,30", "0:1 5,30-6,20"}));
+  const auto setup = plotSetup(viewed.file, settings, 102, 100);
+  PlotView view{.firstRow = 4, .rows = 7, .columns = 100};
+  DrawStationPlot(canvas, setup, view, points);
+  EXPECT_EQ(canvas.drawn,
+            (Drawn{"0:1 1,50", "0:1 1,50-2,40", "2:3 2,50", "0:1 2,40-3,40", "2:3 5,50", "0:1 6,30", "0:1 6,30-7,20"}));
+  view.columnsPerRow = 10;
   settings.traceShown[0] = 0;
-  DrawStationPlot(canvas, plotSetup(viewed.file, settings, 102, 100), points);
-  EXPECT_EQ(canvas.drawn, (Drawn{"2:3 2,50"}));
+  DrawStationPlot(canvas, plotSetup(viewed.file, settings, 102, 100), view, points);
+  EXPECT_EQ(canvas.drawn, (Drawn{"2:3 16,50", "2:3 46,50"}));
+
+  std::vector<StationPoint> far(60, stationPoint(0, 10.1F));
+  far[0] = stationPoint(0, 10), far[30] = stationPoint(0, 0), far[31] = stationPoint(2, -11);
+  std::string marks;
+  for (const auto& mark : offScaleMarks(setup, PlotView{.rows = 60, .columns = 100}, far, 5))
+    marks += fmt::format("{}{}{} ", mark.column, mark.above ? '^' : 'v', mark.colour);
+  EXPECT_EQ(marks, "2^0 22^0 32v2 33^0 53^0 ") << "where it leaves, and on as long as it is away";
+}
+
+TEST(StationLabels, areAsFarApartAsTheirTextsAreWide) {
+  std::vector<StationTick> ticks;
+  for (int i = 0; i < 100; ++i) ticks.push_back({1 + i, i < 50 ? i : 1e6 * i});
+  std::string texts;
+  const auto labels = stationLabels(
+      ticks, 100, [](const std::string& text) { return static_cast<int>(text.size()) * 3; }, 4);
+  for (const auto& label : labels) texts += fmt::format("{}@{} ", label.text, label.left);
+  EXPECT_EQ(texts, "0.00@0 22.00@16 41.00@35 69000000.00@54 ");
+}
+
+TEST(FittedSettings, holdTheShownTracesWithinRoundEnds) {
+  struct Case {
+    std::string header;
+    std::vector<std::pair<std::size_t, TraceSpan>> spans;
+    std::array<float, 6> ends;  // first scale, inphase, ice
+  };
+  const Settings usual;
+  for (const auto& item : std::initializer_list<Case>{
+           {kOrla, {}, {0, 10, -10, 10, 9, 10}},
+           {kOrla, {{0, {12, 47.5F}}, {1, {20, 80}}, {2, {-0.2F, 0.3F}}}, {10, 50, -1, 1, 9, 10}},
+           {kOrla, {{0, {30, 30}}, {3, {-2500, 1200}}}, {29, 31, -3000, 1500, 9, 10}},
+           {kOrlaIce, {{1, {5, 60}}, {4, {0.02F, 3.42F}}}, {0, 10, -10, 10, 0, 4}},
+           {"GLACO   W210GRD0000    \n", {{0, {1.2F, 4.1F}}}, {1, 4.5F, -10, 10, 9, 10}}}) {
+    SCOPED_TRACE(item.header);
+    const ViewedFile viewed(item.header);
+    TraceSpans spans;
+    for (const auto& [trace, span] : item.spans) spans[trace] = span;
+    auto settings = usual;
+    settings.traceShown[1] = 0;
+    const auto fitted = fittedSettings(viewed.file, spans, settings);
+    const std::array ends{fitted.conductivityMinimum, fitted.conductivityMaximum, fitted.inphaseMinimum,
+                          fitted.inphaseMaximum,      fitted.iceMinimum,          fitted.iceMaximum};
+    for (std::size_t i = 0; i < ends.size(); ++i) EXPECT_FLOAT_EQ(ends[i], item.ends[i]) << i;
+  }
+}
+
+// A line of many readings, stations 10 on by 1.5; every thousandth begins with a comment.
+TEST(LongLine, isKnownWithoutBeingRead) {
+  constexpr int kRows = 40000;
+  std::string bytes = kOrla + lineBlock();
+  for (int i = 0; i < kRows; ++i) {
+    if (i % 1000 == 999) bytes += formatNote(24, 'C', fmt::format("row {}", i), 1000);
+    bytes += formatReading(24, fmt::format("T${:+05}+0800", -(i % 4000)), 1000);
+  }
+  ViewedFile viewed(bytes);
+  ASSERT_EQ(viewed.extract().kind, ViewerErrorKind::none);
+  EXPECT_EQ(viewed.line.rowCount(), kRows);
+  EXPECT_LT(viewed.line1().size(), kRows * kLine1Row) << "written as far as it is looked at";
+  EXPECT_LE(viewed.line.summary.blocks().size(), 16384U);
+  const auto spans = viewed.line.summary.spans();
+  EXPECT_FLOAT_EQ(spans[0].least, 0);
+  EXPECT_FLOAT_EQ(spans[0].largest, 99.975F);
+  EXPECT_FALSE(spans[1].any());
+  const auto overview = lineOverview(viewed.line.summary, 10);
+  EXPECT_FLOAT_EQ(overview.spans[9][0].largest, 99.975F);
+  for (const int row : {1, 1025, 20001, kRows}) {
+    const auto point = viewed.point(row);
+    EXPECT_EQ(point.station, 10 + 1.5 * (row - 1));
+    EXPECT_NEAR(point.channels.value[0], (row - 1) % 4000 / 40.0, 0.006);
+    EXPECT_EQ(placeOfRow(viewed.reader, viewed.file, viewed.line, row).timeOfDayMs, 36000000U);
+  }
+  EXPECT_EQ(viewed.line1().size(), kRows * kLine1Row);
+  EXPECT_EQ(notesOf(viewed, 39999), Texts{"10:00:00 Comment: row 39999"});
+  EXPECT_EQ(notesOf(viewed, 39998), Texts{});
+}
+
+TEST(GrowingFile, goesOnWhereItStood) {
+  TempFolder folder;
+  const auto path = folder.path() / "A.ROR";
+  const auto grow = [&path](const std::string& bytes) {
+    std::ofstream(path, std::ios::binary | std::ios::app) << bytes;
+  };
+  grow(kOrlaBothDipoles + lineBlock() + vertical());
+  ViewedFile viewed("");
+  ASSERT_EQ(viewed.reader.open(path).kind, FileErrorKind::none);
+  ASSERT_EQ(ScanDataFile(viewed.reader, viewed.file).kind, FileErrorKind::none);
+  ASSERT_EQ(viewed.extract().kind, ViewerErrorKind::none);
+  struct Step {
+    std::string bytes;
+    bool rows, lines;
+    int count;
+  };
+  for (const auto& step : {Step{horizontal('2'), true, false, 1}, Step{"", false, false, 1},
+                           Step{vertical() + horizontal('2').substr(0, 9), false, false, 1},
+                           Step{horizontal('2').substr(9), true, false, 2},
+                           Step{lineBlock("L8") + vertical() + horizontal('2'), false, true, 2}}) {
+    grow(step.bytes);
+    EXPECT_EQ(extendScan(viewed.reader, viewed.file), step.lines);
+    EXPECT_EQ(extendLine(viewed.reader, viewed.file, viewed.line), step.rows);
+    EXPECT_EQ(viewed.line.rowCount(), step.count);
+    EXPECT_EQ(viewed.line.summary.rowCount(), step.count);
+  }
+  EXPECT_EQ(viewed.point(2).station, 11.5);
+  EXPECT_EQ(viewed.line1().size(), 2 * kLine1Row);
 }
 
 constexpr int kPlotWidth = 102;  // 100 points in view
@@ -333,6 +443,37 @@ TEST(Navigation, commands) {
     EXPECT_EQ(state.firstRow, walk.firstRow);
     EXPECT_EQ(state.lastRow, walk.lastRow);
     EXPECT_EQ(state.bar, walk.bar);
+  }
+}
+
+// Lines of 40, 100 and 5000 stations on 100 columns, zoomed step by step; the bar stands on row 20.
+TEST(PlotView, zoomsByPixelsAStationAndFollowsTheBar) {
+  struct Case {
+    int totalRows;
+    std::string steps;  // "+" and "-", ">" a page right, "r" the bar 70 to the right
+    std::string view;   // rows, pixels a station
+  };
+  for (const auto& item : {Case{40, "", "1-40 2.5"}, Case{40, "-", "1-40 2.5"}, Case{40, "+", "8-32 4"},
+                           Case{40, "+-", "1-40 2.5"}, Case{100, "", "1-100 1"}, Case{100, "+", "1-50 2"},
+                           Case{5000, "", "1-100 1"}, Case{5000, "-", "1-5000 0.02"}, Case{5000, "--", "1-5000 0.02"},
+                           Case{5000, "-+", "1-100 1"}, Case{5000, "+", "1-50 2"}, Case{5000, "+++++++", "19-21 32"},
+                           Case{5000, "+r", "41-90 2"}, Case{5000, "+>", "81-130 2"}, Case{5000, "->+", "81-180 1"}}) {
+    SCOPED_TRACE(fmt::format("{} {}", item.totalRows, item.steps));
+    auto state = opened(item.totalRows);
+    for (state.bar = 1; state.bar < 20;) moveView(state, ViewCommand::barRight);
+    Zoom zoom;
+    auto view = plotView(state, zoom);
+    for (const char step : item.steps) {
+      if (step == '+') zoomIn(state, zoom);
+      if (step == '-') zoomOut(state, zoom);
+      if (step == '>') moveView(state, ViewCommand::pageRight);
+      for (int i = 0; step == 'r' && i < 70; ++i) moveView(state, ViewCommand::barRight);
+      view = plotView(state, zoom);
+    }
+    EXPECT_EQ(fmt::format("{}-{} {:g}", view.firstRow, view.lastRow(), view.columnsPerRow), item.view);
+    EXPECT_EQ(state.pointsInView, 100);
+    for (int row = view.firstRow; !view.summed() && row <= view.lastRow(); ++row)
+      EXPECT_EQ(view.rowAt(view.columnOf(row)), row);
   }
 }
 

@@ -9,7 +9,7 @@
 namespace kalmira {
 
 ActionBar::ActionBar(QWidget* window, const Theme& theme, std::function<void(int index)> pressed)
-    : window_(window), theme_(&theme), pressed_(std::move(pressed)) {}
+    : window_(window), theme_(&theme), pressed_(std::move(pressed)), taps_(std::make_shared<TapMemory>()) {}
 
 void ActionBar::setActions(std::span<const Action> actions) {
   // The button being pressed may be the one that asks for this: it goes when its click is over.
@@ -19,10 +19,13 @@ void ActionBar::setActions(std::span<const Action> actions) {
   }
   buttons_.clear();
   letters_.clear();
+  taps_->button = nullptr;
   for (const auto& action : actions) {
     const int index = static_cast<int>(buttons_.size());
     auto* button = new TouchButton(qtText(action.text), *theme_, window_);
     if (action.identifier != 0) button->setObjectName(QString::number(action.identifier));
+    button->shareTaps(taps_);
+    if (action.repeats) button->setRepeats();
     button->setToolTip(qtText(action.toolTip));
     button->setAccessibleName(qtText(action.toolTip));
     QObject::connect(button, &QPushButton::clicked, button, [this, index] { pressed_(index); });

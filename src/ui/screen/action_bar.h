@@ -2,6 +2,7 @@
 
 #include <QRect>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <span>
 #include <string_view>
@@ -14,12 +15,14 @@ class QWidget;
 namespace kalmira {
 
 class TouchButton;
+struct TapMemory;
 
 struct Action {
   std::string_view text;          // of the button, with "&" before the letter that is underlined
   std::string_view letters = {};  // capitals; the keys that press it wherever the highlight stands
   std::string_view toolTip = {};  // for who has a mouse, and for screen readers
   int identifier = 0;             // the button's object name; 0: none
+  bool repeats = false;           // every tap counts, and it goes on while held
 };
 
 // The buttons of a window and the highlight: the one of them that Enter presses. They take no keyboard focus, keys
@@ -57,6 +60,7 @@ class ActionBar {
   std::function<void(int)> pressed_;
   std::vector<TouchButton*> buttons_;
   std::vector<std::string_view> letters_;
+  std::shared_ptr<TapMemory> taps_;
   int highlight_ = 0;
 };
 

@@ -9,6 +9,7 @@
 #include <QPainter>
 #include <QPainterPath>
 #include <QScreen>
+#include <QStyleHints>
 #include <algorithm>
 #include <cmath>
 
@@ -22,6 +23,8 @@ constexpr double kFewestDotsPerInch = 50.0;
 constexpr double kMostDotsPerInch = 800.0;
 constexpr double kRounding = 1e-6;  // of the division, which must not make a whole pixel
 constexpr int kSmallestFont = 5;    // pixels
+constexpr int kRepeatDelay_ms = 400;
+constexpr int kRepeat_ms = 60;
 constexpr int kTextFlags = Qt::AlignCenter | Qt::TextWordWrap | Qt::TextShowMnemonic;
 
 bool fits(const QString& text, const QFont& font, QSize room) {
@@ -136,7 +139,26 @@ void TouchButton::paintPointer(QPainter& painter) const {
   painter.fillPath(wedge, QColor(theme_->focus));
 }
 
-void TouchButton::mouseDoubleClickEvent(QMouseEvent* event) { event->accept(); }
+void TouchButton::setRepeats() {
+  setAutoRepeat(true);
+  setAutoRepeatDelay(kRepeatDelay_ms);
+  setAutoRepeatInterval(kRepeat_ms);
+}
+
+// A finger seldom meets the same pixel twice, so that the system often takes two quick taps for two.
+void TouchButton::mousePressEvent(QMouseEvent* event) {
+  const auto interval = static_cast<quint64>(QGuiApplication::styleHints()->mouseDoubleClickInterval());
+  const bool replaced = taps_->button == nullptr;
+  const bool quick = taps_->time != 0 && event->timestamp() - taps_->time < interval;
+  const bool second = !autoRepeat() && quick && (replaced || taps_->button == this);
+  *taps_ = {.time = event->timestamp(), .button = this};
+  if (!second) QPushButton::mousePressEvent(event);
+}
+
+void TouchButton::mouseDoubleClickEvent(QMouseEvent* event) {
+  *taps_ = {.time = event->timestamp(), .button = this};
+  if (autoRepeat()) QPushButton::mousePressEvent(event);
+}
 
 void TouchButton::paintEvent(QPaintEvent* /*event*/) {
   QPainter painter(this);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QPushButton>
+#include <memory>
 #include <span>
 
 #include "ui/screen/theme.h"
@@ -18,6 +19,12 @@ int touchHeightAt(double dotsPerInch);
 // words, fits in `room`.
 QFont fittedFont(const QString& text, const QFont& wanted, QSize room);
 
+// The tap before, for buttons that come in each other's place.
+struct TapMemory {
+  quint64 time = 0;              // of the event, ms; 0: none yet
+  const void* button = nullptr;  // that it met, as long as it stands there
+};
+
 // A push button for fingers: high contrast, its text wrapped over as many lines as are needed and made smaller before
 // anything would be cut, a thick frame and a pointer when it is the one that Enter presses (isDefault). A letter behind
 // "&" is underlined. Takes no keyboard focus of its own.
@@ -26,6 +33,10 @@ class TouchButton final : public QPushButton {
   TouchButton(const QString& text, const Theme& theme, QWidget* parent = nullptr);
 
   void setTheme(const Theme& theme);
+  // For a button that moves something on: every tap counts, however quick, and held down it presses itself again.
+  void setRepeats();
+  // Buttons that replace each other remember the taps together.
+  void shareTaps(std::shared_ptr<TapMemory> taps) { taps_ = std::move(taps); }
   // The text in one line, and touch height.
   QSize sizeHint() const override;
   // A square of touch height: the text is fitted into whatever the button gets.
@@ -35,7 +46,9 @@ class TouchButton final : public QPushButton {
 
  protected:
   void paintEvent(QPaintEvent* event) override;
-  // The second tap of a double tap is none: it may meet a button that came in place of the one first tapped.
+  // The second tap of a double tap is none, unless the button repeats: it may meet what came in place of what was
+  // tapped first.
+  void mousePressEvent(QMouseEvent* event) override;
   void mouseDoubleClickEvent(QMouseEvent* event) override;
 
  private:
@@ -44,6 +57,7 @@ class TouchButton final : public QPushButton {
   void paintPointer(QPainter& painter) const;
 
   const Theme* theme_;
+  std::shared_ptr<TapMemory> taps_ = std::make_shared<TapMemory>();
 };
 
 // Gives all of them one size of text: the largest, up to `pixels`, in which each text fits its button.

@@ -319,6 +319,13 @@ void LoggingWnd::setTheme(const Theme& theme) {
   parts_->buttons.setTheme(theme);
 }
 
+std::string LoggingWnd::concern() {
+  if (!sessionActive()) return {};
+  const auto& session = *this->session();
+  if (session.pleaseWait || session.fileTrouble) return session.message;
+  return session.gps.gone ? "GPS receiver gone" : "";
+}
+
 void LoggingWnd::showButtons() {
   const auto& session = parts_->run->session;
   const auto texts = buttonTexts(session, keyContextOf(session));

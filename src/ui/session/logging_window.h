@@ -35,6 +35,8 @@ struct LoggingHost {
   SoundFactory sound = {};                                   // none: what would sound is flashed
   // "Display Options" of the menu: the settings as changed, nothing when cancelled. Greyed while there is none.
   std::function<std::optional<Settings>(QWidget* parent, const Settings& settings)> displayOptions;
+  // "View File" of the menu: shows the file being logged over the session. Not in the menu while there is none.
+  std::function<void(const std::filesystem::path& file)> viewFile = {};
 };
 
 // LoggingWnd: the screen on which a survey is recorded. It owns the session from startLogging until it is left, and is
@@ -54,6 +56,9 @@ class LoggingWnd final : public CoverWindow {
   // tell goes to standard error.
   void leaveAtOnce();
   void setTheme(const Theme& theme);
+  // What of the session cannot wait until its window is seen again, in words: a silent instrument, a file that takes no
+  // records. Empty while all is well.
+  std::string concern();
 
   // The session as it stands, for tests and pictures; nullptr before the first.
   Session* session();

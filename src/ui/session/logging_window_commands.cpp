@@ -19,6 +19,7 @@ namespace {
 // Where the popup menu opens, in units.
 constexpr QPoint kMenuPlace{20, 10};
 constexpr int kMenuRight = 220;
+constexpr int kViewFile = 1120;  // below the menu's own identifiers' end
 
 struct MenuRow {
   int identifier;  // 0: a separator
@@ -167,6 +168,7 @@ void LoggingWnd::runMenu() {
     action->setData(row.identifier);
     if (row.identifier == 1102) action->setEnabled(static_cast<bool>(host_.displayOptions));
   }
+  if (host_.viewFile) menu.addAction("&View File")->setData(kViewFile);
   const double unit = session.setup.wideLayout ? width() / 240.0 : width() / 320.0;
   QPoint place = kMenuPlace * unit;
   if (!session.setup.wideLayout) {
@@ -174,6 +176,12 @@ void LoggingWnd::runMenu() {
   }
   const auto* chosen = menu.exec(mapToGlobal(place));
   if (!session.sessionActive) return;
+  if (chosen != nullptr && chosen->data().toInt() == kViewFile) {
+    // Once this command is over: it gives the keys back to this window.
+    QMetaObject::invokeMethod(
+        this, [this, file = session.file.path()] { host_.viewFile(file); }, Qt::QueuedConnection);
+    return;
+  }
   const auto command = chosen != nullptr ? commandOf(session, menuCommandOf(chosen->data().toInt())) : std::nullopt;
   if (command && commandAllowed(session, *command)) return runCommand(*command);
   redrawAfterDialog();

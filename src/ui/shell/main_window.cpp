@@ -90,8 +90,10 @@ void MainWindow::showTheme() {
 
 void MainWindow::showMenu() {
   settings_watch_.start(kSettingsWatchMs);
-  menu_->show();
-  setFocus();
+  if (cover_ == nullptr) {
+    menu_->show();
+    setFocus();
+  }
   // Told once the session is through with leaving; to a program that ends, no more.
   QMetaObject::invokeMethod(
       this, [this] { tellSettingsProblem(); }, Qt::QueuedConnection);
@@ -99,8 +101,11 @@ void MainWindow::showMenu() {
 
 void MainWindow::cover(QWidget* window) {
   cover_ = window;
-  menu_->setVisible(window == nullptr);
-  (window == nullptr ? this : window)->setFocus();
+  // A session below goes on, and would take the keys after each question.
+  logging_->setFocusProxy(window);
+  menu_->setVisible(window == nullptr && !logging_->sessionActive());
+  QWidget* shown = logging_->sessionActive() ? static_cast<QWidget*>(logging_.get()) : this;
+  (window == nullptr ? shown : window)->setFocus();
 }
 
 void MainWindow::arrange() {

@@ -48,7 +48,7 @@ class MainWindow final : public QWidget {
 
   LoggingWnd& logging() { return *logging_; }
   int highlight() const { return commands_.highlight(); }
-  // Shows a child window in the menu's place, and keeps the menu's commands away meanwhile; nullptr: the menu again.
+  // Shows a child window in the menu's or the session's place, which get no keys meanwhile; nullptr: what it covered.
   void cover(QWidget* window);
   // To the front, for another start of the program on the same root.
   void bringToFront();

@@ -19,6 +19,7 @@
 #include "platform/power.h"
 #include "platform/terminate.h"
 #include "settings/settings_file.h"
+#include "ui/screen/message_dialog.h"
 #include "ui/screen/touch_style.h"
 #include "ui/shell/chooser_dialog.h"
 #include "ui/shell/main_menu.h"
@@ -92,6 +93,7 @@ class Program {
  public:
   explicit Program(const ProgramOptions& options)
       : options_(options),
+        file_(options.file),
         store_("kalmira", "kalmira"),
         clock_(options.tickBase),
         assigned_(rememberedComDevices(store_)),
@@ -106,6 +108,7 @@ class Program {
  private:
   std::optional<RememberedKind> instrumentToUse();
   std::optional<RememberedKind> instrumentOfFile() const;
+  void lookAtFile();
   bool nightToUse();
   MainWindowHost windowHost(RememberedKind instrument, bool night);
   LoggingHost openInstrument(RememberedKind instrument);
@@ -117,6 +120,7 @@ class Program {
   void end();
 
   const ProgramOptions& options_;
+  std::filesystem::path file_;  // to be shown; empty: none
   TerminateSignals terminate_;
   QSettings store_;
   SystemClock clock_;
@@ -147,10 +151,22 @@ std::optional<RememberedKind> Program::instrumentToUse() {
   return instrument;
 }
 
-// Of the data file to be viewed; nothing without one, or when it is none.
+// One that cannot be opened is told; then the program goes on as without it.
+void Program::lookAtFile() {
+  RecordReader reader;
+  if (file_.empty()) return;
+  const auto error = reader.open(file_);
+  if (error.kind == FileErrorKind::none) return;
+  QApplication::setPalette(paletteOf(nightToUse() ? nightTheme() : dayTheme()));
+  const auto text = fmt::format("{}: {}", file_.filename().string(), error.text);
+  tellMessage(nullptr, {.title = "View Files", .text = text, .icon = Icon::exclamation});
+  file_.clear();
+}
+
+// Of the data file to be viewed; nothing without one.
 std::optional<RememberedKind> Program::instrumentOfFile() const {
   RecordReader reader;
-  if (options_.file.empty() || reader.open(options_.file).kind != FileErrorKind::none) return std::nullopt;
+  if (file_.empty() || reader.open(file_).kind != FileErrorKind::none) return std::nullopt;
   return RememberedKind{.kind = reader.header().kind, .ice = reader.header().iceOption};
 }
 
@@ -184,7 +200,13 @@ ActionsHost Program::hostOfActions() {
           .portFactory = makePort,
           .cover = [this](QWidget* covering) { window_->cover(covering); },
           .root = options_.root,
-          .teskRangeTimes10 = options_.teskTimes10};
+          .teskRangeTimes10 = options_.teskTimes10,
+          .loggedFile =
+              [this] {
+                const auto* session = window_->logging().sessionActive() ? window_->logging().session() : nullptr;
+                return session == nullptr ? std::filesystem::path() : session->file.path();
+              },
+          .concern = [this] { return window_->logging().concern(); }};
 }
 
 SessionSetup Program::setupOf(RememberedKind instrument) const {
@@ -230,7 +252,8 @@ LoggingHost Program::openInstrument(RememberedKind instrument) {
           .displayOptions =
               [this](QWidget* parent, const Settings& settings) {
                 return actions_.runSessionDisplayOptions(parent, settings);
-              }};
+              },
+          .viewFile = [this](const std::filesystem::path& file) { actions_.showFile(window_.get(), file); }};
 }
 
 MainWindowHost Program::windowHost(RememberedKind instrument, bool night) {
@@ -277,8 +300,12 @@ std::string Program::finishSettings() {
 
 int Program::run() {
   QApplication::setStyle(makeTouchStyle());
-  const SingleInstance instance(options_.root, [this] {
-    if (window_) window_->bringToFront();
+  std::error_code ignored;
+  const auto wanted = file_.empty() ? "" : std::filesystem::absolute(file_, ignored).string();
+  const SingleInstance instance(options_.root, wanted, [this](const std::string& file) {
+    if (!window_) return;
+    window_->bringToFront();
+    if (!file.empty()) actions_.showFile(window_.get(), file);
   });
   if (!instance.isFirst()) {
     printError("kalmira: already running on this root");
@@ -293,15 +320,17 @@ int Program::run() {
       end();
     }
   });
+  lookAtFile();
+  if (ended_) return 0;
   const auto instrument = instrumentToUse();
   if (!instrument || ended_) return 0;
   night_ = nightToUse();
   window_ = std::make_unique<MainWindow>(windowHost(*instrument, night_));
   showWindow();
-  if (!options_.file.empty()) {
-    // Once the window is to be seen: what cannot be opened is told in front of it.
+  if (!file_.empty()) {
+    // Once the window is to be seen: what is damaged is told in front of it.
     QMetaObject::invokeMethod(
-        window_.get(), [this] { actions_.viewFiles(window_.get(), options_.file); }, Qt::QueuedConnection);
+        window_.get(), [this] { actions_.showFile(window_.get(), file_); }, Qt::QueuedConnection);
   }
   IdleInhibitor inhibitor("Kalmira");
   const KeepAwakeThread keepAwake{[&inhibitor] { inhibitor.renew(); }};

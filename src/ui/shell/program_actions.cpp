@@ -1,11 +1,19 @@
 #include "ui/shell/program_actions.h"
 
+#include <QApplication>
+#include <QTimer>
+#include <system_error>
 #include <utility>
 
 #include "platform/files.h"
 #include "settings/settings_file.h"
 
 namespace kalmira {
+namespace {
+
+constexpr int kTryAgain_ms = 300;
+
+}  // namespace
 
 MenuActions ProgramActions::actions() {
   MenuActions actions;
@@ -106,18 +114,41 @@ void ProgramActions::openMonitor(QWidget* parent) {
   }
 }
 
-void ProgramActions::viewFiles(QWidget* parent, const std::filesystem::path& file) {
+void ProgramActions::viewFiles(QWidget* parent) { openViewer(parent); }
+
+ViewFilesWnd& ProgramActions::openViewer(QWidget* parent) {
   auto* viewer = new ViewFilesWnd(
       {.place = {.kind = host_.instrument().kind, .storageClass = host_.storageClass, .root = host_.root},
        .extract = {.teskRangeTimes10 = host_.teskRangeTimes10},
        .settingsFor = [this](Kind kind, bool ice) { return settingsFor(kind, ice); },
        .takeSettings = [this](Kind kind, bool ice, const Settings& changed) { takeSettings(kind, ice, changed); },
-       .onLeft = [this] { uncover(); }},
+       .confirmedScales = confirmed_scales_,
+       .onLeft = [this] { uncover(); },
+       .concern = host_.concern},
       host_.theme(), parent);
   covering_ = viewer;
   viewer->open();
   host_.cover(viewer);
-  if (!file.empty()) viewer->openFile(file);
+  return *viewer;
+}
+
+void ProgramActions::showFile(QWidget* parent, const std::filesystem::path& file) {
+  const bool covered = covering_ != nullptr && covering_->isVisible();
+  auto* viewer = covered ? dynamic_cast<ViewFilesWnd*>(covering_.data()) : nullptr;
+  const bool popup = QApplication::activePopupWidget() != nullptr;
+  if (QApplication::activeModalWidget() != nullptr || popup || (covered && viewer == nullptr)) {
+    QTimer::singleShot(kTryAgain_ms, parent, [this, parent, file] { showFile(parent, file); });
+    return;
+  }
+  const bool fresh = viewer == nullptr;
+  if (fresh) viewer = &openViewer(parent);
+  const QPointer<ViewFilesWnd> there(viewer);
+  const bool opened = viewer->openFile(file);
+  if (there == nullptr) return;
+  std::error_code ignored;
+  const auto logged = host_.loggedFile();
+  if (opened && !logged.empty() && std::filesystem::equivalent(file, logged, ignored)) viewer->showEnd();
+  if (!opened && fresh) viewer->leave();
 }
 
 void ProgramActions::showFonts(QWidget* parent) {

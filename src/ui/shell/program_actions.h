@@ -2,6 +2,7 @@
 
 #include <QPointer>
 #include <QWidget>
+#include <bitset>
 #include <filesystem>
 #include <functional>
 #include <optional>
@@ -33,6 +34,9 @@ struct ActionsHost {
   std::function<void(QWidget* window)> cover;
   std::filesystem::path root = {};
   bool teskRangeTimes10 = false;
+  // The file that is being logged, empty when there is none, and what else a session has to say at once.
+  std::function<std::filesystem::path()> loggedFile = [] { return std::filesystem::path(); };
+  std::function<std::string()> concern = {};
 };
 
 // The main menu's commands but for the session: dialogs that ask, the taking and saving of what was set up, and the
@@ -45,8 +49,11 @@ class ProgramActions {
 
   // Commands 1 to 5. They refer to this object.
   MenuActions actions();
-  // Shows the viewer over `parent`; with a file, on that file.
-  void viewFiles(QWidget* parent, const std::filesystem::path& file = {});
+  // Shows the viewer over `parent`.
+  void viewFiles(QWidget* parent);
+  // The viewer on that file, in place of the one it shows. Waits for dialogs that are open. What cannot be opened is
+  // told, and the viewer is left again where it showed nothing.
+  void showFile(QWidget* parent, const std::filesystem::path& file);
   void showFonts(QWidget* parent);
   // "Display Options" of a session's menu: an ORLA's ice traces are there only with the ice display.
   // The settings as changed, for the session to take and save; nothing when cancelled.
@@ -63,6 +70,7 @@ class ProgramActions {
   void runDisplayOptions(QWidget* parent);
   void assignDevices(QWidget* parent);
   void openMonitor(QWidget* parent);
+  ViewFilesWnd& openViewer(QWidget* parent);
 
   bool isInUse(Kind kind, bool ice) const;
   Settings settingsFor(Kind kind, bool ice) const;
@@ -70,6 +78,7 @@ class ProgramActions {
   void uncover();
 
   ActionsHost host_;
+  std::bitset<kKindCount> confirmed_scales_;
   QPointer<QWidget> covering_;  // the monitor, the viewer or the fonts
 };
 

@@ -18,6 +18,7 @@ namespace {
 
 constexpr int kTries = 20;  // the first may be between its lock and its socket
 constexpr int kTryMs = 100;
+constexpr qint64 kLongestWord = 8192;
 
 std::filesystem::path canonicalRoot(const std::filesystem::path& root) {
   std::error_code error;
@@ -33,10 +34,30 @@ QString serverName(const std::filesystem::path& root) {
   return QStringLiteral("kalmira-") + QString::fromLatin1(hash.toHex().left(24));
 }
 
-bool raiseOther(const QString& name) {
+bool raiseOther(const QString& name, const std::string& word) {
   QLocalSocket socket;
   socket.connectToServer(name);
-  return socket.waitForConnected(kTryMs);
+  if (!socket.waitForConnected(kTryMs)) return false;
+  socket.write(word.data(), static_cast<qint64>(word.size()));
+  while (socket.bytesToWrite() > 0 && socket.waitForBytesWritten(kTryMs)) {
+  }
+  socket.disconnectFromServer();
+  return true;
+}
+
+// The word of another program is whole when that one has gone.
+void hear(QLocalServer& server, const std::function<void(const std::string&)>& raise) {
+  while (auto* socket = server.nextPendingConnection()) {
+    const auto end = [socket, raise] {
+      raise(socket->read(kLongestWord).toStdString());
+      socket->deleteLater();
+    };
+    if (socket->state() == QLocalSocket::UnconnectedState) {
+      end();
+    } else {
+      QObject::connect(socket, &QLocalSocket::disconnected, socket, end);
+    }
+  }
 }
 
 // The root lies on a disk that machines share: whoever holds it there is out of reach.
@@ -49,11 +70,11 @@ bool heldElsewhere(const QLockFile& lock) {
 
 enum class Holding { lock, nothing, refused };
 
-Holding takeRoot(QLockFile& lock, const QString& name) {
+Holding takeRoot(QLockFile& lock, const QString& name, const std::string& word) {
   for (int tries = 0; tries < kTries; ++tries) {
     if (lock.tryLock(0)) return Holding::lock;
     const bool held = lock.error() == QLockFile::LockFailedError;
-    if (raiseOther(name)) return Holding::refused;
+    if (raiseOther(name, word)) return Holding::refused;
     if (!held || heldElsewhere(lock)) return Holding::nothing;
     QThread::msleep(kTryMs);
   }
@@ -75,15 +96,14 @@ struct SingleInstance::State {
   bool first = false;
 };
 
-SingleInstance::SingleInstance(const std::filesystem::path& root, std::function<void()> raise)
+SingleInstance::SingleInstance(const std::filesystem::path& root, const std::string& word,
+                               std::function<void(const std::string&)> raise)
     : state_(std::make_unique<State>(canonicalRoot(root))) {
   auto& state = *state_;
-  state.first = takeRoot(state.lock, state.name) != Holding::refused;
+  state.first = takeRoot(state.lock, state.name, word) != Holding::refused;
   if (!state.first) return;
-  QObject::connect(&state.server, &QLocalServer::newConnection, &state.server, [&state, wake = std::move(raise)] {
-    while (auto* socket = state.server.nextPendingConnection()) delete socket;
-    wake();
-  });
+  QObject::connect(&state.server, &QLocalServer::newConnection, &state.server,
+                   [&state, wake = std::move(raise)] { hear(state.server, wake); });
   // Nobody answered there: what is left of the name is a crashed program's.
   QLocalServer::removeServer(state.name);
   state.server.setSocketOptions(QLocalServer::UserAccessOption);

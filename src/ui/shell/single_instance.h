@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <string>
 
 namespace kalmira {
 
@@ -12,9 +13,11 @@ namespace kalmira {
 // cannot be written to, or is held from another machine, the program goes on alone.
 class SingleInstance {
  public:
-  // `raise` is called on this thread's event loop when another program was started. Waits up to two seconds for an
-  // answer of the program that holds the root.
-  SingleInstance(const std::filesystem::path& root, std::function<void()> raise);
+  // `raise` is called on this thread's event loop when another program was started, with what that one had to say.
+  // `word` is what this one says where it is not the first: at most a few thousand bytes. Waits up to two seconds for
+  // an answer of the program that holds the root.
+  SingleInstance(const std::filesystem::path& root, const std::string& word,
+                 std::function<void(const std::string& word)> raise);
   ~SingleInstance();
 
   // False: another program holds the root and has been asked to come to the front.

@@ -439,10 +439,12 @@ void Stage::takeAll() {
 void Stage::takeViewer(const std::filesystem::path& file) {
   const auto& theme = shot_.night ? nightTheme() : dayTheme();
   const DataPlace place{.kind = shot_.instrument.kind, .root = root_.path().toStdString()};
+  std::bitset<kKindCount> confirmed;
   ViewFilesWnd viewer({.place = place,
                        .extract = {},
                        .settingsFor = [this](Kind, bool) { return settings_; },
                        .takeSettings = [](Kind, bool, const Settings&) {},
+                       .confirmedScales = confirmed,
                        .onLeft = {}},
                       theme, &window_);
   viewer.open();
@@ -450,6 +452,19 @@ void Stage::takeViewer(const std::filesystem::path& file) {
   if (!viewer.openFile(file)) problem_ = "cannot view " + file.string();
   viewer.run(ViewCommand::barRight);
   save("6-viewer");
+  viewer.run(kZoomOut);
+  save("6-viewer-whole");
+  for (int i = 0; i < 3; ++i) viewer.run(kZoomIn);
+  save("6-viewer-wide");
+  const Settings usual = settings_;
+  settings_.conductivityMaximum = settings_.conductivityMinimum + 10;
+  settings_.inphaseMaximum = 0;
+  confirmed.set();
+  viewer.openFile(file);
+  save("6-viewer-off-scale");
+  settings_ = usual;
+  confirmed.reset();
+  viewer.openFile(file);
   runAndSave([&] { viewer.run(ViewCommand::openFile); }, "view-open");
   runAndSave([&] { viewer.run(ViewCommand::scale); }, "view-scale");
   runAndSave([&] { viewer.run(ViewCommand::help); }, "view-help");

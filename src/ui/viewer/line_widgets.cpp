@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "ui/session/curve_window.h"
+#include "ui/viewer/view_curve_window.h"
 
 namespace kalmira {
 namespace {
@@ -22,11 +23,17 @@ class LineModel final : public QAbstractListModel {
   void setLines(const std::vector<SurveyLine>* lines) {
     beginResetModel();
     lines_ = lines;
+    known_ = lines == nullptr ? 0 : static_cast<int>(lines->size());
     endResetModel();
   }
-  int rowCount(const QModelIndex& parent = {}) const override {
-    return parent.isValid() || lines_ == nullptr ? 0 : static_cast<int>(lines_->size());
+  void takeNewLines() {
+    const int now = lines_ == nullptr ? 0 : static_cast<int>(lines_->size());
+    if (now <= known_) return;
+    beginInsertRows({}, known_, now - 1);
+    known_ = now;
+    endInsertRows();
   }
+  int rowCount(const QModelIndex& parent = {}) const override { return parent.isValid() ? 0 : known_; }
   QVariant data(const QModelIndex& index, int role) const override {
     if (role != Qt::DisplayRole || !index.isValid()) return {};
     return qtText(lineNameOf((*lines_)[static_cast<std::size_t>(index.row())]));
@@ -34,8 +41,10 @@ class LineModel final : public QAbstractListModel {
 
  private:
   const std::vector<SurveyLine>* lines_ = nullptr;
+  int known_ = 0;
 };
 
+constexpr int kMark = 8;    // pixels, of an arrow
 constexpr int kFrame = 2;   // pixels, of the shown window's
 constexpr int kVeil = 145;  // of 255, over what is not in the window: it stands back
 
@@ -63,6 +72,8 @@ void LineList::setLines(const std::vector<SurveyLine>* lines) {
   setCurrentIndex(count() == 0 ? -1 : 0);
 }
 
+void LineList::takeNewLines() { static_cast<LineModel*>(model())->takeNewLines(); }
+
 bool LineList::eventFilter(QObject* watched, QEvent* event) {
   if (event->type() == QEvent::Hide) {
     QMetaObject::invokeMethod(
@@ -87,7 +98,9 @@ OverviewStrip::~OverviewStrip() = default;
 void OverviewStrip::showLine(const ProfileSetup& setup, Overview overview) {
   overview_ = std::move(overview);
   picture_ = std::make_unique<ChartPicture>(chartColoursOf(*theme_), setup.width, setup.height);
-  DrawOverview(*picture_, setup, overview_);
+  DrawOverview(*picture_, setup, overview_, 0, false);
+  marks_ = offScaleMarks(setup, overview_, 0, std::max(1, kMark * overview_.columns / std::max(1, width())));
+  for (auto& mark : marks_) mark.column = mark.column * width() / std::max(1, overview_.columns);
   update();
 }
 
@@ -127,13 +140,15 @@ void OverviewStrip::paintEvent(QPaintEvent*) {
   painter.fillRect(rect(), QColor(theme_->chart));
   if (picture_ && overview_.rowCount > 0) {
     painter.drawImage(rect(), imageOf(*picture_));
-    const int left = leftOf(first_row_);
+    paintOffScale(painter, marks_, chartColoursOf(*theme_), rect(), kMark);
+    const int left = leftOf(std::max(1, first_row_));
     const int end = last_row_ >= overview_.rowCount ? width() - 1 : std::max(left, leftOf(last_row_ + 1) - 1);
     QColor veil = QColor(theme_->chart);
     veil.setAlpha(kVeil);
     painter.fillRect(QRect(0, 0, left, height()), veil);
     painter.fillRect(QRect(end + 1, 0, width() - end - 1, height()), veil);
-    painter.fillRect(QRect(leftOf(bar_row_), 0, 1, height()), QColor(theme_->focus));
+    if (bar_row_ >= 1 && bar_row_ <= overview_.rowCount)
+      painter.fillRect(QRect(leftOf(bar_row_), 0, 1, height()), QColor(theme_->focus));
     painter.setPen(QPen(QColor(theme_->focus), kFrame, Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin));
     painter.drawRect(QRect(QPoint(left, 1), QPoint(std::max(left + kFrame, end - 1), height() - kFrame)));
   }

@@ -21,6 +21,8 @@ class LineList final : public QComboBox {
 
   // Selects the first one. The lines must outlive the list or be taken away: nullptr.
   void setLines(const std::vector<SurveyLine>* lines);
+  // Lines have been added at the end of the table.
+  void takeNewLines();
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  protected:
@@ -56,6 +58,7 @@ class OverviewStrip final : public QWidget {
   std::function<void(int)> row_wanted_;
   std::unique_ptr<ChartPicture> picture_;
   Overview overview_;
+  std::vector<OffScaleMark> marks_;
   int first_row_ = 0;
   int last_row_ = 0;
   int bar_row_ = 0;

@@ -2,6 +2,7 @@
 
 #include <QPainter>
 #include <algorithm>
+#include <numeric>
 #include <utility>
 
 #include "viewer/plot_points.h"
@@ -13,8 +14,22 @@ constexpr int kSmallestText = 9;  // pixels
 constexpr int kMargin = 3;
 constexpr int kSwatchGap = 3;
 
-// Between two columns, and the place of a trace's colour.
+constexpr std::size_t kMostColumns = 6;
+constexpr int kNoteFlags = static_cast<int>(Qt::AlignLeft | Qt::AlignTop) | Qt::TextWordWrap;
+
+// What a station may well have: a comment of full length and an event.
+const std::vector<std::string> kUsualNotes{"10:00:00 Comment: MMMMMMMMMMM", "10:00:00 Event: $CONN BREAK"};
+
+// The place of a trace's colour.
 int swatchWidth(int lineHeight) { return lineHeight / 3; }
+
+std::string shownText(const ReadoutField& field, bool units) {
+  return units ? readoutText(field) : field.label + ": " + field.value;
+}
+
+int noteHeight(const QFontMetrics& metrics, const std::string& note, int width) {
+  return metrics.boundingRect(QRect(0, 0, width, 1), kNoteFlags, qtText(note)).height();
+}
 
 }  // namespace
 
@@ -44,64 +59,92 @@ std::string ReadoutView::text() const {
   return all;
 }
 
-// The largest text with which all fields and the notes fit. A line for notes is kept even where there are none, so that
-// the text does not change its size at every other station.
-ReadoutView::Grid ReadoutView::gridFor(int noteLines) const {
-  Grid grid{.font = font()};
+// Room for the usual notes is kept where there are none, so that the text does not change its size at every other
+// station.
+int ReadoutView::heightOfNotes(const QFontMetrics& metrics) const {
   const int wide = width() - 2 * kMargin;
-  for (int pixels = largest_text_; pixels >= kSmallestText; --pixels) {
-    grid.font.setPixelSize(pixels);
-    grid.font.setBold(true);
-    const QFontMetrics metrics(grid.font);
-    grid.lineHeight = metrics.lineSpacing();
-    int widest = 1;
+  const auto all = [&](const std::vector<std::string>& notes) {
+    int high = 0;
+    for (const auto& note : notes) high += noteHeight(metrics, note, wide);
+    return high;
+  };
+  return std::max(all(kUsualNotes), all(readout_.notes));
+}
+
+// In as many columns as there is room for.
+ReadoutView::Grid ReadoutView::gridOf(int pixels, bool units) const {
+  Grid grid{.font = font(), .widths = {}, .units = units};
+  grid.font.setPixelSize(pixels);
+  QFont plain = grid.font;
+  grid.font.setBold(true);
+  const QFontMetrics metrics(grid.font);
+  const int wide = width() - 2 * kMargin;
+  grid.lineHeight = metrics.lineSpacing();
+  const int beside = swatchWidth(grid.lineHeight) + 4 * kSwatchGap;
+  for (std::size_t columns = kMostColumns; columns >= 1; --columns) {
+    grid.widths.assign(columns, 0);
+    std::size_t column = 0;
     for (const auto& field : readout_.fields) {
-      widest = std::max(widest, metrics.horizontalAdvance(qtText(readoutText(field))));
+      auto& width = grid.widths[column++ % columns];
+      width = std::max(width, metrics.horizontalAdvance(qtText(shownText(field, units))) + beside);
     }
-    grid.columnWidth = widest + swatchWidth(grid.lineHeight) + 4 * kSwatchGap;
-    grid.columns = std::max(1, wide / grid.columnWidth);
-    const int fields = static_cast<int>(readout_.fields.size());
-    const int rows = (fields + grid.columns - 1) / grid.columns + std::max(1, noteLines);
-    if (grid.columnWidth <= wide && rows * grid.lineHeight <= height() - 2 * kMargin) break;
+    if (std::accumulate(grid.widths.begin(), grid.widths.end(), 0) <= wide) break;
   }
+  const auto columns = grid.widths.size();
+  const auto rows = static_cast<int>((readout_.fields.size() + columns - 1) / columns);
+  const int high = rows * grid.lineHeight + heightOfNotes(QFontMetrics(plain));
+  grid.fits = grid.widths.front() <= wide && high <= height() - 2 * kMargin;
   return grid;
 }
 
-void ReadoutView::drawField(QPainter& painter, const ReadoutField& field, const QRect& cell) const {
+// The largest text with which all fields and the notes fit; where none does, without the units, which the letters
+// before the values tell, too.
+ReadoutView::Grid ReadoutView::gridFor() const {
+  for (const bool units : {true, false}) {
+    for (int pixels = largest_text_; pixels >= kSmallestText; --pixels) {
+      if (auto grid = gridOf(pixels, units); grid.fits) return grid;
+    }
+  }
+  return gridOf(kSmallestText, false);
+}
+
+void ReadoutView::drawField(QPainter& painter, const ReadoutField& field, const QRect& cell, bool units) const {
   const int swatch = swatchWidth(cell.height());
   if (field.trace >= 0) {
     const QRect place(cell.left(), cell.top() + cell.height() / 4, swatch, cell.height() / 2);
     painter.fillRect(place, QColor(colours_.at(static_cast<std::size_t>(field.trace))));
   }
   const QRect room = cell.adjusted(swatch + kSwatchGap, 0, 0, 0);
-  painter.drawText(room, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, qtText(readoutText(field)));
+  painter.drawText(room, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, qtText(shownText(field, units)));
 }
 
 void ReadoutView::paintEvent(QPaintEvent*) {
   QPainter painter(this);
   painter.fillRect(rect(), QColor(theme_->background));
-  if (readout_.fields.empty()) return;
-  const auto grid = gridFor(static_cast<int>(readout_.notes.size()));
+  const auto grid = gridFor();
   painter.setFont(grid.font);
   painter.setPen(QColor(theme_->text));
-  int index = 0;
-  const int columnStep = std::max(grid.columnWidth, (width() - 2 * kMargin) / grid.columns);
+  const int spare = width() - 2 * kMargin - std::accumulate(grid.widths.begin(), grid.widths.end(), 0);
+  QRect cell(kMargin, kMargin, 0, grid.lineHeight);
+  std::size_t column = 0;
   for (const auto& field : readout_.fields) {
-    drawField(painter, field,
-              {kMargin + index % grid.columns * columnStep, kMargin + index / grid.columns * grid.lineHeight,
-               grid.columnWidth, grid.lineHeight});
-    ++index;
+    if (column == grid.widths.size()) {
+      column = 0;
+      cell.moveTo(kMargin, cell.top() + grid.lineHeight);
+    }
+    cell.setWidth(grid.widths[column++]);
+    drawField(painter, field, cell, grid.units);
+    cell.moveLeft(cell.left() + cell.width() + spare / static_cast<int>(grid.widths.size()));
   }
-  int top = kMargin + (index + grid.columns - 1) / grid.columns * grid.lineHeight;
   QFont plain = grid.font;
   plain.setBold(false);
   painter.setFont(plain);
-  const QFontMetrics metrics(plain);
+  int top = readout_.fields.empty() ? kMargin : cell.top() + grid.lineHeight;
   for (const auto& note : readout_.notes) {
-    const QRect line(kMargin, top, width() - 2 * kMargin, grid.lineHeight);
-    const QString shown = metrics.elidedText(qtText(note), Qt::ElideRight, line.width());
-    painter.drawText(line, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, shown);
-    top += grid.lineHeight;
+    QRect drawn;
+    const QRect room(kMargin, top, width() - 2 * kMargin, height() - top);
+    painter.drawText(room, kNoteFlags, qtText(note), &drawn);
+    top += drawn.height();
   }
 }
 

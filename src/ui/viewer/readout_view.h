@@ -2,6 +2,7 @@
 
 #include <QWidget>
 #include <array>
+#include <vector>
 
 #include "chart/profile_chart.h"
 #include "ui/screen/theme.h"
@@ -27,12 +28,15 @@ class ReadoutView final : public QWidget {
  private:
   struct Grid {
     QFont font;
-    int columns = 1;
-    int columnWidth = 0;
+    std::vector<int> widths;  // of the columns
     int lineHeight = 0;
+    bool units = true;
+    bool fits = false;
   };
-  Grid gridFor(int noteLines) const;
-  void drawField(QPainter& painter, const ReadoutField& field, const QRect& cell) const;
+  Grid gridOf(int pixels, bool units) const;
+  Grid gridFor() const;
+  int heightOfNotes(const QFontMetrics& metrics) const;
+  void drawField(QPainter& painter, const ReadoutField& field, const QRect& cell, bool units) const;
 
   const Theme* theme_;
   RowReadout readout_;

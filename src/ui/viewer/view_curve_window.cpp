@@ -12,11 +12,27 @@
 namespace kalmira {
 namespace {
 
-constexpr int kHandle = 6;        // half the width of the bar's ends, pixels
-constexpr int kLabelLetters = 9;  // of a station's label, and the gap behind it
+constexpr int kHandle = 6;  // half the width of the bar's ends, pixels
 constexpr int kTick = 3;
 
 }  // namespace
+
+void paintOffScale(QPainter& painter, std::span<const OffScaleMark> marks, const ChartColours& colours,
+                   const QRect& plot, int size) {
+  painter.save();
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.setPen(QPen(QColor(colours.background), 1));
+  for (const auto& mark : marks) {
+    const double x = plot.left() + mark.column + 0.5;
+    const double half = size / 2.0;
+    const double tip = mark.above ? plot.top() + 1.0 : plot.bottom();
+    const double base = mark.above ? tip + size : tip - size;
+    painter.setBrush(QColor(traceColourOn(colours, mark.colour)));
+    const std::array corners{QPointF(x, tip), QPointF(x - half, base), QPointF(x + half, base)};
+    painter.drawPolygon(corners.data(), static_cast<int>(corners.size()));
+  }
+  painter.restore();
+}
 
 ViewCurveWnd::ViewCurveWnd(const Theme& theme, std::function<void(int)> barWanted, QWidget* parent)
     : QWidget(parent), theme_(&theme), bar_wanted_(std::move(barWanted)) {
@@ -38,13 +54,35 @@ void ViewCurveWnd::makePicture() {
   picture_ = std::make_unique<ChartPicture>(chartColoursOf(*theme_), size.width(), size.height());
 }
 
-void ViewCurveWnd::showStations(const ProfileSetup& setup, std::span<const StationPoint> points) {
+void ViewCurveWnd::startPlot(const ProfileSetup& setup) {
   makePicture();
   setup_ = setup;
   filled_ = true;
-  DrawStationPlot(*picture_, setup, points);
-  labels_ = stationLabels(points, kLabelLetters * fontMetrics().horizontalAdvance('0'));
+}
+
+void ViewCurveWnd::endPlot(std::span<const StationTick> ticks) {
+  const auto metrics = fontMetrics();
+  labels_ = stationLabels(
+      ticks, width(), [&](const std::string& text) { return metrics.horizontalAdvance(qtText(text)); },
+      metrics.horizontalAdvance(QStringLiteral("00")));
   update();
+}
+
+int ViewCurveWnd::markSize() const { return std::max(2 * kHandle, fontMetrics().height() * 3 / 4); }
+
+void ViewCurveWnd::showStations(const ProfileSetup& setup, const PlotView& view, std::span<const StationPoint> points) {
+  startPlot(setup);
+  DrawStationPlot(*picture_, setup, view, points);
+  marks_ = offScaleMarks(setup, view, points, markSize());
+  endPlot(stationTicks(view, points));
+}
+
+void ViewCurveWnd::showSummary(const ProfileSetup& setup, const LineSummary& summary, const PlotView& view) {
+  startPlot(setup);
+  const auto overview = lineOverview(summary, view.columns);
+  DrawOverview(*picture_, setup, overview, kFirstColumn, true);
+  marks_ = offScaleMarks(setup, overview, kFirstColumn, markSize());
+  endPlot(stationTicks(summary, overview));
 }
 
 void ViewCurveWnd::clearPlot() {
@@ -52,6 +90,7 @@ void ViewCurveWnd::clearPlot() {
   picture_->clear();
   filled_ = false;
   labels_.clear();
+  marks_.clear();
   bar_ = 0;
   update();
 }
@@ -94,6 +133,7 @@ void ViewCurveWnd::paintEvent(QPaintEvent* event) {
   painter.drawRect(QRect(QPoint(0, 0), plotSize() - QSize(1, 1)));
   if (!filled_) return;
   if (dirty.bottom() >= below) drawStationLabels(painter);
+  paintOffScale(painter, marks_, chartColoursOf(*theme_), QRect(QPoint(0, 0), plotSize()), markSize());
   drawLimits(painter);
   if (bar_ > 0) drawBar(painter);
 }
@@ -104,9 +144,7 @@ void ViewCurveWnd::drawStationLabels(QPainter& painter) const {
   for (const auto& label : labels_) {
     painter.drawLine(label.column, top, label.column, top + kTick - 1);
     const auto text = qtText(label.text);
-    const int wide = fontMetrics().horizontalAdvance(text);
-    const int left = std::clamp(label.column - wide / 2, 0, std::max(0, width() - wide));
-    painter.drawText(QRect(left, top + kTick, wide + 1, height() - top - kTick),
+    painter.drawText(QRect(label.left, top + kTick, width() - label.left, height() - top - kTick),
                      Qt::AlignLeft | Qt::AlignTop | Qt::TextSingleLine, text);
   }
 }

@@ -13,8 +13,12 @@
 
 namespace kalmira {
 
-// ViewCurveWnd: the plot of the rows in view, one station a pixel column, station labels below, the limits of the scale
-// at the right edge, and the bar. A tap, or a finger that is drawn over it, asks for the bar.
+// Draws an arrow for each mark at the upper or lower edge of a plot, `size` pixels wide and high.
+void paintOffScale(QPainter& painter, std::span<const OffScaleMark> marks, const ChartColours& colours,
+                   const QRect& plot, int size);
+
+// ViewCurveWnd: the plot of the rows in view, station labels below, the limits of the scale at the right edge, arrows
+// where a trace is off the scale, and the bar. A tap, or a finger that is drawn over it, asks for the bar.
 class ViewCurveWnd final : public QWidget {
  public:
   // `barWanted`: the bar is wanted at that column, counted from 1; within the plot.
@@ -24,13 +28,17 @@ class ViewCurveWnd final : public QWidget {
   // Of the plot itself, without the labels below: what a ProfileSetup for showStations is made for.
   QSize plotSize() const;
   // Draws them; `points` is not kept.
-  void showStations(const ProfileSetup& setup, std::span<const StationPoint> points);
+  void showStations(const ProfileSetup& setup, const PlotView& view, std::span<const StationPoint> points);
+  // The same of a line with more rows than columns.
+  void showSummary(const ProfileSetup& setup, const LineSummary& summary, const PlotView& view);
   void clearPlot();
   // Column from 1; 0: no bar.
   void setBar(int bar);
   int bar() const { return bar_; }
   // The picture without bar and labels.
   QImage picture() const;
+  std::span<const OffScaleMark> offScale() const { return marks_; }
+  std::span<const StationLabel> labels() const { return labels_; }
 
  protected:
   void paintEvent(QPaintEvent* event) override;
@@ -40,6 +48,9 @@ class ViewCurveWnd final : public QWidget {
  private:
   int labelHeight() const;
   void makePicture();
+  void startPlot(const ProfileSetup& setup);
+  void endPlot(std::span<const StationTick> ticks);
+  int markSize() const;
   void askForBar(int x);
   void drawStationLabels(QPainter& painter) const;
   void drawLimits(QPainter& painter) const;
@@ -52,6 +63,7 @@ class ViewCurveWnd final : public QWidget {
   ProfileSetup setup_;
   bool filled_ = false;
   std::vector<StationLabel> labels_;
+  std::vector<OffScaleMark> marks_;
   int bar_ = 0;
 };
 

@@ -1,8 +1,11 @@
 #include "ui/viewer/view_files_window.h"
 
+#include <QAbstractItemView>
 #include <QEvent>
 #include <QKeyEvent>
+#include <QLabel>
 #include <QPainter>
+#include <QWheelEvent>
 #include <algorithm>
 #include <utility>
 
@@ -25,7 +28,15 @@ constexpr double kReadoutUnits = 13;  // high, of the largest text
 constexpr double kLabelUnits = 9;     // of texts at the plot
 constexpr int kSmallestLabel = 9;     // pixels
 
+constexpr int kWheelNotch = 120;
+constexpr int kFollow_ms = 500;
+
 bool movesView(ViewCommand command) { return command <= ViewCommand::lineEnd; }
+
+bool isRepeated(ViewCommand command) {
+  const auto same = [command](const ViewEntry& entry) { return entry.command == command && entry.repeats; };
+  return std::ranges::any_of(viewEntries(), same);
+}
 
 }  // namespace
 
@@ -44,11 +55,24 @@ ViewFilesWnd::ViewFilesWnd(ViewerHost host, const Theme& theme, QWidget* parent)
                           this)),
       readout_(new ReadoutView(theme, this)),
       plot_(new ViewCurveWnd(
-          theme, [this](int bar) { moveBarTo(bar); }, this)),
+          theme, [this](int column) { moveBarTo(column); }, this)),
       overview_(new OverviewStrip(
           theme, [this](int row) { moveToRow(row); }, this)),
       buttons_(this, theme, [this](int index) { run(viewEntries().at(static_cast<std::size_t>(index)).command); }) {
   makeButtons();
+  concern_ = new QLabel(this);
+  concern_->setObjectName("concern");
+  concern_->setAlignment(Qt::AlignCenter);
+  concern_->setWordWrap(true);
+  concern_->setAutoFillBackground(true);
+  concern_->hide();
+  connect(&following_, &QTimer::timeout, this, [this] { follow(); });
+  connect(&filling_, &QTimer::timeout, this, [this] {
+    std::string problem;
+    if (file_ != nullptr && fillSome(*file_, problem)) return;
+    filling_.stop();
+    if (!problem.empty()) tell(problem);
+  });
 }
 
 ViewFilesWnd::~ViewFilesWnd() = default;
@@ -60,7 +84,8 @@ void ViewFilesWnd::makeButtons() {
     if (entry.command == ViewCommand::openFile) first = static_cast<int>(actions.size());
     actions.push_back({.text = entry.text,
                        .toolTip = entry.toolTip,
-                       .identifier = kFirstCommandId + static_cast<int>(entry.command)});
+                       .identifier = kFirstCommandId + static_cast<int>(entry.command),
+                       .repeats = entry.repeats});
   }
   buttons_.setActions(actions);
   buttons_.setHighlight(first);
@@ -71,9 +96,13 @@ void ViewFilesWnd::open() {
   outer_title_ = window()->windowTitle();
   cover();
   arrange();
+  following_.start(kFollow_ms);
 }
 
 void ViewFilesWnd::leave() {
+  finishRows();
+  following_.stop();
+  concern_->hide();
   fileClosed(navigation_);
   lines_->setLines(nullptr);
   plot_->clearPlot();
@@ -97,6 +126,8 @@ void ViewFilesWnd::run(ViewCommand command) {
 void ViewFilesWnd::act(ViewCommand command) {
   setPlotWidth(navigation_, plot_->plotSize().width());
   if (movesView(command)) return apply(moveView(navigation_, command));
+  if (command == kFitScale) return fitScale();
+  if (command == kZoomIn || command == kZoomOut) return changeZoom(command);
   if (command == kSavePicture) return savePicture();
   if (command == kExportCsv) return exportCsv();
   switch (command) {
@@ -131,6 +162,7 @@ bool ViewFilesWnd::openFile(const std::filesystem::path& path) {
   status_.clear();
   lines_->setLines(&file_->scanned.lines);
   const auto extractProblem = extractShown();
+  zoom_ = {};
   setPlotWidth(navigation_, plot_->plotSize().width());
   apply(fileOpened(navigation_, file_->line.rowCount()));
   showOverview();
@@ -144,7 +176,24 @@ bool ViewFilesWnd::openFile(const std::filesystem::path& path) {
 
 std::string ViewFilesWnd::extractShown() {
   const WaitingCursor cursor;
-  return openLine(*file_, static_cast<std::size_t>(std::max(0, lines_->currentIndex())), row_files_, host_.extract);
+  auto problem =
+      openLine(*file_, static_cast<std::size_t>(std::max(0, lines_->currentIndex())), row_files_, host_.extract);
+  takeScale();
+  filling_.start(0);
+  return problem;
+}
+
+// What is written beside the screen is whole before it is left.
+void ViewFilesWnd::finishRows() {
+  filling_.stop();
+  if (file_ == nullptr) return;
+  const WaitingCursor cursor;
+  fillRows(file_->reader, file_->scanned, file_->line, file_->line.rowCount());
+}
+
+void ViewFilesWnd::takeScale() {
+  const bool fit = !host_.confirmedScales.test(static_cast<std::size_t>(file_->scanned.header.kind));
+  shown_ = fit ? fittedSettings(file_->scanned, file_->line.summary.spans(), settings_) : settings_;
 }
 
 // The list shows another entry already.
@@ -157,6 +206,40 @@ void ViewFilesWnd::chooseLine(int index) {
   if (!problem.empty()) tell(problem);
 }
 
+void ViewFilesWnd::showEnd() {
+  if (file_ == nullptr || file_->scanned.lines.empty()) return;
+  lines_->setCurrentIndex(lines_->count() - 1);
+  chooseLine(lines_->currentIndex());
+  apply(goToEnd(navigation_));
+}
+
+void ViewFilesWnd::follow() {
+  showConcern();
+  if (file_ == nullptr || acting_ || telling_ || lines_->view()->isVisible()) return;
+  const bool newest = navigation_.selectedLine + 1 == file_->scanned.lines.size() || file_->scanned.lines.empty();
+  const bool atEnd = newest && navigation_.lastRow >= navigation_.totalRows;
+  const auto growth = followFile(*file_);
+  if (growth.rows) {
+    takeScale();
+    apply(lineGrew(navigation_, file_->line.rowCount()));
+    showOverview();
+    filling_.start(0);
+  }
+  if (!growth.lines) return;
+  lines_->takeNewLines();
+  showButtons();
+  showCaption();
+  if (atEnd) showEnd();
+}
+
+void ViewFilesWnd::showConcern() {
+  const auto text = host_.concern ? host_.concern() : std::string();
+  if (qtText(text) == concern_->text() && concern_->isVisible() == !text.empty()) return;
+  concern_->setText(qtText(text));
+  concern_->setVisible(!text.empty());
+  concern_->raise();
+}
+
 void ViewFilesWnd::enterScale() {
   const auto kind = file_ ? file_->scanned.header.kind : host_.place.kind;
   const bool ice = file_ && file_->scanned.header.iceOption;
@@ -164,13 +247,30 @@ void ViewFilesWnd::enterScale() {
   const auto changed = runProfileScaleDialog(this, viewScaleTemplate(kind), kind, ice, settings_);
   if (changed) {
     settings_ = *changed;
+    host_.confirmedScales.set(static_cast<std::size_t>(kind));
     host_.takeSettings(kind, ice, settings_);
   }
+  showScale();
+}
+
+void ViewFilesWnd::fitScale() {
   if (file_ == nullptr) return;
-  status_ = scaleStatusText(file_->scanned, settings_);
+  host_.confirmedScales.reset(static_cast<std::size_t>(file_->scanned.header.kind));
+  showScale();
+}
+
+void ViewFilesWnd::showScale() {
+  if (file_ == nullptr) return;
+  takeScale();
+  status_ = scaleStatusText(file_->scanned, shown_);
   showCaption();
   showPlot();
   showOverview();
+}
+
+void ViewFilesWnd::changeZoom(ViewCommand command) {
+  command == kZoomIn ? zoomIn(navigation_, zoom_) : zoomOut(navigation_, zoom_);
+  apply({});
 }
 
 void ViewFilesWnd::showHelp() {
@@ -179,20 +279,30 @@ void ViewFilesWnd::showHelp() {
 
 void ViewFilesWnd::apply(const ViewStep& step) {
   if (file_ == nullptr) return;
+  const auto view = plotView(navigation_, zoom_);
+  const bool moved = !(std::exchange(view_, view) == view);
   std::vector<std::string> messages;
-  if (step.load) messages = loadView(*file_, row_files_, navigation_);
-  if (step.redraw) showPlot();
-  if (step.moveBar) plot_->setBar(navigation_.bar);
+  if (step.load || moved || view.summed()) messages = loadView(*file_, view_, navigation_);
+  if (step.redraw || moved) showPlot();
+  if (step.moveBar) plot_->setBar(barColumn());
   if (step.readout || step.redraw) showReadout();
-  overview_->setWindow(navigation_.firstRow, navigation_.lastRow, rowAtBar(navigation_));
+  overview_->setWindow(view_.firstRow, view_.lastRow(), rowAtBar(navigation_));
   for (const auto& message : messages) tell(message);
 }
 
-// To where a finger is: as far as the bar goes by its keys.
-void ViewFilesWnd::moveBarTo(int bar) {
-  if (acting_ || file_ == nullptr) return;
-  const int last = std::max(1, std::min(navigation_.pointsInView, navigation_.totalRows));
-  navigation_.previousBar = std::exchange(navigation_.bar, std::clamp(bar, 1, last));
+// From 1; 0 where no station is.
+int ViewFilesWnd::barColumn() const {
+  const int row = rowAtBar(navigation_);
+  return row < 1 || row > navigation_.totalRows ? 0 : view_.columnOf(row) + 1;
+}
+
+// To where a finger is; within what the commands count as far as the bar goes by its keys.
+void ViewFilesWnd::moveBarTo(int column) {
+  if (acting_ || file_ == nullptr || navigation_.totalRows < 1) return;
+  const int row = std::clamp(view_.rowAt(column - 1), 1, navigation_.totalRows);
+  const int bar = row - navigation_.firstRow + 1;
+  if (bar < 1 || bar > navigation_.pointsInView) return moveToRow(row);
+  navigation_.previousBar = std::exchange(navigation_.bar, bar);
   apply({.readout = true, .moveBar = true});
 }
 
@@ -201,13 +311,18 @@ void ViewFilesWnd::moveToRow(int row) {
 }
 
 ProfileSetup ViewFilesWnd::setupFor(QSize size) const {
-  return plotSetup(file_->scanned, settings_, size.width(), size.height());
+  return plotSetup(file_->scanned, shown_, size.width(), size.height());
 }
 
 void ViewFilesWnd::showPlot() {
   if (file_ == nullptr) return plot_->clearPlot();
-  plot_->showStations(setupFor(plot_->plotSize()), file_->points);
-  plot_->setBar(navigation_.bar);
+  const auto setup = setupFor(plot_->plotSize());
+  if (view_.summed()) {
+    plot_->showSummary(setup, file_->line.summary, view_);
+  } else {
+    plot_->showStations(setup, view_, file_->points);
+  }
+  plot_->setBar(barColumn());
 }
 
 void ViewFilesWnd::showReadout() {
@@ -217,7 +332,7 @@ void ViewFilesWnd::showReadout() {
 
 void ViewFilesWnd::showOverview() {
   if (file_ == nullptr || file_->line.rowCount() == 0) return overview_->clearLine();
-  auto overview = lineOverview(row_files_, file_->scanned, file_->line, std::max(1, overview_->width()));
+  auto overview = lineOverview(file_->line.summary, std::max(1, overview_->width()));
   const auto setup = setupFor({overview.columns, overview_->height()});
   overview_->showLine(setup, std::move(overview));
 }
@@ -250,15 +365,22 @@ void ViewFilesWnd::keyPressEvent(QKeyEvent* event) {
   // What is no command ends here, for the menu below has keys of its own.
   if (isFunctionKey(event->key())) return QWidget::keyPressEvent(event);
   if (event->key() == Qt::Key_Backtab) return buttons_.moveHighlight(-1);
-  const int keyCode = keyCodeOf(event->key());
+  const bool plus = event->key() == Qt::Key_Plus || event->key() == Qt::Key_Equal;
+  const int keyCode = plus ? kPlusKey : keyCodeOf(event->key());
   if (keyCode == key::kTab) return buttons_.moveHighlight(1);
   auto command = viewCommandOfKey(keyCode);
   if (const auto index = buttons_.pressedBy(keyCode)) {
     command = viewEntries().at(static_cast<std::size_t>(*index)).command;
   }
-  if (!command || (event->isAutoRepeat() && !movesView(*command))) return;
+  if (!command || (event->isAutoRepeat() && !isRepeated(*command))) return;
   if (event->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) return;
   run(*command);
+}
+
+void ViewFilesWnd::wheelEvent(QWheelEvent* event) {
+  wheel_ += event->angleDelta().y();
+  for (; wheel_ >= kWheelNotch; wheel_ -= kWheelNotch) run(kZoomIn);
+  for (; wheel_ <= -kWheelNotch; wheel_ += kWheelNotch) run(kZoomOut);
 }
 
 void ViewFilesWnd::resizeEvent(QResizeEvent*) { arrange(); }
@@ -271,6 +393,11 @@ void ViewFilesWnd::arrange() {
   lines_->setGeometry(layout.lines);
   buttons_.place(layout.buttons, layout.buttons[0].height() / 2);
   caption_place_ = layout.caption;
+  concern_->setGeometry(layout.caption.united(layout.readout));
+  QPalette colours = concern_->palette();
+  colours.setColor(QPalette::Window, QColor(theme_->warning));
+  colours.setColor(QPalette::WindowText, QColor(theme_->warningText));
+  concern_->setPalette(colours);
   readout_->setLargestText(std::max(kSmallestLabel, static_cast<int>(kReadoutUnits * layout.scale)));
   readout_->setGeometry(layout.readout);
   texts.setPixelSize(std::max(kSmallestLabel, static_cast<int>(kLabelUnits * layout.scale)));
@@ -279,8 +406,9 @@ void ViewFilesWnd::arrange() {
   overview_->setGeometry(layout.overview);
   setPlotWidth(navigation_, plot_->plotSize().width());
   if (isVisible() && file_ != nullptr) {
+    view_ = plotView(navigation_, zoom_);
     // A message in the middle of a change of size would be asked for again by its own.
-    if (!loadView(*file_, row_files_, navigation_).empty()) status_ = kInvalidHandle1;
+    if (!loadView(*file_, view_, navigation_).empty()) status_ = kInvalidHandle1;
     showPlot();
     showReadout();
     showOverview();

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QTimer>
+#include <bitset>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -12,6 +14,8 @@
 #include "ui/screen/cover_window.h"
 #include "viewer/navigation.h"
 #include "viewer/opened_file.h"
+
+class QLabel;
 
 namespace kalmira {
 
@@ -29,7 +33,11 @@ struct ViewerHost {
   std::function<Settings(Kind kind, bool ice)> settingsFor;
   // The scales were changed while a file of that instrument was shown.
   std::function<void(Kind kind, bool ice, const Settings& changed)> takeSettings;
-  std::function<void()> onLeft;  // the viewer is closed; the main menu is to be shown
+  // Kinds whose scale the operator has confirmed in the scale dialog, and not asked to be fitted since.
+  std::bitset<kKindCount>& confirmedScales;
+  std::function<void()> onLeft;  // the viewer is closed; what it covered is to be shown
+  // What a session below the viewer has to say at once, in words; empty while all is well.
+  std::function<std::string()> concern = {};
 };
 
 // ViewFilesWnd: opens a data file, lists its survey lines and moves along one of them. Data files are only ever read.
@@ -42,6 +50,9 @@ class ViewFilesWnd final : public CoverWindow {
   // Shows the file in place of the one that is open. False when it cannot be opened: the operator has been told why,
   // and what was shown stays.
   bool openFile(const std::filesystem::path& path);
+  // Shows the end of the file's last line, as of a file that is being logged. New readings come in as long as the end
+  // of a line is in view, and the next line when it begins.
+  void showEnd();
   // Closes file and window.
   void leave();
   // Whatever a button or key asks for.
@@ -55,6 +66,7 @@ class ViewFilesWnd final : public CoverWindow {
   void keyPressEvent(QKeyEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
+  void wheelEvent(QWheelEvent* event) override;
 
  private:
   void makeButtons();
@@ -62,6 +74,13 @@ class ViewFilesWnd final : public CoverWindow {
   void chooseFile();
   void chooseLine(int index);
   void enterScale();
+  void fitScale();
+  void takeScale();
+  void showScale();
+  void changeZoom(ViewCommand command);
+  void finishRows();
+  void follow();
+  void showConcern();
   using WriteFile = std::function<std::string(const std::filesystem::path&)>;
   void saveAs(const SaveQuestion& question, const WriteFile& write);
   void savePicture();
@@ -69,8 +88,9 @@ class ViewFilesWnd final : public CoverWindow {
   void showHelp();
   std::string extractShown();
   void apply(const ViewStep& step);
-  void moveBarTo(int bar);
+  void moveBarTo(int column);
   void moveToRow(int row);
+  int barColumn() const;
   void showPlot();
   void showReadout();
   void showOverview();
@@ -83,9 +103,15 @@ class ViewFilesWnd final : public CoverWindow {
   ViewerHost host_;
   const Theme* theme_;
   RowFiles row_files_;
-  Settings settings_;
+  Settings settings_;  // the operator's
+  Settings shown_;     // the same, with scales fitted to the line where they are
   std::unique_ptr<OpenedFile> file_;
   Navigation navigation_;
+  Zoom zoom_;
+  PlotView view_;
+  QTimer filling_;  // the row files, while nothing else is to be done
+  QTimer following_;
+  int wheel_ = 0;  // of a notch
   std::string caption_;
   std::string status_;
   QString outer_title_;  // of the program's window, as it was before
@@ -97,6 +123,7 @@ class ViewFilesWnd final : public CoverWindow {
   OverviewStrip* overview_;
   ActionBar buttons_;
   QRect caption_place_;
+  QLabel* concern_;  // over all else
 };
 
 }  // namespace kalmira

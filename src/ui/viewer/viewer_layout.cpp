@@ -17,6 +17,7 @@ constexpr int kListShares = 2;  // of a row, where a button has one
 
 using enum ViewCommand;
 constexpr std::array kSteps{lineStart, pageLeft, barLeft, barRight, pageRight, lineEnd};
+constexpr std::array kLyingSteps{kZoomOut, kZoomIn, lineStart, pageLeft, barLeft, barRight, pageRight, lineEnd};
 constexpr std::array kFileCommands{openFile, ViewCommand::scale, help, ViewCommand::exit};
 constexpr std::array kSideCommands{kSavePicture, kExportCsv};
 
@@ -51,11 +52,22 @@ void placeTop(const QRect& row, std::span<const ViewCommand> commands, int gap, 
   for (const auto command : commands) layout.buttons[buttonOf(command)] = shareOf(row, index++, count, gap);
 }
 
-void placeSteps(const QRect& row, int gap, ViewerLayout& layout) {
+void placeSteps(const QRect& row, std::span<const ViewCommand> steps, int gap, ViewerLayout& layout) {
   int index = 0;
-  for (const auto command : kSteps) {
-    layout.buttons[buttonOf(command)] = shareOf(row, index++, static_cast<int>(kSteps.size()), gap);
+  for (const auto command : steps) {
+    layout.buttons[buttonOf(command)] = shareOf(row, index++, static_cast<int>(steps.size()), gap);
   }
+}
+
+// The strip of the whole line with square buttons beside it.
+void placeOverview(QRect row, std::span<const ViewCommand> before, int gap, ViewerLayout& layout) {
+  const int side = row.height();
+  for (const auto command : before) {
+    layout.buttons[buttonOf(command)] = {row.left(), row.top(), side, side};
+    row.setLeft(row.left() + side + gap);
+  }
+  layout.buttons[buttonOf(kFitScale)] = {row.right() + 1 - side, row.top(), side, side};
+  layout.overview = row.adjusted(0, 0, -side - gap, 0);
 }
 
 // Readout above the plot, beside it the two buttons that save, one above the other.
@@ -72,7 +84,8 @@ void placeUpright(const QRect& inside, const Measures& measures, ViewerLayout& l
     at += measures.row + gap;
   }
   const int bottom = inside.top() + inside.height();
-  layout.overview = {inside.left(), bottom - measures.row, inside.width(), measures.row};
+  constexpr std::array kZooms{kZoomOut, kZoomIn};
+  placeOverview({inside.left(), bottom - measures.row, inside.width(), measures.row}, kZooms, gap, layout);
   const int plotTop = top + readoutHeight + gap;
   layout.plot = {inside.left(), plotTop, inside.width(), std::max(1, layout.overview.top() - gap - plotTop)};
 }
@@ -84,7 +97,7 @@ void placeLying(const QRect& inside, const Measures& measures, ViewerLayout& lay
   layout.readout = {inside.left() + plotWidth + gap, inside.top(), readoutWidth, inside.height()};
   layout.caption = {inside.left(), inside.top(), plotWidth, measures.caption};
   const int bottom = inside.top() + inside.height();
-  layout.overview = {inside.left(), bottom - measures.row, plotWidth, measures.row};
+  placeOverview({inside.left(), bottom - measures.row, plotWidth, measures.row}, {}, gap, layout);
   const int plotTop = inside.top() + measures.caption + gap;
   layout.plot = {inside.left(), plotTop, plotWidth, std::max(1, layout.overview.top() - gap - plotTop)};
 }
@@ -105,12 +118,13 @@ ViewerLayout layOutViewer(int width, int height, int touchHeight) {
   const QRect inside{gap, insideTop, inner, std::max(1, steps.top() - gap - insideTop)};
   ViewerLayout layout;
   layout.scale = screen.scale;
-  placeSteps(steps, gap, layout);
   if (screen.portrait) {
+    placeSteps(steps, kSteps, gap, layout);
     placeTop(top, kFileCommands, gap, layout);
     placeUpright(inside, measures, layout);
   } else {
-    constexpr std::array kAll{openFile, ViewCommand::scale, kSavePicture, kExportCsv, help, ViewCommand::exit};
+    placeSteps(steps, kLyingSteps, gap, layout);
+    constexpr std::array kAll{openFile, ViewCommand::scale, help, ViewCommand::exit, kSavePicture, kExportCsv};
     placeTop(top, kAll, gap, layout);
     placeLying(inside, measures, layout);
   }

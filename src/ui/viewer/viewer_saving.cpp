@@ -21,6 +21,7 @@
 #include "ui/screen/message_dialog.h"
 #include "ui/screen/theme.h"
 #include "ui/viewer/readout_view.h"
+#include "ui/viewer/view_curve_window.h"
 #include "ui/viewer/view_files_window.h"
 #include "viewer/plot_points.h"
 
@@ -71,6 +72,7 @@ constexpr int kTitlePixels = 30;
 constexpr int kTextPixels = 20;
 constexpr int kMostStationLabels = 12;
 constexpr int kTick = 6;
+constexpr int kMark = 18;  // of an arrow
 
 // The chart drawn as strokes that stay sharp at any size, each column `stretch_` wide.
 class PaintedChart final : public ChartCanvas {
@@ -124,14 +126,14 @@ void drawText(QPainter& painter, const QRect& place, Qt::Alignment flags, const 
 
 StationPoint pointAt(const LinePicture& picture, int row) {
   std::vector<StationPoint> points;
-  LoadLineRows(picture.rowFiles, picture.scanned, picture.line, 0, 0, row, points);
+  LoadLineRows(picture.file.reader, picture.file.scanned, picture.file.line, 0, 0, row, points);
   return points.empty() ? StationPoint{} : points.front();
 }
 
 // `columnOf` a row, of `columns`: of a line longer than the plot has pixels, several rows share one.
 void drawStations(QPainter& painter, const LinePicture& picture, int columns,
                   const std::function<int(int row)>& columnOf) {
-  const int rows = picture.line.rowCount();
+  const int rows = picture.file.line.rowCount();
   const int step = std::max(1, rows / kMostStationLabels);
   for (int row = 1; row <= rows; row += step) {
     const auto point = pointAt(picture, row);
@@ -145,27 +147,37 @@ void drawStations(QPainter& painter, const LinePicture& picture, int columns,
 }
 
 ProfileSetup setupOf(const LinePicture& picture, int columns) {
-  return plotSetup(picture.scanned, picture.settings, columns, kPlot.height());
+  return plotSetup(picture.file.scanned, picture.settings, columns, kPlot.height());
+}
+
+// `marks` by columns.
+void drawMarks(QPainter& painter, std::vector<OffScaleMark> marks, int columns) {
+  for (auto& mark : marks) mark.column = static_cast<int>((mark.column + 0.5) * kPlot.width() / columns);
+  paintOffScale(painter, marks, chartColoursOf(dayTheme()), kPlot, kMark);
 }
 
 void drawTraces(QPainter& painter, const LinePicture& picture) {
   painter.save();
   painter.setClipRect(kPlot);
-  const int rows = picture.line.rowCount();
+  auto& file = picture.file;
+  const int rows = file.line.rowCount();
   if (rows <= kPlot.width()) {
     std::vector<StationPoint> points;
-    if (rows > 0) LoadLineRows(picture.rowFiles, picture.scanned, picture.line, 0, rows - 1, 1, points);
+    if (rows > 0) LoadLineRows(file.reader, file.scanned, file.line, 0, rows - 1, 1, points);
     const int columns = rows + 2 * kFirstColumn;
+    const PlotView view{.firstRow = 1, .rows = rows, .columns = rows};
+    const auto setup = setupOf(picture, columns);
     PaintedChart chart(painter, kPlot, columns);
-    DrawStationPlot(chart, setupOf(picture, columns), points);
+    DrawStationPlot(chart, setup, view, points);
+    drawMarks(painter, offScaleMarks(setup, view, points, kMark * columns / kPlot.width()), columns);
     painter.restore();
     return drawStations(painter, picture, columns, [](int row) { return row - 1 + kFirstColumn; });
   }
-  const auto overview = lineOverview(picture.rowFiles, picture.scanned, picture.line, kPlot.width());
+  const auto overview = lineOverview(file.line.summary, kPlot.width());
   PaintedChart chart(painter, kPlot, overview.columns);
   const auto setup = setupOf(picture, overview.columns);
-  DrawOverview(chart, setup, overview);
-  DrawProfileAxes(chart, setup);
+  DrawOverview(chart, setup, overview, 0, true);
+  drawMarks(painter, offScaleMarks(setup, overview, 0, kMark), overview.columns);
   painter.restore();
   drawStations(painter, picture, overview.columns, [&](int row) { return overviewColumn(overview, row); });
 }
@@ -186,9 +198,9 @@ void drawScale(QPainter& painter, const ProfileAxis& axis, bool atLeft, const st
 }
 
 void drawScales(QPainter& painter, const LinePicture& picture) {
-  const auto kind = picture.scanned.header.kind;
+  const auto kind = picture.file.scanned.header.kind;
   const auto setup = setupOf(picture, kPlot.width());
-  if (picture.scanned.wantsThickness) {
+  if (picture.file.scanned.wantsThickness) {
     return drawScale(painter, setup.axes.ice, true, "Ice thickness, m", 1);
   }
   const auto fields = scaleFieldsOf(kind, false);
@@ -198,21 +210,15 @@ void drawScales(QPainter& painter, const LinePicture& picture) {
   if (fields.inphase) drawScale(painter, setup.axes.inphase, false, thickness ? "Inphase" : "Inphase, ppt", 0);
 }
 
-// The names of the traces that the line has, each with the field that names it.
+// The names of the traces that the line has.
 std::vector<ReadoutField> tracesOf(const LinePicture& picture) {
-  std::bitset<kProfilePoints> known;
-  std::vector<ReadoutField> traces;
-  forEachRow(picture.rowFiles, picture.scanned, picture.line, [&](int row, const StationPoint& point) {
-    std::bitset<kProfilePoints> here;
-    for (std::size_t slot = 0; slot < kSlots; ++slot) here.set(slot, point.channels.present[slot] != 0);
-    for (std::size_t i = kSlots; i < kProfilePoints; ++i) here.set(i, point.hasExtras);
-    if ((here & ~known).none()) return;
-    known |= here;
-    for (auto& field : readoutFields(picture.scanned, picture.line, row, point)) {
-      const auto same = [&field](const ReadoutField& other) { return other.trace == field.trace; };
-      if (field.trace >= 0 && std::none_of(traces.begin(), traces.end(), same)) traces.push_back(field);
-    }
-  });
+  const auto spans = picture.file.line.summary.spans();
+  StationPoint all{.valid = true, .channels = {}};
+  for (std::size_t slot = 0; slot < kSlots; ++slot) all.channels.present[slot] = spans[slot].any() ? 1 : 0;
+  all.hasThickness = picture.file.scanned.wantsThickness;
+  all.hasExtras = spans[kSlots].any();
+  auto traces = readoutFields(picture.file.scanned, {}, all);
+  std::erase_if(traces, [](const ReadoutField& field) { return field.trace < 0; });
   return traces;
 }
 
@@ -302,11 +308,8 @@ void ViewFilesWnd::savePicture() {
                               .extension = "png",
                               .proposal = proposedName(file_->path, lineName, "png")};
   saveAs(question, [&](const std::filesystem::path& path) {
-    const LinePicture picture{.scanned = file_->scanned,
-                              .line = file_->line,
-                              .rowFiles = row_files_,
-                              .settings = settings_,
-                              .title = fmt::format("{}   Line {}", fileCaption(*file_), lineName)};
+    const LinePicture picture{
+        .file = *file_, .settings = shown_, .title = fmt::format("{}   Line {}", fileCaption(*file_), lineName)};
     const bool svg = path.extension() == ".svg" || path.extension() == ".SVG";
     const auto content = svg ? linePictureSvg(picture) : linePicturePng(picture);
     status_ = fmt::format("Saved {}", path.filename().string());

@@ -29,9 +29,7 @@ std::string exportTable(const std::filesystem::path& dataFile, const std::filesy
 // A picture of the whole line that is shown, black on white for reports: traces, grid, both scales, stations, what each
 // colour stands for, the file's and the line's name.
 struct LinePicture {
-  const ScannedFile& scanned;
-  const ExtractedLine& line;
-  const RowFiles& rowFiles;
+  OpenedFile& file;
   const Settings& settings;
   std::string title;
 };

@@ -5,7 +5,9 @@
 #include <limits>
 
 #include "support/dialogs.h"
+#include "ui/screen/action_bar.h"
 #include "ui/screen/message_dialog.h"
+#include "ui/screen/touch_button.h"
 
 namespace kalmira {
 namespace {
@@ -129,6 +131,39 @@ TEST(TouchButton, TakesADoubleTapAsOneAndKeepsOffTheKeyboard) {
   QTest::mouseRelease(&button, Qt::LeftButton);
   EXPECT_EQ(clicks, 1) << "the second tap of a double tap is none";
   EXPECT_EQ(button.focusPolicy(), Qt::NoFocus);
+}
+
+// Taps at the given milliseconds, each where Qt takes none for a double one.
+TEST(ActionBar, TakesQuickTapsAsOneAlsoWhereTheRowChangesButNeverOfWhatRepeats) {
+  for (const auto& [repeats, changes, times, pressed] :
+       std::vector<std::tuple<bool, bool, std::vector<int>, std::string>>{
+           {false, false, {1000, 1200, 1390, 3000}, "0a 0a"},
+           {false, true, {1000, 1200, 3000}, "0a 0b"},
+           {true, false, {1000, 1100, 1200, 1300}, "0a 0a 0a 0a"}}) {
+    QWidget window;
+    std::string row = "a", log;
+    std::optional<ActionBar> bar;
+    const auto show = [&] {
+      bar->setActions(std::array{Action{.text = row, .repeats = repeats}, Action{.text = "x"}});
+    };
+    bar.emplace(&window, dayTheme(), [&](int index) {
+      log += (log.empty() ? "" : " ") + std::to_string(index) + row;
+      if (changes) row = "b", show();
+    });
+    show();
+    const auto tap = [&](int button, int time) {
+      for (const auto type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {
+        QMouseEvent event(type, QPointF(3, 3), QPointF(3, 3), Qt::LeftButton,
+                          type == QEvent::MouseButtonPress ? Qt::LeftButton : Qt::NoButton, Qt::NoModifier);
+        event.setTimestamp(static_cast<quint64>(time));
+        QApplication::sendEvent(bar->buttons()[static_cast<std::size_t>(button)], &event);
+      }
+    };
+    for (const int time : times) tap(0, time);
+    EXPECT_EQ(log, pressed);
+    tap(1, times.back() + 100);
+    EXPECT_EQ(log, pressed + (changes ? "" : " 1a")) << "another button, of the same row or not";
+  }
 }
 
 }  // namespace

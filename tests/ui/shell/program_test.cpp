@@ -101,6 +101,16 @@ TEST_F(ProgramTest, AFileIsShownByTheLoggerOfItsInstrument) {
   EXPECT_FALSE(lastInstrument(store()));
 }
 
+TEST_F(ProgramTest, AFileThatCannotBeOpenedIsToldAndTheProgramGoesOnAsWithoutIt) {
+  options.file = folder.path() / "none.ROR";
+  const auto confirm = [] {
+    auto* modal = openDialog("View Files");
+    if (modal != nullptr) QTest::keyClick(modal, Qt::Key_Return);
+    return modal != nullptr;
+  };
+  EXPECT_EQ(run({confirm, press(Qt::Key_6), titled("GLACO"), press(Qt::Key_X)}), 0);
+}
+
 TEST_F(ProgramTest, ASettingsFolderThatCannotBeWrittenIsTold) {
   options.kind = Kind::glaco;
   writeFile(options.root / "Storage", "a file where a folder is to be");
@@ -142,16 +152,19 @@ TEST(SingleInstance, TheSecondOnARootRaisesTheFirstAndOneThatCannotBeWrittenIsUs
   writeFile(folder.path() / "file", "");
   for (const auto& root : {folder.path() / "a" / "Kalmira", folder.path() / "file" / "Kalmira"}) {
     int raised = 0;
+    std::string said;
     {
-      const SingleInstance first(root, [&raised] { ++raised; });
+      const SingleInstance first(root, "", [&](const std::string& word) { ++raised, said = word; });
       EXPECT_TRUE(first.isFirst());
-      const SingleInstance elsewhere(folder.path(), [] { FAIL(); });
+      const SingleInstance elsewhere(folder.path(), "", [](const std::string&) { FAIL(); });
       EXPECT_TRUE(elsewhere.isFirst());
-      const SingleInstance second(std::filesystem::exists(root) ? root / ".." / "Kalmira" : root, [] { FAIL(); });
+      const SingleInstance second(std::filesystem::exists(root) ? root / ".." / "Kalmira" : root, "/a/b c",
+                                  [](const std::string&) { FAIL(); });
       EXPECT_FALSE(second.isFirst());
       EXPECT_TRUE(QTest::qWaitFor([&raised] { return raised == 1; }, 2000));
+      EXPECT_EQ(said, "/a/b c");
     }
-    EXPECT_TRUE(SingleInstance(root, [] {}).isFirst());
+    EXPECT_TRUE(SingleInstance(root, "", {}).isFirst());
   }
   EXPECT_TRUE(std::filesystem::exists(folder.path() / "a" / "Kalmira")) << "a root that is not there is made";
 }
@@ -162,7 +175,7 @@ TEST(SingleInstance, WhatACrashedOneLeftIsPutAway) {
   ASSERT_EQ(::pipe(ready.data()), 0);
   const auto child = ::fork();
   if (child == 0) {
-    const SingleInstance instance(root.path(), [] {});
+    const SingleInstance instance(root.path(), "", {});
     (void)!::write(ready[1], "1", 1);
     for (;;) ::pause();
   }
@@ -171,7 +184,7 @@ TEST(SingleInstance, WhatACrashedOneLeftIsPutAway) {
   ::kill(child, SIGKILL);
   ::waitpid(child, nullptr, 0);
   ASSERT_TRUE(std::filesystem::exists(root.path() / ".kalmira.lock"));
-  EXPECT_TRUE(SingleInstance(root.path(), [] {}).isFirst());
+  EXPECT_TRUE(SingleInstance(root.path(), "", {}).isFirst());
 }
 
 }  // namespace

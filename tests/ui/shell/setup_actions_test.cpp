@@ -32,12 +32,15 @@ struct SetupActionsTest : testing::Test, SessionGround {
                                 .lookAtDevice = [](const std::string&) { return std::nullopt; },
                                 .rememberDevices = [this](const DeviceSetup& now) { remembered = now; },
                                 .portFactory = ports,
-                                .cover = [this](QWidget* covering) { window->cover(covering); }});
+                                .cover = [this](QWidget* covering) { window->cover(covering); },
+                                .root = folder.path(),
+                                .loggedFile = [this] { return window->logging().session()->file.path(); }});
     auto logging = host(kind, ice);
     logging.saveSettings = [this](const Settings& now) { return saveSettings(place, now); };
     logging.displayOptions = [this](QWidget* parent, const Settings& current) {
       return actions->runSessionDisplayOptions(parent, current);
     };
+    logging.viewFile = [this](const std::filesystem::path& file) { actions->showFile(&*window, file); };
     window.emplace(MainWindowHost{.clock = clock,
                                   .instrument = instrument,
                                   .open = [logging](RememberedKind) { return logging; },
@@ -82,6 +85,50 @@ struct SetupActionsTest : testing::Test, SessionGround {
   std::optional<ProgramActions> actions;
   std::optional<MainWindow> window;
 };
+
+TEST_F(SetupActionsTest, TheFileBeingLoggedIsShownOverTheSessionWhichGoesOn) {
+  open(Kind::orla);
+  settings.instrumentPortIndex = 1;
+  ASSERT_NE(logging(), "no session");
+  auto& log = window->logging();
+  auto& session = *log.session();
+  pressInMenu(Qt::Key_V);
+  log.runCode(4);
+  ViewFilesWnd* viewer = nullptr;
+  ASSERT_TRUE(waitFor([&] { return (viewer = dynamic_cast<ViewFilesWnd*>(window->focusWidget())) != nullptr; }));
+  EXPECT_TRUE(log.isVisible());
+  startRecording(session);
+  const auto logUntil = [&](int rows) {
+    return waitFor([&] {
+      clock.advance(91);
+      device.send("T$-0400+0800\r");
+      return viewer->navigation().totalRows >= rows;
+    });
+  };
+  EXPECT_TRUE(logUntil(3)) << "readings come in";
+  std::string text;
+  {
+    const DialogActor actor("Told", noted(text));
+    session.view.tell({.title = "Told", .text = "of the session"});
+  }
+  EXPECT_EQ(text, "of the session");
+  EXPECT_EQ(window->focusWidget(), viewer) << "not the session below";
+  QTest::keyClick(viewer, Qt::Key_X);
+  EXPECT_EQ(window->focusWidget(), &log);
+  EXPECT_EQ(session.loggingState, kLogging);
+  {
+    const DialogActor actor("View Files", noted(text));
+    actions->showFile(&*window, folder.path() / "nowhere.ROR");
+  }
+  EXPECT_EQ(window->focusWidget(), &log);
+  actions->showFile(&*window, session.file.path());
+  log.leaveAtOnce();
+  auto* shown = dynamic_cast<ViewFilesWnd*>(window->focusWidget());
+  ASSERT_NE(shown, nullptr);
+  EXPECT_GE(shown->navigation().totalRows, 3);
+  QTest::keyClick(shown, Qt::Key_X);
+  EXPECT_EQ(window->focusWidget(), &*window);
+}
 
 TEST_F(SetupActionsTest, WhatIsSetUpStandsInTheFilesOfEveryFamily) {
   const struct {

@@ -74,13 +74,17 @@ struct ViewFilesTest : testing::Test {
   std::string content;
   Settings settings;
   std::optional<Settings> taken;
+  std::bitset<kKindCount> confirmed;
   int left = 0;
+  std::string concern;
   QWidget main;
   ViewFilesWnd& viewer = *new ViewFilesWnd({.place = {.kind = Kind::orla, .root = folder.path()},
                                             .extract = {},
                                             .settingsFor = [this](Kind, bool) { return settings; },
                                             .takeSettings = [this](Kind, bool, const Settings& now) { taken = now; },
-                                            .onLeft = [this] { ++left; }},
+                                            .confirmedScales = confirmed,
+                                            .onLeft = [this] { ++left; },
+                                            .concern = [this] { return concern; }},
                                            dayTheme(), &main);
   const Navigation& at = viewer.navigation();
 };
@@ -109,12 +113,21 @@ TEST_F(ViewFilesTest, KeysAndTapsWalkAlongTheLineAndTurningTheWindowKeepsThePlac
       EXPECT_TRUE(viewer.hasFocus());
     }
   }
+  for (int i = 0; i < 6; ++i) {
+    QTest::mouseClick(&button(483), Qt::LeftButton);
+    QTest::mouseDClick(&button(483), Qt::LeftButton);
+    QTest::mouseRelease(&button(483), Qt::LeftButton);
+  }
+  EXPECT_EQ(at.bar, 62) << "twelve quick taps";
+  QTest::mousePress(&button(482), Qt::LeftButton);
+  EXPECT_TRUE(QTest::qWaitFor([&] { return at.bar < 60; })) << "goes on while it is held";
+  QTest::mouseRelease(&button(482), Qt::LeftButton);
   key(Qt::Key_End);
   tapAt(plot(), shown);  // the last column but the frame
   EXPECT_THAT(readout(), StartsWith("Stn: 908.50\n"));
   auto& overview = *viewer.findChild<QWidget*>("overview");
   tapAt(overview, 0);
-  EXPECT_EQ(rowAtBar(at), 2) << "the middle of the rows in the first column";
+  EXPECT_EQ(rowAtBar(at), 3) << "the middle of the rows in the first column";
   tapAt(overview, overview.width() - 1);
   EXPECT_EQ(at.lastRow, 600);
   const int first = at.firstRow;
@@ -130,7 +143,7 @@ TEST_F(ViewFilesTest, TheListChoosesALineAndItsNotesStandAtTheirStations) {
   EXPECT_EQ(at.selectedLine, 1U);
   EXPECT_EQ(at.totalRows, 2 + 4 + 1);
   EXPECT_EQ(at.bar, 50) << "past the short line's end";
-  EXPECT_EQ(readout(), "");
+  EXPECT_EQ(readout(), "No station here\n");
   key(Qt::Key_Left, 49);
   EXPECT_THAT(readout(), HasSubstr("Comment: gate"));
   key(Qt::Key_Right);
@@ -165,12 +178,130 @@ TEST_F(ViewFilesTest, TabMovesTheHighlightTheScaleIsShownAndEnterPresses) {
   EXPECT_EQ(taken->conductivityMaximum, 40.0F);
   EXPECT_THAT(viewer.caption(), EndsWith("C:0/40  I:-10/10"));
   EXPECT_NE(plot().picture(), before);
-  EXPECT_EQ(goRound(13), 12U);
+  EXPECT_TRUE(confirmed.test(0));
+  EXPECT_EQ(goRound(16), 15U);
   EXPECT_EQ(round.front(), round.back());
   while (!button(488).isDefault() && !HasFailure()) key(Qt::Key_Tab);
   key(Qt::Key_Return);
   EXPECT_EQ(left, 1);
   EXPECT_TRUE(viewer.isHidden());
+}
+
+TEST_F(ViewFilesTest, TheScaleIsFittedUnlessTheOperatorConfirmedOneAndIsNeverHandedOn) {
+  settings.conductivityMaximum = 5;
+  const auto path = survey(300);
+  const auto marks = [&] { return plot().offScale().size(); };
+  ASSERT_TRUE(viewer.openFile(path));
+  EXPECT_EQ(marks(), 0U);
+  key(Qt::Key_T);
+  EXPECT_THAT(viewer.caption(), EndsWith("C:9/11  I:-3/-1"));
+  {
+    const DialogActor actor("Enter Scale", [](QDialog& dialog) {
+      EXPECT_EQ(dialog.findChild<QLineEdit*>("firstMaximum")->text(), "5") << "the operator's own";
+      press(dialog, Qt::Key_Return);
+    });
+    key(Qt::Key_S);
+  }
+  EXPECT_THAT(viewer.caption(), EndsWith("C:0/5  I:-10/10"));
+  EXPECT_GT(marks(), 3U) << "10 mS/m";
+  ASSERT_TRUE(taken);
+  EXPECT_EQ(taken->conductivityMaximum, 5.0F);
+  ASSERT_TRUE(viewer.openFile(path));
+  EXPECT_GT(marks(), 3U) << "holds for the next file, too";
+  taken.reset();
+  QTest::mouseClick(&button(493), Qt::LeftButton);
+  EXPECT_EQ(marks(), 0U);
+  ASSERT_TRUE(viewer.openFile(path));
+  EXPECT_EQ(marks(), 0U);
+  EXPECT_FALSE(taken);
+}
+
+TEST_F(ViewFilesTest, ZoomsByKeysButtonsAndWheelAndStretchesShortLines) {
+  const auto path = survey(600);
+  ASSERT_TRUE(viewer.openFile(path));
+  const auto before = at;
+  const auto places = [&] {
+    std::string text;
+    for (const auto& label : plot().labels()) text += label.text + " ";
+    return text;
+  };
+  const auto usual = places();
+  key(Qt::Key_Minus);
+  const auto whole = places();
+  EXPECT_THAT(whole, HasSubstr("10.00 ")) << "the first";
+  EXPECT_THAT(whole, HasSubstr(" 8")) << "one near the last, 908.50";
+  key(Qt::Key_Right, 3);
+  EXPECT_THAT(readout(), StartsWith("Stn: 88.00\n"));
+  tapAt(plot(), plot().width() - 3);
+  EXPECT_THAT(readout(), StartsWith("Stn: 90")) << "in the last column";
+  key(Qt::Key_Home);
+  viewer.run(kZoomIn);
+  EXPECT_EQ(places(), usual);
+  QTest::mouseClick(&button(495), Qt::LeftButton);
+  EXPECT_NE(places(), usual);
+  key(Qt::Key_Plus, 9);
+  key(Qt::Key_Right, 9);
+  EXPECT_THAT(places(), HasSubstr(readout().substr(5, 6))) << "the view follows the bar";
+  for (int i = 0; i < 20; ++i) {
+    QWheelEvent wheel(QPointF(9, 9), QPointF(9, 9), {}, QPoint(0, -120), Qt::NoButton, Qt::NoModifier,
+                      Qt::NoScrollPhase, false);
+    QApplication::sendEvent(&viewer, &wheel);
+  }
+  EXPECT_EQ(places(), whole);
+  EXPECT_EQ(at.pointsInView, before.pointsInView);
+
+  ASSERT_TRUE(viewer.openFile(survey(20)));
+  EXPECT_EQ(at.bar, 10);
+  EXPECT_GT(plot().bar(), plot().width() / 3) << "stretched";
+  tapAt(plot(), plot().width() - 3);
+  EXPECT_EQ(at.bar, 20);
+}
+
+TEST_F(ViewFilesTest, AFileThatGrowsIsFollowedAtItsEnd) {
+  const auto path = survey(300);
+  const auto grow = [&](int stations, const std::string& before = "") {
+    std::string bytes = before;
+    for (int i = 0; i < stations; ++i) bytes += vertical();
+    std::ofstream(path, std::ios::binary | std::ios::app) << bytes;
+  };
+  ASSERT_TRUE(viewer.openFile(path));
+  grow(200);
+  QTest::qWait(700);
+  EXPECT_EQ(at.totalRows, 300) << "another line is shown";
+  viewer.showEnd();
+  EXPECT_EQ(at.selectedLine, 1U);
+  EXPECT_EQ(at.totalRows, 207);
+  EXPECT_EQ(rowAtBar(at), 207);
+  grow(300);
+  ASSERT_TRUE(QTest::qWaitFor([&] { return at.totalRows == 507; }));
+  EXPECT_EQ(at.lastRow, 507);
+  EXPECT_EQ(rowAtBar(at), 507) << "the bar goes along";
+  EXPECT_THAT(readout(), StartsWith("Stn: 800.00\n"));
+  key(Qt::Key_Left, 5);
+  grow(1);
+  ASSERT_TRUE(QTest::qWaitFor([&] { return at.totalRows == 508; }));
+  EXPECT_EQ(rowAtBar(at), 502) << "or stays where it is";
+  key(Qt::Key_Home);
+  grow(1);
+  ASSERT_TRUE(QTest::qWaitFor([&] { return at.totalRows == 509; }));
+  EXPECT_EQ(at.firstRow, 1);
+  key(Qt::Key_End);
+  grow(3, lineBlock("L9"));
+  ASSERT_TRUE(QTest::qWaitFor([&] { return at.selectedLine == 2; })) << "the next line";
+  EXPECT_EQ(at.totalRows, 3);
+  EXPECT_EQ(lines().count(), 3);
+  viewer.leave();
+  EXPECT_EQ(std::filesystem::file_size(rowFilesOf(folder.path(), kDefaultStorageClass).line1), 3 * kLine1Row);
+}
+
+TEST_F(ViewFilesTest, WhatASessionHasToSayStandsInFront) {
+  ASSERT_TRUE(viewer.openFile(survey(300)));
+  const auto& band = *viewer.findChild<QLabel*>("concern");
+  for (const std::string text : {"Please Wait...", ""}) {
+    concern = text;
+    EXPECT_TRUE(QTest::qWaitFor([&] { return band.isVisible() == !text.empty(); }));
+    EXPECT_EQ(band.text().toStdString(), text);
+  }
 }
 
 TEST_F(ViewFilesTest, SavesPicturesAndTablesButNeverOverADataFile) {
@@ -228,7 +359,7 @@ TEST_F(ViewFilesTest, WhatCannotBeShownIsTold) {
   EXPECT_TRUE(viewer.openFile(folder.path() / "none.ROR"));
   EXPECT_THAT(viewer.caption(), EndsWith("no lines"));
   for (const auto each : {Qt::Key_Home, Qt::Key_PageDown, Qt::Key_End, Qt::Key_L}) key(each);
-  EXPECT_EQ(readout(), "");
+  EXPECT_EQ(readout(), "No station here\n");
 }
 
 TEST(ViewerLayout, NothingOverlapsOrLeavesTheWindowAndButtonsFitAFinger) {

@@ -20,17 +20,19 @@ double roundStep(double value) {
 
 using Side = std::bitset<kProfilePoints> ShownColumn::*;
 
+// One look at each column: this is done with every reading.
 void addArrows(const std::deque<ShownColumn>& shown, int spacing, Side side, std::vector<EdgeArrow>& arrows) {
-  const int count = static_cast<int>(shown.size());
-  for (int nearest = 0; nearest < count; nearest += spacing) {
-    int rank = 0;
+  std::bitset<kProfilePoints> told;  // in this stretch of columns
+  int back = 0;
+  for (auto column = shown.rbegin(); column != shown.rend(); ++column, ++back) {
+    if (back % spacing == 0) told.reset();
+    const auto fresh = (*column).*side & ~told;
+    if (fresh.none()) continue;
     for (std::size_t trace = 0; trace < kProfilePoints; ++trace) {
-      const int end = std::min(nearest + spacing, count);
-      for (int back = nearest; back < end; ++back) {
-        if (!(shown[static_cast<std::size_t>(count - 1 - back)].*side)[trace]) continue;
-        arrows.push_back({.trace = trace, .above = side == &ShownColumn::above, .columns = back, .rank = rank++});
-        break;
-      }
+      if (!fresh[trace]) continue;
+      const int rank = static_cast<int>(told.count());
+      arrows.push_back({.trace = trace, .above = side == &ShownColumn::above, .columns = back, .rank = rank});
+      told.set(trace);
     }
   }
 }

@@ -322,7 +322,8 @@ void LoggingWnd::setTheme(const Theme& theme) {
 std::string LoggingWnd::concern() {
   if (!sessionActive()) return {};
   const auto& session = *this->session();
-  if (session.pleaseWait || session.fileTrouble) return session.message;
+  if (session.pleaseWait) return "No data from the instrument";
+  if (session.fileTrouble) return session.message;
   return session.gps.gone ? "GPS receiver gone" : "";
 }
 

@@ -440,12 +440,14 @@ void Stage::takeViewer(const std::filesystem::path& file) {
   const auto& theme = shot_.night ? nightTheme() : dayTheme();
   const DataPlace place{.kind = shot_.instrument.kind, .root = root_.path().toStdString()};
   std::bitset<kKindCount> confirmed;
+  std::string concern;
   ViewFilesWnd viewer({.place = place,
                        .extract = {},
                        .settingsFor = [this](Kind, bool) { return settings_; },
                        .takeSettings = [](Kind, bool, const Settings&) {},
                        .confirmedScales = confirmed,
-                       .onLeft = {}},
+                       .onLeft = {},
+                       .concern = [&concern] { return concern; }},
                       theme, &window_);
   viewer.open();
   save("5-viewer-empty");
@@ -464,6 +466,10 @@ void Stage::takeViewer(const std::filesystem::path& file) {
   save("6-viewer-off-scale");
   settings_ = usual;
   confirmed.reset();
+  concern = "No data from the instrument";
+  waitFor([&viewer] { return viewer.findChild<QWidget*>("concern")->isVisible(); });
+  save("6-viewer-concern");
+  concern.clear();
   viewer.openFile(file);
   runAndSave([&] { viewer.run(ViewCommand::openFile); }, "view-open");
   runAndSave([&] { viewer.run(ViewCommand::scale); }, "view-scale");

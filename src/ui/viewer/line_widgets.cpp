@@ -95,12 +95,20 @@ OverviewStrip::OverviewStrip(const Theme& theme, std::function<void(int)> rowWan
 
 OverviewStrip::~OverviewStrip() = default;
 
-void OverviewStrip::showLine(const ProfileSetup& setup, Overview overview) {
+void OverviewStrip::showLine(const ProfileSetup& setup, Overview overview, std::span<const StationPoint> points) {
   overview_ = std::move(overview);
   picture_ = std::make_unique<ChartPicture>(chartColoursOf(*theme_), setup.width, setup.height);
-  DrawOverview(*picture_, setup, overview_, 0, false);
-  marks_ = offScaleMarks(setup, overview_, 0, std::max(1, kMark * overview_.columns / std::max(1, width())));
-  for (auto& mark : marks_) mark.column = mark.column * width() / std::max(1, overview_.columns);
+  if (points.empty()) {
+    DrawOverview(*picture_, setup, overview_, 0, false);
+    marks_ = offScaleMarks(setup, overview_, 0, kMark);
+  } else {
+    const int columns = std::max(1, setup.width - 2 * kFirstColumn);
+    const PlotView view{.rows = overview_.rowCount,
+                        .columns = columns,
+                        .columnsPerRow = static_cast<double>(columns) / overview_.rowCount};
+    DrawStationPlot(*picture_, setup, view, points);
+    marks_ = offScaleMarks(setup, view, points, kMark);
+  }
   update();
 }
 

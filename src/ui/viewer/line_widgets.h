@@ -4,6 +4,7 @@
 #include <QWidget>
 #include <functional>
 #include <memory>
+#include <span>
 #include <vector>
 
 #include "chart/chart_picture.h"
@@ -39,8 +40,9 @@ class OverviewStrip final : public QWidget {
   OverviewStrip(const Theme& theme, std::function<void(int row)> rowWanted, QWidget* parent);
   ~OverviewStrip() override;
 
-  // `setup` is as high as this widget and as wide as `overview` has columns: a short line is stretched.
-  void showLine(const ProfileSetup& setup, Overview overview);
+  // `setup` is as high as this widget and as wide as `overview` has columns. The `points` of a line with fewer rows
+  // than the widget has pixels are drawn in place of it, with a `setup` as wide as the widget.
+  void showLine(const ProfileSetup& setup, Overview overview, std::span<const StationPoint> points = {});
   void clearLine();
   // Rows from 1.
   void setWindow(int firstRow, int lastRow, int barRow);

@@ -332,9 +332,14 @@ void ViewFilesWnd::showReadout() {
 
 void ViewFilesWnd::showOverview() {
   if (file_ == nullptr || file_->line.rowCount() == 0) return overview_->clearLine();
-  auto overview = lineOverview(file_->line.summary, std::max(1, overview_->width()));
-  const auto setup = setupFor({overview.columns, overview_->height()});
-  overview_->showLine(setup, std::move(overview));
+  const int wide = std::max(1, overview_->width());
+  const int rows = file_->line.rowCount();
+  auto setup = setupFor({wide, overview_->height()});
+  setup.showGrid = false;
+  std::vector<StationPoint> points;
+  // What cannot be read is told by the plot.
+  if (rows < wide) LoadLineRows(file_->reader, file_->scanned, file_->line, 0, rows - 1, 1, points);
+  overview_->showLine(setup, lineOverview(file_->line.summary, wide), points);
 }
 
 void ViewFilesWnd::showCaption() {

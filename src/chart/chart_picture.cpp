@@ -107,7 +107,11 @@ void ChartPicture::line(int x1, int y1, int x2, int y2, int colour, int width) {
   const auto drawn = traceColour(colour);
   const std::int64_t dx = std::int64_t{x2} - x1;
   const std::int64_t dy = std::int64_t{y2} - y1;
-  if (dx == 0 && dy == 0) return dab(x1, y1, drawn, width);
+  if (dx == 0 || dy == 0) {  // the dabs of an upright or a level line make one block
+    const std::int64_t left = std::int64_t{std::min(x1, x2)} - width / 2;
+    const std::int64_t top = std::int64_t{std::min(y1, y2)} - width / 2;
+    return fill(left, left + std::abs(dx) + width - 1, top, top + std::abs(dy) + width - 1, drawn);
+  }
   const bool steep = std::abs(dy) > std::abs(dx);
   const std::int64_t length = steep ? std::abs(dy) : std::abs(dx);
   const std::int64_t start = steep ? y1 : x1;

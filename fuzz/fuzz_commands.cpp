@@ -1,5 +1,5 @@
-// Standard input of the logger without a screen: any bytes, in blocks of any size, operate a session on fakes. The first
-// byte chooses the kind, the second the size of the blocks and whether a reading comes between them.
+// Standard input of the logger without a screen: any bytes, in blocks of any size, operate a session on fakes. The
+// first byte chooses the kind, the second the size of the blocks and whether a reading comes between them.
 #include <cstdlib>
 #include <string>
 

@@ -57,9 +57,12 @@ void showLine(RecordReader& reader, const ScannedFile& file, const RowFiles& row
   require(points.size() == kView && !points[0].valid);
   BlindCanvas canvas;
   const auto setup = plotSetup(file, {}, kView + 2, 50);
-  DrawStationPlot(canvas, setup, points);
-  DrawOverview(canvas, setup, lineOverview(line.summary, 7));
-  stationLabels(points, 3);
+  const PlotView view{.firstRow = 0, .rows = kView, .columns = kView, .columnsPerRow = 1};
+  DrawStationPlot(canvas, setup, view, points);
+  offScaleMarks(setup, view, points, 5);
+  stationLabels(
+      stationTicks(view, points), kView, [](const std::string& text) { return static_cast<int>(text.size()); }, 1);
+  DrawOverview(canvas, setup, lineOverview(line.summary, 7), 0, true);
   for (int row = 0; row < kView; ++row) {
     readoutFields(file, placeOfRow(reader, file, line, row), points[static_cast<std::size_t>(row)]);
     for (const auto& note : readStationNotes(reader, file, line, row).notes) noteText(note);

@@ -84,6 +84,8 @@ class MessageBox final : public QDialog {
     for (const auto& line : linesOf(qtText(message.text))) {
       auto* label = new QLabel(breakable(line), form);
       label->setObjectName("text");
+      // A dialog within a dialog would have it from the desktop.
+      label->setFont(font());
       label->setTextFormat(Qt::PlainText);
       label->setWordWrap(true);
       lines->addWidget(label);

@@ -54,9 +54,10 @@ class TestSound final : public SoundDevice {
 
 TEST(TonePlayer, PlaysWithoutWaitingAndSaysWhatNobodyCanHear) {
   std::promise<void> gate;
-  auto& heard = *new Heard{.gate = gate.get_future().share()};  // a device that hangs outlives its player
-  const auto factory = [&heard]() -> std::unique_ptr<SoundDevice> { return std::make_unique<TestSound>(heard); };
-  const auto failed = [&heard] { ++heard.failed; };
+  static Heard heard;  // a device that hangs outlives its player
+  heard.gate = gate.get_future().share();
+  const auto factory = []() -> std::unique_ptr<SoundDevice> { return std::make_unique<TestSound>(heard); };
+  const auto failed = [] { ++heard.failed; };
   {
     TonePlayer player(factory, failed);
     for (int i = 0; i < 50; ++i) player.play({});

@@ -204,7 +204,7 @@ void DrawProfilePoint(ChartCanvas& canvas, const ProfileSetup& setup, TraceState
   }
   const auto points = tracePointsOf(setup, point);
   if (point.newStation || traces.shown.empty()) traces.shown.emplace_back();
-  while (traces.shown.size() > static_cast<std::size_t>(x / 2 + 1)) traces.shown.pop_front();
+  while (traces.shown.size() > static_cast<std::size_t>(x) / 2 + 1) traces.shown.pop_front();
   takeShown(setup, point, points, traces.shown.back());
   for (std::size_t i = 0; i < kProfilePoints; ++i) {
     if (!points.drawn[i]) continue;

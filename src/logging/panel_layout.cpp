@@ -171,12 +171,12 @@ bool contains(const Row& row, PanelFont font) {
 
 // Makes the font smaller that can best bear it; false when there is none left.
 bool shrinkFor(const Job& job, const Row& row, Sizes& sizes) {
+  const bool textFirst = job.space.roomy && sizes.value <= pixels(job.space, kValueSize) &&
+                         contains(row, PanelFont::text) &&
+                         sizes.text > std::max(pixels(job.space, kSmallestTextSize), kSmallestFont);
   if (contains(row, PanelFont::state) && sizes.state > pixels(job.space, kSmallestStateSize)) {
     --sizes.state;
-  } else if (job.space.roomy && sizes.value <= pixels(job.space, kValueSize) && contains(row, PanelFont::text) &&
-             sizes.text > pixels(job.space, kSmallestTextSize)) {
-    --sizes.text;
-  } else if (contains(row, PanelFont::value) && sizes.value > std::max(sizes.text, kSmallestFont)) {
+  } else if (!textFirst && contains(row, PanelFont::value) && sizes.value > std::max(sizes.text, kSmallestFont)) {
     --sizes.value;
   } else if (sizes.text > kSmallestFont) {
     --sizes.text;

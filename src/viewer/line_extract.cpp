@@ -105,7 +105,8 @@ bool extendLine(RecordReader& reader, const ScannedFile& file, ExtractedLine& ex
 }
 
 ViewerError fillRows(RecordReader& reader, const ScannedFile& file, ExtractedLine& line, int upTo) {
-  auto& [writer, place] = line.filling;
+  auto& writer = line.filling.writer;
+  auto& place = line.filling.place;
   const int wanted = std::min(upTo, line.rowCount());
   if (place.rows >= wanted || writer.failed()) return writer.error();
   LineWalk walk(file, line.options, place);

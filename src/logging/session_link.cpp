@@ -217,8 +217,10 @@ StartOutcome startSession(Session& session) {
 }
 
 void onTimer(Session& session) {
+  // Before the clock: a record that comes in between would seem to lie ahead, and a silence of weeks behind it.
+  const std::uint32_t last = session.link.lastRecordTick;
   session.timer.since = session.clock.tick();
-  if (ticksSince(session.clock.tick(), session.link.lastRecordTick) <= session.connectionTimeoutMs) return;
+  if (ticksSince(session.timer.since, last) <= session.connectionTimeoutMs) return;
 
   if (session.link.missedTicks == 0 && session.loggingState != kNoFile) writeEvent(session, "$CONN BREAK");
   if (++session.link.missedTicks < kMissedPeriodsToGiveUp) {

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include "gps/fix_summary.h"
 #include "gps/monitor.h"
 
 namespace kalmira {
@@ -58,6 +59,21 @@ TEST(NmeaChecksum, ComparesTheBytesBeforeTheFirstStarWithTheValueAfterTheLast) {
                             "$AB*100000003", "$AB*-3", "$AB*03*99", "$AB", "AB*03", "$", "*00", ""}) {
     EXPECT_FALSE(nmeaChecksumOk(wrong)) << wrong;
   }
+}
+
+TEST(FixSummary, SaysWhereTheReceiverIsAndHowWellItKnows) {
+  using testing::ElementsAre;
+  FixSummary summary;
+  EXPECT_THAT(summary.texts(1000), ElementsAre("No position yet"));
+  summary.take("$GPGGA,101307.00,5057.90000,S,00659.10000,W,2,09,1.1,50.0,M,46.0,M,3.5,0120*5D", true, 1000);
+  summary.take("$GPGSV,3,1,11,10,63,137,17*4A", true, 1000);
+  summary.take("$GLGSV,1,1,03,70,63,137,17*4A", true, 1000);
+  summary.take("$GPGSV,3,1,12,10,63,137,17*4A", true, 2000);  // in place of the first
+  summary.take("$GPGGA,111111,0000.0,N,00000.0,E,1,01,9.9*00", false, 2000);
+  EXPECT_THAT(summary.texts(3100), ElementsAre("DGPS", "10:13:07 UTC", "50.965000 S  6.985000 W", "Sat: 09 of 15",
+                                               "HDOP 1.1", "age 2 s", "corrections 3.5 s old", "1 bad"));
+  summary.take("$GNGGA,,,,,,0,00,,,M,,M,,*5D", true, 4000);
+  EXPECT_THAT(summary.texts(4000), ElementsAre("NO FIX", "Sat: 00 of 15", "age 0 s", "1 bad"));
 }
 
 TEST(GpsMessage, IsOneByteACharacter) { EXPECT_EQ(gpsMessageBytes("$Gr\xC3\xBC\xC3\x9F,\xE2\x82\xAC"), "$Gr??,?\r\n"); }

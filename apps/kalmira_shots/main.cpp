@@ -7,6 +7,7 @@
 
 #include "platform/command_line.h"
 #include "resources.h"
+#include "ui/screen/touch_style.h"
 #include "ui/shots/shots.h"
 
 int main(int argc, char** argv) {
@@ -24,6 +25,7 @@ int main(int argc, char** argv) {
   }
   if (sizes.empty()) sizes = {{480, 640}, {640, 480}};
   const QApplication application(argc, argv);
+  QApplication::setStyle(kalmira::makeTouchStyle());
   initResources();
   const auto problem = kalmira::shots::takeShots(argv[1], sizes);
   if (!problem.empty()) kalmira::printError("kalmira-shots: " + problem);

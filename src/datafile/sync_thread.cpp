@@ -21,7 +21,7 @@ void SyncThread::written(std::uint64_t offset, bool now) {
   {
     const auto held = worker_.lock();
     writtenTo_ = offset;
-    wake = !dirty_ || (now && !hurry_);
+    wake = (!dirty_ && !resting_) || (now && !hurry_);
     dirty_ = true;
     hurry_ = hurry_ || now;
   }
@@ -34,11 +34,12 @@ SyncThread::Progress SyncThread::progress() const {
 }
 
 void SyncThread::rewriteFrom(std::uint64_t offset) {
-  const auto held = worker_.lock();
-  writtenTo_ = offset;
-  progress_.failed = false;
-  dirty_ = true;
-  ++rewrites_;
+  worker_.change([&] {
+    writtenTo_ = offset;
+    progress_.failed = false;
+    dirty_ = true;
+    ++rewrites_;
+  });
 }
 
 bool SyncThread::abandon() {
@@ -70,7 +71,9 @@ void SyncThread::run() {
     } else if (rewrites == rewrites_) {
       progress_.syncedTo = upTo;
     }
+    resting_ = true;
     worker_.waitFor(held, kCommitEvery, [this] { return hurry_; });
+    resting_ = false;
   }
 }
 

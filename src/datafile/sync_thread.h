@@ -43,6 +43,7 @@ class SyncThread {
   bool dirty_ = false;
   bool abandoned_ = false;
   bool hurry_ = false;
+  bool resting_ = false;  // between two commits: a wake would be for nothing
   Progress progress_;
   unsigned rewrites_ = 0;
 };

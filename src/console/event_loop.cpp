@@ -14,15 +14,17 @@ constexpr std::size_t kLongestLine = 65536;
 
 }  // namespace
 
-bool EventLoop::wait(std::uint32_t milliseconds) const {
+EventLoop::Happened EventLoop::wait(std::uint32_t milliseconds) const {
   std::array<pollfd, 2> waits{{{.fd = signals_.descriptor(), .events = POLLIN, .revents = 0},
                                {.fd = read_input_ ? STDIN_FILENO : -1, .events = POLLIN, .revents = 0}}};
-  return ::poll(waits.data(), waits.size(), static_cast<int>(milliseconds)) > 0 && waits[1].revents != 0;
+  // When a signal comes while it waits, poll fails; what the handler wrote is found the next time, at once.
+  if (::poll(waits.data(), waits.size(), static_cast<int>(milliseconds)) <= 0) return {};
+  return {.input = waits[1].revents != 0, .signal = waits[0].revents != 0};
 }
 
-void EventLoop::handle(bool input, const Handlers& handlers) {
-  if (signals_.take()) handlers.onTerminate();
-  if (input) readLines(handlers);
+void EventLoop::handle(const Happened& happened, const Handlers& handlers) {
+  if (happened.signal && signals_.take()) handlers.onTerminate();
+  if (happened.input) readLines(handlers);
 }
 
 void EventLoop::readLines(const Handlers& handlers) {

@@ -39,10 +39,14 @@ class EventLoop {
 
   // Whether the machine has asked the program to end, and that has not been handled yet.
   bool terminateWanted() const { return signals_.wanted(); }
-  // Waits at most `milliseconds` for something to happen. True: there is input.
-  bool wait(std::uint32_t milliseconds) const;
-  // Calls the handlers of what happened; `input` is what wait said.
-  void handle(bool input, const Handlers& handlers);
+  struct Happened {
+    bool input = false;
+    bool signal = false;
+  };
+  // Waits at most `milliseconds` for something to happen.
+  Happened wait(std::uint32_t milliseconds) const;
+  // Calls the handlers of what happened, as wait said.
+  void handle(const Happened& happened, const Handlers& handlers);
 
  private:
   void readLines(const Handlers& handlers);

@@ -282,13 +282,13 @@ void Run::loop() {
       .onTerminate = [this] { leave(); }};
   while (session_.sessionActive) {
     const auto wait = nextWait();
-    bool input = false;
+    EventLoop::Happened happened;
     {
       // Readings and GPS lines are handled meanwhile, in turn with what this thread does.
       const HandOver::Rest rest(hand_over_);
-      input = events_.wait(wait);
+      happened = events_.wait(wait);
     }
-    events_.handle(input, handlers);
+    events_.handle(happened, handlers);
     if (!session_.sessionActive) break;
     serviceSession(session_);
     tellSettingsProblem();

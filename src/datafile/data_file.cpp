@@ -107,6 +107,13 @@ bool DataFile::readsBack() {
 
 void DataFile::writeWaiting() {
   if (!isWritable()) return;
+  if (written_ < end()) {
+    const auto open = file_->status();
+    if (open && open->size < written_) {  // written now, the gap would be filled with zeros
+      condition_ = Condition::cut;
+      return;
+    }
+  }
   while (written_ < end()) {
     if (!writeSome()) return;
   }
@@ -115,11 +122,6 @@ void DataFile::writeWaiting() {
 }
 
 bool DataFile::writeSome() {
-  const auto open = file_->status();
-  if (open && open->size < written_) {  // written now, the gap would be filled with zeros
-    condition_ = Condition::cut;
-    return false;
-  }
   const auto waiting = std::string_view(memory_).substr(static_cast<std::size_t>(written_ - memory_start_));
   const auto bytes =
       waiting.substr(0, waiting.size() > kBlock ? kBlock / record_length_ * record_length_ : record_length_);

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/sysmacros.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -12,11 +13,16 @@
 namespace kalmira {
 namespace {
 
-FileStatus statusOf(const struct stat& found) {
-  return {.device = static_cast<std::uint64_t>(found.st_dev),
-          .inode = static_cast<std::uint64_t>(found.st_ino),
-          .links = static_cast<std::uint64_t>(found.st_nlink),
-          .size = static_cast<std::uint64_t>(found.st_size)};
+// Asked for without its times: once these are read, the system writes the file's inode with every record.
+constexpr unsigned kWanted = STATX_INO | STATX_NLINK | STATX_SIZE;
+
+std::optional<FileStatus> statusOf(int folder, const char* path, int flags) {
+  struct statx found {};
+  if (::statx(folder, path, flags, kWanted, &found) != 0) return std::nullopt;
+  return FileStatus{.device = ::makedev(found.stx_dev_major, found.stx_dev_minor),
+                    .inode = found.stx_ino,
+                    .links = found.stx_nlink,
+                    .size = found.stx_size};
 }
 
 class LocalFile final : public DiskFile {
@@ -65,10 +71,7 @@ class LocalFile final : public DiskFile {
     return fd < 0 || ::close(fd) == 0 ? 0 : errno;
   }
 
-  std::optional<FileStatus> status() override {
-    struct stat found {};
-    return ::fstat(fd_, &found) == 0 ? std::optional(statusOf(found)) : std::nullopt;
-  }
+  std::optional<FileStatus> status() override { return statusOf(fd_, "", AT_EMPTY_PATH); }
 
   std::unique_ptr<DiskFile> duplicate() override {
     const int fd = ::fcntl(fd_, F_DUPFD_CLOEXEC, 0);
@@ -83,6 +86,8 @@ class LocalFile final : public DiskFile {
 OpenOutcome openFile(const std::filesystem::path& path, int flags) {
   const int fd = ::open(path.c_str(), flags | O_RDWR | O_CLOEXEC, 0666);
   if (fd < 0) return {.file = nullptr, .error = errno};
+  // Else the system writes the inode whenever the file is looked after. Only for those who may, so unchecked.
+  (void)::fcntl(fd, F_SETFL, O_NOATIME);
   return {.file = std::make_unique<LocalFile>(fd), .error = 0};
 }
 
@@ -104,8 +109,7 @@ std::optional<std::uint64_t> LocalDisk::freeBytes(const std::filesystem::path& p
 }
 
 std::optional<FileStatus> LocalDisk::status(const std::filesystem::path& path) {
-  struct stat found {};
-  return ::lstat(path.c_str(), &found) == 0 ? std::optional(statusOf(found)) : std::nullopt;
+  return statusOf(AT_FDCWD, path.c_str(), AT_SYMLINK_NOFOLLOW);
 }
 
 std::string diskErrorText(int error) {

@@ -16,7 +16,7 @@ namespace {
 
 constexpr std::uint32_t kBatteryPeriodMs = 180000;
 // How often the data file is looked after: its trouble must be known within a second.
-constexpr std::uint32_t kServicePeriodMs = 400;
+constexpr std::uint32_t kServicePeriodMs = 500;
 constexpr std::uint32_t kNoTriggerTimeoutMs = 2000;
 constexpr std::uint32_t kLookForPortsMs = 1000;
 // Shorter than that is no sleep but the two clocks read one after the other.

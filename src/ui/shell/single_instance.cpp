@@ -1,15 +1,21 @@
 #include "ui/shell/single_instance.h"
 
 #include <fmt/format.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
 #include <unistd.h>
 
 #include <QCryptographicHash>
-#include <QLocalServer>
-#include <QLocalSocket>
+#include <QDir>
 #include <QLockFile>
+#include <QSocketNotifier>
 #include <QSysInfo>
 #include <QThread>
+#include <algorithm>
+#include <optional>
 #include <system_error>
+#include <utility>
 
 #include "ui/screen/theme.h"
 
@@ -18,7 +24,7 @@ namespace {
 
 constexpr int kTries = 20;  // the first may be between its lock and its socket
 constexpr int kTryMs = 100;
-constexpr qint64 kLongestWord = 8192;
+constexpr std::size_t kLongestWord = 8192;
 
 std::filesystem::path canonicalRoot(const std::filesystem::path& root) {
   std::error_code error;
@@ -28,37 +34,63 @@ std::filesystem::path canonicalRoot(const std::filesystem::path& root) {
 }
 
 // Another user's program can neither be raised nor mistaken for ours.
-QString serverName(const std::filesystem::path& root) {
+std::string socketPath(const std::filesystem::path& root) {
   const auto text = fmt::format("{}\n{}", ::getuid(), root.string());
   const auto hash = QCryptographicHash::hash(QByteArray::fromStdString(text), QCryptographicHash::Sha256);
-  return QStringLiteral("kalmira-") + QString::fromLatin1(hash.toHex().left(24));
+  return QDir::tempPath().toStdString() + "/kalmira-" + hash.toHex().left(24).toStdString();
 }
 
-bool raiseOther(const QString& name, const std::string& word) {
-  QLocalSocket socket;
-  socket.connectToServer(name);
-  if (!socket.waitForConnected(kTryMs)) return false;
-  socket.write(word.data(), static_cast<qint64>(word.size()));
-  while (socket.bytesToWrite() > 0 && socket.waitForBytesWritten(kTryMs)) {
+// A socket of datagrams: a word comes whole or not at all, and what a crashed program has left takes none. Plain calls,
+// because Qt's network library and the eleven that it brings along are loaded at each start.
+class WordSocket {
+ public:
+  explicit WordSocket(const std::string& path) : fd_(::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0)) {
+    address_.sun_family = AF_UNIX;
+    if (path.size() >= sizeof(address_.sun_path)) closeNow();
+    if (fd_ >= 0) std::copy(path.begin(), path.end(), address_.sun_path);
   }
-  socket.disconnectFromServer();
-  return true;
-}
+  WordSocket(const WordSocket&) = delete;
+  WordSocket& operator=(const WordSocket&) = delete;
+  ~WordSocket() { closeNow(); }
 
-// The word of another program is whole when that one has gone.
-void hear(QLocalServer& server, const std::function<void(const std::string&)>& raise) {
-  while (auto* socket = server.nextPendingConnection()) {
-    const auto end = [socket, raise] {
-      raise(socket->read(kLongestWord).toStdString());
-      socket->deleteLater();
-    };
-    if (socket->state() == QLocalSocket::UnconnectedState) {
-      end();
-    } else {
-      QObject::connect(socket, &QLocalSocket::disconnected, socket, end);
-    }
+  int descriptor() const { return fd_; }
+
+  // To the program that listens there.
+  bool say(const std::string& word) const {
+    struct stat found {};
+    if (fd_ < 0 || ::lstat(address_.sun_path, &found) != 0 || found.st_uid != ::getuid()) return false;
+    return ::sendto(fd_, word.data(), std::min(word.size(), kLongestWord), MSG_NOSIGNAL, address(), sizeof address_) >=
+           0;
   }
-}
+
+  bool listen() {
+    if (fd_ < 0) return false;
+    // Nobody answered there: what stands under the name is a crashed program's.
+    ::unlink(address_.sun_path);
+    listens_ = ::fchmod(fd_, S_IRUSR | S_IWUSR) == 0 && ::bind(fd_, address(), sizeof address_) == 0;
+    return listens_;
+  }
+
+  // The next word that has come.
+  std::optional<std::string> hear() const {
+    std::string word(kLongestWord, '\0');
+    const auto size = ::recv(fd_, word.data(), word.size(), 0);
+    if (size < 0) return std::nullopt;
+    word.resize(static_cast<std::size_t>(size));
+    return word;
+  }
+
+ private:
+  const sockaddr* address() const { return reinterpret_cast<const sockaddr*>(&address_); }
+  void closeNow() {
+    if (listens_) ::unlink(address_.sun_path);
+    if (fd_ >= 0) ::close(std::exchange(fd_, -1));
+  }
+
+  int fd_;
+  sockaddr_un address_{};
+  bool listens_ = false;
+};
 
 // The root lies on a disk that machines share: whoever holds it there is out of reach.
 bool heldElsewhere(const QLockFile& lock) {
@@ -70,11 +102,11 @@ bool heldElsewhere(const QLockFile& lock) {
 
 enum class Holding { lock, nothing, refused };
 
-Holding takeRoot(QLockFile& lock, const QString& name, const std::string& word) {
+Holding takeRoot(QLockFile& lock, const WordSocket& socket, const std::string& word) {
   for (int tries = 0; tries < kTries; ++tries) {
     if (lock.tryLock(0)) return Holding::lock;
     const bool held = lock.error() == QLockFile::LockFailedError;
-    if (raiseOther(name, word)) return Holding::refused;
+    if (socket.say(word)) return Holding::refused;
     if (!held || heldElsewhere(lock)) return Holding::nothing;
     QThread::msleep(kTryMs);
   }
@@ -86,13 +118,13 @@ Holding takeRoot(QLockFile& lock, const QString& name, const std::string& word) 
 
 struct SingleInstance::State {
   explicit State(const std::filesystem::path& root)
-      : lock(qtText((root / ".kalmira.lock").string())), name(serverName(root)) {
+      : lock(qtText((root / ".kalmira.lock").string())), socket(socketPath(root)) {
     lock.setStaleLockTime(0);  // a survey may take days
   }
 
   QLockFile lock;
-  QString name;
-  QLocalServer server;
+  WordSocket socket;
+  std::optional<QSocketNotifier> notifier;
   bool first = false;
 };
 
@@ -100,15 +132,13 @@ SingleInstance::SingleInstance(const std::filesystem::path& root, const std::str
                                std::function<void(const std::string&)> raise)
     : state_(std::make_unique<State>(canonicalRoot(root))) {
   auto& state = *state_;
-  state.first = takeRoot(state.lock, state.name, word) != Holding::refused;
-  if (!state.first) return;
-  QObject::connect(&state.server, &QLocalServer::newConnection, &state.server,
-                   [&state, wake = std::move(raise)] { hear(state.server, wake); });
-  // Nobody answered there: what is left of the name is a crashed program's.
-  QLocalServer::removeServer(state.name);
-  state.server.setSocketOptions(QLocalServer::UserAccessOption);
+  state.first = takeRoot(state.lock, state.socket, word) != Holding::refused;
   // Without its socket the program can be used all the same; a second one ends without raising it.
-  state.server.listen(state.name);
+  if (!state.first || !state.socket.listen()) return;
+  state.notifier.emplace(state.socket.descriptor(), QSocketNotifier::Read);
+  QObject::connect(&*state.notifier, &QSocketNotifier::activated, &*state.notifier, [&state, wake = std::move(raise)] {
+    while (const auto heard = state.socket.hear()) wake(*heard);
+  });
 }
 
 SingleInstance::~SingleInstance() = default;

@@ -16,6 +16,11 @@ const QString kIceKey = QStringLiteral("instrument/ice");
 const QString kMirrorKey = QStringLiteral("files/mirror");
 const QString kThemeKey = QStringLiteral("screen/theme");
 
+// Only what differs: each change has the whole file written anew, and committed.
+void keep(QSettings& store, const QString& key, const QString& value) {
+  if (store.value(key).toString() != value || !store.contains(key)) store.setValue(key, value);
+}
+
 QString comKey(std::size_t index) { return qtText(fmt::format("com/{}", index + 1)); }
 
 }  // namespace
@@ -30,8 +35,8 @@ std::optional<RememberedKind> lastInstrument(const QSettings& store) {
 
 void rememberKind(QSettings& store, RememberedKind kind) {
   const auto name = instrumentOf(kind.kind).name;
-  store.setValue(kKindKey, qtText(name));
-  store.setValue(kIceKey, kind.ice ? "yes" : "no");
+  keep(store, kKindKey, qtText(name));
+  keep(store, kIceKey, kind.ice ? "yes" : "no");
 }
 
 ComAssignments rememberedComDevices(const QSettings& store) {
@@ -49,7 +54,7 @@ void rememberComDevices(QSettings& store, const ComAssignments& devices) {
     if (devices[i].empty()) {
       store.remove(comKey(i));
     } else {
-      store.setValue(comKey(i), qtText(devices[i]));
+      keep(store, comKey(i), qtText(devices[i]));
     }
   }
 }
@@ -60,11 +65,11 @@ std::filesystem::path rememberedMirror(const QSettings& store) {
 
 void rememberMirror(QSettings& store, const std::filesystem::path& folder) {
   if (folder.empty()) return store.remove(kMirrorKey);
-  store.setValue(kMirrorKey, qtText(folder.string()));
+  keep(store, kMirrorKey, qtText(folder.string()));
 }
 
 bool rememberedNight(const QSettings& store) { return store.value(kThemeKey).toString() == "night"; }
 
-void rememberNight(QSettings& store, bool night) { store.setValue(kThemeKey, night ? "night" : "day"); }
+void rememberNight(QSettings& store, bool night) { keep(store, kThemeKey, night ? "night" : "day"); }
 
 }  // namespace kalmira

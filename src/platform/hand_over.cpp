@@ -1,8 +1,16 @@
 #include "platform/hand_over.h"
 
+#include <cerrno>
+#include <system_error>
 #include <utility>
 
 namespace kalmira {
+
+HandOver::Slot::Slot() {
+  if (::sem_init(&changed, 0, 0) != 0) throw std::system_error(errno, std::generic_category(), "semaphore");
+}
+
+HandOver::Slot::~Slot() { ::sem_destroy(&changed); }
 
 void HandOver::run() {
   std::unique_lock lock(mutex_);
@@ -12,11 +20,8 @@ void HandOver::run() {
     const Work work = std::move(slot->work);
     lock.unlock();
     work();
-    lock.lock();
     slot->done = true;
-    // Woken after the lock is free, the sender need not wait for it again.
-    lock.unlock();
-    slot->changed.notify_all();
+    ::sem_post(&slot->changed);
     lock.lock();
   }
 }
@@ -61,8 +66,8 @@ bool HandOver::Sender::send(const Work& work) {
     hand_over_.queue_.push_back(slot_);
   }
   hand_over_.wake_();
-  std::unique_lock lock(hand_over_.mutex_);
-  slot.changed.wait(lock, [&slot] { return slot.done || slot.closed; });
+  while (::sem_wait(&slot.changed) != 0 && errno == EINTR) {
+  }
   return slot.done;
 }
 
@@ -70,7 +75,7 @@ void HandOver::Sender::close() {
   const std::scoped_lock lock(hand_over_.mutex_);
   slot_->closed = true;
   std::erase(hand_over_.queue_, slot_);
-  slot_->changed.notify_all();
+  ::sem_post(&slot_->changed);
   hand_over_.free_.notify_all();
 }
 

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <semaphore.h>
+
+#include <atomic>
 #include <condition_variable>
 #include <functional>
 #include <memory>
@@ -44,10 +47,15 @@ class HandOver {
  private:
   // One sender's piece of work. Shared, because work may still be running after its sender was released and has gone.
   struct Slot {
+    Slot();
+    ~Slot();
+    Slot(const Slot&) = delete;
+    Slot& operator=(const Slot&) = delete;
+
     Work work;
-    bool done = false;
+    std::atomic<bool> done{false};
     bool closed = false;
-    std::condition_variable changed;
+    sem_t changed;  // posted when either becomes true: one system call each way, and no lock to wait for
   };
 
   std::function<void()> wake_;  // empty: direct

@@ -14,7 +14,6 @@
 #include <QRegularExpression>
 #include <QScrollArea>
 #include <QScroller>
-#include <QSet>
 #include <QStyledItemDelegate>
 #include <QToolButton>
 #include <QUiLoader>
@@ -22,6 +21,7 @@
 #include <cmath>
 #include <limits>
 #include <optional>
+#include <set>
 
 #include "platform/text.h"
 #include "ui/screen/touch_button.h"
@@ -140,7 +140,7 @@ QString labelAt(const QGridLayout& grid, int row, int column) {
 // A screen reader says what a field is by the label that belongs to it. In a table of fields that is its row's and its
 // column's.
 void nameFields(QWidget& form, const QGridLayout& grid) {
-  QSet<const QWidget*> labelled;
+  std::set<const QWidget*> labelled;
   for (const auto* label : form.findChildren<QLabel*>()) labelled.insert(label->buddy());
   for (int i = 0; i < grid.count(); ++i) {
     auto* field = grid.itemAt(i)->widget();

@@ -74,11 +74,28 @@ int touchHeight(const QScreen* screen) {
                                  sensible(serverDotsPerInch() / screen->devicePixelRatio())}));
 }
 
+// In growing steps down and in halves between: trying a size has the system look for a font of that size.
 QFont fittedFont(const QString& text, const QFont& wanted, QSize room) {
   QFont font = wanted;
-  int size = QFontInfo(wanted).pixelSize();
-  font.setPixelSize(std::max(size, kSmallestFont));
-  while (size > kSmallestFont && !fits(text, font, room)) font.setPixelSize(--size);
+  const auto fitsAt = [&](int size) {
+    font.setPixelSize(size);
+    return fits(text, font, room);
+  };
+  int tooLarge = std::max(QFontInfo(wanted).pixelSize(), kSmallestFont);
+  if (tooLarge == kSmallestFont || fitsAt(tooLarge)) return font.setPixelSize(tooLarge), font;
+  int fitting = kSmallestFont;
+  for (int step = 1, size = tooLarge - 1; size > kSmallestFont; size -= step *= 2) {
+    if (fitsAt(size)) {
+      fitting = size;
+      break;
+    }
+    tooLarge = size;
+  }
+  while (tooLarge - fitting > 1) {
+    const int size = (fitting + tooLarge) / 2;
+    (fitsAt(size) ? fitting : tooLarge) = size;
+  }
+  font.setPixelSize(fitting);
   return font;
 }
 
@@ -91,6 +108,7 @@ TouchButton::TouchButton(const QString& text, const Theme& theme, QWidget* paren
 
 void TouchButton::setTheme(const Theme& theme) {
   theme_ = &theme;
+  picture_ = {};
   update();
 }
 
@@ -160,8 +178,31 @@ void TouchButton::mouseDoubleClickEvent(QMouseEvent* event) {
   if (autoRepeat()) QPushButton::mousePressEvent(event);
 }
 
+// One that lies on something that moves is painted again and again: then a picture of it is.
 void TouchButton::paintEvent(QPaintEvent* /*event*/) {
+  const Look look{.size = size(),
+                  .text = text(),
+                  .font = font(),
+                  .isDefault = isDefault(),
+                  .enabled = isEnabled(),
+                  .down = isDown()};
   QPainter painter(this);
+  if (look != look_) {
+    look_ = look;
+    picture_ = {};
+    return paint(painter);
+  }
+  if (picture_.devicePixelRatio() != devicePixelRatioF() || picture_.isNull()) {
+    picture_ = QPixmap(size() * devicePixelRatioF());
+    picture_.setDevicePixelRatio(devicePixelRatioF());
+    picture_.fill(Qt::transparent);
+    QPainter onPicture(&picture_);
+    paint(onPicture);
+  }
+  painter.drawPixmap(0, 0, picture_);
+}
+
+void TouchButton::paint(QPainter& painter) const {
   painter.setRenderHint(QPainter::Antialiasing);
   paintFrame(painter);
   if (isDefault()) paintPointer(painter);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QPixmap>
 #include <QPushButton>
 #include <memory>
 #include <span>
@@ -52,11 +53,24 @@ class TouchButton final : public QPushButton {
   void mouseDoubleClickEvent(QMouseEvent* event) override;
 
  private:
+  // All that its picture depends on, but for the theme.
+  struct Look {
+    QSize size;
+    QString text;
+    QFont font;
+    bool isDefault = false;
+    bool enabled = false;
+    bool down = false;
+    bool operator==(const Look&) const = default;
+  };
   int frameWidth() const;
+  void paint(QPainter& painter) const;
   void paintFrame(QPainter& painter) const;
   void paintPointer(QPainter& painter) const;
 
   const Theme* theme_;
+  Look look_;        // when it was painted last
+  QPixmap picture_;  // of that look, once it has been painted twice
   std::shared_ptr<TapMemory> taps_ = std::make_shared<TapMemory>();
 };
 

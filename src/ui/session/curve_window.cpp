@@ -172,7 +172,7 @@ void CurveWnd::addPoint(const ProfilePoint& point) {
   if (std::exchange(seen_, seen) != seen || std::exchange(note_, noteNow) != noteNow) update();
   const int x = setup_.pointColumn;
   const int left = point.newStation ? 0 : x - 2 - kWidestPen;
-  update(QRect(QPoint(left, 0), QPoint(x + 1, setup_.height - 1)));
+  updates_.add(QRect(QPoint(left, 0), QPoint(x + 1, setup_.height - 1)));
 }
 
 QImage CurveWnd::picture() const { return imageOf(*picture_).copy(); }

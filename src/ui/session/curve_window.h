@@ -9,6 +9,7 @@
 #include "chart/profile_chart.h"
 #include "chart/scale_fit.h"
 #include "logging/session.h"
+#include "ui/screen/calm_updates.h"
 #include "ui/screen/theme.h"
 
 namespace kalmira {
@@ -66,6 +67,7 @@ class CurveWnd final : public QWidget {
   std::unique_ptr<TraceState> traces_;
   std::bitset<kProfilePoints> seen_;  // the traces that the legend names
   std::string note_;
+  CalmUpdates updates_{*this};
 };
 
 }  // namespace kalmira

@@ -108,7 +108,7 @@ void PanelView::showText(PanelField field, std::string_view text) {
   // In a row that says what is old, one text makes room for another.
   const bool band = !signs_.instrument.empty() && cell->top < layout_.stateBandHeight;
   const bool gps = !signs_.gps.empty() && isGpsText(field);
-  update(band || gps ? QRect(0, cell->top, width(), cell->height) : rectOf(*cell));
+  updates_.add(band || gps ? QRect(0, cell->top, width(), cell->height) : rectOf(*cell));
 }
 
 void PanelView::setLoggingState(int loggingState) {

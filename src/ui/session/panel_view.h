@@ -8,6 +8,7 @@
 
 #include "logging/panel_layout.h"
 #include "logging/signs.h"
+#include "ui/screen/calm_updates.h"
 #include "ui/screen/theme.h"
 
 namespace kalmira {
@@ -83,6 +84,7 @@ class PanelView final : public QWidget {
   LinkSigns signs_;
   CalibrationSign calibration_;
   bool flash_ = false;
+  CalmUpdates updates_{*this};
 };
 
 }  // namespace kalmira

@@ -81,7 +81,11 @@ class ViewFilesWnd final : public CoverWindow {
   void finishRows();
   void follow();
   void showConcern();
-  using WriteFile = std::function<std::string(const std::filesystem::path&)>;
+  struct Written {
+    std::string problem;  // empty: all went well
+    std::string what;     // is in the file
+  };
+  using WriteFile = std::function<Written(const std::filesystem::path&)>;
   void saveAs(const SaveQuestion& question, const WriteFile& write);
   void savePicture();
   void exportCsv();

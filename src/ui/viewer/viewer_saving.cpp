@@ -285,18 +285,17 @@ std::string exportTable(const std::filesystem::path& dataFile, const std::filesy
   return reader.error().kind == FileErrorKind::none ? "" : reader.error().text;
 }
 
-// `write` gives an empty text and sets the status, or gives what went wrong.
 void ViewFilesWnd::saveAs(const SaveQuestion& question, const WriteFile& write) {
   const auto path = askForName(this, question, file_->path);
   if (!path) return;
-  std::string problem;
+  Written written;
   {
     const WaitingCursor cursor;
-    problem = write(*path);
+    written = write(*path);
   }
-  if (!problem.empty()) status_.clear();
-  showCaption();
-  if (!problem.empty()) tell(problem);
+  if (!written.problem.empty()) return tell(written.problem);
+  tellMessage(this,
+              {.title = "Saved", .text = written.what + " is in\r\n" + path->string(), .icon = Icon::information});
 }
 
 void ViewFilesWnd::savePicture() {
@@ -307,13 +306,13 @@ void ViewFilesWnd::savePicture() {
                               .filter = "Pictures (*.png *.svg)",
                               .extension = "png",
                               .proposal = proposedName(file_->path, lineName, "png")};
-  saveAs(question, [&](const std::filesystem::path& path) {
+  saveAs(question, [&](const std::filesystem::path& path) -> Written {
     const LinePicture picture{
         .file = *file_, .settings = shown_, .title = fmt::format("{}   Line {}", fileCaption(*file_), lineName)};
     const bool svg = path.extension() == ".svg" || path.extension() == ".SVG";
     const auto content = svg ? linePictureSvg(picture) : linePicturePng(picture);
-    status_ = fmt::format("Saved {}", path.filename().string());
-    return replaceFile(path, {content.constData(), static_cast<std::size_t>(content.size())});
+    return {.problem = replaceFile(path, {content.constData(), static_cast<std::size_t>(content.size())}),
+            .what = fmt::format("The picture of line {}", lineName)};
   });
 }
 
@@ -323,11 +322,10 @@ void ViewFilesWnd::exportCsv() {
                               .filter = "Tables (*.csv)",
                               .extension = "csv",
                               .proposal = proposedName(file_->path, "", "csv")};
-  saveAs(question, [this](const std::filesystem::path& path) {
+  saveAs(question, [this](const std::filesystem::path& path) -> Written {
     std::uint64_t readings = 0;
     auto problem = exportTable(file_->path, path, host_.extract.teskRangeTimes10, readings);
-    status_ = fmt::format("{} readings in {}", readings, path.filename().string());
-    return problem;
+    return {.problem = std::move(problem), .what = fmt::format("The table of {} readings", readings)};
   });
 }
 

@@ -2,6 +2,8 @@
 #include <fmt/format.h>
 #include <gmock/gmock.h>
 
+#include <QGuiApplication>
+#include <QScreen>
 #include <QSettings>
 #include <csignal>
 
@@ -187,8 +189,10 @@ TEST(WindowSurvey, OfAnOrlaWithItsReceiverGivesItsFileByteForByte) {
     person.leave();
   };
   EXPECT_EQ(machine.run(work, true), 0);
+  const auto screen = QGuiApplication::primaryScreen()->size();
+  const bool upright = screen.height() > screen.width() && !QGuiApplication::platformName().startsWith("offscreen");
   EXPECT_EQ(wiped(readFile(path), 24),
-            bytesOf({.header = "ORLA2   W230GPS0010   2",
+            bytesOf({.header = upright ? "ORLA2   W230GPS0010   3" : "ORLA2   W230GPS0010   2",
                      .firstPiece = {withTick(24, "T$+0400-0800"), "@$GPGGA,101308.00,5057.", "#90,N,00659.10,E,1,08,1",
                                     "#.1,50.0,M,46.0,M,,*5D", withTick(24, "!"), withTick(24, "Td-0412+0796")},
                      .lastReading = "T$+0400-0800"}));

@@ -186,7 +186,7 @@ void closeDataFile(Session& session) {
 }
 
 void noteShortfall(Session& session, std::string text) {
-  for (auto at = text.find("\r\n"); at != std::string::npos; at = text.find("\r\n")) text.replace(at, 2, " ");
+  for (auto at = text.find("\r\n"); at != std::string::npos; at = text.find("\r\n")) text.replace(at, 2, 1, ' ');
   session.shortfalls.push_back(std::move(text));
 }
 

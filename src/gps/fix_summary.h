@@ -17,6 +17,8 @@ class FixSummary {
   // Short texts, as many as there is something to say of, the most important first: "AGPS", "10:13:07 UTC",
   // "50.965000 N 6.985000 E", "Sat: 9 of 14", "HDOP 1.0", "age 0.4 s". `tick` is now.
   std::vector<std::string> texts(std::uint32_t tick) const;
+  // Whether a receiver has said anything about a position yet.
+  bool heard() const { return heard_.has_value(); }
 
  private:
   void takeGga(std::string_view line, std::uint32_t tick);

@@ -155,7 +155,9 @@ void MonitorGPSWnd::showNews(const MonitorNews& news) {
   if (news.kind == MonitorNews::Kind::line && state_.monitorPaused == 1) return;
   const bool sentence = news.kind == MonitorNews::Kind::line && news.text != kNoData;
   const bool good = nmeaChecksumOk(news.text);
+  const bool heard = summary_.heard();
   if (sentence) summary_.take(news.text, good, host_.clock.tick());
+  if (summary_.heard() && !heard) showSummary();  // what is waited for comes at once
   list_->addLine(news.text, sentence && !good);
 }
 

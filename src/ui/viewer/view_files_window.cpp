@@ -30,6 +30,7 @@ constexpr int kSmallestLabel = 9;     // pixels
 
 constexpr int kWheelNotch = 120;
 constexpr int kFollow_ms = 500;
+constexpr int kConcernShare = 7;  // of the height, for what the session has to say
 
 bool movesView(ViewCommand command) { return command <= ViewCommand::lineEnd; }
 
@@ -398,7 +399,10 @@ void ViewFilesWnd::arrange() {
   lines_->setGeometry(layout.lines);
   buttons_.place(layout.buttons, layout.buttons[0].height() / 2);
   caption_place_ = layout.caption;
-  concern_->setGeometry(layout.caption.united(layout.readout));
+  // A band, so that the line stays in sight.
+  auto band = layout.caption.united(layout.readout);
+  band.setHeight(std::max(layout.caption.height(), height() / kConcernShare));
+  concern_->setGeometry(band);
   QPalette colours = concern_->palette();
   colours.setColor(QPalette::Window, QColor(theme_->warning));
   colours.setColor(QPalette::WindowText, QColor(theme_->warningText));

@@ -118,7 +118,8 @@ TEST(Start, FailsWithTheKindsTextAndTheReasonBehindIt) {
     Logger first("ORLA", device.name, folder.path(), "--gps /dev/kalmira-none");
     EXPECT_FALSE(first.file().empty());
     fails("TESKB", device.name,
-          fmt::format("Cannot open TESKB port\n{} is held by kalmira-log (process {})", device.name, first.process()));
+          fmt::format("Cannot open TESKB port\n{} is held by {} (process {})", device.name, nameOf(first.process()),
+                      first.process()));
     first.closeInput();
     EXPECT_EQ(first.end(), 3) << "it was asked for and never gave anything";
     EXPECT_THAT(first.errors(), StartsWith("Cannot open GPS port\nThere is no device /dev/kalmira-none"));

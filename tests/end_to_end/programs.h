@@ -3,9 +3,10 @@
 #include <gtest/gtest.h>
 #include <sys/types.h>
 
-#include <QtCore/QProcess>
+#include <array>
 #include <filesystem>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -18,6 +19,15 @@ namespace kalmira {
 
 inline constexpr int kPatienceMs = 40000;
 
+// This end of a pipe to a program.
+struct Pipe {
+  Pipe() = default;
+  Pipe(const Pipe&) = delete;
+  Pipe& operator=(const Pipe&) = delete;
+  ~Pipe();
+  int descriptor = -1;
+};
+
 // A running program with its three streams. Killed when it is still running at the end.
 class Program {
  public:
@@ -28,7 +38,7 @@ class Program {
   Program& operator=(const Program&) = delete;
 
   void say(std::string_view line);
-  void closeInput() { process_.closeWriteChannel(); }
+  void closeInput() { input_.reset(); }
   void signal(int number) const;
   // The next line of output that begins so; empty when none came. `onWait` is called again and again until then.
   std::string nextLine(std::string_view start, const std::function<void()>& onWait = {});
@@ -37,12 +47,16 @@ class Program {
 
   const std::string& output() const { return output_; }
   const std::string& errors() const { return errors_; }
-  pid_t process() const { return static_cast<pid_t>(process_.processId()); }
+  pid_t process() const { return process_; }
 
  private:
+  // What comes within a moment. False: it has ended, and all it said has been read.
   bool gather();
 
-  QProcess process_;
+  pid_t process_ = -1;         // -1 once it has ended
+  int status_ = -1;            // as end gives it
+  std::optional<Pipe> input_;  // of the program
+  std::array<Pipe, 2> outputs_;
   std::string output_, errors_;
   std::size_t read_ = 0;  // of output_
 };

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <fstream>
 #include <string>
 #include <string_view>
 
@@ -50,5 +51,13 @@ class Pty {
  private:
   int master_ = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
 };
+
+// What the system calls a program: under an emulator, that one's name.
+inline std::string nameOf(pid_t process) {
+  std::ifstream file("/proc/" + std::to_string(process) + "/comm");
+  std::string name;
+  std::getline(file, name);
+  return name;
+}
 
 }  // namespace kalmira

@@ -143,6 +143,12 @@ int OverviewStrip::leftOf(int row) const {
   return static_cast<int>(column * width() / std::max(1, overview_.columns));
 }
 
+// Where the row's point is drawn.
+int OverviewStrip::middleOf(int row) const {
+  const int right = row >= overview_.rowCount ? width() : leftOf(row + 1);
+  return (leftOf(row) + right) / 2;
+}
+
 void OverviewStrip::paintEvent(QPaintEvent*) {
   QPainter painter(this);
   painter.fillRect(rect(), QColor(theme_->chart));
@@ -156,7 +162,7 @@ void OverviewStrip::paintEvent(QPaintEvent*) {
     painter.fillRect(QRect(0, 0, left, height()), veil);
     painter.fillRect(QRect(end + 1, 0, width() - end - 1, height()), veil);
     if (bar_row_ >= 1 && bar_row_ <= overview_.rowCount)
-      painter.fillRect(QRect(leftOf(bar_row_), 0, 1, height()), QColor(theme_->focus));
+      painter.fillRect(QRect(middleOf(bar_row_), 0, 1, height()), QColor(theme_->focus));
     painter.setPen(QPen(QColor(theme_->focus), kFrame, Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin));
     painter.drawRect(QRect(QPoint(left, 1), QPoint(std::max(left + kFrame, end - 1), height() - kFrame)));
   }

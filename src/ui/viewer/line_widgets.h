@@ -55,6 +55,7 @@ class OverviewStrip final : public QWidget {
  private:
   void askForRow(int x);
   int leftOf(int row) const;
+  int middleOf(int row) const;
 
   const Theme* theme_;
   std::function<void(int)> row_wanted_;

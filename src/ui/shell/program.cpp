@@ -158,7 +158,7 @@ void Program::lookAtFile() {
   const auto error = reader.open(file_);
   if (error.kind == FileErrorKind::none) return;
   QApplication::setPalette(paletteOf(nightToUse() ? nightTheme() : dayTheme()));
-  const auto text = fmt::format("{}: {}", file_.filename().string(), error.text);
+  const auto text = fmt::format("{}\r\n{}", file_.string(), error.text);
   tellMessage(nullptr, {.title = "View Files", .text = text, .icon = Icon::exclamation});
   file_.clear();
 }

@@ -32,6 +32,7 @@ namespace {
 
 // Wider than this, in widths of an "x", a dialog only tears labels and fields apart.
 constexpr int kWidestLetters = 60;
+constexpr qsizetype kLongestChoice = 14;  // letters of a list's text that a form makes room for
 
 // The measures of all dialogs, in pixels.
 constexpr int kMargin = 6;
@@ -77,6 +78,23 @@ class FormArea final : public QScrollArea {
   QSize sizeHint() const override { return widget() == nullptr ? QSize() : widget()->sizeHint(); }
   QSize minimumSizeHint() const override { return {0, touchHeight(screen())}; }
 };
+
+constexpr const char* kInSight = "kalmiraInSight";  // the property that keepInSight sets
+
+// So much of the window that the widget belongs to is to be seen above its dialogs.
+int inSightOf(const QWidget& widget) {
+  for (const auto* each = &widget; each != nullptr; each = each->parentWidget()) {
+    if (const auto height = each->property(kInSight); height.isValid()) return height.toInt();
+  }
+  return 0;
+}
+
+// As far as there is room: a list gives way before the form is cut.
+void showWholeTexts(QComboBox& box) {
+  qsizetype longest = box.minimumContentsLength();
+  for (int i = 0; i < box.count(); ++i) longest = std::max(longest, std::min(box.itemText(i).size(), kLongestChoice));
+  box.setMinimumContentsLength(static_cast<int>(longest));
+}
 
 // A window that is turned or resized takes its dialog along.
 class Follower final : public QObject {
@@ -302,6 +320,7 @@ void fitForFingers(QWidget& root) {
     // Buttons have a font of their own from the desktop.
     if (qobject_cast<QAbstractButton*>(control) != nullptr) control->setFont(root.font());
     if (auto* tool = qobject_cast<QToolButton*>(control)) {
+      tool->setMaximumSize(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX);  // the toolkit's file dialog fixes its own
       tool->setMinimumWidth(height);
       tool->setIconSize({height / 2, height / 2});
     }
@@ -314,22 +333,29 @@ void fitForFingers(QWidget& root) {
   for (auto* list : root.findChildren<QListView*>()) list->setItemDelegate(new TouchRows(height, list));
 }
 
+void keepInSight(QWidget& window, int height) { window.setProperty(kInSight, height); }
+
 void placeInParent(QDialog& dialog) {
-  if (dialog.parentWidget() == nullptr) return;
-  const auto* window = dialog.parentWidget()->window();
-  const QSize room = window->size().boundedTo(roomFor(dialog).size());
+  const auto* parent = dialog.parentWidget();
+  const bool shown = parent != nullptr && parent->window()->isVisible();
+  const auto free = roomFor(dialog);
+  const QRect place = shown ? parent->window()->geometry() : free;
+  const QSize room = place.size().boundedTo(free.size());
   fitButtons(dialog, room.width());
+  for (auto* box : dialog.findChildren<QComboBox*>()) showWholeTexts(*box);
   const QSize wished = dialog.sizeHint();
   const int comfortable = std::max(wished.width(), kWidestLetters * dialog.fontMetrics().horizontalAdvance('x'));
   const int width = std::min(comfortable, room.width());
   const QSize size = QSize(width, wished.height() + wrappedHeight(dialog, width)).boundedTo(room);
   dialog.resize(size);
+  // The place of a window is that of its frame.
   const auto frame = frameOf(dialog);
-  const auto free = roomFor(dialog);
-  const int left = window->pos().x() + (room.width() - size.width()) / 2;
+  const int inSight = parent == nullptr ? 0 : inSightOf(*parent);
+  const QPoint corner = shown ? parent->window()->pos() : place.topLeft();
+  const int left = corner.x() + (room.width() - size.width()) / 2;
+  const int top = inSight > 0 ? place.top() + inSight : corner.y();
   dialog.move(std::clamp(left, free.left() - frame.left(), free.left() + free.width() - size.width() - frame.left()),
-              std::clamp(window->pos().y(), free.top() - frame.top(),
-                         free.top() + free.height() - size.height() - frame.top()));
+              std::clamp(top, free.top() - frame.top(), free.top() + free.height() - size.height() - frame.top()));
 }
 
 QWidget* makeForm(const QString& name, QWidget* parent) {

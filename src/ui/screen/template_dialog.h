@@ -62,7 +62,9 @@ std::string typedText(const QLineEdit& field);  // UTF-8
 void dressLike(QWidget& dialog, const QWidget* parent);
 // every control and list row within `root` of touch height:
 void fitForFingers(QWidget& root);
-// and at the top of their parent's window, no larger than it.
+// and at the top of their parent's window, no larger than it; of the screen, while that window is not shown.
 void placeInParent(QDialog& dialog);
+// Dialogs above the widget leave so many pixels at the top of its window free, where there is room enough.
+void keepInSight(QWidget& widget, int height);
 
 }  // namespace kalmira

@@ -13,6 +13,7 @@
 #include "platform/command_line.h"
 #include "ui/screen/key_table.h"
 #include "ui/screen/message_dialog.h"
+#include "ui/screen/template_dialog.h"
 #include "ui/screen/touch_button.h"
 #include "ui/session/logging_window_parts.h"
 
@@ -284,6 +285,7 @@ void LoggingWnd::arrange() {
                               .mostHeight = roomy ? height() / kChartShare - buttonHeight - savingHeight : 0});
   const int chartHeight = std::max(1, height() - panelHeight - savingHeight - buttonHeight);
   parts_->panel->setGeometry(0, 0, width(), panelHeight);
+  keepInSight(*this, parts_->panel->layoutOfPanel().stateBandHeight);
   parts_->chart->setLayoutOf(portrait, scale);
   parts_->chart->setGeometry(0, panelHeight, width(), chartHeight);
   parts_->saving->setSmall(setup.smallScreen);

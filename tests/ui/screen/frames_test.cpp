@@ -6,6 +6,7 @@
 #include <QFile>
 #include <QFileDialog>
 #include <QScreen>
+#include <QToolButton>
 
 #include "support/dialogs.h"
 #include "support/temp_folder.h"
@@ -35,6 +36,14 @@ void expectOnScreen(QDialog& dialog) {
     EXPECT_EQ(button->visibleRegion(), QRegion(button->rect())) << text;
     EXPECT_TRUE(screen.contains(QRect(button->mapToGlobal(QPoint(0, 0)), button->size()))) << text;
     EXPECT_GE(button->height(), touchHeight(button->screen())) << text;
+  }
+}
+
+// Of file dialogs: none lies beneath the list of files.
+void expectWholeIcons(const QDialog& dialog) {
+  for (const auto* button : dialog.findChildren<QToolButton*>()) {
+    if (!button->isVisible()) continue;
+    EXPECT_EQ(button->visibleRegion(), QRegion(button->rect())) << button->objectName().toStdString();
   }
 }
 
@@ -79,6 +88,7 @@ TEST_F(Frames, OfMessagesAndFileDialogsStayOnTheScreen) {
   const TempFolder folder;
   const auto look = [](QDialog& open) {
     expectOnScreen(open);
+    expectWholeIcons(open);
     open.reject();
   };
   std::string text = "The data file is gone, deleted or moved, or its card is out:\r\n";

@@ -103,7 +103,9 @@ TEST_F(MessageDialog, AQuestionThatComesByItselfIsDeafAtFirst) {
 TEST_F(MessageDialog, TextsAndButtonsFitTheWindowAndFingers) {
   const Message message{"CRITICAL WARNING", "<b>File not created.</b> Potential disk problem. Try different folder.",
                         Icon::stop};
+  keepInSight(window, 40);
   const DialogActor actor("CRITICAL WARNING", [&](QDialog& dialog) {
+    EXPECT_GE(dialog.frameGeometry().top(), window.geometry().top() + 40);
     EXPECT_LE(dialog.width(), 240);
     EXPECT_EQ(messageOf(dialog), message.text) << "no markup";
     for (const auto* button : dialog.findChildren<QPushButton*>()) EXPECT_GE(button->height(), touchHeight(nullptr));

@@ -333,7 +333,7 @@ void fitForFingers(QWidget& root) {
   for (auto* list : root.findChildren<QListView*>()) list->setItemDelegate(new TouchRows(height, list));
 }
 
-void keepInSight(QWidget& window, int height) { window.setProperty(kInSight, height); }
+void keepInSight(QWidget& widget, int height) { widget.setProperty(kInSight, height); }
 
 void placeInParent(QDialog& dialog) {
   const auto* parent = dialog.parentWidget();

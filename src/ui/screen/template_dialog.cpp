@@ -342,7 +342,6 @@ void placeInParent(QDialog& dialog) {
   const QRect place = shown ? parent->window()->geometry() : free;
   const QSize room = place.size().boundedTo(free.size());
   fitButtons(dialog, room.width());
-  for (auto* box : dialog.findChildren<QComboBox*>()) showWholeTexts(*box);
   const QSize wished = dialog.sizeHint();
   const int comfortable = std::max(wished.width(), kWidestLetters * dialog.fontMetrics().horizontalAdvance('x'));
   const int width = std::min(comfortable, room.width());
@@ -395,6 +394,7 @@ int execDialog(QDialog& dialog) {
 }
 
 bool runDialog(QDialog& dialog) {
+  for (auto* box : dialog.findChildren<QComboBox*>()) showWholeTexts(*box);
   remeasure(dialog);
   placeInParent(dialog);
   focusFirst(dialog);

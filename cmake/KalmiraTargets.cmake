@@ -93,3 +93,18 @@ function(kalmira_widget_test name)
   endif()
   gtest_discover_tests(${name} PROPERTIES LABELS ${label} TIMEOUT 120 DISCOVERY_TIMEOUT 60)
 endfunction()
+
+find_program(KALMIRA_XVFB Xvfb)
+find_program(KALMIRA_OPENBOX openbox)
+
+# kalmira_test_on_x(name target 480x640 96 VARIABLE=VALUE ...)
+# Runs the test program on an X server of its own with a window manager, where they are installed.
+function(kalmira_test_on_x name target size dots)
+  if(NOT KALMIRA_XVFB OR NOT KALMIRA_OPENBOX OR CMAKE_CROSSCOMPILING)
+    return()
+  endif()
+  set(test ${name}_on_${size}_${dots}_dpi)
+  add_test(NAME ${test}
+    COMMAND ${CMAKE_COMMAND} -E env ${ARGN} ${CMAKE_SOURCE_DIR}/script/in-x ${size} ${dots} $<TARGET_FILE:${target}>)
+  set_tests_properties(${test} PROPERTIES LABELS windows TIMEOUT 240)
+endfunction()

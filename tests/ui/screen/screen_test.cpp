@@ -1,11 +1,13 @@
 #include <gtest/gtest.h>
 
 #include <QAccessible>
+#include <QElapsedTimer>
 #include <algorithm>
 #include <limits>
 
 #include "support/dialogs.h"
 #include "ui/screen/action_bar.h"
+#include "ui/screen/calm_updates.h"
 #include "ui/screen/message_dialog.h"
 #include "ui/screen/touch_button.h"
 
@@ -112,6 +114,36 @@ TEST_F(MessageDialog, TextsAndButtonsFitTheWindowAndFingers) {
     QTest::keyClick(&dialog, Qt::Key_Escape);
   });
   tellMessage(&window, message);
+}
+
+// Notes what is painted of it.
+struct PaintedWidget final : QWidget {
+  void paintEvent(QPaintEvent* event) override {
+    ++times;
+    painted += event->region();
+  }
+  int times = 0;
+  QRegion painted;
+};
+
+TEST(CalmUpdates, PaintWhatFollowsTheFirstChangeTogetherAndNeverLeaveItOut) {
+  PaintedWidget widget;
+  CalmUpdates updates(widget);
+  widget.resize(600, 100);
+  widget.show();
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(&widget));
+  QApplication::processEvents();
+  widget.painted = {};
+  const int shown = widget.times;
+  QElapsedTimer taken;
+  taken.start();
+  for (int x = 0; x < 500; x += 10) {
+    updates.add(QRect(x, 0, 5, 5));
+    QApplication::processEvents();
+    EXPECT_TRUE(widget.painted.contains(QRect(0, 0, 5, 5))) << "the first, at once";
+  }
+  EXPECT_TRUE(QTest::qWaitFor([&] { return widget.painted.contains(QRect(490, 0, 5, 5)); }, 2000)) << "the latest";
+  EXPECT_LE(widget.times - shown, 2 + taken.elapsed() / 100);
 }
 
 TEST(TouchButton, IsNineMillimetresHighWhereTheScreenIsKnown) {

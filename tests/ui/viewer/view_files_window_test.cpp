@@ -309,6 +309,9 @@ TEST_F(ViewFilesTest, WhatASessionHasToSayStandsInFront) {
     EXPECT_TRUE(QTest::qWaitFor([&] { return band.isVisible() == !text.empty(); }));
     EXPECT_EQ(band.text().toStdString(), text);
   }
+  viewer.resize(640, 480);
+  QApplication::processEvents();
+  EXPECT_LT(band.height(), plot().height() / 2) << "lying, too, the line stays in sight";
 }
 
 TEST_F(ViewFilesTest, SavesPicturesAndTablesButNeverOverADataFile) {

@@ -42,6 +42,19 @@ std::optional<int> digits(std::string_view column, int limit) {
   return !column.empty() && value <= limit ? std::optional(value) : std::nullopt;
 }
 
+// Blanks and digits, as nearly every tick is.
+std::optional<std::uint32_t> plainTick(std::string_view column) {
+  std::uint64_t value = 0;
+  bool digits = false;
+  for (const char c : column) {
+    if (c == ' ' && !digits) continue;
+    if (c < '0' || c > '9') return std::nullopt;
+    digits = true;
+    value = value * 10 + static_cast<std::uint64_t>(c - '0');
+  }
+  return digits && value <= UINT32_MAX ? std::optional(static_cast<std::uint32_t>(value)) : std::nullopt;
+}
+
 int headerDigit(std::string_view record, std::size_t column) {
   return digits(columns(record, column, 1), 9).value_or(0);
 }
@@ -88,11 +101,11 @@ bool isRecord(std::string_view bytes) {
   if (bytes.back() != '\n') return false;
   const auto type = recordTypeOf(bytes);
   if (type == RecordType::unknown) return false;
-  const bool reading = type == RecordType::reading;
-  const std::size_t textStart = reading ? readingText(bytes).size() : 0;
-  if (bytes.find('\n', textStart) != bytes.size() - 1) return false;
-  const bool lineFeedInText = reading && bytes.find('\n') < textStart;
-  return !lineFeedInText || parseTick(bytes).has_value();
+  const auto lineFeed = bytes.find('\n');
+  if (lineFeed == bytes.size() - 1) return true;
+  // An instrument's binary record may hold one.
+  const auto text = type == RecordType::reading ? readingText(bytes).size() : 0;
+  return lineFeed < text && bytes.find('\n', text) == bytes.size() - 1 && parseTick(bytes).has_value();
 }
 
 std::optional<Header1> parseHeader1(std::string_view record) {
@@ -145,6 +158,7 @@ std::optional<LocalTime> parseDate(std::string_view record) {
 
 std::optional<std::uint32_t> parseTick(std::string_view record) {
   if (record.size() < 12) return std::nullopt;
+  if (const auto plain = plainTick(record.substr(record.size() - 11, 10))) return plain;
   const auto value = number<std::int64_t>(record.substr(record.size() - 11, 10));
   // A writer that prints the counter as a signed number gives the same 32 bits.
   if (!value || *value < INT32_MIN || *value > UINT32_MAX) return std::nullopt;

@@ -53,8 +53,7 @@ AsciiMode readMode(std::string_view record, const DecodeOptions& options, Readin
 
 double asciiField(std::string_view record, std::size_t position, std::size_t width) {
   if (position >= record.size()) return 0.0;
-  const auto text = record.substr(position, width);
-  return parseReal(text.substr(0, text.find('\0')));
+  return parseReal(record.substr(position, width));
 }
 
 void put(Channels& channels, std::size_t slot, float value) {

@@ -3,6 +3,8 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <array>
+#include <cstdint>
 #include <limits>
 
 namespace kalmira {
@@ -17,6 +19,35 @@ std::string_view numberStart(std::string_view text) {
   text.remove_prefix(start);
   if (text.size() > 1 && text[0] == '+' && text[1] != '-') text.remove_prefix(1);
   return text;
+}
+
+// "-12.5": digits that a double holds exactly, and few enough decimals that one division rounds as it should. What else
+// may stand in a number is left to from_chars.
+std::optional<double> plainReal(std::string_view digits) {
+  static constexpr std::array kPowers{1.0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                      1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+  constexpr std::size_t kMostDigits = 15;
+  const bool negative = digits.starts_with('-');
+  std::uint64_t whole = 0;
+  std::size_t count = 0;
+  std::size_t decimals = 0;
+  bool point = false;
+  for (const char c : digits.substr(negative ? 1 : 0)) {
+    if (c == '.' && !point) {
+      point = true;
+      continue;
+    }
+    if (c < '0' || c > '9') {
+      if (c == 'e' || c == 'E') return std::nullopt;
+      break;
+    }
+    if (++count > kMostDigits) return std::nullopt;
+    whole = whole * 10 + static_cast<std::uint64_t>(c - '0');
+    if (point) ++decimals;
+  }
+  if (count == 0) return std::nullopt;
+  const double value = static_cast<double>(whole) / kPowers[decimals];
+  return negative ? -value : value;
 }
 
 bool isContinuation(char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U; }
@@ -52,6 +83,7 @@ int parseInt(std::string_view text) {
 
 double parseReal(std::string_view text) {
   const auto digits = numberStart(text);
+  if (const auto plain = plainReal(digits)) return *plain;
   double value = 0.0;
   const auto result = std::from_chars(digits.data(), digits.data() + digits.size(), value);
   if (result.ec == std::errc::result_out_of_range) {

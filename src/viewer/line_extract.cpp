@@ -92,7 +92,7 @@ bool extendLine(RecordReader& reader, const ScannedFile& file, ExtractedLine& ex
   if (extracted.line == 0 || extracted.complete) return false;
   const int before = extracted.rowCount();
   const bool withExtras = instrumentOf(file.header.kind).drawsAuxiliary;
-  LineWalk walk(file, extracted.options, extracted.last);
+  LineWalk walk(file, extracted.options, extracted.last, false);
   walk.goOn(reader, [&](std::span<const LineRow> rows) {
     for (const auto& row : rows) extracted.summary.take(row, withExtras);
     if (walk.state().rows - extracted.waypoints.back().rows >= kRowsPerWaypoint)
@@ -109,7 +109,7 @@ ViewerError fillRows(RecordReader& reader, const ScannedFile& file, ExtractedLin
   auto& place = line.filling.place;
   const int wanted = std::min(upTo, line.rowCount());
   if (place.rows >= wanted || writer.failed()) return writer.error();
-  LineWalk walk(file, line.options, place);
+  LineWalk walk(file, line.options, place, false);
   walk.goOn(reader, [&](std::span<const LineRow> rows) {
     for (const auto& row : rows) row.isBreak ? writer.appendBreakRow() : writer.appendRow(row.station, row.channels);
     return walk.state().rows < wanted && !writer.failed();
@@ -124,7 +124,7 @@ void walkRows(RecordReader& reader, const ScannedFile& file, const ExtractedLine
   if (first < 1 || first > line.rowCount()) return;
   const auto after = std::upper_bound(line.waypoints.begin(), line.waypoints.end(), first - 1,
                                       [](int rows, const LineWalk::State& state) { return rows < state.rows; });
-  LineWalk walk(file, line.options, *std::prev(after));
+  LineWalk walk(file, line.options, *std::prev(after), true);
   walk.goOn(reader, [&](std::span<const LineRow> rows) {
     int row = walk.state().rows - static_cast<int>(rows.size());
     for (const auto& each : rows) {

@@ -13,18 +13,13 @@ void takeSpans(TraceSpans& into, const TraceSpans& from) {
 }  // namespace
 
 void LineSummary::take(const LineRow& row, bool withExtras) {
-  const auto index = static_cast<std::size_t>(rows_ / rows_per_block_);
-  ++rows_;
-  if (index == blocks_.size()) {
-    if (blocks_.size() == kMostBlocks) {
-      halve();
-      --rows_;
-      return take(row, withExtras);
-    }
+  if (rows_ == static_cast<int>(blocks_.size()) * rows_per_block_) {
+    if (blocks_.size() == kMostBlocks) halve();
     blocks_.emplace_back();
   }
+  ++rows_;
   if (row.isBreak) return;
-  auto& block = blocks_[index];
+  auto& block = blocks_.back();
   for (std::size_t slot = 0; slot < kSlots; ++slot) {
     if (row.channels.present[slot] != 0) block.spans[slot].take(row.channels.value[slot]);
   }

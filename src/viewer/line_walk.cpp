@@ -22,8 +22,9 @@ double numberFrom(std::string_view record, std::size_t column) {
 }  // namespace
 
 // What the row files hold has no thickness: it is derived from that again.
-LineWalk::LineWalk(const ScannedFile& file, const ExtractOptions& options, const State& from)
-    : state_(from),
+LineWalk::LineWalk(const ScannedFile& file, const ExtractOptions& options, const State& from, bool timed)
+    : timed_(timed),
+      state_(from),
       decoder_(file.header, options.teskRangeTimes10),
       channels_(channelsOf(decoder_.instrument(), false)),
       readings_per_station_(file.readingsPerStation) {
@@ -78,26 +79,35 @@ void LineWalk::takeStation(const Record& record) {
 
 void LineWalk::takeReading(const Record& record) {
   state_.opening = false;
-  if (readingRepeat(record.bytes) == 1) {
-    state_.station += state_.increment;
+  const bool first = readingRepeat(record.bytes) == 1;
+  if (first) state_.station += state_.increment;
+  if (first && readings_per_station_ == 1 && state_.pendingReadings == 0) {
+    auto& row = addRow();
+    row = {};
+    row.place = timed_ ? placeOf(record) : RowPlace{.offset = record.offset};
+    row.station = state_.station;
+    decodeInto(row, record);
+    return;
+  }
+  if (first) {
     // The station before was not whole. Its row bears the number of the one that begins here.
     if (state_.pendingReadings > 0) finishPending();
     state_.pendingReadings = 1;
   } else {
     state_.pendingReadings = std::max(state_.pendingReadings, 1) + 1;
   }
-  decodePending(record);
+  if (state_.pending.place.offset == 0) state_.pending.place = placeOf(record);
+  decodeInto(state_.pending, record);
   if (state_.pendingReadings == readings_per_station_) finishPending();
 }
 
-void LineWalk::decodePending(const Record& record) {
-  auto& row = state_.pending;
-  if (row.place.offset == 0) {
-    row.place.offset = record.offset;
-    const auto tick = parseTick(record.bytes);
-    const auto moment = tick ? state_.times.at(*tick) : std::nullopt;
-    if (moment) row.place.timeOfDayMs = moment->timeOfDayMs;
-  }
+RowPlace LineWalk::placeOf(const Record& record) const {
+  const auto tick = parseTick(record.bytes);
+  const auto moment = tick ? state_.times.at(*tick) : std::nullopt;
+  return {.offset = record.offset, .timeOfDayMs = moment ? moment->timeOfDayMs : RowPlace::kNoTime};
+}
+
+void LineWalk::decodeInto(LineRow& row, const Record& record) const {
   const auto reading = decoder_.decode(readingText(record.bytes));
   row.extras = reading.auxiliary;
   for (const auto& channel : channels_) {

@@ -50,8 +50,9 @@ class LineWalk {
     std::array<float, 6> calibration{};
     RecordTimes times;
   };
-  // A line begins with the offset of the record behind its name.
-  LineWalk(const ScannedFile& file, const ExtractOptions& options, const State& from);
+  // A line begins with the offset of the record behind its name. Not `timed`, for who needs no times: rows may come
+  // without theirs, and are found the sooner.
+  LineWalk(const ScannedFile& file, const ExtractOptions& options, const State& from, bool timed);
 
   const State& state() const { return state_; }
   // Whether another line begins there.
@@ -75,10 +76,12 @@ class LineWalk {
   void takeCalibration(std::string_view record);
   void takeStation(const Record& record);
   void takeReading(const Record& record);
-  void decodePending(const Record& record);
+  RowPlace placeOf(const Record& record) const;
+  void decodeInto(LineRow& row, const Record& record) const;
   void finishPending();
   LineRow& addRow() { return made_[made_count_++]; }
 
+  bool timed_;
   State state_;
   ReadingDecoder decoder_;
   std::span<const Channel> channels_;

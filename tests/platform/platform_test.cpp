@@ -42,6 +42,19 @@ TEST(ParseReal, TakesTheNumberInFront) {
   EXPECT_TRUE(std::isnan(parseReal("nan")));
 }
 
+TEST(ParseReal, GivesTheNearestDoubleOfAnyNumberOfDigits) {
+  for (std::uint64_t number = 7; number < UINT64_MAX / 10; number = number * 3 + 1) {
+    const auto digits = std::to_string(number);
+    for (std::size_t at = 0; at <= digits.size(); ++at) {
+      const auto text = '-' + digits.substr(0, at) + '.' + digits.substr(at);
+      double nearest = 0;
+      std::from_chars(text.data(), text.data() + text.size(), nearest);
+      EXPECT_EQ(parseReal(text), nearest) << text;
+    }
+  }
+  EXPECT_TRUE(std::signbit(parseReal("-0.0")));
+}
+
 TEST(FixedField, NeverLeavesItsColumns) {
   struct Case {
     double value;

@@ -6,9 +6,9 @@
 
 namespace kalmira {
 
-// Has what changes on a widget painted ten times a second at most, the first change at once: an eye follows no more,
-// and painting is most of what a reading costs a window. To be used on the windows' thread, and to go before its
-// widget.
+// Has what changes on a widget painted five times a second at most, the first change at once: figures that change more
+// often cannot be read, and painting is most of what a reading costs a window. To be used on the windows' thread, and
+// to go before its widget.
 class CalmUpdates {
  public:
   explicit CalmUpdates(QWidget& widget);

@@ -42,13 +42,17 @@ void SavingLine::paintEvent(QPaintEvent*) {
   const auto words = qtText(text());
   const int margin = height() / 4;
   const int room = width() - 2 * margin;
-  QFont font = this->font();
-  font.setPixelSize(std::max(kSmallestFont, static_cast<int>(kTextHeight * height())));
-  while (font.pixelSize() > kSmallestFont && QFontMetrics(font).horizontalAdvance(words) > room) {
-    font.setPixelSize(font.pixelSize() - 1);
+  // Figures are alike in width: what a number counts changes nothing here.
+  const FittedTo fitted{.letters = words.size(), .size = size(), .font = this->font()};
+  if (std::exchange(fitted_to_, fitted) != fitted) {
+    letters_ = this->font();
+    letters_.setPixelSize(std::max(kSmallestFont, static_cast<int>(kTextHeight * height())));
+    while (letters_.pixelSize() > kSmallestFont && QFontMetrics(letters_).horizontalAdvance(words) > room) {
+      letters_.setPixelSize(letters_.pixelSize() - 1);
+    }
   }
-  painter.setFont(font);
-  const QFontMetrics metrics(font);
+  painter.setFont(letters_);
+  const QFontMetrics metrics(letters_);
   const double narrower = std::min(1.0, static_cast<double>(room) / std::max(1, metrics.horizontalAdvance(words)));
   painter.translate(margin, (height() + metrics.capHeight()) / 2.0);
   painter.scale(narrower, 1.0);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QFont>
 #include <QWidget>
 
 #include "logging/saving.h"
@@ -26,6 +27,16 @@ class SavingLine final : public QWidget {
   const Theme* theme_;
   SavingSigns signs_;
   bool small_ = false;
+  // What the letters' size was found for, which takes longer than painting them.
+  struct FittedTo {
+    qsizetype letters = 0;
+    QSize size{};
+    QFont font{};
+
+    bool operator==(const FittedTo&) const = default;
+  };
+  FittedTo fitted_to_;
+  QFont letters_;
 };
 
 }  // namespace kalmira

@@ -14,6 +14,7 @@
 #include <QRegularExpression>
 #include <QScrollArea>
 #include <QScroller>
+#include <QStyle>
 #include <QStyledItemDelegate>
 #include <QToolButton>
 #include <QUiLoader>
@@ -41,6 +42,7 @@ constexpr int kBelow = 3;
 constexpr int kAboveButtons = 4;
 constexpr int kNarrowestButton = 64;
 constexpr int kSmallestButtonText = 8;
+constexpr int kSmallestFormText = 9;
 // What is always seen of a list's entry.
 constexpr int kShownLetters = 4;
 
@@ -249,6 +251,48 @@ void fitButtons(const QDialog& dialog, int width) {
   }
 }
 
+// A part of another control is as high as that one.
+bool standsAlone(const QWidget& control) {
+  const auto* owner = control.parentWidget();
+  return qobject_cast<const QComboBox*>(owner) == nullptr && qobject_cast<const QLineEdit*>(owner) == nullptr &&
+         qobject_cast<const QAbstractSpinBox*>(owner) == nullptr;
+}
+
+// Lists and fields give way before the form is cut, as far as a usual entry is still read.
+void setNarrowest(QWidget& control, const QFont& font) {
+  constexpr int kFieldEdges = 16;
+  const QFontMetrics metrics(font);
+  if (auto* box = qobject_cast<QComboBox*>(&control)) {
+    box->setMinimumWidth(metrics.horizontalAdvance(QStringLiteral("COM12:")) + touchHeight(box->screen()) * 2 / 3);
+  } else if (auto* field = qobject_cast<QLineEdit*>(&control); field != nullptr && standsAlone(control)) {
+    field->setMinimumWidth(metrics.horizontalAdvance(QStringLiteral("-0.000")) + kFieldEdges);
+  }
+}
+
+// A form that is wider than its window would have to be pushed to and fro: its texts become smaller instead, as far as
+// they can be read.
+void fitForm(const QDialog& dialog, int width) {
+  auto* form = dialog.findChild<QWidget*>("form");
+  if (form == nullptr || form->layout() == nullptr) return;
+  const auto margins = dialog.layout()->contentsMargins();
+  const int bar = dialog.style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, &dialog);
+  const int room = width - margins.left() - margins.right() - bar;
+  const auto texts = form->findChildren<QWidget*>();
+  QFont font = dialog.font();
+  while (form->layout()->minimumSize().width() > room && font.pixelSize() > kSmallestFormText) {
+    font.setPixelSize(font.pixelSize() - 1);
+    for (auto* text : texts) {
+      if (!standsAlone(*text)) continue;
+      QFont own = text->font();
+      own.setPixelSize(font.pixelSize());
+      text->setFont(own);
+      setNarrowest(*text, font);
+    }
+    form->layout()->invalidate();
+    form->layout()->activate();
+  }
+}
+
 // Half the world types a comma where the numbers of files have a full stop, and what stands behind it would silently be
 // lost: so the comma becomes a full stop before the operator's eyes.
 void takeCommas(QLineEdit& field) {
@@ -273,13 +317,6 @@ void focusFirst(QDialog& dialog) {
       return;
     }
   }
-}
-
-// A part of another control is as high as that one.
-bool standsAlone(const QWidget& control) {
-  const auto* owner = control.parentWidget();
-  return qobject_cast<const QComboBox*>(owner) == nullptr && qobject_cast<const QLineEdit*>(owner) == nullptr &&
-         qobject_cast<const QAbstractSpinBox*>(owner) == nullptr;
 }
 
 bool isControl(const QObject& object) {
@@ -324,11 +361,8 @@ void fitForFingers(QWidget& root) {
       tool->setMinimumWidth(height);
       tool->setIconSize({height / 2, height / 2});
     }
-    if (auto* box = qobject_cast<QComboBox*>(control)) {
-      box->setItemDelegate(new TouchRows(height, box));
-      // In a narrow window a list gives way before the form is cut.
-      box->setMinimumWidth(root.fontMetrics().horizontalAdvance(QStringLiteral("COM12:")) + height * 2 / 3);
-    }
+    setNarrowest(*control, root.font());
+    if (auto* box = qobject_cast<QComboBox*>(control)) box->setItemDelegate(new TouchRows(height, box));
   }
   for (auto* list : root.findChildren<QListView*>()) list->setItemDelegate(new TouchRows(height, list));
 }
@@ -342,6 +376,7 @@ void placeInParent(QDialog& dialog) {
   const QRect place = shown ? parent->window()->geometry() : free;
   const QSize room = place.size().boundedTo(free.size());
   fitButtons(dialog, room.width());
+  fitForm(dialog, room.width());
   const QSize wished = dialog.sizeHint();
   const int comfortable = std::max(wished.width(), kWidestLetters * dialog.fontMetrics().horizontalAdvance('x'));
   const int width = std::min(comfortable, room.width());

@@ -1,5 +1,8 @@
 #include "ui/screen/theme.h"
 
+#include <QFontInfo>
+#include <QGuiApplication>
+
 namespace kalmira {
 
 const Theme& dayTheme() {
@@ -63,6 +66,13 @@ QPalette paletteOf(const Theme& theme) {
     palette.setColor(QPalette::Disabled, role, QColor(theme.faintText));
   }
   return palette;
+}
+
+int dialogTextPixels(double scale) {
+  constexpr double kTextUnits = 10;
+  constexpr int kLeast = 12;
+  const int ownChoice = std::max(kLeast, static_cast<int>(kTextUnits * scale));
+  return std::clamp(QFontInfo(QGuiApplication::font()).pixelSize(), ownChoice, 2 * ownChoice);
 }
 
 }  // namespace kalmira

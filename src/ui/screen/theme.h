@@ -67,12 +67,9 @@ constexpr ScreenScale screenScaleOf(int width, int height) {
                             : std::min(width / kLongSide, height / kShortSide)};
 }
 
-// Of texts in dialogs, pixels: readable on the smallest screen, and growing with it.
-constexpr int dialogTextPixels(double scale) {
-  constexpr double kTextUnits = 10;
-  constexpr int kLeast = 12;
-  return std::max(kLeast, static_cast<int>(kTextUnits * scale));
-}
+// Of texts in dialogs, pixels: readable on the smallest screen, growing with it, and not smaller than the texts that
+// the person has asked the desktop for.
+int dialogTextPixels(double scale);
 
 inline QString qtText(std::string_view utf8) {
   return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));

@@ -18,16 +18,14 @@
 namespace kalmira {
 namespace {
 
-// The last line and station, in the room that the window leaves them beside their labels.
+// The last line and station. Of a long name both ends are shown: the form must not grow with it.
 void showLast(const QDialog& dialog, const Settings& settings, double station) {
-  const auto show = [&dialog](const char* label, const char* value, const std::string& text) {
-    auto& shown = part<QLabel>(dialog, value);
-    const int room = dialog.parentWidget() == nullptr ? QWIDGETSIZE_MAX : dialog.parentWidget()->window()->width();
-    const int rest = room - part<QLabel>(dialog, label).sizeHint().width() - 2 * dialog.fontMetrics().height();
-    shown.setText(shown.fontMetrics().elidedText(qtText(text), Qt::ElideMiddle, rest));
-  };
-  show("currentLineLabel", "currentLine", settings.lineName);
-  show("lastStationLabel", "lastStation", fmt::format("{:.3f}", station));
+  constexpr int kMostLetters = 16;
+  auto& line = part<QLabel>(dialog, "currentLine");
+  const QFontMetrics metrics(line.font());
+  line.setText(
+      metrics.elidedText(qtText(settings.lineName), Qt::ElideMiddle, kMostLetters * metrics.averageCharWidth()));
+  part<QLabel>(dialog, "lastStation").setText(qtText(fmt::format("{:.3f}", station)));
 }
 
 void showEntry(const QDialog& dialog, const LineEntry& entry) {

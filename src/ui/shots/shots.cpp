@@ -54,6 +54,7 @@ struct Shot {
   RememberedKind instrument;
   QSize size;
   bool night = false;
+  bool largeText = false;
 };
 
 // Or the pictures would show flashes in place of tones.
@@ -66,9 +67,8 @@ std::string nameOf(const Shot& shot, std::string_view what) {
   std::string kind(instrumentOf(shot.instrument.kind).name);
   std::transform(kind.begin(), kind.end(), kind.begin(),
                  [](char c) { return static_cast<char>(std::tolower(static_cast<unsigned char>(c))); });
-  return fmt::format("{}{}-{}-{}{}.png", kind, shot.instrument.ice ? "-ice" : "",
-                     shot.size.height() >= shot.size.width() ? "portrait" : "landscape", what,
-                     shot.night ? "-night" : "");
+  return fmt::format("{}{}-{}{}{}.png", kind, shot.instrument.ice ? "-ice" : "", what, shot.night ? "-night" : "",
+                     shot.largeText ? "-large-text" : "");
 }
 
 // Settings that show much of a kind: GPS on, readings as fast as the instrument sends them, and scales that hold the
@@ -291,10 +291,16 @@ void Stage::takeSigns() {
   settle(kSignsSettling_ms);
   save("8-disk-nearly-full");
   session.saving.freeBytes.reset();
-  clock_.advance(4300);
+  constexpr int kSilence_ms = 4300;
+  clock_.advance(kSilence_ms);
+  allowance_.sentences += 2;
   settle(kSignsSettling_ms);
   save("8-no-data");
   takeQuestion();
+  clock_.advance(kSilence_ms);
+  session.link.lastRecordTick = clock_.tick();
+  settle(kSignsSettling_ms);
+  save("8-no-gps-data");
 }
 
 void Stage::takeCalibration() {
@@ -410,8 +416,7 @@ std::string takeChooser(const std::filesystem::path& folder, QSize size, bool ni
   QObject::connect(&watch, &QTimer::timeout, [&] {
     auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
     if (dialog == nullptr) return;
-    const auto path = folder / fmt::format("chooser-{}{}.png", size.height() >= size.width() ? "portrait" : "landscape",
-                                           night ? "-night" : "");
+    const auto path = folder / (night ? "chooser-night.png" : "chooser.png");
     if (!dialog->grab().save(qtText(path.string()))) problem = "cannot write " + path.string();
     dialog->reject();
   });
@@ -422,26 +427,41 @@ std::string takeChooser(const std::filesystem::path& folder, QSize size, bool ni
   return problem;
 }
 
+std::string take(const Shot& shot, const std::filesystem::path& folder) {
+  Stage stage(shot, folder);
+  stage.takeAll();
+  return stage.problem();
+}
+
+// As somebody has it who sees badly.
+std::string takeLargeText(const std::filesystem::path& folder, QSize size) {
+  constexpr double kLarger = 1.6;
+  const QFont usual = QApplication::font();
+  QFont large = usual;
+  large.setPointSizeF(usual.pointSizeF() * kLarger);
+  QApplication::setFont(large);
+  auto problem = take({.instrument = {}, .size = size, .largeText = true}, folder);
+  QApplication::setFont(usual);
+  return problem;
+}
+
 }  // namespace
 
-std::string takeShots(const std::filesystem::path& folder, const std::vector<QSize>& sizes) {
+std::string takeShots(const std::filesystem::path& folder, QSize size) {
   std::vector<RememberedKind> instruments;
   instruments.reserve(kKindCount + 1);
   for (int kind = 0; kind < kKindCount; ++kind) instruments.push_back({.kind = static_cast<Kind>(kind)});
   instruments.insert(instruments.begin() + 1, {.kind = Kind::orla, .ice = true});
-  for (const auto& size : sizes) {
-    for (const bool night : {false, true}) {
-      if (auto problem = takeChooser(folder, size, night); !problem.empty()) return problem;
-      for (const auto& instrument : instruments) {
-        // By night two will do: they differ in colours alone.
-        if (night && std::ranges::find(kNightKinds, instrument.kind) == kNightKinds.end()) continue;
-        Stage stage({.instrument = instrument, .size = size, .night = night}, folder);
-        stage.takeAll();
-        if (!stage.problem().empty()) return stage.problem();
-      }
+  for (const bool night : {false, true}) {
+    if (auto problem = takeChooser(folder, size, night); !problem.empty()) return problem;
+    for (const auto& instrument : instruments) {
+      // By night two will do: they differ in colours alone.
+      if (night && std::ranges::find(kNightKinds, instrument.kind) == kNightKinds.end()) continue;
+      const Shot shot{.instrument = instrument, .size = size, .night = night};
+      if (auto problem = take(shot, folder); !problem.empty()) return problem;
     }
   }
-  return {};
+  return takeLargeText(folder, size);
 }
 
 }  // namespace kalmira::shots

@@ -169,7 +169,8 @@ void CurveWnd::addPoint(const ProfilePoint& point) {
   const auto& newest = traces_->shown.back();
   const auto seen = seen_ | newest.inside | newest.above | newest.below;
   const auto noteNow = note_.empty() ? note_ : note();
-  if (std::exchange(seen_, seen) != seen || std::exchange(note_, noteNow) != noteNow) update();
+  const bool legendChanges = std::exchange(seen_, seen) != seen;
+  if (std::exchange(note_, noteNow) != noteNow || legendChanges) update();
   const int x = setup_.pointColumn;
   const int left = point.newStation ? 0 : x - 2 - kWidestPen;
   updates_.add(QRect(QPoint(left, 0), QPoint(x + 1, setup_.height - 1)));

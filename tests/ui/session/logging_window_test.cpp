@@ -5,6 +5,7 @@
 #include "logging/keys.h"
 #include "logging/session_link.h"
 #include "sim/encode.h"
+#include "ui/session/curve_window.h"
 #include "ui/window_fixture.h"
 
 namespace kalmira {
@@ -195,6 +196,12 @@ TEST(LoggingWindow, OffTheScaleFitsByOneTapAByAKeyAndNothingIsLost) {
   test.start();
   test.create();
   test.press(Qt::Key_G);
+  auto& chart = dynamic_cast<CurveWnd&>(*test.window.findChild<QWidget*>("chart"));
+  test.device.send(orlaRecord(3));
+  ASSERT_TRUE(waitFor([&test] { return test.session().counts.readings == 1; }));
+  const auto first = chart.grab().toImage();
+  chart.redraw();
+  EXPECT_EQ(first, chart.grab().toImage()) << "no words are left that say there is nothing";
   test.log(orlaRecord(3), 5);
   auto& fit = *test.window.findChild<QPushButton*>("fit");
   EXPECT_FALSE(fit.isVisible());
@@ -208,7 +215,7 @@ TEST(LoggingWindow, OffTheScaleFitsByOneTapAByAKeyAndNothingIsLost) {
   EXPECT_EQ(test.settings.conductivityMaximum, 100);
   EXPECT_EQ(test.session().loggingState, kLogging);
   // More room than the layouts have: the chart takes half of it, and values have their units.
-  EXPECT_GE(test.window.findChild<QWidget*>("chart")->height(), 400);
+  EXPECT_GE(chart.height(), 400);
   EXPECT_THAT(test.text(PanelField::value1), HasSubstr("mS/m"));
 }
 }  // namespace

@@ -52,7 +52,9 @@ void LoggingWnd::runCode(int code) {
   const Depth busy(parts_->commandDepth);
   setFocus();
   runCommand(*command);
-  if (sessionActive()) setFocus();
+  if (!sessionActive()) return;
+  setFocus();
+  parts_->serviceTimer.start(0);  // a calibration's two seconds have begun
 }
 
 // After a dialog that wrote nothing the profile is redrawn all the same.

@@ -19,6 +19,7 @@
 #include "settings/setup_lists.h"
 #include "ui/screen/template_dialog.h"
 #include "ui/screen/theme.h"
+#include "ui/screen/window_fit.h"
 #include "ui/setup/setup_dialogs.h"
 
 namespace kalmira {
@@ -32,8 +33,9 @@ void makeRoom(QDialog& dialog) {
   const auto& form = part<QWidget>(dialog, "form");
   const int missing = form.layout()->totalHeightForWidth(form.width()) - form.parentWidget()->height();
   if (!dialog.isVisible() || missing <= 0) return;
-  const int most = dialog.parentWidget()->window()->height();
+  const int most = std::min(dialog.parentWidget()->window()->height(), roomFor(dialog).height());
   dialog.resize(dialog.width(), std::min(dialog.height() + missing, most));
+  keepOnScreen(dialog);
 }
 
 // Said by the words; the weight only makes it seen.

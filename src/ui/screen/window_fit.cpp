@@ -5,6 +5,7 @@
 #include <QWidget>
 #include <QWindow>
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 namespace kalmira {
@@ -22,9 +23,13 @@ QMargins frameOf(const QWidget& window) {
   return handle == nullptr || !shown->isVisible() ? QMargins() : handle->frameMargins();
 }
 
+// Where a coordinate is no whole number of the screen's pixels, a frame is up to one thicker than it is said to be.
 QRect roomFor(const QWidget& window) {
   const auto* screen = window.parentWidget() != nullptr ? window.parentWidget()->window()->screen() : window.screen();
-  return screen->availableGeometry().marginsRemoved(frameOf(window));
+  auto frame = frameOf(window);
+  const double ratio = screen->devicePixelRatio();
+  if (!frame.isNull() && ratio != std::floor(ratio)) frame += 1;
+  return screen->availableGeometry().marginsRemoved(frame);
 }
 
 void keepOnScreen(QWidget& window) {
@@ -58,7 +63,7 @@ bool FrameWatch::eventFilter(QObject*, QEvent* event) {
 
 void FrameWatch::look() {
   if (++looks_ >= kLooks || !window_.isVisible()) timer_.stop();
-  if (window_.isVisible() && !window_.screen()->availableGeometry().contains(window_.frameGeometry())) refit_();
+  if (window_.isVisible() && !roomFor(window_).contains(window_.geometry())) refit_();
 }
 
 }  // namespace kalmira

@@ -43,6 +43,7 @@ constexpr int kAboveButtons = 4;
 constexpr int kNarrowestButton = 64;
 constexpr int kSmallestButtonText = 8;
 constexpr int kSmallestFormText = 9;
+constexpr int kBesideLetters = 4;  // in a button that is as narrow as it can be
 // What is always seen of a list's entry.
 constexpr int kShownLetters = 4;
 
@@ -234,7 +235,8 @@ int wrappedHeight(const QDialog& dialog, int width) {
   return std::max(0, form->layout()->totalHeightForWidth(room) - form->sizeHint().height());
 }
 
-// Large texts on a small screen: the buttons below the form must stay side by side, and in the window.
+// Large texts on a small screen: the buttons below the form must stay side by side, and in the window. A style would
+// give each a width that three of them do not find there.
 void fitButtons(const QDialog& dialog, int width) {
   auto* whole = dialog.layout();
   if (whole == nullptr) return;
@@ -245,7 +247,7 @@ void fitButtons(const QDialog& dialog, int width) {
     font.setPixelSize(font.pixelSize() - 1);
     for (auto* button : buttons) {
       button->setFont(font);
-      button->setMinimumWidth(0);
+      button->setMinimumWidth(button->fontMetrics().horizontalAdvance(button->text()) + 2 * kBesideLetters);
     }
     whole->invalidate();
   }

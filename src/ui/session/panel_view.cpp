@@ -250,25 +250,32 @@ void PanelView::paintNoData(QPainter& painter, const QRectF& room) const {
   paintPlate(painter, QRectF(room.left(), half, room.width(), half), words.section(' ', 2), font);
 }
 
-// From where the fix stands to the next text of the row. What stands there without a text makes room with its label.
+QFont PanelView::gpsSignFont() const {
+  QFont font = fontOf(PanelFont::text);
+  font.setBold(true);
+  return font;
+}
+
+// From where the fix stands to the next text of the row. What stands there without a text makes room with its label,
+// and a PDOP where there is too little: of bad sentences it is not known.
 QRect PanelView::gpsSignRect() const {
   const auto* fix = cellOf(PanelField::fix);
   if (fix == nullptr) return {};
+  const double needed = QFontMetricsF(gpsSignFont()).horizontalAdvance(qtText(signs_.gps)) + layout_.textSize / 2;
   int right = fix->left + fix->width;
   for (const auto field : {PanelField::pdop, PanelField::satellites, PanelField::gpsCount}) {
     const auto* cell = cellOf(field);
     if (cell == nullptr) continue;
-    const bool empty = text(field).empty();
-    right = empty ? cell->left + cell->width : cell->left + cell->labelWidth;
-    if (!empty) break;
+    const bool enough = cell->left - fix->left >= needed;
+    right = cell->left;
+    if (!text(field).empty() && (enough || field != PanelField::pdop)) break;
+    right = cell->left + cell->width;
   }
   return {fix->left, fix->top, right - fix->left, fix->height};
 }
 
 void PanelView::paintGpsSign(QPainter& painter) const {
-  QFont font = fontOf(PanelFont::text);
-  font.setBold(true);
-  paintPlate(painter, gpsSignRect(), qtText(signs_.gps), font);
+  paintPlate(painter, gpsSignRect(), qtText(signs_.gps), gpsSignFont());
 }
 
 // Below the band, down to the values while they are measured, else to the calibration's own text.
@@ -316,6 +323,7 @@ void PanelView::paintText(QPainter& painter, const QRectF& room, const Shown& sh
 }
 
 void PanelView::paintCell(QPainter& painter, const PanelCell& cell) const {
+  if (!signs_.gps.empty() && isGpsText(cell.field) && gpsSignRect().intersects(rectOf(cell))) return;
   const auto shown = shownIn(cell);
   QRectF room = rectOf(cell);
   QColor colour(isOld(cell.field) ? theme_->oldText : theme_->text);
@@ -328,8 +336,7 @@ void PanelView::paintCell(QPainter& painter, const PanelCell& cell) const {
   } else if (cell.field == PanelField::calibration && shown.width < room.width()) {
     room.setLeft((width() - shown.width) / 2);
   }
-  const bool oldGps = isGpsText(cell.field) && !signs_.gps.empty();
-  if (!cell.label.empty() && (!oldGps || rectOf(cell).left() + cell.labelWidth > gpsSignRect().right())) {
+  if (!cell.label.empty()) {
     painter.setFont(fontOf(PanelFont::text));
     painter.setPen(QColor(theme_->faintText));
     painter.drawText(QPointF(room.left(), baselineIn(room, QFontMetricsF(painter.font()))), qtText(cell.label));

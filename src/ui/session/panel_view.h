@@ -65,6 +65,7 @@ class PanelView final : public QWidget {
   const QFont& fontOf(PanelFont font) const;
   Shown shownIn(const PanelCell& cell) const;
   bool isOld(PanelField field) const;
+  QFont gpsSignFont() const;
   QRect gpsSignRect() const;
   void paintBand(QPainter& painter) const;
   void paintOldBand(QPainter& painter) const;

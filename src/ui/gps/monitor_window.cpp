@@ -54,7 +54,7 @@ std::optional<std::string> runMessageEntryDialog(QWidget* parent, const std::str
 }  // namespace
 
 MonitorGPSWnd::MonitorGPSWnd(MonitorHost host, const Theme& theme, QWidget* parent)
-    : CoverWindow("MonitorGPSWnd", host.onLeft, parent),
+    : CoverWindow("MonitorGPSWnd", "GPS monitor", host.onLeft, parent),
       host_(std::move(host)),
       summary_text_(new QLabel(this)),
       list_(new SentenceList(theme, this)),

@@ -7,9 +7,10 @@
 
 namespace kalmira {
 
-CoverWindow::CoverWindow(const char* name, std::function<void()> onLeft, QWidget* parent)
+CoverWindow::CoverWindow(const char* name, const char* spoken, std::function<void()> onLeft, QWidget* parent)
     : QWidget(parent), on_left_(std::move(onLeft)) {
   setObjectName(name);
+  setAccessibleName(spoken);
   setFocusPolicy(Qt::StrongFocus);
   setAutoFillBackground(true);
   if (parent != nullptr) {

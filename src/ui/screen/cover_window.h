@@ -9,8 +9,9 @@ namespace kalmira {
 // Hidden until it covers.
 class CoverWindow : public QWidget {
  public:
-  // `onLeft`: it is hidden again; what it covered is to be shown and gets the keyboard. May be empty.
-  CoverWindow(const char* name, std::function<void()> onLeft, QWidget* parent);
+  // `spoken`: what a screen reader calls it, for it has the keyboard. `onLeft`: it is hidden again; what it covered is
+  // to be shown and gets the keyboard. May be empty.
+  CoverWindow(const char* name, const char* spoken, std::function<void()> onLeft, QWidget* parent);
 
  protected:
   void cover();

@@ -148,7 +148,7 @@ LoggingWnd::Parts::Parts(LoggingWnd& window, const Theme& theme, SoundFactory so
 }
 
 LoggingWnd::LoggingWnd(LoggingHost host, const Theme& theme, QWidget* parent)
-    : CoverWindow("LoggingWnd", host.onLeft, parent),
+    : CoverWindow("LoggingWnd", "Logging", host.onLeft, parent),
       host_(std::move(host)),
       parts_(std::make_unique<Parts>(*this, theme, host_.sound)) {
   connect(&parts_->flashTimer, &QTimer::timeout, this, [this] { parts_->panel->setFlash(false); });

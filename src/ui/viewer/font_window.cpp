@@ -42,7 +42,7 @@ QString sizesText(const QString& family) {
 }  // namespace
 
 FontWnd::FontWnd(std::function<void()> onLeft, const Theme& theme, QWidget* parent)
-    : CoverWindow("FontWnd", std::move(onLeft), parent),
+    : CoverWindow("FontWnd", "Fonts", std::move(onLeft), parent),
       families_(new QListWidget(this)),
       sizes_(new QLabel(this)),
       sample_(new QLabel(this)),
@@ -73,6 +73,7 @@ void FontWnd::makeSamples() {
   sample_->setAlignment(Qt::AlignLeft | Qt::AlignTop);
   sample_->setText(kSample);
   families_->setObjectName("families");
+  families_->setAccessibleName(QStringLiteral("Font"));
   families_->setFocusPolicy(Qt::NoFocus);
   families_->setUniformItemSizes(true);
   families_->addItems(QFontDatabase::families());

@@ -42,7 +42,7 @@ bool isRepeated(ViewCommand command) {
 }  // namespace
 
 ViewFilesWnd::ViewFilesWnd(ViewerHost host, const Theme& theme, QWidget* parent)
-    : CoverWindow("ViewFilesWnd", host.onLeft, parent),
+    : CoverWindow("ViewFilesWnd", "View files", host.onLeft, parent),
       host_(std::move(host)),
       theme_(&theme),
       row_files_(rowFilesOf(host_.place.root, host_.place.storageClass)),

@@ -38,7 +38,8 @@ TEST(Templates, FitTheWindowAndFingersUprightAndLyingSmallAndLarge) {
       const DialogActor actor(dialog->windowTitle(), [whole](QDialog& open) {
         expectFits(open, whole);
         for (auto* control : open.findChildren<QWidget*>()) {
-          const bool typedOrChosen = control->inherits("QLineEdit") || control->inherits("QComboBox");
+          const bool typedOrChosen =
+              control->inherits("QLineEdit") || control->inherits("QComboBox") || control->inherits("QListWidget");
           if (!typedOrChosen || !control->isVisible()) continue;
           EXPECT_NE(QAccessible::queryAccessibleInterface(control)->text(QAccessible::Name), "")
               << control->objectName().toStdString() << " is nameless to a screen reader";

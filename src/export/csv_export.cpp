@@ -190,7 +190,7 @@ std::string csvColumns(const Header1& header) {
   return columns;
 }
 
-ExportResult exportReadings(RecordReader& reader, CsvTable& table, bool teskRangeTimes10) {
+ExportResult exportReadings(RecordReader& reader, CsvTable& table, bool teskRangeTimes10, const FileStretch& stretch) {
   ExportResult result;
   const std::string columns = csvColumns(reader.header());
   if (!table.columns.empty() && table.columns != columns) {
@@ -204,7 +204,8 @@ ExportResult exportReadings(RecordReader& reader, CsvTable& table, bool teskRang
 
   FileState state(reader.header(), teskRangeTimes10);
   Record record;
-  while (reader.next(record)) {
+  if (stretch.begin > 0) reader.seek(stretch.begin);
+  while (reader.next(record) && record.offset < stretch.end) {
     if (!takeRecord(state, record.bytes)) ++result.unreadableRecords;
     if (recordTypeOf(record.bytes) != RecordType::reading) continue;
     ++result.readings;

@@ -49,8 +49,15 @@ struct ExportResult {
 // "line,station,...": the header row of the file's kind, without the line end.
 std::string csvColumns(const Header1& header);
 
+// Records of a file, from the one at `begin` up to the one at `end`. A line's block says all that its readings need.
+struct FileStretch {
+  std::uint64_t begin = 0;
+  std::uint64_t end = UINT64_MAX;
+};
+
 // Adds the readings of the file that `reader` has opened. What damage it met, the reader tells. `teskRangeTimes10`: the
 // start-up choice for a TESK, which its files do not tell.
-ExportResult exportReadings(RecordReader& reader, CsvTable& table, bool teskRangeTimes10 = false);
+ExportResult exportReadings(RecordReader& reader, CsvTable& table, bool teskRangeTimes10 = false,
+                            const FileStretch& stretch = {});
 
 }  // namespace kalmira

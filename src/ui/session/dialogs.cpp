@@ -18,14 +18,16 @@
 namespace kalmira {
 namespace {
 
-// The last line and station. Of a long name both ends are shown: the form must not grow with it.
+// The last line and station. Of what is unreasonably long both ends are shown: the form must not grow with it.
 void showLast(const QDialog& dialog, const Settings& settings, double station) {
-  constexpr int kMostLetters = 16;
-  auto& line = part<QLabel>(dialog, "currentLine");
-  const QFontMetrics metrics(line.font());
-  line.setText(
-      metrics.elidedText(qtText(settings.lineName), Qt::ElideMiddle, kMostLetters * metrics.averageCharWidth()));
-  part<QLabel>(dialog, "lastStation").setText(qtText(fmt::format("{:.3f}", station)));
+  const auto show = [&dialog](const char* name, const std::string& text) {
+    constexpr int kMostLetters = 16;
+    auto& shown = part<QLabel>(dialog, name);
+    const QFontMetrics metrics(shown.font());
+    shown.setText(metrics.elidedText(qtText(text), Qt::ElideMiddle, kMostLetters * metrics.averageCharWidth()));
+  };
+  show("currentLine", settings.lineName);
+  show("lastStation", fmt::format("{:.3f}", station));
 }
 
 void showEntry(const QDialog& dialog, const LineEntry& entry) {

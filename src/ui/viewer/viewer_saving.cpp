@@ -133,9 +133,8 @@ StationPoint pointAt(const LinePicture& picture, int row) {
 // `columnOf` a row, of `columns`: of a line longer than the plot has pixels, several rows share one.
 void drawStations(QPainter& painter, const LinePicture& picture, int columns,
                   const std::function<int(int row)>& columnOf) {
-  const int rows = picture.file.line.rowCount();
-  const int step = std::max(1, rows / kMostStationLabels);
-  for (int row = 1; row <= rows; row += step) {
+  const int step = std::max(1, picture.rows() / kMostStationLabels);
+  for (int row = picture.firstRow; row <= picture.lastRow; row += step) {
     const auto point = pointAt(picture, row);
     if (!point.valid) continue;
     const auto x = static_cast<int>(kPlot.left() + (columnOf(row) + 0.5) * kPlot.width() / columns);
@@ -160,18 +159,18 @@ void drawTraces(QPainter& painter, const LinePicture& picture) {
   painter.save();
   painter.setClipRect(kPlot);
   auto& file = picture.file;
-  const int rows = file.line.rowCount();
-  if (rows <= kPlot.width()) {
+  const int rows = picture.rows();
+  if (rows <= kPlot.width() || rows < file.line.rowCount()) {
     std::vector<StationPoint> points;
-    if (rows > 0) LoadLineRows(file.reader, file.scanned, file.line, 0, rows - 1, 1, points);
+    if (rows > 0) LoadLineRows(file.reader, file.scanned, file.line, 0, rows - 1, picture.firstRow, points);
     const int columns = rows + 2 * kFirstColumn;
-    const PlotView view{.firstRow = 1, .rows = rows, .columns = rows};
+    const PlotView view{.firstRow = picture.firstRow, .rows = rows, .columns = rows};
     const auto setup = setupOf(picture, columns);
     PaintedChart chart(painter, kPlot, columns);
     DrawStationPlot(chart, setup, view, points);
     drawMarks(painter, offScaleMarks(setup, view, points, kMark * columns / kPlot.width()), columns);
     painter.restore();
-    return drawStations(painter, picture, columns, [](int row) { return row - 1 + kFirstColumn; });
+    return drawStations(painter, picture, columns, [&](int row) { return row - picture.firstRow + kFirstColumn; });
   }
   const auto overview = lineOverview(file.line.summary, kPlot.width());
   PaintedChart chart(painter, kPlot, overview.columns);
@@ -273,13 +272,15 @@ std::filesystem::path proposedName(const std::filesystem::path& dataFile, std::s
   return dataFile.parent_path() / (name + "." + std::string(extension));
 }
 
-std::string exportTable(const std::filesystem::path& dataFile, const std::filesystem::path& target,
-                        bool teskRangeTimes10, std::uint64_t& readings) {
+std::string exportTable(const OpenedFile& file, const std::filesystem::path& target, bool teskRangeTimes10,
+                        std::uint64_t& readings) {
   RecordReader reader;
-  if (const auto error = reader.open(dataFile); error.kind != FileErrorKind::none) return error.text;
+  if (const auto error = reader.open(file.path); error.kind != FileErrorKind::none) return error.text;
   OutputFile output(target);
   CsvTable table{.write = [&output](std::string_view text) { return output.write(text); }, .columns = {}};
-  const auto result = exportReadings(reader, table, teskRangeTimes10);
+  FileStretch stretch;
+  if (file.line.line > 0) stretch = {.begin = file.line.begin, .end = file.line.end()};
+  const auto result = exportReadings(reader, table, teskRangeTimes10, stretch);
   if (result.outcome != ExportOutcome::done || !output.finish()) return output.problem();
   readings = result.readings;
   return reader.error().kind == FileErrorKind::none ? "" : reader.error().text;
@@ -307,8 +308,11 @@ void ViewFilesWnd::savePicture() {
                               .extension = "png",
                               .proposal = proposedName(file_->path, lineName, "png")};
   saveAs(question, [&](const std::filesystem::path& path) -> Written {
-    const LinePicture picture{
-        .file = *file_, .settings = shown_, .title = fmt::format("{}   Line {}", fileCaption(*file_), lineName)};
+    const LinePicture picture{.file = *file_,
+                              .settings = shown_,
+                              .title = fmt::format("{}   Line {}", fileCaption(*file_), lineName),
+                              .firstRow = std::max(view_.firstRow, 1),
+                              .lastRow = std::min(view_.lastRow(), file_->line.rowCount())};
     const bool svg = path.extension() == ".svg" || path.extension() == ".SVG";
     const auto content = svg ? linePictureSvg(picture) : linePicturePng(picture);
     return {.problem = replaceFile(path, {content.constData(), static_cast<std::size_t>(content.size())}),
@@ -318,13 +322,15 @@ void ViewFilesWnd::savePicture() {
 
 void ViewFilesWnd::exportCsv() {
   if (file_ == nullptr) return;
+  const auto& lines = file_->scanned.lines;
+  const auto lineName = lines.empty() ? "" : lineNameOf(lines[navigation_.selectedLine]);
   const SaveQuestion question{.title = "Export CSV",
                               .filter = "Tables (*.csv)",
                               .extension = "csv",
-                              .proposal = proposedName(file_->path, "", "csv")};
+                              .proposal = proposedName(file_->path, lineName, "csv")};
   saveAs(question, [this](const std::filesystem::path& path) -> Written {
     std::uint64_t readings = 0;
-    auto problem = exportTable(file_->path, path, host_.extract.teskRangeTimes10, readings);
+    auto problem = exportTable(*file_, path, host_.extract.teskRangeTimes10, readings);
     return {.problem = std::move(problem), .what = fmt::format("The table of {} readings", readings)};
   });
 }

@@ -21,17 +21,21 @@ std::string saveProblem(const std::filesystem::path& target, const std::filesyst
 std::filesystem::path proposedName(const std::filesystem::path& dataFile, std::string_view lineName,
                                    std::string_view extension);
 
-// The whole data file as a table, as the plot decodes it. An empty text and how many readings it has, or what went
-// wrong.
-std::string exportTable(const std::filesystem::path& dataFile, const std::filesystem::path& target,
-                        bool teskRangeTimes10, std::uint64_t& readings);
+// The line that is open as a table, as the plot decodes it; of a file without lines, all of it. An empty text and how
+// many readings it has, or what went wrong.
+std::string exportTable(const OpenedFile& file, const std::filesystem::path& target, bool teskRangeTimes10,
+                        std::uint64_t& readings);
 
-// A picture of the whole line that is shown, black on white for reports: traces, grid, both scales, stations, what each
+// A picture of what is seen of a line, black on white for reports: traces, grid, both scales, stations, what each
 // colour stands for, the file's and the line's name.
 struct LinePicture {
   OpenedFile& file;
   const Settings& settings;
   std::string title;
+  int firstRow = 1;  // of the line's, from 1
+  int lastRow = 0;
+
+  int rows() const { return lastRow - firstRow + 1; }
 };
 
 QByteArray linePicturePng(const LinePicture& picture);

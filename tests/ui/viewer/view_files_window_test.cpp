@@ -321,9 +321,16 @@ TEST_F(ViewFilesTest, SavesPicturesAndTablesButNeverOverADataFile) {
   EXPECT_EQ(QImage(QString::fromStdString(data / "A-7.png")).size(), QSize(1600, 900));
   savedDialog("Save Picture", Qt::Key_P, "line.svg", "The picture of line 7 is in\n" + (data / "line.svg").string());
   EXPECT_THAT(readFile(data / "line.svg"), HasSubstr("A.ROR  ORLA   Line 7"));
-  savedDialog("Export CSV", Qt::Key_C, nullptr, "The table of 303 readings is in\n" + (data / "A.csv").string());
-  const auto csv = readFile(data / "A.csv");
-  EXPECT_EQ(std::count(csv.begin(), csv.end(), '\n'), 1 + 303);
+  const auto whole = readFile(data / "line.svg");
+  for (int i = 0; i < 4; ++i) key(Qt::Key_Plus);
+  savedDialog("Save Picture", Qt::Key_P, "seen.svg", "The picture of line 7 is in\n" + (data / "seen.svg").string());
+  for (const char* station : {">10.00<", ">352.00<"}) {
+    EXPECT_THAT(whole, HasSubstr(station)) << "the whole line was seen";
+    EXPECT_EQ(readFile(data / "seen.svg").find(station), std::string::npos) << "and now its middle";
+  }
+  savedDialog("Export CSV", Qt::Key_C, nullptr, "The table of 300 readings is in\n" + (data / "A-7.csv").string());
+  const auto csv = readFile(data / "A-7.csv");
+  EXPECT_EQ(std::count(csv.begin(), csv.end(), '\n'), 1 + 300) << "the line that is seen, not the next one";
 
   // After the warning it is asked for again, and then given up.
   std::string warning;

@@ -1,0 +1,345 @@
+#include "positions/survey_places.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <numbers>
+#include <utility>
+
+namespace kalmira {
+namespace {
+
+constexpr double kDay_s = 86400;
+// Readings wait so much longer than sentences are late, and for as long as a heading may take.
+constexpr double kMargin_s = 1;
+constexpr double kHeadingWait_s = 10;
+// So near to a pole, degrees of longitude are no measure of a way.
+constexpr double kPolar = 85;
+constexpr double kLongWayAround = 1;
+
+bool isSentenceTag(char tag) {
+  return tag == tag::kGpsFirst || tag == tag::kGpsMore || tag == tag::kGpsTick || tag == tag::kTextFirst ||
+         tag == tag::kTextMore;
+}
+
+// The device's own time, where the file has said the date.
+std::optional<double> deviceTime(const RecordTimes& times, std::uint32_t tick) {
+  const auto moment = times.at(tick);
+  if (!moment || !moment->day) return std::nullopt;
+  return static_cast<double>(*moment->day) * kDay_s + moment->timeOfDayMs / 1000.0;
+}
+
+// Degrees that some metres are there.
+GeoPoint moved(const GeoPoint& from, double east_m, double north_m) {
+  constexpr double kRadian = std::numbers::pi / 180;
+  constexpr double kEquator_m = 6378137.0;
+  constexpr double kSquaredEccentricity = 0.00669437999014;
+  const double sine = std::sin(from.latitude * kRadian);
+  const double flat = 1 - kSquaredEccentricity * sine * sine;
+  const double across = kEquator_m / std::sqrt(flat);
+  const double circle = std::max(across * std::cos(from.latitude * kRadian), 1.0);
+  const double latitude = from.latitude + north_m / (across * (1 - kSquaredEccentricity) / flat) / kRadian;
+  return {std::clamp(latitude, -90.0, 90.0), wrappedLongitude(from.longitude + east_m / circle / kRadian)};
+}
+
+template <typename Value>
+std::optional<Value> worse(const std::optional<Value>& a, const std::optional<Value>& b, bool larger) {
+  if (!a || !b) return a ? a : b;
+  return larger ? std::max(*a, *b) : std::min(*a, *b);
+}
+
+std::optional<double> firstHeadingOf(RecordReader& reader, const ClockLine& line, const PositionOptions& options) {
+  std::optional<double> heading;
+  Track track(line, options, [&heading](const Fix& fix) {
+    if (!heading) heading = fix.heading;
+  });
+  SentenceAssembler assembler;
+  CountedTicks ticks;
+  std::uint64_t order = 0;
+  Record record;
+  while (!heading && reader.next(record)) {
+    const auto sentence = assembler.feed(record.bytes);
+    if (!sentence) continue;
+    const double tick = ticks.take(sentence->tick);
+    PositionSentence position;
+    if (!sentence->checksumRight || !isPositionSentence(sentence->text)) continue;
+    ++order;
+    if (parsePosition(sentence->text, position) == PositionFault::none)
+      track.takeSentence(position, order, tick, std::nullopt);
+  }
+  if (!heading) track.finish();
+  return heading;
+}
+
+}  // namespace
+
+PositionScan scanPositions(RecordReader& reader, const PositionOptions& options, std::optional<double> utcOffset_s) {
+  PositionScan scan;
+  ClockFitter fitter;
+  SentenceAssembler assembler;
+  CountedTicks ticks;
+  RecordTimes times;
+  bool deviceKnown = false;
+  Record record;
+  const auto begin = static_cast<std::uint64_t>(reader.recordLength());
+  while (reader.next(record)) {
+    const char tag = record.bytes[0];
+    if (tag == tag::kDate) {
+      if (const auto date = parseDate(record.bytes)) times.takeDate(*date);
+    } else if (tag == tag::kTimeMark) {
+      const auto mark = parseTimeMark(record.bytes);
+      if (!mark) continue;
+      times.takeMark(*mark);
+      const auto local = deviceTime(times, mark->tick);
+      const double tick = ticks.take(mark->tick);
+      if (local && !deviceKnown) fitter.takeDevice(tick, *local - utcOffset_s.value_or(0));
+      deviceKnown = deviceKnown || local;
+    } else if (isSentenceTag(tag)) {
+      const auto sentence = assembler.feed(record.bytes);
+      if (!sentence) continue;
+      const double tick = ticks.take(sentence->tick);
+      if (!sentence->checksumRight) continue;
+      PositionSentence position;
+      if (isPositionSentence(sentence->text)) {
+        ++scan.sentences;
+        if (parsePosition(sentence->text, position) == PositionFault::none)
+          fitter.take(scan.sentences, tick, position.timeOfDay_s);
+      } else if (const auto dated = parseDatedTime(sentence->text)) {
+        fitter.takeDate(tick, dated->timeOfDay_s, dated->day);
+      }
+    }
+  }
+  scan.line = fitter.finish();
+  if (options.turnsAntenna() && !scan.line.pieces().empty() && reader.error().kind == FileErrorKind::none) {
+    reader.seek(begin);
+    scan.firstHeading = firstHeadingOf(reader, scan.line, options);
+  }
+  return scan;
+}
+
+int worseFix(int a, int b) {
+  constexpr std::array kRanks{9, 5, 3, 4, 1, 2, 6, 7, 8, 10};  // by digit
+  const auto rank = [&](int fix) { return kRanks.at(static_cast<std::size_t>(std::clamp(fix, 0, 9))); };
+  return rank(a) >= rank(b) ? a : b;
+}
+
+PlaceFinder::PlaceFinder(const PositionScan& scan, const PositionOptions& options, bool manual,
+                         std::optional<MapZone>& zone, std::function<void(const Place*)> place,
+                         std::function<void(const Fix&)> fix)
+    : scan_(scan),
+      options_(options),
+      manual_(manual),
+      zone_(zone),
+      place_(std::move(place)),
+      fix_(std::move(fix)),
+      track_(scan.line, options, [this](const Fix& good) { takeFix(good); }) {
+  track_.setFirstHeading(scan.firstHeading);
+}
+
+bool PlaceFinder::take(const Record& record) {
+  const char tag = record.bytes[0];
+  if (isSentenceTag(tag)) {
+    if (const auto sentence = assembler_.feed(record.bytes)) takeSentence(*sentence);
+    return false;
+  }
+  if (recordTypeOf(record.bytes) != RecordType::reading) return false;
+  takeReading(record.bytes);
+  return true;
+}
+
+void PlaceFinder::takeSentence(const SentenceAssembler::Sentence& sentence) {
+  const double tick = ticks_.take(sentence.tick);
+  now_ = std::max(now_, tick);
+  if (!isPositionSentence(sentence.text)) {
+    if (!sentence.checksumRight) return;
+    if (const auto accuracy = parseAccuracy(sentence.text)) accuracy_ = accuracy;
+    return;
+  }
+  auto& leftOut = track_.leftOut();
+  if (!sentence.checksumRight) {
+    ++leftOut.badChecksum;
+    return;
+  }
+  ++order_;
+  PositionSentence position;
+  const auto fault = parsePosition(sentence.text, position);
+  if (fault == PositionFault::noFix) ++leftOut.noFix;
+  if (fault == PositionFault::unreadable) ++leftOut.unreadable;
+  const bool good = fault == PositionFault::none;
+  if (manual_) return takeHeld(good ? &position : nullptr, tick);
+  if (good) track_.takeSentence(position, order_, tick, std::exchange(accuracy_, std::nullopt));
+  resolve(false);
+}
+
+PlaceFinder::Stand PlaceFinder::standOf(const Fix& fix) const {
+  Stand stand{.fix = fix, .at = fix.place(), .plane = {}};
+  if (fix.heading) {
+    const double turn = *fix.heading * std::numbers::pi / 180;
+    stand.at = moved(stand.at, -options_.ahead_m * std::sin(turn) - options_.right_m * std::cos(turn),
+                     -options_.ahead_m * std::cos(turn) + options_.right_m * std::sin(turn));
+  }
+  if (!zone_) zone_ = zoneOf(stand.at);
+  stand.plane = project(*zone_, stand.at);
+  return stand;
+}
+
+void PlaceFinder::takeFix(const Fix& fix) {
+  if (fix_) fix_(fix);
+  stands_.push_back(standOf(fix));
+}
+
+Place PlaceFinder::placeAt(const Stand& stand, double gap_s) const {
+  const auto& position = stand.fix.position;
+  Place place{.at = stand.at,
+              .plane = stand.plane,
+              .altitude = position.altitude,
+              .fix = position.quality,
+              .satellites = position.satellites,
+              .hdop = position.hdop,
+              .accuracy = stand.fix.accuracy,
+              .gap_s = gap_s};
+  if (place.altitude) *place.altitude -= options_.up_m;
+  return place;
+}
+
+Place PlaceFinder::between(const Stand& a, const Stand& b, double moment) const {
+  const double gap = b.fix.moment_s - a.fix.moment_s;
+  const double part = gap > 0 ? (moment - a.fix.moment_s) / gap : 1;
+  const auto mix = [part](double from, double to) { return from + (to - from) * part; };
+  Place place = placeAt(b, gap);
+  const auto first = placeAt(a, gap);
+  const double east = wrappedLongitude(b.at.longitude - a.at.longitude);
+  place.plane = {mix(a.plane.easting, b.plane.easting), mix(a.plane.northing, b.plane.northing)};
+  if (std::abs(a.at.latitude) > kPolar || std::abs(east) > kLongWayAround) {
+    place.at = unproject(*zone_, place.plane);
+  } else {
+    place.at = {mix(a.at.latitude, b.at.latitude), wrappedLongitude(a.at.longitude + east * part)};
+  }
+  if (first.altitude && place.altitude) {
+    place.altitude = mix(*first.altitude, *place.altitude);
+  } else {
+    place.altitude.reset();
+  }
+  place.fix = worseFix(first.fix, place.fix);
+  place.satellites = worse(first.satellites, place.satellites, false);
+  place.hdop = worse(first.hdop, place.hdop, true);
+  place.accuracy = worse(first.accuracy, place.accuracy, true);
+  return place;
+}
+
+void PlaceFinder::takeReading(std::string_view record) {
+  const auto tick = parseTick(record);
+  if (tick) tick_ = ticks_.take(*tick);
+  now_ = std::max(now_, tick_);
+  if (manual_) {
+    if (std::exchange(reading_waits_, false)) place_(nullptr);
+    if (!std::exchange(held_any_, false)) {
+      reading_waits_ = true;
+    } else if (held_) {
+      const auto place = placeAt(*held_, std::abs(tick_ - held_tick_));
+      place_(&place);
+    } else {
+      place_(nullptr);
+    }
+    return;
+  }
+  waiting_.push_back(tick ? tick_ : std::nan(""));
+  resolve(false);
+}
+
+// A sentence that was held for a reading stands beside it.
+void PlaceFinder::takeHeld(const PositionSentence* position, double tick) {
+  held_.reset();
+  const auto* piece = position == nullptr ? nullptr : scan_.line.pieceOf(order_);
+  const auto utc = piece == nullptr ? std::nullopt : ClockLine::utcOf(*piece, tick, position->timeOfDay_s);
+  if (position != nullptr && !utc) ++track_.leftOut().untimely;
+  if (utc) {
+    constexpr double kBaseline_m = 4;
+    Fix fix{.moment_s = piece->tickAt(*utc) - options_.lag_s,
+            .utc = *utc,
+            .position = *position,
+            .accuracy = std::exchange(accuracy_, std::nullopt),
+            .heading = std::nullopt,
+            .order = order_,
+            .stretch = 0,
+            .sentenceTick_s = tick};
+    const double passed = last_held_ ? std::abs(fix.moment_s - last_held_->fix.moment_s) : 0;
+    const bool jumps = last_held_ && passed <= options_.maxGap_s &&
+                       nearbyLength(last_held_->fix.place(), fix.place()) > options_.maxSpeed_mps * passed;
+    if (jumps) {
+      ++track_.leftOut().jumps;
+    } else {
+      if (options_.turnsAntenna()) {
+        fix.heading = anchor_ ? anchor_->fix.heading : scan_.firstHeading;
+        if (anchor_ && nearbyLength(anchor_->fix.place(), fix.place()) >= kBaseline_m)
+          fix.heading = headingBetween(anchor_->fix.place(), fix.place());
+      }
+      held_ = standOf(fix);
+      if (!anchor_ || nearbyLength(anchor_->fix.place(), fix.place()) >= kBaseline_m) anchor_ = held_;
+      last_held_ = held_;
+      if (fix_) fix_(fix);
+    }
+  }
+  if (!std::exchange(reading_waits_, false)) {
+    held_any_ = true;
+    held_tick_ = tick;
+    return;
+  }
+  if (!held_) return place_(nullptr);
+  const auto place = placeAt(*held_, std::abs(tick - tick_));
+  place_(&place);
+}
+
+void PlaceFinder::resolve(bool all) {
+  while (!waiting_.empty() && resolveFirst(all)) waiting_.pop_front();
+  // Of fixes behind all readings one is needed, for the next.
+  while (waiting_.empty() && stands_.size() > 1 && stands_[1].fix.moment_s <= now_ - kMargin_s) stands_.pop_front();
+}
+
+// False when a fix may still come that is wanted.
+bool PlaceFinder::resolveFirst(bool all) {
+  const double moment = waiting_.front();
+  while (stands_.size() > 1 && stands_[1].fix.moment_s <= moment) stands_.pop_front();
+  const bool begun = !stands_.empty() && stands_.front().fix.moment_s <= moment;
+  if (begun && stands_.size() > 1) {
+    const auto& a = stands_[0];
+    const auto& b = stands_[1];
+    const double gap = b.fix.moment_s - a.fix.moment_s;
+    const bool onFix = a.fix.moment_s == moment;
+    if (a.fix.stretch == b.fix.stretch && gap <= options_.maxGap_s) {
+      const auto place = between(a, b, moment);
+      place_(&place);
+    } else if (onFix) {
+      const auto place = placeAt(a, 0);
+      place_(&place);
+    } else {
+      place_(nullptr);
+    }
+    return true;
+  }
+  const double patience = scan_.line.latest() + options_.maxGap_s + std::max(0.0, -options_.lag_s) + kMargin_s +
+                          (options_.turnsAntenna() ? kHeadingWait_s : 0);
+  const bool late = !(moment + patience > now_) || scan_.line.pieces().empty();
+  if (!all && !late && (begun || stands_.empty())) return false;
+  if (begun && stands_.front().fix.moment_s == moment) {
+    const auto place = placeAt(stands_.front(), 0);
+    place_(&place);
+    return true;
+  }
+  place_(nullptr);
+  return true;
+}
+
+std::optional<double> PlaceFinder::utcAt(double tick_s) const {
+  const auto* piece = scan_.line.pieceNear(tick_s, order_);
+  if (piece == nullptr || !piece->dated) return std::nullopt;
+  return piece->utcAt(tick_s) + options_.lag_s;
+}
+
+void PlaceFinder::finish() {
+  track_.finish();
+  if (std::exchange(reading_waits_, false)) place_(nullptr);
+  resolve(true);
+}
+
+}  // namespace kalmira

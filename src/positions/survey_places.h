@@ -1,0 +1,115 @@
+#pragma once
+
+#include <deque>
+#include <functional>
+#include <optional>
+
+#include "datafile/reading_context.h"
+#include "datafile/record_reader.h"
+#include "positions/track.h"
+
+// A place and a time for every reading of a data file. The file is gone over twice: first for the clocks, then for the
+// places. Memory does not grow with it. Not bound to a thread.
+namespace kalmira {
+
+// The ticks of a file counted on past the end of their 32 bits, seconds.
+class CountedTicks {
+ public:
+  double take(std::uint32_t tick) {
+    if (!any_) last_ = tick;
+    any_ = true;
+    last_ += static_cast<std::int32_t>(tick - static_cast<std::uint32_t>(last_));
+    return static_cast<double>(last_) / 1000.0;
+  }
+
+ private:
+  std::int64_t last_ = 0;
+  bool any_ = false;
+};
+
+// What the first way over a file has found.
+struct PositionScan {
+  ClockLine line;
+  std::uint64_t sentences = 0;         // position sentences with a right checksum
+  std::optional<double> firstHeading;  // where the antenna's place asks for one
+};
+
+// Reads all of the file; its error, if any, is the reader's. `utcOffset_s`: of the device's clock, from the survey's
+// notes; without them its local time is taken for UTC where only a date is missing.
+PositionScan scanPositions(RecordReader& reader, const PositionOptions& options, std::optional<double> utcOffset_s);
+
+// Where a reading was taken.
+struct Place {
+  GeoPoint at;
+  PlanePoint plane;                // in the zone of the whole
+  std::optional<double> altitude;  // of the instrument, metres above the geoid
+  int fix = 0;                     // the GGA digit of the worse of the two fixes, see worseFix
+  std::optional<int> satellites;   // the fewer
+  std::optional<double> hdop;      // the larger
+  std::optional<double> accuracy;  // the larger
+  double gap_s = 0;                // between the two fixes; in Manual mode between reading and sentence
+};
+
+// Of two GGA digits the one that says less: 4 before 5 before 2 before 1.
+int worseFix(int a, int b);
+
+// Finds the places of a file's readings, in their order.
+class PlaceFinder {
+ public:
+  // `zone` is set by the first position where it is not set yet. `place` is told the place of each reading, or
+  // nullptr, in the order of readings; `fix` each good fix.
+  PlaceFinder(const PositionScan& scan, const PositionOptions& options, bool manual, std::optional<MapZone>& zone,
+              std::function<void(const Place*)> place, std::function<void(const Fix&)> fix);
+
+  // Any record, in file order. True when it is a reading, whose place is told now or later.
+  bool take(const Record& record);
+  // Tells the places of all readings so far: there are no further records.
+  void finish();
+
+  // UTC at a tick of the record taken last, seconds since 1970.
+  std::optional<double> utcAt(double tick_s) const;
+  // Of the reading taken last.
+  double tick_s() const { return tick_; }
+  const LeftOut& leftOut() const { return track_.leftOut(); }
+
+ private:
+  struct Stand {  // the instrument at the moment of a fix
+    Fix fix;
+    GeoPoint at;
+    PlanePoint plane;
+  };
+
+  void takeSentence(const SentenceAssembler::Sentence& sentence);
+  void takeFix(const Fix& fix);
+  void takeHeld(const PositionSentence* position, double tick);
+  void takeReading(std::string_view record);
+  void resolve(bool all);
+  bool resolveFirst(bool all);
+  Stand standOf(const Fix& fix) const;
+  Place between(const Stand& a, const Stand& b, double moment) const;
+  Place placeAt(const Stand& stand, double gap_s) const;
+
+  const PositionScan& scan_;
+  PositionOptions options_;
+  bool manual_;
+  std::optional<MapZone>& zone_;
+  std::function<void(const Place*)> place_;
+  std::function<void(const Fix&)> fix_;
+  Track track_;
+  SentenceAssembler assembler_;
+  CountedTicks ticks_;
+  double tick_ = 0;
+  double now_ = 0;
+  std::uint64_t order_ = 0;
+  std::optional<double> accuracy_;
+  std::deque<double> waiting_;  // moments of readings whose places are not known yet
+  std::deque<Stand> stands_;
+  // Manual mode.
+  bool reading_waits_ = false;
+  bool held_any_ = false;
+  std::optional<Stand> held_;
+  double held_tick_ = 0;
+  std::optional<Stand> last_held_, anchor_;
+};
+
+}  // namespace kalmira

@@ -1,0 +1,300 @@
+#include <fmt/format.h>
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <numbers>
+#include <sstream>
+#include <vector>
+
+#include "datafile/record_format.h"
+#include "datafile/record_text.h"
+#include "gps/nmea.h"
+#include "positions/survey_places.h"
+
+namespace kalmira {
+namespace {
+
+constexpr int kLength = 24;
+constexpr double kStart = 36000;  // time of day of the walk's begin
+constexpr double kDay = 20220;    // 12 May 2025
+
+std::string withChecksum(const std::string& body) {
+  unsigned sum = 0;
+  for (const char c : body) sum ^= static_cast<unsigned char>(c);
+  return fmt::format("${}*{:02X}", body, sum);
+}
+
+std::string angleText(double angle, int digits, std::string_view sides) {
+  const double size = std::abs(angle);
+  const int degrees = static_cast<int>(size);
+  return fmt::format("{:0{}}{:010.7f},{}", degrees, digits, (size - degrees) * 60, sides[angle < 0 ? 1 : 0]);
+}
+
+std::string timeText(double timeOfDay) {
+  const auto ms = static_cast<std::int64_t>(std::round(timeOfDay * 1000)) % 86400000;
+  return fmt::format("{:02}{:02}{:02}.{:03}", ms / 3600000, ms / 60000 % 60, ms / 1000 % 60, ms % 1000);
+}
+
+std::string gga(double timeOfDay, const GeoPoint& at, char quality = '4') {
+  return withChecksum(fmt::format("GNGGA,{},{},{},{},12,0.8,100.0,M,18.0,M,1.0,0001", timeText(timeOfDay),
+                                  angleText(at.latitude, 2, "NS"), angleText(at.longitude, 3, "EW"), quality));
+}
+
+// An instrument that is carried along a path on the plane, and what its receiver and its logger make of it.
+struct Walk {
+  MapZone zone{.number = 32, .north = true};
+  std::function<PlanePoint(double time)> path = [](double t) {
+    return PlanePoint{400000 + 1.2 * t, 5500000 + 0.7 * t};
+  };
+  std::function<PlanePoint(double time)> instrument{};  // where its antenna is elsewhere
+  double seconds = 300;
+  double sentences_hz = 1;
+  double start = kStart;                                                     // time of day
+  double drift = 0;                                                          // of the ticks, seconds a second
+  std::function<double(int n)> delay = [](int) { return 0.1; };              // of sentence n
+  std::function<double(double time)> receiver = [](double) { return 0.0; };  // its clock's fault
+  std::function<std::string(int n, std::string sentence)> change = [](int, std::string text) { return text; };
+  std::function<bool(double time)> heard = [](double) { return true; };
+  PositionOptions options{.lag_s = 0.1};
+
+  std::uint32_t tickOf(double t) const {
+    return static_cast<std::uint32_t>(std::llround((1000 + t * (1 + drift)) * 1000));
+  }
+  std::string bytes() const {
+    std::vector<std::pair<double, std::string>> records;
+    double came = 0;
+    for (int n = 0; n / sentences_hz < seconds; ++n) {
+      const double t = n / sentences_hz;
+      came = std::max(came, t + delay(n));  // none overtakes another
+      if (!heard(t)) continue;
+      const auto text = change(n, gga(start + t + receiver(t), unproject(zone, path(t))));
+      const double at = start + t + receiver(t);
+      const auto date =
+          withChecksum(fmt::format("GPRMC,{},A,,,,,,,{:02}0525,,,D", timeText(at), 12 + std::floor(at / 86400)));
+      if (n % 10 == 0) records.emplace_back(came, formatGpsSentence(kLength, date, tickOf(came), '@', '#'));
+      if (!text.empty()) records.emplace_back(came, formatGpsSentence(kLength, text, tickOf(came), '@', '#'));
+    }
+    for (int n = 1; n * 0.1 < seconds; ++n)
+      records.emplace_back(n * 0.1, formatReading(kLength, "T$-0400+0800", tickOf(n * 0.1)));
+    std::ranges::stable_sort(records, {}, [](const auto& record) { return record.first; });
+    auto all = kalmira::records(kLength, {"ORLA2   W230GPS0000", "L7", "B      10.00", "AN            1.500"});
+    for (const auto& [t, record] : records) all += record;
+    return all;
+  }
+};
+
+struct Found {
+  std::size_t readings = 0, placed = 0;
+  double farthest = 0;        // from where the instrument was, metres
+  std::vector<double> empty;  // times of readings without a place
+  std::vector<std::optional<Place>> places;
+  std::optional<double> utcFault;  // the largest
+  LeftOut leftOut;
+};
+
+Found find(const Walk& walk, bool manual = false) {
+  RecordReader reader;
+  EXPECT_EQ(reader.open(std::make_unique<std::istringstream>(walk.bytes())).kind, FileErrorKind::none);
+  const auto scan = scanPositions(reader, walk.options, std::nullopt);
+  reader.seek(kLength);
+  Found found;
+  std::optional<MapZone> zone = walk.zone;
+  const auto place = [&](const Place* at) {
+    found.places.push_back(at == nullptr ? std::nullopt : std::optional(*at));
+  };
+  PlaceFinder finder(scan, walk.options, manual, zone, place, {});
+  Record record;
+  while (reader.next(record)) {
+    if (!finder.take(record)) continue;
+    ++found.readings;
+    const double t = static_cast<double>(found.readings) * 0.1;
+    if (const auto utc = finder.utcAt(finder.tick_s())) {
+      const double fault = std::abs(*utc - kDay * 86400 - walk.start - t - walk.receiver(t));
+      found.utcFault = std::max(found.utcFault.value_or(0), fault);
+    }
+  }
+  finder.finish();
+  EXPECT_EQ(found.places.size(), found.readings);
+  for (std::size_t i = 0; i < found.places.size(); ++i) {
+    const double t = static_cast<double>(i + 1) * 0.1;
+    const auto& at = found.places[i];
+    if (!at) {
+      found.empty.push_back(t);
+      continue;
+    }
+    ++found.placed;
+    const auto was = walk.instrument ? walk.instrument(t) : walk.path(t);
+    found.farthest =
+        std::max(found.farthest, std::hypot(at->plane.easting - was.easting, at->plane.northing - was.northing));
+    const auto again = project(walk.zone, at->at);
+    EXPECT_LT(std::hypot(again.easting - at->plane.easting, again.northing - at->plane.northing), 0.001) << t;
+  }
+  found.leftOut = finder.leftOut();
+  return found;
+}
+
+double jitter(int n) { return 0.1 + (n * 7919 % 200) / 1000.0; }  // 0.1 to 0.299 s
+
+PlanePoint circle(double t) {
+  const double turn = t * 1.4 / 20;
+  return {500000 + 20 * std::sin(turn), 5500000 - 20 * std::cos(turn)};
+}
+
+TEST(Places, LieWhereTheInstrumentWas) {
+  Walk straight{.delay = jitter};
+  Walk round{.path = circle, .sentences_hz = 10, .delay = jitter};
+  Walk south{.zone = {.number = 56, .north = false}, .drift = 8e-5, .delay = jitter};
+  south.path = [](double t) { return PlanePoint{600000 - 1.1 * t, 6200000 + 0.9 * t}; };
+  Walk midnight{.start = 86400 - 100, .delay = jitter};
+  Walk dateLine{.zone = {.number = 60, .north = true}, .delay = jitter};
+  const auto edge = project(dateLine.zone, {10, 179.9999});
+  dateLine.path = [edge](double t) { return PlanePoint{edge.easting + 1.2 * t, edge.northing + 0.2 * t}; };
+  Walk pole{.zone = {.number = 0, .north = true}, .delay = jitter};
+  pole.path = [](double t) { return PlanePoint{2000000 - 150 + 1.0 * t, 2000000.5}; };
+  Walk restless{.delay = [](int n) { return 0.1 + (n % 50 == 0 ? 0 : n * 7919 % 900 / 1000.0); }};
+  for (const auto& [name, walk, millimetres] : {std::tuple{"straight", straight, 2.0},
+                                                {"circle", round, 4.0},
+                                                {"south, with a fast clock", south, 5.0},
+                                                {"midnight", midnight, 2.0},
+                                                {"date line", dateLine, 2.0},
+                                                {"pole", pole, 3.0},
+                                                {"heavy jitter", restless, 2.0}}) {
+    const auto found = find(walk);
+    EXPECT_GE(found.placed, found.readings - 12) << name;
+    EXPECT_LT(found.farthest * 1000, millimetres) << name;
+    EXPECT_EQ(found.leftOut.all(), 0U) << name;
+    EXPECT_LT(found.utcFault.value_or(1), 0.004) << name;
+  }
+}
+
+TEST(Places, DoNotFollowWhatIsNoFix) {
+  Walk walk{.delay = jitter};
+  walk.change = [&walk](int n, std::string text) {
+    const auto at = unproject(walk.zone, walk.path(n));
+    if (n == 0 || n % 40 == 7) return gga(walk.start + n, {at.latitude - 40, at.longitude + 20});
+    if (n % 40 == 12) return gga(walk.start + n, at, '0');
+    if (n % 40 == 17) return gga(walk.start + n + 7, at);
+    if (n % 40 == 22) return gga(walk.start + n - 7, at);
+    if (n % 40 == 27) return withChecksum("GPGGA,100000.00,,,,,4,12,0.8,100.0,M,18.0,M,,");
+    return text;
+  };
+  const auto found = find(walk);
+  EXPECT_GE(found.placed, found.readings - 25);
+  EXPECT_LT(found.farthest, 0.002);
+  EXPECT_EQ(found.leftOut.jumps, 9U);
+  EXPECT_EQ(found.leftOut.noFix, 8U);
+  EXPECT_EQ(found.leftOut.untimely, 15U);
+  EXPECT_EQ(found.leftOut.unreadable, 7U);
+}
+
+TEST(Places, ComeThroughStallsAndClocksThatArePutRight) {
+  Walk stall{.delay = [](int n) { return n >= 100 && n < 130 ? 130.2 - n + (n - 100) * 0.01 : jitter(n); }};
+  auto found = find(stall);
+  EXPECT_GE(found.placed, found.readings - 12) << "what was held up is made up for";
+  EXPECT_LT(found.farthest, 0.002);
+  for (const double jump : {-18.0, 1.0, -3600.0, 7200.0}) {
+    Walk restarted{.delay = jitter, .receiver = [jump](double t) { return t < 150 ? 0 : jump; }};
+    found = find(restarted);
+    EXPECT_LT(found.farthest, 0.003) << jump;
+    EXPECT_GE(found.placed, found.readings - 35) << jump;
+    for (const double t : found.empty) EXPECT_TRUE(t < 1 || t > 298 || (t > 148 && t < 152)) << jump << ' ' << t;
+  }
+}
+
+TEST(Places, AreNeverMadeUp) {
+  Walk walk{.delay = jitter, .heard = [](double t) { return t < 100 || t > 108; }};
+  auto found = find(walk);
+  EXPECT_THAT(found.empty, testing::Contains(testing::DoubleNear(104, 0.01)));
+  EXPECT_NEAR(static_cast<double>(std::ranges::count_if(found.empty, [](double t) { return t > 1 && t < 298; })), 100,
+              1)
+      << "99 to 109 s";
+  walk.options.maxGap_s = 20;
+  found = find(walk);
+  EXPECT_EQ(std::ranges::count_if(found.empty, [](double t) { return t > 1 && t < 298; }), 0);
+  EXPECT_NEAR(found.places.at(1030)->gap_s, 10, 1e-6);
+  EXPECT_EQ(found.places.at(1030)->fix, 4);
+  EXPECT_EQ(worseFix(4, 5), 5);
+  EXPECT_EQ(worseFix(2, 1), 1);
+  EXPECT_EQ(worseFix(5, 2), 2);
+}
+
+TEST(Places, AreTheInstrumentsWhereverItsAntennaIs) {
+  // On a circle the antenna does not move where the instrument looks, by as much as it is ahead of it.
+  const auto straight = [](double t) { return PlanePoint{500000 - 0.5 * t, 5500000 + 1.1 * t}; };
+  for (const auto& [path, most] : {std::pair<PlanePoint (*)(double), double>{straight, 0.003}, {circle, 0.22}}) {
+    Walk walk{.sentences_hz = 5};
+    walk.path = [path = path](double t) {
+      const auto at = path(t);
+      const auto next = path(t + 0.001);
+      const double turn = std::atan2(next.easting - at.easting, next.northing - at.northing);
+      return PlanePoint{at.easting + 1.5 * std::sin(turn) - 0.5 * std::cos(turn),
+                        at.northing + 1.5 * std::cos(turn) + 0.5 * std::sin(turn)};
+    };
+    walk.options.ahead_m = 1.5;
+    walk.options.right_m = -0.5;
+    walk.options.up_m = 2;
+    walk.instrument = path;
+    const auto found = find(walk);
+    EXPECT_GE(found.placed, found.readings - 12);
+    EXPECT_LT(found.farthest, most);
+    EXPECT_NEAR(*found.places.at(1000)->altitude, 98, 1e-9);
+  }
+}
+
+TEST(Places, OfManualReadingsAreThoseHeldForThem) {
+  const auto sentence = [](double t, const GeoPoint& at, char quality = '4') {
+    return formatGpsSentence(kLength, gga(kStart + t, at, quality), static_cast<std::uint32_t>(1000 * t + 500), '@',
+                             '#');
+  };
+  const auto reading = [](double t) {
+    return formatReading(kLength, "T$-0400+0800", static_cast<std::uint32_t>(1000 * t));
+  };
+  const auto bytes = records(kLength, {"ORLA2   W230GPS0020"}) + sentence(0, {50, 7}) + reading(2) + reading(60) +
+                     sentence(61, {51, 7}) + sentence(100, {52, 7}, '0') + reading(101) + reading(160) + reading(200) +
+                     sentence(199, {53, 7});
+  RecordReader reader;
+  ASSERT_EQ(reader.open(std::make_unique<std::istringstream>(bytes)).kind, FileErrorKind::none);
+  const auto scan = scanPositions(reader, {}, std::nullopt);
+  reader.seek(kLength);
+  std::optional<MapZone> zone;
+  std::vector<std::string> told;
+  PlaceFinder finder(scan, {}, true, zone,
+                     [&](const Place* at) {
+                       told.push_back(at == nullptr ? "-" : fmt::format("{:.3f} {:.1f}", at->at.latitude, at->gap_s));
+                     },
+                     {});
+  Record record;
+  while (reader.next(record)) finder.take(record);
+  finder.finish();
+  EXPECT_THAT(told, testing::ElementsAre("50.000 1.5", "51.000 1.5", "-", "-", "53.000 0.5"));
+}
+
+TEST(Projection, MeetsPrintedPoints) {
+  struct Case {
+    GeoPoint at;
+    int epsg;
+    double easting, northing;
+  };
+  for (const auto& item : {Case{{0, 3}, 32631, 500000, 0}, Case{{0, 0}, 32631, 166021.443, 0},
+                           Case{{60, 4}, 32632, 221288.770, 6661953.041}, Case{{90, 0}, 32661, 2000000, 2000000}}) {
+    const auto zone = zoneOf(item.at);
+    EXPECT_EQ(zone.epsg(), item.epsg);
+    const auto plane = project(zone, item.at);
+    EXPECT_NEAR(plane.easting, item.easting, 0.001) << item.epsg;
+    EXPECT_NEAR(plane.northing, item.northing, 0.001) << item.epsg;
+    const auto back = unproject(zone, plane);
+    EXPECT_NEAR(back.latitude, item.at.latitude, 1e-11);
+  }
+  EXPECT_EQ(zoneOf({78, 10}).number, 33) << "Svalbard";
+  EXPECT_EQ(zoneOf({-85, 10}).epsg(), 32761);
+  EXPECT_EQ(parseZone("33n", std::nullopt)->epsg(), 32633);
+  EXPECT_EQ(parseZone("33", false)->epsg(), 32733);
+  for (const char* wrong : {"", "0N", "61S", "33X", "-3N", "N"}) EXPECT_FALSE(parseZone(wrong, std::nullopt)) << wrong;
+  EXPECT_FALSE(parseZone("33", std::nullopt));
+  EXPECT_NEAR(nearbyLength({50, 7}, {50.01, 7.01}), geodesicLength({50, 7}, {50.01, 7.01}), 0.5);
+}
+
+}  // namespace
+}  // namespace kalmira

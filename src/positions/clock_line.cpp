@@ -38,14 +38,15 @@ std::optional<double> ClockLine::utcOf(const ClockPiece& piece, double tick_s, d
 
 const ClockPiece* ClockLine::pieceNear(double tick_s, std::uint64_t order) const {
   if (pieces_.empty()) return nullptr;
-  const auto* before = pieceOf(order);
-  if (before == nullptr) return &pieces_.front();
-  const auto* behind = before + 1;
-  if (behind == pieces_.data() + pieces_.size()) return before;
+  const auto* at = pieceOf(order);
+  if (at == nullptr) at = &pieces_.front();
   const auto distance = [tick_s](const ClockPiece& piece) {
     return std::max({0.0, piece.firstTick_s - tick_s, tick_s - piece.lastTick_s});
   };
-  return distance(*behind) < distance(*before) ? behind : before;
+  const auto* nearest = at;
+  if (at != &pieces_.front() && distance(at[-1]) < distance(*nearest)) nearest = at - 1;
+  if (at != &pieces_.back() && distance(at[1]) < distance(*nearest)) nearest = at + 1;
+  return nearest;
 }
 
 void ClockFitter::Making::add(const Point& point) {

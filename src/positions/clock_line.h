@@ -33,7 +33,7 @@ class ClockLine {
   const ClockPiece* pieceOf(std::uint64_t order) const;
   // The sentence's own time, in its piece's terms. Nothing when it is a stray's: it would have come before it was sent.
   static std::optional<double> utcOf(const ClockPiece& piece, double tick_s, double timeOfDay_s);
-  // The piece nearest to a tick, of the last one that begins up to `order` and the one behind it.
+  // The piece nearest to a tick, of the last one that begins up to `order` and those beside it.
   const ClockPiece* pieceNear(double tick_s, std::uint64_t order) const;
   // By how much a sentence was late at most, seconds.
   double latest() const { return latest_; }

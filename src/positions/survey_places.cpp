@@ -124,8 +124,7 @@ int worseFix(int a, int b) {
 }
 
 PlaceFinder::PlaceFinder(const PositionScan& scan, const PositionOptions& options, bool manual,
-                         std::optional<MapZone>& zone, std::function<void(const Place*)> place,
-                         std::function<void(const Fix&)> fix)
+                         std::optional<MapZone>& zone, TakePlace place, std::function<void(const Fix&)> fix)
     : scan_(scan),
       options_(options),
       manual_(manual),
@@ -136,15 +135,12 @@ PlaceFinder::PlaceFinder(const PositionScan& scan, const PositionOptions& option
   track_.setFirstHeading(scan.firstHeading);
 }
 
-bool PlaceFinder::take(const Record& record) {
-  const char tag = record.bytes[0];
-  if (isSentenceTag(tag)) {
+void PlaceFinder::take(const Record& record) {
+  if (isSentenceTag(record.bytes[0])) {
     if (const auto sentence = assembler_.feed(record.bytes)) takeSentence(*sentence);
-    return false;
+  } else if (recordTypeOf(record.bytes) == RecordType::reading) {
+    takeReading(record.bytes);
   }
-  if (recordTypeOf(record.bytes) != RecordType::reading) return false;
-  takeReading(record.bytes);
-  return true;
 }
 
 void PlaceFinder::takeSentence(const SentenceAssembler::Sentence& sentence) {
@@ -228,23 +224,18 @@ Place PlaceFinder::between(const Stand& a, const Stand& b, double moment) const 
 }
 
 void PlaceFinder::takeReading(std::string_view record) {
+  if (reading_waits_) tell(std::nullopt, tick_);
+  reading_waits_ = false;
   const auto tick = parseTick(record);
-  if (tick) tick_ = ticks_.take(*tick);
-  now_ = std::max(now_, tick_);
-  if (manual_) {
-    if (std::exchange(reading_waits_, false)) place_(nullptr);
-    if (!std::exchange(held_any_, false)) {
-      reading_waits_ = true;
-    } else if (held_) {
-      const auto place = placeAt(*held_, std::abs(tick_ - held_tick_));
-      place_(&place);
-    } else {
-      place_(nullptr);
-    }
-    return;
+  tick_ = tick ? ticks_.take(*tick) : std::nan("");
+  if (tick) now_ = std::max(now_, tick_);
+  if (!manual_) {
+    waiting_.push_back(tick_);
+    return resolve(false);
   }
-  waiting_.push_back(tick ? tick_ : std::nan(""));
-  resolve(false);
+  reading_waits_ = !std::exchange(held_any_, false);
+  if (reading_waits_) return;
+  tell(held_ ? std::optional(placeAt(*held_, std::abs(tick_ - held_tick_))) : std::nullopt, tick_);
 }
 
 // A sentence that was held for a reading stands beside it.
@@ -285,9 +276,7 @@ void PlaceFinder::takeHeld(const PositionSentence* position, double tick) {
     held_tick_ = tick;
     return;
   }
-  if (!held_) return place_(nullptr);
-  const auto place = placeAt(*held_, std::abs(tick - tick_));
-  place_(&place);
+  tell(held_ ? std::optional(placeAt(*held_, std::abs(tick - tick_))) : std::nullopt, tick_);
 }
 
 void PlaceFinder::resolve(bool all) {
@@ -301,36 +290,24 @@ bool PlaceFinder::resolveFirst(bool all) {
   const double moment = waiting_.front();
   while (stands_.size() > 1 && stands_[1].fix.moment_s <= moment) stands_.pop_front();
   const bool begun = !stands_.empty() && stands_.front().fix.moment_s <= moment;
+  std::optional<Place> place;
+  if (begun && stands_.front().fix.moment_s == moment) place = placeAt(stands_.front(), 0);
   if (begun && stands_.size() > 1) {
     const auto& a = stands_[0];
     const auto& b = stands_[1];
-    const double gap = b.fix.moment_s - a.fix.moment_s;
-    const bool onFix = a.fix.moment_s == moment;
-    if (a.fix.stretch == b.fix.stretch && gap <= options_.maxGap_s) {
-      const auto place = between(a, b, moment);
-      place_(&place);
-    } else if (onFix) {
-      const auto place = placeAt(a, 0);
-      place_(&place);
-    } else {
-      place_(nullptr);
-    }
-    return true;
+    if (a.fix.stretch == b.fix.stretch && b.fix.moment_s - a.fix.moment_s <= options_.maxGap_s)
+      place = between(a, b, moment);
+  } else if (!all && (begun || stands_.empty())) {
+    const double patience = scan_.line.latest() + options_.maxGap_s + std::max(0.0, -options_.lag_s) + kMargin_s +
+                            (options_.turnsAntenna() ? kHeadingWait_s : 0);
+    if (moment + patience > now_ && !scan_.line.pieces().empty()) return false;
   }
-  const double patience = scan_.line.latest() + options_.maxGap_s + std::max(0.0, -options_.lag_s) + kMargin_s +
-                          (options_.turnsAntenna() ? kHeadingWait_s : 0);
-  const bool late = !(moment + patience > now_) || scan_.line.pieces().empty();
-  if (!all && !late && (begun || stands_.empty())) return false;
-  if (begun && stands_.front().fix.moment_s == moment) {
-    const auto place = placeAt(stands_.front(), 0);
-    place_(&place);
-    return true;
-  }
-  place_(nullptr);
+  tell(place, moment);
   return true;
 }
 
 std::optional<double> PlaceFinder::utcAt(double tick_s) const {
+  if (std::isnan(tick_s)) return std::nullopt;
   const auto* piece = scan_.line.pieceNear(tick_s, order_);
   if (piece == nullptr || !piece->dated) return std::nullopt;
   return piece->utcAt(tick_s) + options_.lag_s;
@@ -338,7 +315,7 @@ std::optional<double> PlaceFinder::utcAt(double tick_s) const {
 
 void PlaceFinder::finish() {
   track_.finish();
-  if (std::exchange(reading_waits_, false)) place_(nullptr);
+  if (std::exchange(reading_waits_, false)) tell(std::nullopt, tick_);
   resolve(true);
 }
 

@@ -53,23 +53,22 @@ struct Place {
 // Of two GGA digits the one that says less: 4 before 5 before 2 before 1.
 int worseFix(int a, int b);
 
+// Of one reading: nullptr where it has no place; UTC, seconds since 1970, wherever the file has a clock.
+using TakePlace = std::function<void(const Place* place, std::optional<double> utc)>;
+
 // Finds the places of a file's readings, in their order.
 class PlaceFinder {
  public:
-  // `zone` is set by the first position where it is not set yet. `place` is told the place of each reading, or
-  // nullptr, in the order of readings; `fix` each good fix.
+  // `zone` is set by the first position where it is not set yet. `place` is called once a reading, in their order;
+  // `fix` with each good fix.
   PlaceFinder(const PositionScan& scan, const PositionOptions& options, bool manual, std::optional<MapZone>& zone,
-              std::function<void(const Place*)> place, std::function<void(const Fix&)> fix);
+              TakePlace place, std::function<void(const Fix&)> fix);
 
-  // Any record, in file order. True when it is a reading, whose place is told now or later.
-  bool take(const Record& record);
+  // Any record, in file order. The place of a reading is told now or later.
+  void take(const Record& record);
   // Tells the places of all readings so far: there are no further records.
   void finish();
 
-  // UTC at a tick of the record taken last, seconds since 1970.
-  std::optional<double> utcAt(double tick_s) const;
-  // Of the reading taken last.
-  double tick_s() const { return tick_; }
   const LeftOut& leftOut() const { return track_.leftOut(); }
 
  private:
@@ -83,6 +82,8 @@ class PlaceFinder {
   void takeFix(const Fix& fix);
   void takeHeld(const PositionSentence* position, double tick);
   void takeReading(std::string_view record);
+  std::optional<double> utcAt(double tick_s) const;
+  void tell(const std::optional<Place>& place, double tick_s) { place_(place ? &*place : nullptr, utcAt(tick_s)); }
   void resolve(bool all);
   bool resolveFirst(bool all);
   Stand standOf(const Fix& fix) const;
@@ -93,12 +94,12 @@ class PlaceFinder {
   PositionOptions options_;
   bool manual_;
   std::optional<MapZone>& zone_;
-  std::function<void(const Place*)> place_;
+  TakePlace place_;
   std::function<void(const Fix&)> fix_;
   Track track_;
   SentenceAssembler assembler_;
   CountedTicks ticks_;
-  double tick_ = 0;
+  double tick_ = 0;  // of the reading taken last; no number: it has none
   double now_ = 0;
   std::uint64_t order_ = 0;
   std::optional<double> accuracy_;

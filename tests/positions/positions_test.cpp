@@ -101,19 +101,17 @@ Found find(const Walk& walk, bool manual = false) {
   reader.seek(kLength);
   Found found;
   std::optional<MapZone> zone = walk.zone;
-  const auto place = [&](const Place* at) {
+  const auto place = [&](const Place* at, std::optional<double> utc) {
     found.places.push_back(at == nullptr ? std::nullopt : std::optional(*at));
+    const double t = static_cast<double>(found.places.size()) * 0.1;
+    const double right = kDay * 86400 + walk.start + t + walk.receiver(t);
+    if (utc) found.utcFault = std::max(found.utcFault.value_or(0), std::abs(*utc - right));
   };
   PlaceFinder finder(scan, walk.options, manual, zone, place, {});
   Record record;
   while (reader.next(record)) {
-    if (!finder.take(record)) continue;
-    ++found.readings;
-    const double t = static_cast<double>(found.readings) * 0.1;
-    if (const auto utc = finder.utcAt(finder.tick_s())) {
-      const double fault = std::abs(*utc - kDay * 86400 - walk.start - t - walk.receiver(t));
-      found.utcFault = std::max(found.utcFault.value_or(0), fault);
-    }
+    found.readings += recordTypeOf(record.bytes) == RecordType::reading ? 1U : 0U;
+    finder.take(record);
   }
   finder.finish();
   EXPECT_EQ(found.places.size(), found.readings);
@@ -261,7 +259,7 @@ TEST(Places, OfManualReadingsAreThoseHeldForThem) {
   std::optional<MapZone> zone;
   std::vector<std::string> told;
   PlaceFinder finder(scan, {}, true, zone,
-                     [&](const Place* at) {
+                     [&](const Place* at, std::optional<double>) {
                        told.push_back(at == nullptr ? "-" : fmt::format("{:.3f} {:.1f}", at->at.latitude, at->gap_s));
                      },
                      {});

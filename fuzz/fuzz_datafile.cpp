@@ -38,13 +38,14 @@ void exportAll(const std::string& bytes) {
   RecordReader reader;
   reader.open(std::make_unique<std::istringstream>(bytes));
   std::uint64_t lines = 0;
-  CsvTable table{.write =
-                     [&](std::string_view text) {
-                       for (const char c : text) lines += c == '\n' ? 1 : 0;
-                       return true;
-                     },
-                 .columns = {}};
-  require(exportReadings(reader, table).readings + 1 == lines);
+  CsvTable table{.write = [&](std::string_view text) {
+    for (const char c : text) lines += c == '\n' ? 1 : 0;
+    return true;
+  }};
+  RecordReader scanner;
+  scanner.open(std::make_unique<std::istringstream>(bytes));
+  const auto scan = scanPositions(scanner, {.ahead_m = 1}, std::nullopt);
+  require(exportReadings(reader, table, "FUZZ", {.scan = &scan, .positions = {.ahead_m = 1}}).readings + 1 == lines);
 }
 
 }  // namespace

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <iterator>
 
-#include "export/csv_export.h"
+#include "export/cells.h"
 #include "gps/nmea.h"
 #include "instruments/catalogue.h"
 

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "export/survey_rows.h"
 #include "platform/attended_run.h"
 #include "platform/command_line.h"
 
@@ -20,6 +21,10 @@ struct ExportRequest {
   std::vector<std::filesystem::path> files;
   std::optional<std::filesystem::path> out;  // none: standard output
   bool teskTimes10 = false;                  // a start-up choice of the loggers, which files do not tell
+  bool mixed = false;                        // files of several kinds may go into one table
+  PositionOptions positions;
+  std::optional<MapZone> zone;        // with its hemisphere
+  std::optional<GridPlacement> grid;  // gives places in place of GPS
 };
 CommandLine exportCommandLine(ExportRequest& request);
 

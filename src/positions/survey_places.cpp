@@ -174,7 +174,7 @@ PlaceFinder::Stand PlaceFinder::standOf(const Fix& fix) const {
     stand.at = moved(stand.at, -options_.ahead_m * std::sin(turn) - options_.right_m * std::cos(turn),
                      -options_.ahead_m * std::cos(turn) + options_.right_m * std::sin(turn));
   }
-  if (!zone_) zone_ = zoneOf(stand.at);
+  if (!zone_) zone_ = options_.zone ? MapZone{*options_.zone, stand.at.latitude >= 0} : zoneOf(stand.at);
   stand.plane = project(*zone_, stand.at);
   return stand;
 }

@@ -8,6 +8,7 @@
 
 #include "datafile/record_format.h"
 #include "datafile/record_text.h"
+#include "export/cells.h"
 #include "export/csv_export.h"
 #include "export/export_command.h"
 #include "support/command_line_case.h"
@@ -27,17 +28,26 @@ std::string lineBlock(std::size_t recordLength) {
          formatTimeMark(static_cast<int>(recordLength), {.hour = 10}, 1000);
 }
 
+const std::string kLast =
+    ",longitude,latitude,altitude,easting,northing,epsg,fix,satellites,hdop,position_gap,utc,grid_x,grid_y,segment,"
+    "file,"
+    "kind\n";
+// The last cells of a row without a position.
+std::string placeless(std::string_view grid, int segment, std::string_view fileAndKind) {
+  return fmt::format(",,,,,,,,,,,,{},{},{}\n", grid.empty() ? "," : grid, segment, fileAndKind);
+}
+
 struct Exported {
   std::string table;
-  ExportResult result;
+  RowsResult result;
 };
 
 Exported exported(const std::string& bytes, bool teskRangeTimes10 = false) {
   RecordReader reader;
   EXPECT_EQ(reader.open(std::make_unique<std::istringstream>(bytes)).kind, FileErrorKind::none);
   Exported out;
-  CsvTable table{.write = [&](std::string_view text) { return out.table += text, true; }, .columns = {}};
-  out.result = exportReadings(reader, table, teskRangeTimes10);
+  CsvTable table{.write = [&](std::string_view text) { return out.table += text, true; }};
+  out.result = exportReadings(reader, table, "F", {.teskRangeTimes10 = teskRangeTimes10});
   return out;
 }
 
@@ -52,20 +62,19 @@ const std::string kEight = "cond1_v,cond1_h,inph1_v,inph1_h,cond2_v,cond2_h,inph
 // Mode bytes: 64 trigger; 32 vertical (VARDO: horizontal); the range code in the lowest three bits.
 const std::vector<ReadingCase> kReadings{
     {"ORLA2   W230GRD0000    \n", kFour, "T%+0640+0640", "V,0,1000,,,,"},  // odd: battery voltages
-    {"ORLA2   W230GRD0001    \n", kFour, "T$-0400+0800", "V,0,100,,,2.50000,"},
+    {"ORLA2   W230GRD0001    \n", kFour, "T$-0400+0800", "V,0,100,,,2.5,"},
     // 62.5 mS/m lies between 64.58 at 3.4 m and 61.11 at 3.5 m; the last is beyond the table.
-    {"ORLAS  iW230GRD000010  \n", kFour + ",thickness", "T\x04-2500+0000", "H,0,100,,62.50000,,0.00000,3.45994"},
-    {"ORLAS  iW230GRD000010  \n", kFour + ",thickness", "T\0-9999+0000"s, "H,0,1000,,2499.75000,,0.00000,"},
-    {"ORLAS  iW230GRD000000  \n", kFour, "T\x04-2500+0000", "H,0,100,,62.50000,,0.00000"},
-    {"TESKB   W222GRD0000    \n", kFour, "T1-1000-0025", "V,0,1000/100,3.12500,,0.36000,"},
-    {"TESKD   W222GRD0001    \n", kFour, "T'-0012-0013", "V,0,1000,12.00000,13.00000,,"},
-    {"TESKS   W222GRD0001    \n", kFour, "TB+1000     ", "H,1,100,,,,-2.88000"},
-    {"VARDO   W230GRD0520    \n", kSix, "T\"-4000+0000", "H,0,10,,,,,10.00000,"},
-    {"VARDO   W230GRD0520    \n", kSix, "T8-4000+0000", "H,0,3,,,,,,3.00000"},
-    {"GLACO   W210GRD0000    \n", "thickness,inph", "T123I456    ", "V,0,100,1.23000,456.00000"},
+    {"ORLAS  iW230GRD000010  \n", kFour + ",thickness", "T\x04-2500+0000", "H,0,100,,62.5,,0,3.4599423"},
+    {"ORLAS  iW230GRD000010  \n", kFour + ",thickness", "T\0-9999+0000"s, "H,0,1000,,2499.75,,0,"},
+    {"ORLAS  iW230GRD000000  \n", kFour, "T\x04-2500+0000", "H,0,100,,62.5,,0"},
+    {"TESKB   W222GRD0000    \n", kFour, "T1-1000-0025", "V,0,1000/100,3.125,,0.36,"},
+    {"TESKD   W222GRD0001    \n", kFour, "T'-0012-0013", "V,0,1000,12,13,,"},
+    {"TESKS   W222GRD0001    \n", kFour, "TB+1000     ", "H,1,100,,,,-2.88"},
+    {"VARDO   W230GRD0520    \n", kSix, "T\"-4000+0000", "H,0,10,,,,,10,"},
+    {"VARDO   W230GRD0520    \n", kSix, "T8-4000+0000", "H,0,3,,,,,,3"},
+    {"GLACO   W210GRD0000    \n", "thickness,inph", "T123I456    ", "V,0,100,1.23,456"},
     // 5 x 33792 / 1024 - 160 = 5, times 8 = 40; word 32778 is 0.390625.
-    {"TESK2   W230GRD00011     \n", kEight, "T\x04\x80\x0A\x84\0\x84\0\x84\0\n\n\n\n"s,
-     "V,1,,40.00000,,40.00000,,0.39063,,40.00000,"}};
+    {"TESK2   W230GRD00011     \n", kEight, "T\x04\x80\x0A\x84\0\x84\0\x84\0\n\n\n\n"s, "V,1,,40,,40,,0.390625,,40,"}};
 
 TEST(Export, HasTheChannelsOfEachKind) {
   for (const auto& [header1, columns, reading, cells] : kReadings) {
@@ -73,7 +82,9 @@ TEST(Export, HasTheChannelsOfEachKind) {
     // The first of its line, at station 10.
     const auto table =
         exported(header1 + lineBlock(length) + formatReading(static_cast<int>(length), reading, 2234)).table;
-    EXPECT_EQ(table, std::string(kCommon) + columns + "\n7,10.000,1,2024-03-08,10:00:01.234,2234," + cells + "\n");
+    const auto name = instrumentOf(findInstrumentByHeader(header1)->kind).name;
+    EXPECT_EQ(table, std::string(kCommon) + columns + kLast + "7,10.000,1,2024-03-08,10:00:01.234,2234," + cells +
+                         placeless("7.000,10.000", 1, fmt::format("F,{}", name)));
   }
 }
 
@@ -81,10 +92,11 @@ TEST(Export, HasTheChannelsOfEachKind) {
 TEST(Export, TakesTheRangesTimesTenOfATeskAlone) {
   const auto row = [](const std::string& header1, const std::string& reading) {
     const auto table = exported(header1 + lineBlock(24) + formatReading(24, reading, 2234), true).table;
-    return table.substr(table.rfind(",2234,"));
+    const auto from = table.rfind(",2234,");
+    return table.substr(from, table.find(",,,,,,,,,", from) - from);
   };
-  EXPECT_EQ(row("TESKS   W222GRD0001    \n", "T$-0123     "), ",2234,V,0,1000,123.00000,,,\n");
-  EXPECT_EQ(row("TESKB   W222GRD0000    \n", "T$-0400+0800"), ",2234,V,0,100/100,-80.00000,,1.15200,\n");
+  EXPECT_EQ(row("TESKS   W222GRD0001    \n", "T$-0123     "), ",2234,V,0,1000,123");
+  EXPECT_EQ(row("TESKB   W222GRD0000    \n", "T$-0400+0800"), ",2234,V,0,100/100,-80,,1.152");
 }
 
 TEST(Export, AppliesTheLastCalibrationBeforeAReading) {
@@ -93,11 +105,12 @@ TEST(Export, AppliesTheLastCalibrationBeforeAReading) {
                             records(26, {"O1     0.500      9.000", "O2     0.250      9.000",
                                          "O5     2.000      9.000", "O6    -1.000      9.000"}) +
                             reading + records(26, {"O1     0.000      0.500", "O3     7.000      0.000"}) + reading;
-  EXPECT_EQ(exported(bytes).table,
-            std::string(kCommon) +
-                "cond1_v,cond1_h,inph1_v,inph1_h,cond2_v,cond2_h,inph2_v,inph2_h\n"
-                "7,10.000,1,2024-03-08,10:00:01.000,2000,V,1,,42.00000,,0.65276,,-1.00000,,0.03819,\n"
-                "7,11.500,1,2024-03-08,10:00:01.000,2000,V,1,,42.00000,,1.15276,,-1.00000,,0.03819,\n");
+  EXPECT_EQ(exported(bytes).table, std::string(kCommon) +
+                                       "cond1_v,cond1_h,inph1_v,inph1_h,cond2_v,cond2_h,inph2_v,inph2_h" + kLast +
+                                       "7,10.000,1,2024-03-08,10:00:01.000,2000,V,1,,42,,0.65276,,-1,,0.038190007," +
+                                       placeless("7.000,10.000", 1, "F,TESK2") +
+                                       "7,11.500,1,2024-03-08,10:00:01.000,2000,V,1,,42,,1.15276,,-1,,0.038190007," +
+                                       placeless("7.000,11.500", 1, "F,TESK2"));
 }
 
 const std::string kSurvey = records24({
@@ -123,13 +136,13 @@ const std::string kSurvey = records24({
     "T600I006           2800",
 });
 const std::string kSurveyTable =
-    "line,station,repeat,date,time,tick,dipole,marker,range,thickness,inph\n"
-    "\"N,1\",100.000,1,2023-12-31,23:59:58.399,4294966695,V,0,100,1.00000,1.00000\n"
-    "\"N,1\",99.875,1,2023-12-31,23:59:58.999,4294967295,V,0,100,2.00000,2.00000\n"
-    "\"N,1\",99.875,2,2024-01-01,00:00:00.000,1000,V,0,100,3.00000,3.00000\n"
-    "\"N,1\",7.000,1,2024-01-01,00:00:02.800,1800,V,0,100,4.00000,4.00000\n"
-    "\"N,1\",6.875,1,,,,V,0,100,0.05000,0.00000\n"
-    "\"N,1\",6.750,1,2024-01-01,00:00:03.800,2800,V,0,100,6.00000,6.00000\n";
+    "line,station,repeat,date,time,tick,dipole,marker,range,thickness,inph" + kLast +
+    "\"N,1\",100.000,1,2023-12-31,23:59:58.399,4294966695,V,0,100,1,1" + placeless("", 1, "F,GLACO") +
+    "\"N,1\",99.875,1,2023-12-31,23:59:58.999,4294967295,V,0,100,2,2" + placeless("", 1, "F,GLACO") +
+    "\"N,1\",99.875,2,2024-01-01,00:00:00.000,1000,V,0,100,3,3" + placeless("", 1, "F,GLACO") +
+    "\"N,1\",7.000,1,2024-01-01,00:00:02.800,1800,V,0,100,4,4" + placeless("", 1, "F,GLACO") +
+    "\"N,1\",6.875,1,,,,V,0,100,0.05,0" + placeless("", 1, "F,GLACO") +
+    "\"N,1\",6.750,1,2024-01-01,00:00:03.800,2800,V,0,100,6,6" + placeless("", 1, "F,GLACO");
 
 TEST(Export, FollowsStationsAndTime) {
   const auto all = exported(kSurvey);
@@ -153,7 +166,7 @@ TEST(Export, OfAFileCutAnywhereIsTheBeginningOfTheWholeExport) {
 
 TEST(Export, LeavesCellsEmptyWithoutALineBlockAndCountsRecordsThatSayNothing) {
   const auto table = exported("GLACO   W210GRD0000    \n" + formatReading(24, "T100I001", 5)).table;
-  EXPECT_EQ(table.substr(table.find('\n') + 1), ",,1,,,5,V,0,100,1.00000,1.00000\n");
+  EXPECT_EQ(table.substr(table.find('\n') + 1), ",,1,,,5,V,0,100,1,1" + placeless("", 1, "F,GLACO"));
   const auto damaged = exported("GLACO   W210GRD0000    \n" + records24({"L1", "B      1O.00", "AN", "Z99", "*"}));
   EXPECT_EQ(damaged.result.unreadableRecords, 4U);
 }
@@ -207,8 +220,9 @@ struct ExportCommand : testing::Test {
 
 const std::string kWhole = records24({"MIRKA   W210GRD0000", "H A", "L1", "B       0.00", "AN            1.000",
                                       "Z08032024 10:00:00", "*10:00:00.000      1000", "T$-0004-0040       1500"});
-const std::string kRow = "1,0.000,1,2024-03-08,10:00:00.500,1500,V,0,100,10.00000,10.00000\n";
-const std::string kTable = "line,station,repeat,date,time,tick,dipole,marker,range,cond,inph\n" + kRow;
+const std::string kRow =
+    "1,0.000,1,2024-03-08,10:00:00.500,1500,V,0,100,10,10" + placeless("1.000,0.000", 1, "a.RMI,MIRKA");
+const std::string kTable = "line,station,repeat,date,time,tick,dipole,marker,range,cond,inph" + kLast + kRow;
 
 TEST_F(ExportCommand, SaysWhatWasWrongWithAFileAndGivesWhatItCan) {
   struct Case {
@@ -240,11 +254,62 @@ TEST_F(ExportCommand, JoinsFilesOfOneKindUnderOneHeaderAndGoesOnAfterABadOne) {
   EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
   const auto other = file("o.IOR", records24({"GLACO   W210GRD0000", "T100I001           1500"}));
   const auto whole = file("a.RMI", kWhole);
-  EXPECT_EQ(run({path("none"), folder.path().string(), whole, other, whole, "-o", path("t.csv")}), kExportFailed);
+  EXPECT_EQ(run({path("none"), folder.path().string(), whole, whole, "-o", path("t.csv")}), kExportFailed);
   EXPECT_EQ(content("t.csv"), kTable + kRow);
   EXPECT_THAT(said, ElementsAre("none: cannot be opened: No such file or directory; nothing exported",
-                                folder.path().string() + ": is a folder; nothing exported",
-                                "o.IOR: has other columns than the files before it; export it by itself"));
+                                folder.path().string() + ": is a folder; nothing exported"));
+  EXPECT_EQ(run({whole, other, "-o", path("u.csv")}), kExportUsage);
+  EXPECT_THAT(said,
+              ElementsAre("o.IOR: is of GLACO, the files before it are of MIRKA; --mixed puts both into one table"));
+  EXPECT_FALSE(std::filesystem::exists(path("u.csv")));
+  EXPECT_EQ(run({whole, other, "--mixed", "-o", path("u.csv")}), kExportDone);
+  EXPECT_THAT(content("u.csv"), testing::HasSubstr(",1500,V,0,100,10,10,,"));
+  EXPECT_THAT(content("u.csv"), testing::HasSubstr(",1500,V,0,100,,1,1,"));
+}
+
+TEST_F(ExportCommand, PlacesReadingsByTheirSentencesOrByTheSurveysOwnGrid) {
+  const auto sentence = [](std::string_view body, std::uint32_t tick) {
+    unsigned sum = 0;
+    for (const char c : body) sum ^= static_cast<unsigned char>(c);
+    return formatGpsSentence(24, fmt::format("${}*{:02X}", body, sum), tick, '@', '#');
+  };
+  const auto fix = [&](int second, std::string_view longitude, int quality, std::string_view height,
+                       std::uint32_t tick) {
+    return sentence(fmt::format("GNRMC,0900{}.00,A,,,,,,,080324,,,A", second), tick - 50) +
+           sentence(fmt::format("GNGGA,0900{}.00,5000.0000,N,{},E,{},{:02},0.{},{},M,,M,,", second, longitude, quality,
+                                second, second - 2, height),
+                    tick);
+  };
+  const auto bytes = records24({"MIRKA   W210GPS0000", "H A", "L12N", "B       0.00", "AN            1.000",
+                                "Z08032024 10:00:00", "*10:00:00.000      1000"}) +
+                     fix(10, "00859.9990", 4, "100.0", 1100) + formatReading(24, "T$-0004-0040", 1500) +
+                     records24({"X$PAUSED           1700"}) + fix(11, "00900.0010", 5, "102.0", 2100) +
+                     formatReading(24, "T$-0004-0040", 2500);
+  const auto input = file("g.RMI", bytes);
+  const auto row = [&](std::vector<std::string> arguments, int index) {
+    arguments.insert(arguments.end(), {input, "-o", path("t.csv")});
+    EXPECT_EQ(run(arguments), kExportDone);
+    std::istringstream table(content("t.csv"));
+    std::string line;
+    for (int i = 0; i <= index + 1; ++i) std::getline(table, line);
+    return line.substr(line.find(",10,10,") + 7);
+  };
+  EXPECT_EQ(
+      row({"--gps-lag", "0.1"}, 0),
+      "9.00000000,50.00000000,101.000,500000.000,5538630.703,32632,5,10,0.9,1.000,2024-03-08T09:00:10.500Z,12.000,"
+      "0.000,1,g.RMI,MIRKA");
+  EXPECT_THAT(said, ElementsAre(path("g.RMI").substr(path("").size()) + ": 1 reading without a position"));
+  EXPECT_EQ(row({}, 1), ",,,,,,,,,,2024-03-08T09:00:11.400Z,12.000,1.000,2,g.RMI,MIRKA");
+  EXPECT_THAT(row({"--utm", "33", "--antenna", "0,0,1.5"}, 0),
+              testing::HasSubstr(",99.300,70134.259,5555901.573,32633,"));
+  EXPECT_THAT(row({"--grid", "500000,5500000,90,32N"}, 1),
+              testing::MatchesRegex("9.000.*,49.65.*,,500001.000,5499988.000,32632,,,,,2024.*"));
+  EXPECT_EQ(optionsOf(exportCommandLine, "a --antenna 1,2,3").positions.up_m, 3);
+  for (const char* wrong : {"--utm 61", "--utm x", "--gps-lag 11", "--max-gap -1", "--antenna 1,2", "--antenna 1,2,3,4",
+                            "--grid 1,2,3,32", "--grid 1,2,32N"}) {
+    ExportRequest request;
+    EXPECT_THAT(saidOf(exportCommandLine(request), std::string("a ") + wrong), testing::HasSubstr(" wants ")) << wrong;
+  }
 }
 
 TEST_F(ExportCommand, ReplacesAnEarlierTableButNeverADataFile) {

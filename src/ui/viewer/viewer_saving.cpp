@@ -277,11 +277,17 @@ std::string exportTable(const OpenedFile& file, const std::filesystem::path& tar
   RecordReader reader;
   if (const auto error = reader.open(file.path); error.kind != FileErrorKind::none) return error.text;
   OutputFile output(target);
-  CsvTable table{.write = [&output](std::string_view text) { return output.write(text); }, .columns = {}};
-  FileStretch stretch;
-  if (file.line.line > 0) stretch = {.begin = file.line.begin, .end = file.line.end()};
-  const auto result = exportReadings(reader, table, teskRangeTimes10, stretch);
-  if (result.outcome != ExportOutcome::done || !output.finish()) return output.problem();
+  CsvTable table{.write = [&output](std::string_view text) { return output.write(text); }};
+  RowOptions options{.teskRangeTimes10 = teskRangeTimes10};
+  if (file.line.line > 0) options.stretch = {.begin = file.line.begin, .end = file.line.end()};
+  RecordReader scanner;
+  PositionScan scan;
+  if (reader.header().gps && scanner.open(file.path).kind == FileErrorKind::none) {
+    scan = scanPositions(scanner, options.positions, std::nullopt);
+    options.scan = &scan;
+  }
+  const auto result = exportReadings(reader, table, file.path.filename().string(), options);
+  if (result.stopped || !output.finish()) return output.problem();
   readings = result.readings;
   return reader.error().kind == FileErrorKind::none ? "" : reader.error().text;
 }

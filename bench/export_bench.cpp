@@ -39,14 +39,30 @@ std::string readingOf(Kind kind, unsigned number) {
       number * 91);
 }
 
-std::filesystem::path surveyFile(Kind kind) {
+std::string sentenceOf(int length, unsigned number, unsigned tick) {
+  const unsigned tenths = number + 288000;
+  const auto body =
+      fmt::format("GNGGA,{:02}{:02}{:02}.{}0,50{:010.7f},N,008{:010.7f},E,4,12,0.8,100.0,M,18.0,M,1.0,0001",
+                  tenths / 36000 % 24, tenths / 600 % 60, tenths / 10 % 60, tenths % 10, number * 5e-5, number * 6e-5);
+  unsigned sum = 0;
+  for (const char c : body) sum ^= static_cast<unsigned char>(c);
+  return formatGpsSentence(length, fmt::format("${}*{:02X}", body, sum), tick, '@', '#');
+}
+
+// With `sentences`, ten a second.
+std::filesystem::path surveyFile(Kind kind, bool sentences = false) {
   const int length = instrumentOf(kind).fileRecordLength;
   auto path = std::filesystem::temp_directory_path() / fmt::format("kalmira_export_{}.bin", getpid());
   std::ofstream file(path, std::ios::binary);
-  file << formatHeader1({.kind = kind}) << formatHeader2(length, "BENCH", "  1.000");
+  file << formatHeader1({.kind = kind, .gps = sentences}) << formatHeader2(length, "BENCH", "  1.000");
   file << formatLineName(length, "1") << formatStartStation(length, 0.0) << formatDirection(length, 2, 0.5)
        << formatDate(length, {.year = 2024}) << formatTimeMark(length, {}, 0);
-  for (unsigned i = 0; i < kReadings; ++i) file << readingOf(kind, i);
+  unsigned sentence = 0;
+  for (unsigned i = 0; i < kReadings; ++i) {
+    for (; sentences && sentence * 100 <= i * 91; ++sentence)
+      file << sentenceOf(length, sentence, sentence * 100 + 60 + sentence % 7);
+    file << readingOf(kind, i);
+  }
   file.close();
   if (!file) throw std::filesystem::filesystem_error("survey file", path, std::error_code());
   return path;
@@ -66,6 +82,26 @@ void exportMillion(benchmark::State& state, Kind kind) {
   state.SetItemsProcessed(state.iterations() * kReadings);
   state.counters["peak_MB"] = peakResidentMegabytes();
 }
+
+void exportPlaced(benchmark::State& state) {
+  const auto path = surveyFile(Kind::orla, true);
+  while (state.KeepRunning()) {
+    OutputFile output("/dev/null");
+    CsvTable table{.write = [&](std::string_view text) { return output.write(text); }};
+    RecordReader scanner;
+    RecordReader reader;
+    const bool opened = scanner.open(path).kind == FileErrorKind::none && reader.open(path).kind == FileErrorKind::none;
+    if (!opened) state.SkipWithError("the survey file cannot be read");
+    const auto scan = scanPositions(scanner, {}, std::nullopt);
+    const auto result = exportReadings(reader, table, "BENCH", {.scan = &scan});
+    if (result.readings != kReadings || result.placelessReadings > 100) state.SkipWithError("readings are missing");
+    if (!output.finish()) state.SkipWithError("the table cannot be written");
+  }
+  std::filesystem::remove(path);
+  state.SetItemsProcessed(state.iterations() * kReadings);
+  state.counters["peak_MB"] = peakResidentMegabytes();
+}
+BENCHMARK(exportPlaced)->Unit(benchmark::kMillisecond);
 
 BENCHMARK_CAPTURE(exportMillion, orla, Kind::orla)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(exportMillion, tesk2, Kind::tesk2)->Unit(benchmark::kMillisecond);

@@ -28,11 +28,11 @@ class Rows {
 
   // False when nobody wants more.
   bool take(const Record& record) {
-    if (!understood(record.bytes)) ++result.unreadableRecords;
     const auto type = recordTypeOf(record.bytes);
+    if (!understood(type, record.bytes)) ++result.unreadableRecords;
     if (type == RecordType::reading) takeReading(record.bytes);
     gap_ = gap_ || type == RecordType::lineName || (type == RecordType::event && isGap(record.bytes));
-    if (finder_) finder_->take(record);
+    if (finder_) finder_->take(type, record);
     return !result.stopped;
   }
   void finish() {
@@ -50,14 +50,18 @@ class Rows {
   }
 
   // False when the record says nothing.
-  bool understood(std::string_view record) {
-    switch (recordTypeOf(record)) {
+  bool understood(RecordType type, std::string_view record) {
+    switch (type) {
       case RecordType::date: return takeIf(parseDate(record), [&](const LocalTime& date) { times_.takeDate(date); });
       case RecordType::timeMark:
         return takeIf(parseTimeMark(record), [&](const TimeMark& mark) { times_.takeMark(mark); });
       case RecordType::calibration:
         return takeIf(parseCalibration(record), [&](const CalibrationPair& pair) { decoder_.takeCalibration(pair); });
       case RecordType::direction: direction_ = record[1]; return position_.take(record);
+      case RecordType::lineName:
+        position_.take(record);
+        line_number_ = lineNumber(position_.lineName());
+        return true;
       default: return position_.take(record);
     }
   }
@@ -65,22 +69,27 @@ class Rows {
   void takeReading(std::string_view record) {
     if (std::exchange(gap_, false) && result.readings > 0) ++segment_;
     ++result.readings;
-    auto& row = waiting_.emplace_back();
+    auto& row = finder_ ? waiting_.emplace_back() : alone_;
     row.line = position_.lineName();
     row.station = position_.station();
     row.repeat = readingRepeat(record);
     row.tick = parseTick(record);
-    if (row.tick) row.moment = times_.at(*row.tick);
+    row.moment = row.tick ? times_.at(*row.tick) : std::nullopt;
     if (!row.moment) ++result.timelessReadings;
     row.reading = decoder_.decode(readingText(record));
-    row.grid = gridPoint(row.line, direction_, row.station);
+    row.grid = gridPoint(line_number_, direction_, row.station);
     row.segment = segment_;
-    if (!finder_) finishFirst(nullptr, std::nullopt);
+    if (!finder_) finish(row, nullptr, std::nullopt);
   }
 
   void finishFirst(const Place* place, std::optional<double> utc) {
-    auto& row = waiting_.front();
+    finish(waiting_.front(), place, utc);
+    waiting_.pop_front();
+  }
+
+  void finish(ReadingRow& row, const Place* place, std::optional<double> utc) {
     row.utc = utc;
+    row.place.reset();
     if (options_.grid) {
       placeByGrid(row);
     } else if (place != nullptr) {
@@ -89,7 +98,6 @@ class Rows {
       ++result.placelessReadings;
     }
     result.stopped = result.stopped || !take_(row);
-    waiting_.pop_front();
   }
 
   void placeByGrid(ReadingRow& row) const {
@@ -111,6 +119,8 @@ class Rows {
   RecordTimes times_;
   std::optional<PlaceFinder> finder_;
   std::deque<ReadingRow> waiting_;  // for their places
+  ReadingRow alone_;                // of a file without a receiver
+  std::optional<double> line_number_;
   std::uint64_t segment_ = 1;
   char direction_ = 'N';
   bool gap_ = false;  // since the reading before

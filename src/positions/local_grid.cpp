@@ -23,11 +23,10 @@ std::optional<double> lineNumber(std::string_view name) {
   return parseReal(name.substr(0, end));
 }
 
-std::optional<GridPoint> gridPoint(std::string_view lineName, char direction, std::optional<double> station) {
-  const auto line = lineNumber(lineName);
-  if (!line || !station) return std::nullopt;
+std::optional<GridPoint> gridPoint(std::optional<double> lineNumber, char direction, std::optional<double> station) {
+  if (!lineNumber || !station) return std::nullopt;
   const bool across = direction == 'W' || direction == 'E';
-  return across ? GridPoint{*station, *line} : GridPoint{*line, *station};
+  return across ? GridPoint{*station, *lineNumber} : GridPoint{*lineNumber, *station};
 }
 
 PlanePoint GridPlacement::at(const GridPoint& point) const {

@@ -18,7 +18,7 @@ struct GridPoint {
 };
 // On lines that run north or south x is the line's number and y the station; on those that run west or east the other
 // way round. Nothing where one of them is not known.
-std::optional<GridPoint> gridPoint(std::string_view lineName, char direction, std::optional<double> station);
+std::optional<GridPoint> gridPoint(std::optional<double> lineNumber, char direction, std::optional<double> station);
 
 // Where the grid lies on the earth.
 struct GridPlacement {

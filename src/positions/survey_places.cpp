@@ -135,10 +135,10 @@ PlaceFinder::PlaceFinder(const PositionScan& scan, const PositionOptions& option
   track_.setFirstHeading(scan.firstHeading);
 }
 
-void PlaceFinder::take(const Record& record) {
+void PlaceFinder::take(RecordType type, const Record& record) {
   if (isSentenceTag(record.bytes[0])) {
     if (const auto sentence = assembler_.feed(record.bytes)) takeSentence(*sentence);
-  } else if (recordTypeOf(record.bytes) == RecordType::reading) {
+  } else if (type == RecordType::reading) {
     takeReading(record.bytes);
   }
 }

@@ -64,8 +64,8 @@ class PlaceFinder {
   PlaceFinder(const PositionScan& scan, const PositionOptions& options, bool manual, std::optional<MapZone>& zone,
               TakePlace place, std::function<void(const Fix&)> fix);
 
-  // Any record, in file order. The place of a reading is told now or later.
-  void take(const Record& record);
+  // Any record, of its type, in file order. The place of a reading is told now or later.
+  void take(RecordType type, const Record& record);
   // Tells the places of all readings so far: there are no further records.
   void finish();
 

@@ -14,9 +14,9 @@ namespace kalmira {
 
 // Seconds, metres a second and metres.
 struct PositionOptions {
-  double lag_s = 0;          // by which the fastest sentence comes after the moment of its fix
-  double maxGap_s = 5;       // no position is made up across a longer one
-  double maxSpeed_mps = 15;  // what is farther from the fix before it than this allows is none
+  double lag_s = 0;           // by which the fastest sentence comes after the moment of its fix
+  double maxGap_s = 5;        // no position is made up across a longer one
+  double maxSpeed_mps = 15;   // what is farther from the fix before it than this allows is none
   std::optional<int> zone{};  // of the transverse Mercator grid, 1 to 60, in place of the first position's own
   // Where the antenna is, from the middle of the instrument.
   double ahead_m = 0, right_m = 0, up_m = 0;

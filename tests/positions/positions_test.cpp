@@ -110,8 +110,9 @@ Found find(const Walk& walk, bool manual = false) {
   PlaceFinder finder(scan, walk.options, manual, zone, place, {});
   Record record;
   while (reader.next(record)) {
-    found.readings += recordTypeOf(record.bytes) == RecordType::reading ? 1U : 0U;
-    finder.take(record);
+    const auto type = recordTypeOf(record.bytes);
+    found.readings += type == RecordType::reading ? 1U : 0U;
+    finder.take(type, record);
   }
   finder.finish();
   EXPECT_EQ(found.places.size(), found.readings);
@@ -264,7 +265,7 @@ TEST(Places, OfManualReadingsAreThoseHeldForThem) {
                      },
                      {});
   Record record;
-  while (reader.next(record)) finder.take(record);
+  while (reader.next(record)) finder.take(recordTypeOf(record.bytes), record);
   finder.finish();
   EXPECT_THAT(told, testing::ElementsAre("50.000 1.5", "51.000 1.5", "-", "-", "53.000 0.5"));
 }

@@ -190,29 +190,29 @@ struct KindCase {
 
 const std::array kCases{
     KindCase{"ORLA", "", "34-0567\r", "T$+0400-0800\r", "Td-0412+0796\r", "value1 C:-10.00  mS/m",
-             "ORLA2   W230GRD0010   3", ",V,1,100,10.30000,,-1.99000,"},
+             "ORLA2   W230GRD0010   3", ",V,1,100,10.3,,-1.99,"},
     // Under a short instrument 106 mS/m over salt water of 2000 mS/m are 2.6 m of ice, 113.6 mS/m are 2.5 m.
     KindCase{"OrlaIce", "--ice --set instrumentLength=1 --set iceDisplay=1 --set iceQuantity=1", "\r", "TD-4240+0000\r",
              "TD-4544+0670\r", "value3 Th: 2.60    m", "ORLAS  iW230GRD001010 3",
-             ",H,1,100,,113.60000,,-0.50000,2.50000", 1, "0"},
+             ",H,1,100,,113.6,,-0.5,2.5", 1, "0"},
     KindCase{"teskb", "--set surveyListB=1", "T$+010", "T$+0100-0250\r", "T\x07+1000+0012\r", "value1 C:25.00   mS/m",
-             "TESKB   W222GRD0110   3", ",H,0,1000/1000,,-12.00000,,-28.80000"},
+             "TESKB   W222GRD0110   3", ",H,0,1000/1000,,-12,,-28.8"},
     KindCase{"TESKDD", "--set surveyListA=2", "00\r", "T$+0100-0250\r", "T +0500-0250\r", "value2 CH:25.00",
-             "TESKD   W222GRD0012   3", ",V,0,100,,,-1.44000,0.72000"},
+             "TESKD   W222GRD0012   3", ",V,0,100,,,-1.44,0.72"},
     KindCase{"TESK", "--set lengthUnits=1", "100\r", "T$+0100\r", "T\x04-0250\r", "value1 C:-10.00  mS/m",
-             "TESKS   W222GRD1010   3", ",H,0,100,,25.00000,,"},
+             "TESKS   W222GRD1010   3", ",H,0,100,,25,,"},
     KindCase{"TeskTwelve", "--tesk-x10 --storage-class 0", "0000\r", "T$+0100+0000\r", "T$-0250+0000\r",
-             "value1 C:-100.00 mS/m", "TESKS   W222GRD0010    ", ",V,0,100,25.00000,,,", 1, "3"},
+             "value1 C:-100.00 mS/m", "TESKS   W222GRD0010    ", ",V,0,100,25,,,", 1, "3"},
     KindCase{"VARDO", "--set surveyListB=4", "T$+0", "T$+0400+0000\r", "T\x14-0400+0000\r", "value1 C:-10.00  mS/m",
-             "VARDO   W230GRD0410   3", ",V,0,100,10.00000,,,,,"},
+             "VARDO   W230GRD0410   3", ",V,0,100,10,,,,,"},
     KindCase{"MIRKA", "", "\r\r", "T$+0004-0008\r", "T$-0004+0012\r", "value1 C:-10.00", "MIRKA   W210GRD0010   3",
-             ",V,0,100,10.00000,-3.00000"},
+             ",V,0,100,10,-3"},
     KindCase{"GLACO", "", "23I045", "T123I045", "T250I007", "value1 Th:1.23", "GLACO   W210GRD0010   3",
-             ",V,0,100,2.50000,7.00000", 0},
+             ",V,0,100,2.5,7", 0},
     // Records may hold line feeds and pairs of 255. The second: conductivities 40 and 80, inphase 40.
     KindCase{"TESK2", "--set tesk2Variant=2", "\x02\n\xff\xff"s, "T\x06\0\0\x84\0\xff\xff\x84\0\n\n\0\0\xff\xff"s,
              "t\x02\x84\0\x84\0\x88\0\x84\0\0\n\n\0\xff\xff"s, "value1 C:1279.96 mS/m", "TESK2   W230GRD00102    3",
-             ",H,0,,,80.00000,,1.15276,,40.00000,,0.28819", 2},
+             ",H,0,,,80,,1.15276,,40,,0.28819", 2},
 };
 
 void PrintTo(const KindCase& item, std::ostream* out) { *out << item.test; }
@@ -259,7 +259,8 @@ TEST_P(SurveyOf, GivesItsFileByteForByteAndItsTable) {
   EXPECT_EQ(table.status, 0) << table.errors;
   EXPECT_EQ(std::count(table.output.begin(), table.output.end(), '\n'), 4);
   EXPECT_THAT(table.output, HasSubstr("\n7/a,42.500,1,"));
-  EXPECT_THAT(table.output, EndsWith(item.row + "\n"));
+  EXPECT_THAT(table.output.substr(table.output.find_last_of('\n', table.output.size() - 2)),
+              HasSubstr(item.row + ",,,,,,,,,,,,"));
 }
 
 INSTANTIATE_TEST_SUITE_P(Kinds, SurveyOf, testing::ValuesIn(kCases), [](const auto& row) { return row.param.test; });

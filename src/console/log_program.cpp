@@ -55,6 +55,13 @@ std::string takeSet(LogOptions& options, const std::string& value) {
   return {};
 }
 
+std::string takeNote(LogOptions& options, const std::string& value) {
+  SurveyNotes looked;
+  if (auto problem = setNote(looked, value); !problem.empty()) return problem;
+  options.notes.push_back(value);
+  return {};
+}
+
 std::string takeName(LogOptions& options, const std::string& value) {
   if (value.empty() || value.find('/') != std::string::npos || value.find('\\') != std::string::npos ||
       value.starts_with('.') || hasControlCharacters(value)) {
@@ -160,6 +167,7 @@ SessionSetup setupOf(const LogOptions& options, std::filesystem::path root) {
           .storageClass = options.storageClass,
           .root = std::move(root),
           .mirror = options.mirror,
+          .notes = options.notes,
           .portrait = true,
           .smallScreen = false,
           .wideLayout = true};
@@ -334,6 +342,8 @@ CommandLine logCommandLine(LogOptions& o) {
                  {"This run",
                   {{"--set", "FIELD=VALUE", "a setting for this run only, such as surveyMode=2 or traceWidth[2]=3",
                     [&o](const std::string& value) { return takeSet(o, value); }, "", CommandOption::Again::allCount},
+                   {"--note", "FIELD=VALUE", "a note beside the data file for this run only, such as site=Moor",
+                    [&o](const std::string& value) { return takeNote(o, value); }, "", CommandOption::Again::allCount},
                    {"--name", "BASENAME", "name of the data file, without extension",
                     [&o](const std::string& value) { return takeName(o, value); }},
                    {"--seconds", "S", "record at once for S seconds, then end",

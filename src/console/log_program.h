@@ -18,8 +18,9 @@ struct LogOptions : StartOptions {
   std::string gps;     // empty: none
   std::string marker;  // empty: none
   std::vector<std::pair<FieldRef, std::string>> set;
-  std::string name;      // of the data file, without its kind's extension; empty: the proposed one
-  bool noInput = false;  // record at once and until a signal comes, whatever stands on standard input
+  std::vector<std::string> notes;  // "FIELD=VALUE"
+  std::string name;                // of the data file, without its kind's extension; empty: the proposed one
+  bool noInput = false;            // record at once and until a signal comes, whatever stands on standard input
   std::optional<double> seconds;
   bool exitOnSilence = false;
   bool show = false;

@@ -8,8 +8,7 @@
 
 namespace kalmira {
 
-RunSettings::RunSettings(SettingsPlace place, const FieldValues& overrides)
-    : place_(std::move(place)), writer_(settingsFileOf(place_)) {
+RunSettings::RunSettings(SettingsPlace place, const FieldValues& overrides) : place_(std::move(place)) {
   problem_ = loadSettings(place_, settings_).problem;
   const Settings fromFile = settings_;
   bool incrementSet = false;
@@ -50,7 +49,7 @@ void RunSettings::save(const Settings& current) {
       setFieldText(saved, field, item.field.index, item.fileValue);
     }
   }
-  writer_.write(formatSettings(saved, place_.kind, place_.iceOption));
+  writer_.write(settingsFileOf(place_), formatSettings(saved, place_.kind, place_.iceOption));
 }
 
 }  // namespace kalmira

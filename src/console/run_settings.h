@@ -4,6 +4,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/file_writer.h"
 #include "settings/settings.h"
 #include "settings/settings_file.h"
 
@@ -38,7 +39,7 @@ class RunSettings {
   Settings settings_;
   std::string problem_;
   std::vector<Override> overrides_;
-  SettingsWriter writer_;
+  FileWriter writer_{"settings"};
 };
 
 }  // namespace kalmira

@@ -5,6 +5,7 @@
 #include "logging/calibration.h"
 #include "logging/file_guard.h"
 #include "logging/gps_watch.h"
+#include "logging/notes.h"
 #include "logging/panel.h"
 
 namespace kalmira {
@@ -45,6 +46,7 @@ CreateOutcome beginDataFile(Session& session, const ChooseDataFile& choose) {
   } else if (outcome.how == CreateOutcome::How::created) {
     session.loggingState = kStandBy;
     beginMirror(session);
+    beginNotes(session);
     showFile(session);
     showState(session);
     showLineAndStation(session);
@@ -137,6 +139,7 @@ bool LeaveLogging(Session& session, bool forced) {
     if (session.gpsEnabled()) noteGpsAtEnd(session);
     if (session.ports->markerGone()) noteShortfall(session, "The marker port was not there at the end.");
     closeDataFile(session);
+    finishNotes(session);
   }
   session.inputEnabled = false;
   abandonCalibration(session);

@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "logging/notes.h"
 #include "logging/panel.h"
 #include "logging/session_view.h"
 #include "platform/files.h"
@@ -101,6 +102,7 @@ void goOnElsewhere(Session& session) {
     showFile(session);
     session.mirror.setOriginal(session.file.readingHandle());
     session.view.fileMoved(session.file.path());
+    moveNotes(session, condition == Condition::failing);
     tellContinued(session, happened, missing);
     return;
   }

@@ -7,6 +7,7 @@
 
 #include "logging/calibration.h"
 #include "logging/gps_watch.h"
+#include "logging/notes.h"
 #include "logging/panel.h"
 
 namespace kalmira {
@@ -201,6 +202,7 @@ void OnReading(Session& session) {
 void OnGpsLine(Session& session, const GpsLine& line) {
   const bool checksumOk = nmeaChecksumOk(line.text);
   noteGpsLine(session, checksumOk);
+  if (checksumOk) noteFixTime(session, line);
   if (session.surveyMode() == kModeManual) {
     if (!checksumOk) return OnGpsSentence(session, line, false);
     if (session.held.hold(line)) OnGpsSentence(session, line, true);

@@ -7,6 +7,7 @@
 
 #include "logging/file_guard.h"
 #include "logging/gps_watch.h"
+#include "logging/notes.h"
 #include "logging/saving.h"
 #include "logging/session_link.h"
 #include "platform/power.h"
@@ -167,6 +168,7 @@ void serviceSession(Session& session) {
     guardFile(session);
     showFileTrouble(session);
   }
+  watchNotes(session);
   watchSaving(session);
   endWaiting(session);
   lookForPorts(session);

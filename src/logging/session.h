@@ -4,14 +4,17 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "datafile/creation.h"
 #include "datafile/data_file.h"
 #include "datafile/mirror.h"
 #include "datafile/reading_context.h"
 #include "datafile/record_writers.h"
+#include "datafile/survey_notes.h"
 #include "gps/nmea.h"
 #include "instruments/catalogue.h"
 #include "instruments/ice_model.h"
@@ -20,6 +23,7 @@
 #include "logging/session_ports.h"
 #include "logging/session_view.h"
 #include "platform/clock.h"
+#include "platform/file_writer.h"
 #include "settings/settings.h"
 
 namespace kalmira {
@@ -31,7 +35,8 @@ struct SessionSetup {
   bool teskRangeTimes10 = false;  // TESK: the instrument's ranges are ten times as large
   int storageClass = kDefaultStorageClass;
   std::filesystem::path root;
-  std::filesystem::path mirror{};  // folder of the second copy; empty: none
+  std::filesystem::path mirror{};    // folder of the second copy; empty: none
+  std::vector<std::string> notes{};  // "FIELD=VALUE", beyond the operator's last notes; setNote takes them all
   bool portrait = true;
   bool smallScreen = false;
   bool wideLayout = true;  // the panel spans the width: long texts with units
@@ -100,6 +105,19 @@ struct Session {
     int servicesToTry = 0;  // until the next try to find another place for the survey
     int tries = 0;
   } guard;
+
+  // The notes beside the data file, see notes.h.
+  struct Notes {
+    SurveyNotes survey{};
+    std::unique_ptr<FileWriter> writer{};  // as long as there is a data file
+    std::string problem{};                 // with the operator's last ones, to be told
+    bool writingTold = false;
+    struct Undated {
+      std::int64_t difference_ms = 0;
+      std::uint32_t tick = 0;
+    };
+    std::optional<Undated> undated{};  // difference of the clocks from a fix whose day is guessed
+  } notes;
 
   // Taken from the settings when the session begins, see takeSettings.
   int triggerMode = kModeAuto;

@@ -24,7 +24,24 @@ std::uint64_t uptimeMs() {
 #endif
 }
 
+std::tm localParts(std::time_t seconds) {
+  std::tm parts{};
+#ifdef _WIN32
+  localtime_s(&parts, &seconds);
+#else
+  localtime_r(&seconds, &parts);
+#endif
+  return parts;
+}
+
 }  // namespace
+
+std::int64_t msSince1970(const LocalTime& time) {
+  using namespace std::chrono;
+  const sys_days day = year(time.year) / time.month / time.day;
+  const auto ofDay = hours(time.hour) + minutes(time.minute) + seconds(time.second) + milliseconds(time.millisecond);
+  return (day.time_since_epoch() + ofDay).count();
+}
 
 SystemClock::SystemClock(TickBase base) : origin_ms_(base == TickBase::program ? uptimeMs() : 0) {}
 
@@ -34,12 +51,7 @@ LocalTime SystemClock::localTime() const {
   using namespace std::chrono;
   const auto now = system_clock::now();
   const std::time_t seconds = system_clock::to_time_t(floor<std::chrono::seconds>(now));
-  std::tm parts{};
-#ifdef _WIN32
-  localtime_s(&parts, &seconds);
-#else
-  localtime_r(&seconds, &parts);
-#endif
+  const auto parts = localParts(seconds);
   const auto fraction = duration_cast<milliseconds>(now - floor<std::chrono::seconds>(now));
   return {.year = parts.tm_year + 1900,
           .month = parts.tm_mon + 1,
@@ -48,6 +60,18 @@ LocalTime SystemClock::localTime() const {
           .minute = parts.tm_min,
           .second = parts.tm_sec,
           .millisecond = static_cast<int>(fraction.count())};
+}
+
+int SystemClock::utcOffset() const {
+  const auto now = std::chrono::system_clock::to_time_t(std::chrono::system_clock::now());
+  const auto parts = localParts(now);
+  const LocalTime local{.year = parts.tm_year + 1900,
+                        .month = parts.tm_mon + 1,
+                        .day = parts.tm_mday,
+                        .hour = parts.tm_hour,
+                        .minute = parts.tm_min,
+                        .second = parts.tm_sec};
+  return static_cast<int>(msSince1970(local) / 1000 - now);
 }
 
 std::uint64_t SystemClock::sleptMs() const {

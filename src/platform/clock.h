@@ -14,6 +14,9 @@ struct LocalTime {
   int millisecond = 0;
 };
 
+// Milliseconds from the first moment of 1970 to `time`, both as that clock shows them.
+std::int64_t msSince1970(const LocalTime& time);
+
 // The one source of times. Everything that needs a tick or the time of day is handed a Clock; tests hand in one that
 // they move by hand. All members may be called from any thread.
 class Clock {
@@ -28,6 +31,8 @@ class Clock {
   virtual std::uint32_t tick() const = 0;
   // The device's date and time of day, in its time zone.
   virtual LocalTime localTime() const = 0;
+  // Seconds that it is ahead of UTC, now.
+  virtual int utcOffset() const = 0;
   // How long the machine has slept since it was started.
   virtual std::uint64_t sleptMs() const = 0;
   // Returns after at least `milliseconds`.
@@ -44,6 +49,7 @@ class SystemClock final : public Clock {
   explicit SystemClock(TickBase base);
   std::uint32_t tick() const override;
   LocalTime localTime() const override;
+  int utcOffset() const override;
   std::uint64_t sleptMs() const override;
   void pause(std::uint32_t milliseconds) const override;
 

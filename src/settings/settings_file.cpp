@@ -77,30 +77,4 @@ std::string saveSettings(const SettingsPlace& place, const Settings& settings) {
   return "Cannot write " + path.string() + ": " + problem;
 }
 
-void SettingsWriter::write(std::string text) {
-  worker_.change([&] {
-    text_ = std::move(text);
-    waiting_ = true;
-  });
-  worker_.start([this] { run(); });
-}
-
-std::string SettingsWriter::takeProblem() {
-  const auto held = worker_.lock();
-  return std::exchange(problem_, {});
-}
-
-void SettingsWriter::run() {
-  auto held = worker_.lock();
-  while (worker_.wait(held, [this] { return waiting_; })) {
-    waiting_ = false;
-    const std::string text = std::move(text_);
-    held.unlock();
-    (void)makeFolders(path_.parent_path());  // a folder that cannot be made shows when the file cannot be written
-    const std::string problem = replaceFile(path_, text);
-    held.lock();
-    if (!problem.empty()) problem_ = "Cannot write " + path_.string() + ": " + problem;
-  }
-}
-
 }  // namespace kalmira

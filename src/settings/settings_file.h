@@ -5,7 +5,6 @@
 #include <string_view>
 
 #include "instruments/catalogue.h"
-#include "platform/worker.h"
 #include "settings/settings.h"
 
 namespace kalmira {
@@ -44,29 +43,5 @@ std::filesystem::path settingsFileOf(const SettingsPlace& place);
 
 // Replaces the file whole or not at all. Returns an empty text, or why it could not be written.
 std::string saveSettings(const SettingsPlace& place, const Settings& settings);
-
-// Writes a settings file on a thread of its own: committing a file can take a second on a slow card, and a session goes
-// on meanwhile. Only the latest text matters; each is written whole or not at all. Members are called on one thread and
-// return at once, but for finish.
-class SettingsWriter {
- public:
-  explicit SettingsWriter(std::filesystem::path path) : path_(std::move(path)) {}
-  ~SettingsWriter() { finish(); }
-
-  void write(std::string text);
-  // Waits until the last text is written, and ends the thread.
-  void finish() { worker_.stop(); }
-  // Why a text could not be written, once; empty when there is nothing to tell.
-  std::string takeProblem();
-
- private:
-  void run();
-
-  std::filesystem::path path_;
-  Worker worker_{"settings"};
-  std::string text_;  // as the rest, under the worker's lock
-  bool waiting_ = false;
-  std::string problem_;
-};
 
 }  // namespace kalmira

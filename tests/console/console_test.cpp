@@ -19,17 +19,22 @@ using testing::HasSubstr;
 
 TEST(LogOptions, GoodAndBadCommandLines) {
   const std::string needed = "--kind tesk2 --port=/dev/x ";
-  const auto options =
-      optionsOf(logCommandLine, needed + "--set traceWidth[2]=3 --set lineName= --seconds +2.5 --marker m");
+  const auto options = optionsOf(
+      logCommandLine,
+      needed + "--set traceWidth[2]=3 --set lineName= --seconds +2.5 --marker m --note site=a --note gpsLag=1");
   EXPECT_TRUE(options.kind == Kind::tesk2 && options.port == "/dev/x" && options.seconds == 2.5);
   EXPECT_EQ(options.set.at(0).first.index, 2U);
   EXPECT_EQ(options.set.at(1).second, "");
+  EXPECT_THAT(options.notes, ElementsAre("site=a", "gpsLag=1"));
   for (const auto& [more, said] : std::initializer_list<std::pair<std::string, std::string>>{
            {"--seconds 0", "--seconds takes a number of seconds above 0"},
            {"--set surveyMode", "--set takes FIELD=VALUE"},
            {"--set surveyMode=x", "\"x\" is no whole number for surveyMode"},
            {"--set traceWidth[8]=3", "there is no setting \"traceWidth[8]\""},
            {"--set readingsInterval=fast", "\"fast\" is no number for readingsInterval"},
+           {"--note site", "a note is FIELD=VALUE"},
+           {"--note kind=a", "there is no note \"kind\""},
+           {"--note site=a --note gpsLag=11", "gpsLag is not from -10 to 10"},
            {"--name ../x", "\"../x\" is no name for a data file: a bare name without folder is wanted"},
            {"--gps=", "a device is missing"},
            {"--kind TESK --marker /dev/y", "--marker is for the TESK2"},

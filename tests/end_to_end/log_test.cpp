@@ -16,6 +16,7 @@ namespace {
 using namespace std::string_literals;
 using testing::EndsWith;
 using testing::HasSubstr;
+using testing::Not;
 using testing::StartsWith;
 
 struct Recording : Survey {
@@ -56,6 +57,23 @@ TEST(Silence, EndsTheSurveyWithStatusOneWhenToldSo) {
   EXPECT_EQ(survey.logger.end(), 1);
   EXPECT_THAT(survey.content(),
               EndsWith(readingRecords(1, 1) + records24({withTick(24, "X$CONN BREAK"), withTick(24, "X$CONN END")})));
+}
+
+TEST(Notes, StandBesideTheDataFile) {
+  Survey survey("ORLA", "--gps {gps} --set lineName=12 --note site=Moor --note gpsLag=0.25 --note operator=");
+  const auto notes = survey.path.string() + ".json";
+  ASSERT_TRUE(survey.receiver.send("$GPRMC,100000.00,A,6001.1000,N,02458.2000,E,0.1,0.0,150999,,*31\r\n"));
+  const auto known = [&] { return readFile(notes).find("\"clockDifference\": ") != std::string::npos; };
+  for (int i = 0; i < kPatienceMs / 20 && !known(); ++i) ::poll(nullptr, 0, 20);
+  EXPECT_EQ(survey.logger.answer("go"), "ok");
+  survey.logger.leave();
+  const auto text = readFile(notes);
+  for (const auto* part : {"\"site\": \"Moor\"", "\"gpsLag\": 0.25", "\"version\": \"", "\"kind\": \"ORLA\"",
+                           "\"created\": \"2", "\"utcOffset\": ", "\"lineName\": \"12\"", "\"clockDifference\": "}) {
+    EXPECT_THAT(text, HasSubstr(part));
+  }
+  EXPECT_THAT(text, Not(HasSubstr("teskRangeTimes10")));
+  EXPECT_FALSE(std::filesystem::exists(survey.folder.path() / "Storage/KALINI/NOTES.json"));
 }
 
 // How large a file a running program may make.

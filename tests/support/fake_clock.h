@@ -11,6 +11,7 @@ class FakeClock final : public Clock {
  public:
   std::uint32_t tick() const override { return tick_; }
   LocalTime localTime() const override { return time; }
+  int utcOffset() const override { return 3600; }
   std::uint64_t sleptMs() const override { return slept; }
   void pause(std::uint32_t milliseconds) const override { tick_ += milliseconds; }
   void advance(std::uint32_t milliseconds) { tick_ += milliseconds; }

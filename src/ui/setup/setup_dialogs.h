@@ -6,6 +6,7 @@
 #include <optional>
 #include <vector>
 
+#include "datafile/survey_notes.h"
 #include "gps/find_receiver.h"
 #include "link/com_devices.h"
 #include "settings/settings.h"
@@ -18,7 +19,13 @@ namespace kalmira {
 
 // "Survey Setup" of the frame's kind. A value out of range is corrected and marked when OK is pressed first, and
 // accepted the second time. Choices that the settings do not hold rightly are shown as a new logger has them.
-std::optional<Settings> runSurveySetupDialog(QWidget* parent, const SetupFrame& frame, const Settings& settings);
+// `editNotes`: behind the button "Notes", which is there only with it; called over the open dialog.
+std::optional<Settings> runSurveySetupDialog(QWidget* parent, const SetupFrame& frame, const Settings& settings,
+                                             const std::function<void(QWidget* parent)>& editNotes = {});
+
+// "Survey Notes": what is asked of the operator, as it was said last. A value that cannot be taken is told when OK is
+// pressed, and its field gets the keyboard.
+std::optional<SurveyNotes> runSurveyNotesDialog(QWidget* parent, const SurveyNotes& last);
 
 // "Display Options" of the frame's kind: its traces, and the grid. Traces that the kind does not have keep what they
 // had.

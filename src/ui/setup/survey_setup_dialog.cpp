@@ -256,10 +256,14 @@ void SurveySetupForm::takeRest() {
 
 }  // namespace
 
-std::optional<Settings> runSurveySetupDialog(QWidget* parent, const SetupFrame& frame, const Settings& settings) {
+std::optional<Settings> runSurveySetupDialog(QWidget* parent, const SetupFrame& frame, const Settings& settings,
+                                             const std::function<void(QWidget* parent)>& editNotes) {
   const auto dialog = makeDialog(surveySetupTemplate(frame.kind, frame.portrait, frame.storageClass), parent);
   if (dialog == nullptr) return std::nullopt;
   const SurveySetupForm setup(*dialog, frame, settings);
+  auto& notes = part<QPushButton>(*dialog, "notes");
+  notes.setVisible(static_cast<bool>(editNotes));
+  QObject::connect(&notes, &QPushButton::clicked, dialog.get(), [&] { editNotes(parent); });
   if (!runDialog(*dialog)) return std::nullopt;
   return setup.changed();
 }

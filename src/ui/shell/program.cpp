@@ -16,6 +16,7 @@
 #include "link/device_claim.h"
 #include "link/network_port.h"
 #include "platform/command_line.h"
+#include "platform/file_writer.h"
 #include "platform/power.h"
 #include "platform/terminate.h"
 #include "settings/settings_file.h"
@@ -56,14 +57,15 @@ std::string check(ProgramOptions& options) {
 // An instrument's settings, as long as it is the one in use.
 class InstrumentSettings {
  public:
-  explicit InstrumentSettings(const SettingsPlace& place)
-      : kind_(place.kind), ice_option_(place.iceOption), writer_(settingsFileOf(place)) {
-    problem_ = loadSettings(place, settings_).problem;
+  explicit InstrumentSettings(SettingsPlace place) : place_(std::move(place)) {
+    problem_ = loadSettings(place_, settings_).problem;
   }
 
-  RememberedKind instrument() const { return {.kind = kind_, .ice = ice_option_}; }
+  RememberedKind instrument() const { return {.kind = place_.kind, .ice = place_.iceOption}; }
   Settings& settings() { return settings_; }
-  void save(const Settings& current) { writer_.write(formatSettings(current, kind_, ice_option_)); }
+  void save(const Settings& current) {
+    writer_.write(settingsFileOf(place_), formatSettings(current, place_.kind, place_.iceOption));
+  }
   // Why the file could not be read or written, once.
   std::string takeProblem() {
     auto problem = std::exchange(problem_, {});
@@ -80,12 +82,11 @@ class InstrumentSettings {
   }
 
  private:
-  Kind kind_;
-  bool ice_option_;
+  SettingsPlace place_;
   Settings settings_;
   std::string problem_;
   std::string told_;
-  SettingsWriter writer_;
+  FileWriter writer_{"settings"};
 };
 
 // One run of the program: everything the windows are given, in the order in which it comes to life.

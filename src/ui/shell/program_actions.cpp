@@ -7,6 +7,7 @@
 
 #include "platform/files.h"
 #include "settings/settings_file.h"
+#include "ui/screen/message_dialog.h"
 
 namespace kalmira {
 namespace {
@@ -61,7 +62,24 @@ void ProgramActions::runLoggerSetup(QWidget* parent) {
 }
 
 void ProgramActions::runSurveySetup(QWidget* parent) {
-  take(runSurveySetupDialog(parent, frameFor(parent), host_.settings()));
+  take(runSurveySetupDialog(parent, frameFor(parent), host_.settings(), [this](QWidget* above) { editNotes(above); }));
+}
+
+// What a new survey will begin with. A file that is broken is told, and what can be read of it is shown.
+void ProgramActions::editNotes(QWidget* parent) {
+  const auto instrument = host_.instrument();
+  const auto path = lastNotesPath(
+      {.kind = instrument.kind, .iceOption = instrument.ice, .storageClass = host_.storageClass, .root = host_.root});
+  const auto tell = [parent](const std::string& problem) {
+    if (!problem.empty()) tellMessage(parent, {.title = "WARNING", .text = problem, .icon = Icon::exclamation});
+  };
+  std::string problem;
+  const auto last = readNotes(path, problem);
+  tell(problem);
+  const auto notes = runSurveyNotesDialog(parent, last.value_or(SurveyNotes{}));
+  if (!notes) return;
+  (void)makeFolders(path.parent_path());  // a folder that cannot be made shows when the file cannot be written
+  tell(writeNotes(path, askedNotes(*notes)));
 }
 
 void ProgramActions::runDisplayOptions(QWidget* parent) {

@@ -67,6 +67,7 @@ class ProgramActions {
   void runLoggerSetup(QWidget* parent);
   void runGpsSetup(QWidget* parent);
   void runSurveySetup(QWidget* parent);
+  void editNotes(QWidget* parent);
   void runDisplayOptions(QWidget* parent);
   void assignDevices(QWidget* parent);
   void openMonitor(QWidget* parent);

@@ -240,6 +240,8 @@ void Stage::takeSetup() {
     runAndSave([&] { actions_.actions()[static_cast<std::size_t>(command)](&window_); }, what);
   };
   press(MenuCommand::surveySetup, "survey-setup");
+  const SurveyNotes notes{.project = "Peat cover", .site = "Moor, north", .operatorName = "N. N.", .antennaUp = 1.8};
+  runAndSave([&] { runSurveyNotesDialog(&window_, notes); }, "survey-notes");
   press(MenuCommand::loggerSetup, "logger-setup");
   press(MenuCommand::setGpsPort, "gps-port-setup");
   press(MenuCommand::displayOptions, "display-options");

@@ -89,6 +89,7 @@ class SurveyClock final : public Clock {
   LocalTime localTime() const override {
     return {.year = 2026, .month = 7, .day = 14, .hour = 9, .minute = 30, .second = 0, .millisecond = 0};
   }
+  int utcOffset() const override { return 7200; }
   std::uint64_t sleptMs() const override { return 0; }
   void pause(std::uint32_t) const override {}
 

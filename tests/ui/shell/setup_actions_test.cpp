@@ -176,6 +176,48 @@ TEST_F(SetupActionsTest, EveryCommandSavesByOkAndOnlyByOk) {
   }
 }
 
+// The last notes are behind a button of the survey setup; a broken file of them and one that cannot be written are
+// told.
+TEST_F(SetupActionsTest, NotesAreKeptForTheNextSurvey) {
+  open(Kind::orla);
+  const auto path = lastNotesPath(place);
+  std::string told;
+  const auto notes = [&](const DialogActor::Act& act, bool warns = false) {
+    told.clear();
+    command(Qt::Key_S, "Survey Setup", [&](QDialog& setup) {
+      std::optional<DialogActor> warning;
+      if (warns) warning.emplace("WARNING", noted(told));
+      {
+        const DialogActor actor("Survey Notes", act);
+        tap(setup, "notes");
+      }
+      EXPECT_TRUE(setup.isVisible());
+      setup.reject();
+    });
+  };
+  notes(tapCancel);
+  EXPECT_FALSE(std::filesystem::exists(path));
+  notes([](QDialog& dialog) {
+    fill(dialog, "project=Moor|antennaUp=1,8");
+    tapOk(dialog);
+  });
+  std::string problem;
+  EXPECT_EQ(readNotes(path, problem), (SurveyNotes{.project = "Moor", .antennaUp = 1.8}));
+  writeFile(path, R"({"project":"Moor","kind":"ORLA","gpsLag":77})");
+  notes(
+      [](QDialog& dialog) {
+        shows(dialog, "project=Moor|gpsLag=");
+        tapOk(dialog);
+      },
+      true);
+  EXPECT_NE(told.find("gpsLag is not from -10 to 10"), std::string::npos) << told;
+  EXPECT_EQ(readNotes(path, problem), SurveyNotes{.project = "Moor"});
+  std::filesystem::remove_all(path.parent_path());
+  writeFile(path.parent_path(), "in the way");
+  notes(tapOk, true);
+  EXPECT_NE(told.find("Cannot write"), std::string::npos) << told;
+}
+
 TEST_F(SetupActionsTest, TheMonitorTriesWhatIsNotSaved) {
   open(Kind::vardo);
   const auto* menuButton = &buttonOf(*window, "Monitor/&Log");

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <system_error>
 
+#include "datafile/survey_notes.h"
 #include "export/csv_export.h"
 #include "instruments/start_options.h"
 #include "platform/files.h"
@@ -85,10 +86,29 @@ enum class FileOutcome { exported, nothing, left, outputFailed };
 
 // One file on its way into the table.
 struct Source {
+  PositionOptions positions;
+  bool teskTimes10 = false;
+  std::optional<double> utcOffset_s;
   RecordReader reader;
   RecordReader scanner;  // the same file, for the way before
   PositionScan scan;
 };
+
+// What the command line does not say, the notes beside the file may.
+void takeNotes(const std::filesystem::path& file, const ExportRequest& request, Source& source, const Say& report) {
+  std::string problem;
+  const auto notes = readNotesBeside(file, problem).value_or(SurveyNotes{});
+  if (!problem.empty()) report(fmt::format("the notes beside it: {}", problem));
+  source.positions = request.positions;
+  source.positions.lag_s = request.lag_s.value_or(notes.gpsLag.value_or(0));
+  if (!request.antennaGiven) {
+    source.positions.ahead_m = notes.antennaAhead.value_or(0);
+    source.positions.right_m = notes.antennaRight.value_or(0);
+    source.positions.up_m = notes.antennaUp.value_or(0);
+  }
+  source.teskTimes10 = request.teskTimes10 || notes.teskRangeTimes10.value_or(false);
+  source.utcOffset_s = notes.utcOffset;
+}
 
 // Nothing, or what it ends with.
 std::optional<FileOutcome> openSource(const std::filesystem::path& file, const ExportRequest& request, Source& source,
@@ -97,6 +117,7 @@ std::optional<FileOutcome> openSource(const std::filesystem::path& file, const E
     report(error.text + "; nothing exported");
     return FileOutcome::nothing;
   }
+  takeNotes(file, request, source, report);
   const auto name = file.filename().string();
   const auto size = source.reader.size();
   if (!source.reader.header().gps) {
@@ -108,7 +129,7 @@ std::optional<FileOutcome> openSource(const std::filesystem::path& file, const E
   source.reader.watch({.goOn = [=](std::uint64_t offset) { return goOn(name, (size + offset) / 2, size); }});
   if (source.scanner.open(file).kind != FileErrorKind::none) return std::nullopt;
   source.scanner.watch({.goOn = [=](std::uint64_t offset) { return goOn(name, offset / 2, size); }});
-  source.scan = scanPositions(source.scanner, request.positions, std::nullopt);
+  source.scan = scanPositions(source.scanner, source.positions, source.utcOffset_s);
   if (source.scanner.error().kind != FileErrorKind::left) return std::nullopt;
   report(source.scanner.error().text + "; there is no table");
   return FileOutcome::left;
@@ -121,9 +142,9 @@ FileOutcome exportFile(const std::filesystem::path& file, CsvTable& table, const
   if (const auto ended = openSource(file, request, source, report, goOn)) return *ended;
   auto& reader = source.reader;
   const auto result = exportReadings(reader, table, file.filename().string(),
-                                     {.teskRangeTimes10 = request.teskTimes10,
+                                     {.teskRangeTimes10 = source.teskTimes10,
                                       .scan = &source.scan,
-                                      .positions = request.positions,
+                                      .positions = source.positions,
                                       .grid = request.grid});
   if (result.stopped) return FileOutcome::outputFailed;
   if (reader.error().kind == FileErrorKind::left) {
@@ -212,10 +233,17 @@ CommandGroup positionOptions(ExportRequest& request) {
     request.grid = parseGridPlacement(value);
     return request.grid ? std::string() : kWrong;
   };
-  const auto antenna = [&positions](const std::string& value) { return takeAntenna(value, positions); };
+  const auto antenna = [&request](const std::string& value) {
+    request.antennaGiven = true;
+    return takeAntenna(value, request.positions);
+  };
+  const auto lag = [&request](const std::string& value) {
+    request.lag_s = 0;
+    return numberInto(*request.lag_s, -10, 10)(value);
+  };
   return {"Positions",
-          {{"--gps-lag", "S", "seconds by which the fastest sentence comes after the moment of its fix",
-            numberInto(positions.lag_s, -10, 10), "a number from -10 to 10"},
+          {{"--gps-lag", "S", "seconds by which the fastest sentence comes after the moment of its fix", lag,
+            "a number from -10 to 10"},
            {"--max-gap", "S", "no position is made up across a longer gap between two fixes (5)",
             numberInto(positions.maxGap_s, 0, 3600), "a number from 0 to 3600"},
            {"--max-speed", "M/S", "what is farther from the fix before it than this speed allows is no fix (15)",

@@ -299,6 +299,11 @@ TEST_F(ExportCommand, PlacesReadingsByTheirSentencesOrByTheSurveysOwnGrid) {
       "9.00000000,50.00000000,101.000,500000.000,5538630.703,32632,5,10,0.9,1.000,2024-03-08T09:00:10.500Z,12.000,"
       "0.000,1,g.RMI,MIRKA");
   EXPECT_THAT(said, ElementsAre(path("g.RMI").substr(path("").size()) + ": 1 reading without a position"));
+  file("g.RMI.json", R"({"gpsLag": 0.1, "antennaUp": 0.5, "site": 7})");
+  EXPECT_THAT(row({}, 0), testing::StartsWith("9.00000000,50.00000000,100.500,500000.000,5538630.703,"));
+  EXPECT_THAT(said, testing::Contains(testing::StartsWith("g.RMI: the notes beside it: ")));
+  EXPECT_THAT(row({"--gps-lag", "0", "--antenna", "0,0,1"}, 0), testing::HasSubstr(",99.800,"));
+  std::filesystem::remove(path("g.RMI.json"));
   EXPECT_EQ(row({}, 1), ",,,,,,,,,,2024-03-08T09:00:11.400Z,12.000,1.000,2,g.RMI,MIRKA");
   EXPECT_THAT(row({"--utm", "33", "--antenna", "0,0,1.5"}, 0),
               testing::HasSubstr(",99.300,70134.259,5555901.573,32633,"));

@@ -4,10 +4,11 @@
 #include <cmath>
 #include <utility>
 
+#include "positions/sentences.h"
+
 namespace kalmira {
 namespace {
 
-constexpr double kDay_s = 86400;
 // Serial lines jitter by less; a clock that is put right moves by more (a leap second by 1).
 constexpr double kJump_s = 0.25;
 constexpr double kBlock_s = 10;

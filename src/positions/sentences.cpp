@@ -10,7 +10,6 @@ namespace kalmira {
 namespace {
 
 constexpr std::size_t kAddress = 6;  // "$GPGGA"
-constexpr double kDay_s = 86400;
 
 // The texts between a sentence's commas, without its checksum; missing ones are empty.
 class Fields {

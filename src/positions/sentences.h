@@ -8,6 +8,8 @@
 // the talker are not looked at.
 namespace kalmira {
 
+inline constexpr double kDay_s = 86400;
+
 // A GGA sentence.
 struct PositionSentence {
   double timeOfDay_s = 0;                 // UTC, below 86401

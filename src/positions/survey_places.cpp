@@ -9,7 +9,6 @@
 namespace kalmira {
 namespace {
 
-constexpr double kDay_s = 86400;
 // Readings wait so much longer than sentences are late, and for as long as a heading may take.
 constexpr double kMargin_s = 1;
 constexpr double kHeadingWait_s = 10;

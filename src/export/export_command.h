@@ -22,8 +22,8 @@ struct ExportRequest {
   std::optional<std::filesystem::path> out;  // none: standard output
   bool teskTimes10 = false;                  // a start-up choice of the loggers, which files do not tell
   bool mixed = false;                        // files of several kinds may go into one table
-  PositionOptions positions;          // but for what the notes beside a file may say, which follows
-  std::optional<double> lag_s;        // goes before the notes', as the antenna does
+  PositionOptions positions;                 // but for what the notes beside a file may say, which follows
+  std::optional<double> lag_s;               // goes before the notes', as the antenna does
   bool antennaGiven = false;
   std::optional<MapZone> zone;        // with its hemisphere
   std::optional<GridPlacement> grid;  // gives places in place of GPS

@@ -61,7 +61,7 @@ std::string noteText(const SurveyNotes& notes, const NotesField& field);
 // is wrong, in one sentence without a full stop: no such field, no number, out of range, control characters, a text of
 // more than kLongestNote bytes. The notes are then left alone.
 inline constexpr std::size_t kLongestNote = 1000;
-std::string setNote(SurveyNotes& notes, std::string_view field, std::string_view value);
+std::string setNote(SurveyNotes& notes, std::string_view name, std::string_view text);
 std::string setNote(SurveyNotes& notes, std::string_view fieldAndValue);  // "gpsLag=0.2"
 
 // The fields that are asked of the operator, and nothing else.

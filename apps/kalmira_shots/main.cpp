@@ -2,7 +2,6 @@
 #include <fmt/format.h>
 
 #include <QApplication>
-#include <QScreen>
 #include <QTemporaryFile>
 
 #include "platform/command_line.h"

@@ -1,7 +1,5 @@
 #include "datafile/reading_context.h"
 
-#include <chrono>
-
 namespace kalmira {
 namespace {
 
@@ -65,13 +63,7 @@ void SurveyPosition::standOn(std::optional<double> station) {
   reading_seen_ = false;
 }
 
-void RecordTimes::takeDate(const LocalTime& date) {
-  const std::chrono::sys_days day =
-      std::chrono::year_month_day(std::chrono::year(date.year), std::chrono::month(static_cast<unsigned>(date.month)),
-                                  std::chrono::day(static_cast<unsigned>(date.day)));
-  const int seconds = (date.hour * 60 + date.minute) * 60 + date.second;
-  date_ms_ = std::int64_t{day.time_since_epoch().count()} * kDayMs + std::int64_t{seconds} * 1000;
-}
+void RecordTimes::takeDate(const LocalTime& date) { date_ms_ = msSince1970(date); }
 
 void RecordTimes::takeMark(const TimeMark& mark) {
   if (date_ms_) {

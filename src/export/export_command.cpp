@@ -125,9 +125,11 @@ std::optional<FileOutcome> openSource(const std::filesystem::path& file, const E
     return std::nullopt;
   }
   // The file is gone over twice.
-  source.scanner.watch({.goOn = [=](std::uint64_t offset) { return goOn(name, offset / 2, size); }});
   source.reader.watch({.goOn = [=](std::uint64_t offset) { return goOn(name, (size + offset) / 2, size); }});
-  if (source.scanner.open(file).kind != FileErrorKind::none) return std::nullopt;
+  if (const auto error = source.scanner.open(file); error.kind != FileErrorKind::none) {
+    report(error.text + "; no positions");
+    return std::nullopt;
+  }
   source.scanner.watch({.goOn = [=](std::uint64_t offset) { return goOn(name, offset / 2, size); }});
   source.scan = scanPositions(source.scanner, source.positions, source.utcOffset_s);
   if (source.scanner.error().kind != FileErrorKind::left) return std::nullopt;

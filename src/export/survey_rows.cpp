@@ -26,10 +26,14 @@ class Rows {
         [this](const Place* place, std::optional<double> utc) { finishFirst(place, utc); }, nullptr);
   }
 
+  // Places come from all of the file, also where only a part of its rows is wanted.
+  bool needsAll() const { return finder_.has_value(); }
+
   // False when nobody wants more.
   bool take(const Record& record) {
     const auto type = recordTypeOf(record.bytes);
-    if (!understood(type, record.bytes)) ++result.unreadableRecords;
+    wanted_ = record.offset >= options_.stretch.begin && record.offset < options_.stretch.end;
+    if (!understood(type, record.bytes) && wanted_) ++result.unreadableRecords;
     if (type == RecordType::reading) takeReading(record.bytes);
     gap_ = gap_ || type == RecordType::lineName || (type == RecordType::event && isGap(record.bytes));
     if (finder_) finder_->take(type, record);
@@ -68,7 +72,9 @@ class Rows {
 
   void takeReading(std::string_view record) {
     if (std::exchange(gap_, false) && result.readings > 0) ++segment_;
-    ++result.readings;
+    if (wanted_) ++result.readings;
+    if (finder_) wanted_rows_.push_back(wanted_);
+    if (!wanted_) return;
     auto& row = finder_ ? waiting_.emplace_back() : alone_;
     row.line = position_.lineName();
     row.station = position_.station();
@@ -83,6 +89,9 @@ class Rows {
   }
 
   void finishFirst(const Place* place, std::optional<double> utc) {
+    const bool wanted = wanted_rows_.front();
+    wanted_rows_.pop_front();
+    if (!wanted) return;
     finish(waiting_.front(), place, utc);
     waiting_.pop_front();
   }
@@ -118,12 +127,14 @@ class Rows {
   SurveyPosition position_;
   RecordTimes times_;
   std::optional<PlaceFinder> finder_;
-  std::deque<ReadingRow> waiting_;  // for their places
+  std::deque<bool> wanted_rows_;    // of readings that wait for their places
+  std::deque<ReadingRow> waiting_;  // those of them that are wanted
   ReadingRow alone_;                // of a file without a receiver
   std::optional<double> line_number_;
   std::uint64_t segment_ = 1;
   char direction_ = 'N';
-  bool gap_ = false;  // since the reading before
+  bool gap_ = false;     // since the reading before
+  bool wanted_ = false;  // the record is in the stretch
 };
 
 }  // namespace
@@ -131,9 +142,9 @@ class Rows {
 RowsResult eachRow(RecordReader& reader, const RowOptions& options, std::optional<MapZone>& zone,
                    const std::function<bool(const ReadingRow&)>& take) {
   Rows rows(reader.header(), options, zone, take);
-  if (options.stretch.begin > 0) reader.seek(options.stretch.begin);
+  if (options.stretch.begin > 0 && !rows.needsAll()) reader.seek(options.stretch.begin);
   Record record;
-  while (reader.next(record) && record.offset < options.stretch.end) {
+  while (reader.next(record) && (rows.needsAll() || record.offset < options.stretch.end)) {
     if (!rows.take(record)) return std::move(rows.result);
   }
   rows.finish();

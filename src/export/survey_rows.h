@@ -12,7 +12,8 @@
 // survey. All tables and maps are made of these. Not bound to a thread.
 namespace kalmira {
 
-// Records of a file, from the one at `begin` up to the one at `end`. A line's block says all that its readings need.
+// Records of a file, from the one at `begin` up to the one at `end`: a whole line, for its block says all that its
+// readings need.
 struct FileStretch {
   std::uint64_t begin = 0;
   std::uint64_t end = UINT64_MAX;

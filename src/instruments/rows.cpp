@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <optional>
 
 #include "platform/text.h"
 
@@ -20,18 +19,6 @@ constexpr int kConductivityComponent = 2;
 
 constexpr std::array<std::string_view, 3> kDipoles{"Vertical", "Horizontal", "Both"};
 constexpr std::array<std::string_view, 3> kComponents{"Both", "Inphase", "Conductivity"};
-
-// "+0123", as nearly every field is.
-std::optional<double> plainField(std::string_view text) {
-  const bool negative = text[0] == '-';
-  if (text.size() < 2 || text.size() > 8 || (!negative && text[0] != '+')) return std::nullopt;
-  int value = 0;
-  for (const char c : text.substr(1)) {
-    if (c < '0' || c > '9') return std::nullopt;
-    value = value * 10 + (c - '0');
-  }
-  return negative ? -static_cast<double>(value) : static_cast<double>(value);
-}
 
 int modeByte(std::string_view record) { return record.size() > 1 ? static_cast<unsigned char>(record[1]) : ' '; }
 
@@ -66,9 +53,7 @@ AsciiMode readMode(std::string_view record, const DecodeOptions& options, Readin
 
 double asciiField(std::string_view record, std::size_t position, std::size_t width) {
   if (position >= record.size()) return 0.0;
-  const auto text = record.substr(position, width);
-  const auto plain = plainField(text);
-  return plain ? *plain : parseReal(text);
+  return parseReal(record.substr(position, width));
 }
 
 void put(Channels& channels, std::size_t slot, float value) {

@@ -4,6 +4,7 @@
 #include <GeographicLib/PolarStereographic.hpp>
 #include <GeographicLib/TransverseMercator.hpp>
 #include <GeographicLib/UTMUPS.hpp>
+#include <algorithm>
 #include <cmath>
 #include <numbers>
 
@@ -22,6 +23,22 @@ constexpr int kZones = 60;
 constexpr int kPole = 61;
 
 double middleOf(const MapZone& zone) { return 6.0 * zone.number - 183.0; }
+
+// Metres that a degree is long at that latitude, northwards and eastwards.
+struct DegreeLengths {
+  double north = 0;
+  double east = 0;
+};
+
+DegreeLengths degreesAt(double latitude) {
+  constexpr double kEquator_m = 6378137.0;
+  constexpr double kSquaredEccentricity = 0.00669437999014;
+  constexpr double kRadian = std::numbers::pi / 180;
+  const double sine = std::sin(latitude * kRadian);
+  const double flat = 1 - kSquaredEccentricity * sine * sine;
+  const double across = kEquator_m / std::sqrt(flat);
+  return {across * (1 - kSquaredEccentricity) / flat * kRadian, across * std::sqrt(1 - sine * sine) * kRadian};
+}
 
 }  // namespace
 
@@ -73,17 +90,14 @@ double geodesicLength(const GeoPoint& from, const GeoPoint& to) {
 }
 
 double nearbyLength(const GeoPoint& from, const GeoPoint& to) {
-  constexpr double kEquator_m = 6378137.0;
-  constexpr double kSquaredEccentricity = 0.00669437999014;
-  constexpr double kRadian = std::numbers::pi / 180;
-  const double sine = std::sin((from.latitude + to.latitude) / 2 * kRadian);
-  const double cosine = std::sqrt(1 - sine * sine);
-  const double flat = 1 - kSquaredEccentricity * sine * sine;
-  const double across = kEquator_m / std::sqrt(flat);
-  const double along = across * (1 - kSquaredEccentricity) / flat;
-  const double north = (to.latitude - from.latitude) * kRadian * along;
-  const double east = wrappedLongitude(to.longitude - from.longitude) * kRadian * across * cosine;
-  return std::hypot(north, east);
+  const auto [north, east] = degreesAt((from.latitude + to.latitude) / 2);
+  return std::hypot((to.latitude - from.latitude) * north, wrappedLongitude(to.longitude - from.longitude) * east);
+}
+
+GeoPoint movedBy(const GeoPoint& from, double east_m, double north_m) {
+  const auto [north, east] = degreesAt(from.latitude);
+  return {std::clamp(from.latitude + north_m / north, -90.0, 90.0),
+          wrappedLongitude(from.longitude + east_m / std::max(east, 1.0))};
 }
 
 double wrappedLongitude(double longitude) {

@@ -42,6 +42,9 @@ double geodesicLength(const GeoPoint& from, const GeoPoint& to);
 // The same for places up to a few kilometres apart, within a thousandth and many times as fast.
 double nearbyLength(const GeoPoint& from, const GeoPoint& to);
 
+// The place some metres away, up to a few hundred.
+GeoPoint movedBy(const GeoPoint& from, double east_m, double north_m);
+
 // A longitude brought to -180 up to 180.
 double wrappedLongitude(double longitude);
 

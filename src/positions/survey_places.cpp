@@ -28,32 +28,20 @@ std::optional<double> deviceTime(const RecordTimes& times, std::uint32_t tick) {
   return static_cast<double>(*moment->day) * kDay_s + moment->timeOfDayMs / 1000.0;
 }
 
-// Degrees that some metres are there.
-GeoPoint moved(const GeoPoint& from, double east_m, double north_m) {
-  constexpr double kRadian = std::numbers::pi / 180;
-  constexpr double kEquator_m = 6378137.0;
-  constexpr double kSquaredEccentricity = 0.00669437999014;
-  const double sine = std::sin(from.latitude * kRadian);
-  const double flat = 1 - kSquaredEccentricity * sine * sine;
-  const double across = kEquator_m / std::sqrt(flat);
-  const double circle = std::max(across * std::cos(from.latitude * kRadian), 1.0);
-  const double latitude = from.latitude + north_m / (across * (1 - kSquaredEccentricity) / flat) / kRadian;
-  return {std::clamp(latitude, -90.0, 90.0), wrappedLongitude(from.longitude + east_m / circle / kRadian)};
-}
-
 template <typename Value>
 std::optional<Value> worse(const std::optional<Value>& a, const std::optional<Value>& b, bool larger) {
   if (!a || !b) return a ? a : b;
   return larger ? std::max(*a, *b) : std::min(*a, *b);
 }
 
-std::optional<double> firstHeadingOf(RecordReader& reader, const ClockLine& line, const PositionOptions& options) {
+std::optional<double> firstHeadingOf(RecordReader& reader, const PositionScan& scan, const PositionOptions& options) {
   std::optional<double> heading;
-  Track track(line, options, [&heading](const Fix& fix) {
+  Track track(scan.line, options, [&heading](const Fix& fix) {
     if (!heading) heading = fix.heading;
   });
   SentenceAssembler assembler;
   CountedTicks ticks;
+  if (scan.firstTick) ticks.take(*scan.firstTick);
   std::uint64_t order = 0;
   Record record;
   while (!heading && reader.next(record)) {
@@ -91,12 +79,14 @@ PositionScan scanPositions(RecordReader& reader, const PositionOptions& options,
       times.takeMark(*mark);
       const auto local = deviceTime(times, mark->tick);
       const double tick = ticks.take(mark->tick);
+      if (!scan.firstTick) scan.firstTick = mark->tick;
       if (local && !deviceKnown) fitter.takeDevice(tick, *local - utcOffset_s.value_or(0));
       deviceKnown = deviceKnown || local;
     } else if (isSentenceTag(tag)) {
       const auto sentence = assembler.feed(record.bytes);
       if (!sentence) continue;
       const double tick = ticks.take(sentence->tick);
+      if (!scan.firstTick) scan.firstTick = sentence->tick;
       if (!sentence->checksumRight) continue;
       PositionSentence position;
       if (isPositionSentence(sentence->text)) {
@@ -111,7 +101,7 @@ PositionScan scanPositions(RecordReader& reader, const PositionOptions& options,
   scan.line = fitter.finish();
   if (options.turnsAntenna() && !scan.line.pieces().empty() && reader.error().kind == FileErrorKind::none) {
     reader.seek(begin);
-    scan.firstHeading = firstHeadingOf(reader, scan.line, options);
+    scan.firstHeading = firstHeadingOf(reader, scan, options);
   }
   return scan;
 }
@@ -132,6 +122,7 @@ PlaceFinder::PlaceFinder(const PositionScan& scan, const PositionOptions& option
       fix_(std::move(fix)),
       track_(scan.line, options, [this](const Fix& good) { takeFix(good); }) {
   track_.setFirstHeading(scan.firstHeading);
+  if (scan.firstTick) ticks_.take(*scan.firstTick);
 }
 
 void PlaceFinder::take(RecordType type, const Record& record) {
@@ -170,8 +161,8 @@ PlaceFinder::Stand PlaceFinder::standOf(const Fix& fix) const {
   Stand stand{.fix = fix, .at = fix.place(), .plane = {}};
   if (fix.heading) {
     const double turn = *fix.heading * std::numbers::pi / 180;
-    stand.at = moved(stand.at, -options_.ahead_m * std::sin(turn) - options_.right_m * std::cos(turn),
-                     -options_.ahead_m * std::cos(turn) + options_.right_m * std::sin(turn));
+    stand.at = movedBy(stand.at, -options_.ahead_m * std::sin(turn) - options_.right_m * std::cos(turn),
+                       -options_.ahead_m * std::cos(turn) + options_.right_m * std::sin(turn));
   }
   if (!zone_) zone_ = options_.zone ? MapZone{*options_.zone, stand.at.latitude >= 0} : zoneOf(stand.at);
   stand.plane = project(*zone_, stand.at);
@@ -240,19 +231,13 @@ void PlaceFinder::takeReading(std::string_view record) {
 // A sentence that was held for a reading stands beside it.
 void PlaceFinder::takeHeld(const PositionSentence* position, double tick) {
   held_.reset();
-  const auto* piece = position == nullptr ? nullptr : scan_.line.pieceOf(order_);
-  const auto utc = piece == nullptr ? std::nullopt : ClockLine::utcOf(*piece, tick, position->timeOfDay_s);
-  if (position != nullptr && !utc) ++track_.leftOut().untimely;
-  if (utc) {
+  const auto made = position == nullptr
+                        ? std::nullopt
+                        : fixOf(scan_.line, options_, *position, order_, tick, std::exchange(accuracy_, std::nullopt));
+  if (position != nullptr && !made) ++track_.leftOut().untimely;
+  if (made) {
     constexpr double kBaseline_m = 4;
-    Fix fix{.moment_s = piece->tickAt(*utc) - options_.lag_s,
-            .utc = *utc,
-            .position = *position,
-            .accuracy = std::exchange(accuracy_, std::nullopt),
-            .heading = std::nullopt,
-            .order = order_,
-            .stretch = 0,
-            .sentenceTick_s = tick};
+    Fix fix = *made;
     const double passed = last_held_ ? std::abs(fix.moment_s - last_held_->fix.moment_s) : 0;
     const bool jumps = last_held_ && passed <= options_.maxGap_s &&
                        nearbyLength(last_held_->fix.place(), fix.place()) > options_.maxSpeed_mps * passed;

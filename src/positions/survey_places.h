@@ -12,7 +12,7 @@
 // places. Memory does not grow with it. Not bound to a thread.
 namespace kalmira {
 
-// The ticks of a file counted on past the end of their 32 bits, seconds.
+// The ticks of a file counted on past the end of their 32 bits, seconds. Both ways over it begin with the same one.
 class CountedTicks {
  public:
   double take(std::uint32_t tick) {
@@ -30,8 +30,9 @@ class CountedTicks {
 // What the first way over a file has found.
 struct PositionScan {
   ClockLine line;
-  std::uint64_t sentences = 0;         // position sentences with a right checksum
-  std::optional<double> firstHeading;  // where the antenna's place asks for one
+  std::optional<std::uint32_t> firstTick;  // from which the ticks were counted on
+  std::uint64_t sentences = 0;             // position sentences with a right checksum
+  std::optional<double> firstHeading;      // where the antenna's place asks for one
 };
 
 // Reads all of the file; its error, if any, is the reader's. `utcOffset_s`: of the device's clock, from the survey's

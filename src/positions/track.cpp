@@ -21,24 +21,30 @@ double headingBetween(const GeoPoint& from, const GeoPoint& to) {
   return std::atan2(east, to.latitude - from.latitude) / kRadian;
 }
 
+std::optional<Fix> fixOf(const ClockLine& line, const PositionOptions& options, const PositionSentence& position,
+                         std::uint64_t order, double tick_s, std::optional<double> accuracy) {
+  const auto* piece = line.pieceOf(order);
+  const auto utc = piece == nullptr ? std::nullopt : ClockLine::utcOf(*piece, tick_s, position.timeOfDay_s);
+  if (!utc) return std::nullopt;
+  return Fix{.moment_s = piece->tickAt(*utc) - options.lag_s,
+             .utc = *utc,
+             .position = position,
+             .accuracy = accuracy,
+             .heading = std::nullopt,
+             .order = order,
+             .stretch = 0,
+             .sentenceTick_s = tick_s};
+}
+
 void Track::takeSentence(const PositionSentence& position, std::uint64_t order, double tick_s,
                          std::optional<double> accuracy) {
-  const auto* piece = line_.pieceOf(order);
-  const auto utc = piece == nullptr ? std::nullopt : ClockLine::utcOf(*piece, tick_s, position.timeOfDay_s);
-  if (!utc) {
+  const auto fix = fixOf(line_, options_, position, order, tick_s, accuracy);
+  if (!fix) {
     ++left_out_.untimely;
     return;
   }
-  const Fix fix{.moment_s = piece->tickAt(*utc) - options_.lag_s,
-                .utc = *utc,
-                .position = position,
-                .accuracy = accuracy,
-                .heading = std::nullopt,
-                .order = order,
-                .stretch = 0,
-                .sentenceTick_s = tick_s};
-  if (std::exchange(piece_, piece) != piece && last_) breakOff();
-  takeFix(fix);
+  if (const auto* piece = line_.pieceOf(order); std::exchange(piece_, piece) != piece && last_) breakOff();
+  takeFix(*fix);
 }
 
 bool Track::reaches(const Fix& from, const Fix& to) const {
@@ -53,10 +59,9 @@ void Track::takeFix(const Fix& fix) {
     return;
   }
   if (passed > options_.maxGap_s) {
-    const auto other = other_first_;
+    const auto other = std::exchange(other_first_, std::nullopt);
     breakOff();
     if (!other) return begin(fix);
-    --left_out_.jumps;
     begin(*other);
     return takeFix(fix);
   }

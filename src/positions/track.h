@@ -38,6 +38,11 @@ struct Fix {
   GeoPoint place() const { return {position.latitude, position.longitude}; }
 };
 
+// What a good position sentence, counted `order`, is on the clock's line. Nothing when it came at a time that cannot
+// be.
+std::optional<Fix> fixOf(const ClockLine& line, const PositionOptions& options, const PositionSentence& position,
+                         std::uint64_t order, double tick_s, std::optional<double> accuracy);
+
 // Degrees clockwise from north.
 double headingBetween(const GeoPoint& from, const GeoPoint& to);
 

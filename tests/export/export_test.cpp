@@ -171,6 +171,40 @@ TEST(Export, LeavesCellsEmptyWithoutALineBlockAndCountsRecordsThatSayNothing) {
   EXPECT_EQ(damaged.result.unreadableRecords, 4U);
 }
 
+// A part of a file has the places that the whole gives it, also those between fixes outside of it.
+TEST(Export, OfAStretchIsThatPartOfTheWholeExport) {
+  std::string bytes =
+      records24({"MIRKA   W210GPS0000", "L1", "B       0.00", "AN            1.000", "*10:00:00.000      1000"});
+  const auto fix = [&](int second) {
+    const auto body =
+        fmt::format("GNGGA,0900{}.00,5000.000{},N,00900.0000,E,4,09,0.8,100.0,M,,M,,", second, second % 10);
+    unsigned sum = 0;
+    for (const char c : body) sum ^= static_cast<unsigned char>(c);
+    bytes +=
+        formatGpsSentence(24, fmt::format("${}*{:02X}", body, sum), static_cast<unsigned>(second) * 1000, '@', '#');
+  };
+  fix(10);
+  const auto begin = bytes.size();
+  bytes += records24({"L2", "B       0.00", "AN            1.000", "*10:00:09.500     10500"}) +
+           formatReading(24, "T$-0004-0040", 10500);
+  const auto end = bytes.size();
+  fix(11);
+  fix(12);
+  const auto rowsOf = [&](const FileStretch& stretch) {
+    RecordReader scanner, reader;
+    EXPECT_EQ(scanner.open(std::make_unique<std::istringstream>(bytes)).kind, FileErrorKind::none);
+    EXPECT_EQ(reader.open(std::make_unique<std::istringstream>(bytes)).kind, FileErrorKind::none);
+    const auto scan = scanPositions(scanner, {}, std::nullopt);
+    std::string table;
+    CsvTable csv{.write = [&](std::string_view text) { return table += text, true; }};
+    EXPECT_EQ(exportReadings(reader, csv, "F", {.stretch = stretch, .scan = &scan}).readings, 1U);
+    return table;
+  };
+  const auto whole = rowsOf({});
+  EXPECT_THAT(whole, testing::HasSubstr(",9.00000000,50.0000"));
+  EXPECT_EQ(rowsOf({.begin = begin, .end = end}), whole);
+}
+
 TEST(CsvText, WritesNumbersWholeAndWithoutANegativeZero) {
   struct Row {
     double value;

@@ -52,6 +52,7 @@ struct Walk {
   double seconds = 300;
   double sentences_hz = 1;
   double start = kStart;                                                     // time of day
+  double uptime = 1000;                                                      // of the machine at the walk's begin
   double drift = 0;                                                          // of the ticks, seconds a second
   std::function<double(int n)> delay = [](int) { return 0.1; };              // of sentence n
   std::function<double(double time)> receiver = [](double) { return 0.0; };  // its clock's fault
@@ -60,7 +61,7 @@ struct Walk {
   PositionOptions options{.lag_s = 0.1};
 
   std::uint32_t tickOf(double t) const {
-    return static_cast<std::uint32_t>(std::llround((1000 + t * (1 + drift)) * 1000));
+    return static_cast<std::uint32_t>(std::llround((uptime + t * (1 + drift)) * 1000));
   }
   std::string bytes() const {
     std::vector<std::pair<double, std::string>> records;
@@ -80,6 +81,7 @@ struct Walk {
       records.emplace_back(n * 0.1, formatReading(kLength, "T$-0400+0800", tickOf(n * 0.1)));
     std::ranges::stable_sort(records, {}, [](const auto& record) { return record.first; });
     auto all = kalmira::records(kLength, {"ORLA2   W230GPS0000", "L7", "B      10.00", "AN            1.500"});
+    all += formatTimeMark(kLength, {.hour = 10}, tickOf(0));
     for (const auto& [t, record] : records) all += record;
     return all;
   }
@@ -146,6 +148,8 @@ TEST(Places, LieWhereTheInstrumentWas) {
   Walk round{.path = circle, .sentences_hz = 10, .delay = jitter};
   Walk south{.zone = {.number = 56, .north = false}, .drift = 8e-5, .delay = jitter};
   south.path = [](double t) { return PlanePoint{600000 - 1.1 * t, 6200000 + 0.9 * t}; };
+  // The counter of the ticks begins anew between the time mark and the first sentence.
+  Walk wrapping{.uptime = 4294967.25, .delay = jitter};
   Walk midnight{.start = 86400 - 100, .delay = jitter};
   Walk dateLine{.zone = {.number = 60, .north = true}, .delay = jitter};
   const auto edge = project(dateLine.zone, {10, 179.9999});
@@ -157,6 +161,7 @@ TEST(Places, LieWhereTheInstrumentWas) {
                                                 {"circle", round, 4.0},
                                                 {"south, with a fast clock", south, 5.0},
                                                 {"midnight", midnight, 2.0},
+                                                {"counter", wrapping, 2.0},
                                                 {"date line", dateLine, 2.0},
                                                 {"pole", pole, 3.0},
                                                 {"heavy jitter", restless, 2.0}}) {

@@ -2,12 +2,12 @@
 
 #include <fmt/format.h>
 
-#include <array>
 #include <chrono>
 #include <cmath>
 #include <utility>
 
 #include "platform/command_line.h"
+#include "positions/sentences.h"
 #include "settings/settings_file.h"
 
 namespace kalmira {
@@ -17,8 +17,6 @@ constexpr std::int64_t kDayMs = 86'400'000;
 // So long a fix without a date waits for a sentence with one.
 constexpr std::uint32_t kDateWaitMs = 5000;
 constexpr std::chrono::seconds kLongestEnd{3};
-// Two digits of a year are of 1980, when GPS time began, or later.
-constexpr int kFirstYear = 80;
 
 std::string createdText(const LocalTime& time) {
   return fmt::format("{:04}-{:02}-{:02}T{:02}:{:02}:{:02}", time.year, time.month, time.day, time.hour, time.minute,
@@ -36,54 +34,19 @@ struct FixTime {
   bool dated = false;
 };
 
-std::string fieldOf(std::string_view sentence, int n) {
-  std::string text;
-  GetNmeaField(sentence.substr(0, sentence.find('*')), n, ',', text);
-  return text;
-}
-
-// Two digits from `at` on; nothing where there are none.
-std::optional<int> twoDigits(std::string_view text, std::size_t at) {
-  return at + 2 <= text.size() && text[at] != '-' ? wholeNumber<int>(text.substr(at, 2)) : std::nullopt;
-}
-
-// "093000.250"
-std::optional<std::int64_t> msOfDay(std::string_view text) {
-  const auto hour = twoDigits(text, 0), minute = twoDigits(text, 2);
-  const auto second = text.size() < 6 ? std::nullopt : wholeNumber<double>(text.substr(4));
-  if (!hour || !minute || !second) return std::nullopt;
-  if (*hour > 23 || *minute > 59 || !(*second >= 0 && *second < 61)) return std::nullopt;
-  return (*hour * 60 + *minute) * 60'000 + std::llround(*second * 1000);
-}
-
-std::optional<FixTime> dated(std::optional<std::int64_t> time, std::optional<int> day, std::optional<int> month,
-                             std::optional<int> year) {
-  if (!time || !day || !month || !year) return std::nullopt;
-  const std::chrono::year_month_day date{std::chrono::year(*year), std::chrono::month(static_cast<unsigned>(*month)),
-                                         std::chrono::day(static_cast<unsigned>(*day))};
-  if (!date.ok()) return std::nullopt;
-  return FixTime{.ms = msSince1970({.year = *year, .month = *month, .day = *day}) + *time, .dated = true};
-}
+std::int64_t msOf(double seconds) { return std::llround(seconds * 1000); }
 
 // `hasFix`: others have said so, for a ZDA does not.
 std::optional<FixTime> fixTimeOf(std::string_view sentence, bool hasFix) {
-  const auto address = fieldOf(sentence, 1);
-  if (address.size() != 6) return std::nullopt;
-  const auto kind = address.substr(3);
-  const auto time = msOfDay(fieldOf(sentence, 2));
-  if (kind == "GGA" && time) {
-    const auto quality = fieldOf(sentence, 7);
-    if (quality.size() == 1 && quality[0] >= '1' && quality[0] <= '5') return FixTime{.ms = *time};
-  } else if (kind == "RMC" && fieldOf(sentence, 3) == "A") {
-    const auto date = fieldOf(sentence, 10);
-    auto year = twoDigits(date, 4);
-    if (year) *year += *year < kFirstYear ? 2000 : 1900;
-    return dated(time, twoDigits(date, 0), twoDigits(date, 2), year);
-  } else if (kind == "ZDA" && hasFix) {
-    return dated(time, twoDigits(fieldOf(sentence, 3), 0), twoDigits(fieldOf(sentence, 4), 0),
-                 wholeNumber<int>(fieldOf(sentence, 5)));
+  constexpr int kBestMeasured = 5;  // fixes beyond are estimated, entered or simulated
+  if (isPositionSentence(sentence)) {
+    PositionSentence position;
+    const bool fix = parsePosition(sentence, position) == PositionFault::none && position.quality <= kBestMeasured;
+    return fix ? std::optional(FixTime{.ms = msOf(position.timeOfDay_s)}) : std::nullopt;
   }
-  return std::nullopt;
+  const auto time = parseDatedTime(sentence);
+  if (!time || (!time->whileFixed && !hasFix)) return std::nullopt;
+  return FixTime{.ms = time->day * kDayMs + msOf(time->timeOfDay_s), .dated = true};
 }
 
 void takeDifference(Session& session, std::int64_t ms) {

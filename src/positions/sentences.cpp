@@ -83,10 +83,10 @@ bool isKind(std::string_view sentence, std::string_view kind) {
   return sentence.size() > kAddress && sentence[kAddress] == ',' && sentence.substr(3, 3) == kind && sentence[1] != 'P';
 }
 
-std::optional<DatedTime> dated(std::optional<std::int64_t> day, std::optional<double> time) {
+std::optional<DatedTime> dated(std::optional<std::int64_t> day, std::optional<double> time, bool whileFixed) {
   if (!day || !time) return std::nullopt;
-  if (*time >= kDay_s) return DatedTime{*day + 1, *time - kDay_s};
-  return DatedTime{*day, *time};
+  if (*time >= kDay_s) return DatedTime{*day + 1, *time - kDay_s, whileFixed};
+  return DatedTime{*day, *time, whileFixed};
 }
 
 }  // namespace
@@ -124,12 +124,12 @@ std::optional<DatedTime> parseDatedTime(std::string_view sentence) {
     // Two digits of the year: nobody surveyed before the satellites flew.
     const int year = twoDigits(date.substr(4));
     return dated(dayOf(year < 80 ? 2000 + year : 1900 + year, twoDigits(date.substr(2)), twoDigits(date)),
-                 timeOfDay(fields[1]));
+                 timeOfDay(fields[1]), true);
   }
   for (const std::size_t field : {2U, 3U, 4U}) {
     if (!isDigits(fields[field]) || fields[field].size() > 4) return std::nullopt;
   }
-  return dated(dayOf(parseInt(fields[4]), parseInt(fields[3]), parseInt(fields[2])), timeOfDay(fields[1]));
+  return dated(dayOf(parseInt(fields[4]), parseInt(fields[3]), parseInt(fields[2])), timeOfDay(fields[1]), false);
 }
 
 std::optional<double> parseAccuracy(std::string_view sentence) {

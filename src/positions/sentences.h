@@ -25,10 +25,11 @@ struct PositionSentence {
 
 enum class PositionFault { none, noFix, unreadable };
 
-// A time of a day that is known: RMC (of a receiver that has a fix) or ZDA.
+// A time of a day that is known: RMC, of a receiver that has a fix, or ZDA, which does not say whether it has one.
 struct DatedTime {
   std::int64_t day = 0;  // since 1970-01-01, UTC
   double timeOfDay_s = 0;
+  bool whileFixed = false;
 };
 
 // "$GPGGA" is one; proprietary sentences are none.

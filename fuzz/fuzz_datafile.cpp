@@ -7,7 +7,7 @@
 #include <string_view>
 
 #include "datafile/record_parse.h"
-#include "export/csv_export.h"
+#include "export/survey_writer.h"
 
 namespace {
 
@@ -38,14 +38,18 @@ void exportAll(const std::string& bytes) {
   RecordReader reader;
   reader.open(std::make_unique<std::istringstream>(bytes));
   std::uint64_t lines = 0;
-  CsvTable table{.write = [&](std::string_view text) {
+  OutputFrame frame;
+  takeChannels(frame, reader.header());
+  const auto writer = makeCsvWriter(frame, TableOf::readings, [&](std::string_view text) {
     for (const char c : text) lines += c == '\n' ? 1 : 0;
     return true;
-  }};
+  });
   RecordReader scanner;
   scanner.open(std::make_unique<std::istringstream>(bytes));
   const auto scan = scanPositions(scanner, {.ahead_m = 1}, std::nullopt);
-  require(exportReadings(reader, table, "FUZZ", {.scan = &scan, .positions = {.ahead_m = 1}}).readings + 1 == lines);
+  const auto result = writeFile(reader, *writer, frame, {.name = "FUZZ", .header = reader.header(), .notes = {}},
+                                {.scan = &scan, .positions = {.ahead_m = 1}});
+  require(writer->finish() && result.readings + 1 == lines);
 }
 
 }  // namespace

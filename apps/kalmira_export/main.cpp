@@ -1,4 +1,4 @@
-// kalmira-export: data files as tables.
+// kalmira-export: data files as tables and maps.
 #include <unistd.h>
 
 #include <csignal>
@@ -18,10 +18,11 @@ int main(int argc, char** argv) {
     // Rows on a terminal show by themselves how far it is.
     const bool rowsShown = !request.out && ::isatty(STDOUT_FILENO) == 1;
     if (request.out) run.tidyWhenEnded();
-    return kalmira::runExport(
+    const auto result = kalmira::runExport(
         request, [&](std::string_view text) { run.say(text); },
         [&](std::string_view name, std::uint64_t done, std::uint64_t total) {
           return rowsShown || run.goOn(name, done, total);
         });
+    return result.status;
   });
 }

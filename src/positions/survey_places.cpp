@@ -113,13 +113,12 @@ int worseFix(int a, int b) {
 }
 
 PlaceFinder::PlaceFinder(const PositionScan& scan, const PositionOptions& options, bool manual,
-                         std::optional<MapZone>& zone, TakePlace place, std::function<void(const Fix&)> fix)
+                         std::optional<MapZone>& zone, PlaceTakers takers)
     : scan_(scan),
       options_(options),
       manual_(manual),
       zone_(zone),
-      place_(std::move(place)),
-      fix_(std::move(fix)),
+      takers_(std::move(takers)),
       track_(scan.line, options, [this](const Fix& good) { takeFix(good); }) {
   track_.setFirstHeading(scan.firstHeading);
   if (scan.firstTick) ticks_.take(*scan.firstTick);
@@ -170,7 +169,7 @@ PlaceFinder::Stand PlaceFinder::standOf(const Fix& fix) const {
 }
 
 void PlaceFinder::takeFix(const Fix& fix) {
-  if (fix_) fix_(fix);
+  if (takers_.fix) takers_.fix(fix);
   stands_.push_back(standOf(fix));
 }
 
@@ -213,19 +212,38 @@ Place PlaceFinder::between(const Stand& a, const Stand& b, double moment) const 
   return place;
 }
 
-void PlaceFinder::takeReading(std::string_view record) {
-  if (reading_waits_) tell(std::nullopt, tick_);
-  reading_waits_ = false;
-  const auto tick = parseTick(record);
-  tick_ = tick ? ticks_.take(*tick) : std::nan("");
-  if (tick) now_ = std::max(now_, tick_);
+double PlaceFinder::countedTick(std::optional<std::uint32_t> tick) {
+  if (!tick) return std::nan("");
+  const double counted = ticks_.take(*tick);
+  now_ = std::max(now_, counted);
+  return counted;
+}
+
+void PlaceFinder::tell(const std::optional<Place>& place, const Waiting& waiting) {
+  (waiting.reading ? takers_.reading : takers_.moment)(place ? &*place : nullptr, utcAt(waiting.tick));
+}
+
+void PlaceFinder::takeMoment(std::optional<std::uint32_t> tick) {
+  const Waiting moment{.tick = countedTick(tick), .reading = false};
   if (!manual_) {
-    waiting_.push_back(tick_);
+    waiting_.push_back(moment);
+    return resolve(false);
+  }
+  const double gap = std::abs(moment.tick - last_held_tick_);
+  tell(last_held_ && gap <= options_.maxGap_s ? std::optional(placeAt(*last_held_, gap)) : std::nullopt, moment);
+}
+
+void PlaceFinder::takeReading(std::string_view record) {
+  if (reading_waits_) tell(std::nullopt, {tick_});
+  reading_waits_ = false;
+  tick_ = countedTick(parseTick(record));
+  if (!manual_) {
+    waiting_.push_back({tick_});
     return resolve(false);
   }
   reading_waits_ = !std::exchange(held_any_, false);
   if (reading_waits_) return;
-  tell(held_ ? std::optional(placeAt(*held_, std::abs(tick_ - held_tick_))) : std::nullopt, tick_);
+  tell(held_ ? std::optional(placeAt(*held_, std::abs(tick_ - held_tick_))) : std::nullopt, {tick_});
 }
 
 // A sentence that was held for a reading stands beside it.
@@ -252,7 +270,8 @@ void PlaceFinder::takeHeld(const PositionSentence* position, double tick) {
       held_ = standOf(fix);
       if (!anchor_ || nearbyLength(anchor_->fix.place(), fix.place()) >= kBaseline_m) anchor_ = held_;
       last_held_ = held_;
-      if (fix_) fix_(fix);
+      last_held_tick_ = tick;
+      if (takers_.fix) takers_.fix(fix);
     }
   }
   if (!std::exchange(reading_waits_, false)) {
@@ -260,7 +279,7 @@ void PlaceFinder::takeHeld(const PositionSentence* position, double tick) {
     held_tick_ = tick;
     return;
   }
-  tell(held_ ? std::optional(placeAt(*held_, std::abs(tick - tick_))) : std::nullopt, tick_);
+  tell(held_ ? std::optional(placeAt(*held_, std::abs(tick - tick_))) : std::nullopt, {tick_});
 }
 
 void PlaceFinder::resolve(bool all) {
@@ -271,7 +290,7 @@ void PlaceFinder::resolve(bool all) {
 
 // False when a fix may still come that is wanted.
 bool PlaceFinder::resolveFirst(bool all) {
-  const double moment = waiting_.front();
+  const double moment = waiting_.front().tick;
   while (stands_.size() > 1 && stands_[1].fix.moment_s <= moment) stands_.pop_front();
   const bool begun = !stands_.empty() && stands_.front().fix.moment_s <= moment;
   std::optional<Place> place;
@@ -286,7 +305,7 @@ bool PlaceFinder::resolveFirst(bool all) {
                             (options_.turnsAntenna() ? kHeadingWait_s : 0);
     if (moment + patience > now_ && !scan_.line.pieces().empty()) return false;
   }
-  tell(place, moment);
+  tell(place, waiting_.front());
   return true;
 }
 
@@ -299,7 +318,7 @@ std::optional<double> PlaceFinder::utcAt(double tick_s) const {
 
 void PlaceFinder::finish() {
   track_.finish();
-  if (std::exchange(reading_waits_, false)) tell(std::nullopt, tick_);
+  if (std::exchange(reading_waits_, false)) tell(std::nullopt, {tick_});
   resolve(true);
 }
 

@@ -54,25 +54,39 @@ struct Place {
 // Of two GGA digits the one that says less: 4 before 5 before 2 before 1.
 int worseFix(int a, int b);
 
-// Of one reading: nullptr where it has no place; UTC, seconds since 1970, wherever the file has a clock.
+// Of one reading or moment: nullptr where it has no place; UTC, seconds since 1970, wherever the file has a clock.
 using TakePlace = std::function<void(const Place* place, std::optional<double> utc)>;
+
+struct PlaceTakers {
+  TakePlace reading;                      // once a reading, in their order
+  TakePlace moment;                       // once a moment, in their order
+  std::function<void(const Fix&)> fix{};  // each good fix
+};
 
 // Finds the places of a file's readings, in their order.
 class PlaceFinder {
  public:
-  // `zone` is set by the first position where it is not set yet. `place` is called once a reading, in their order;
-  // `fix` with each good fix.
+  // `zone` is set by the first position where it is not set yet.
   PlaceFinder(const PositionScan& scan, const PositionOptions& options, bool manual, std::optional<MapZone>& zone,
-              TakePlace place, std::function<void(const Fix&)> fix);
+              PlaceTakers takers);
 
   // Any record, of its type, in file order. The place of a reading is told now or later.
   void take(RecordType type, const Record& record);
+  // Something else that happened at a tick, where that is known. In Manual mode it has the place of the sentence held
+  // last, where that is no older than the longest gap.
+  void takeMoment(std::optional<std::uint32_t> tick);
   // Tells the places of all readings so far: there are no further records.
   void finish();
 
   const LeftOut& leftOut() const { return track_.leftOut(); }
+  // Position sentences taken, by which fixes are counted.
+  std::uint64_t sentences() const { return order_; }
 
  private:
+  struct Waiting {
+    double tick = 0;  // no number: it has none
+    bool reading = true;
+  };
   struct Stand {  // the instrument at the moment of a fix
     Fix fix;
     GeoPoint at;
@@ -84,7 +98,8 @@ class PlaceFinder {
   void takeHeld(const PositionSentence* position, double tick);
   void takeReading(std::string_view record);
   std::optional<double> utcAt(double tick_s) const;
-  void tell(const std::optional<Place>& place, double tick_s) { place_(place ? &*place : nullptr, utcAt(tick_s)); }
+  double countedTick(std::optional<std::uint32_t> tick);
+  void tell(const std::optional<Place>& place, const Waiting& waiting);
   void resolve(bool all);
   bool resolveFirst(bool all);
   Stand standOf(const Fix& fix) const;
@@ -95,8 +110,7 @@ class PlaceFinder {
   PositionOptions options_;
   bool manual_;
   std::optional<MapZone>& zone_;
-  TakePlace place_;
-  std::function<void(const Fix&)> fix_;
+  PlaceTakers takers_;
   Track track_;
   SentenceAssembler assembler_;
   CountedTicks ticks_;
@@ -104,13 +118,13 @@ class PlaceFinder {
   double now_ = 0;
   std::uint64_t order_ = 0;
   std::optional<double> accuracy_;
-  std::deque<double> waiting_;  // moments of readings whose places are not known yet
+  std::deque<Waiting> waiting_;  // whose places are not known yet
   std::deque<Stand> stands_;
   // Manual mode.
   bool reading_waits_ = false;
   bool held_any_ = false;
   std::optional<Stand> held_;
-  double held_tick_ = 0;
+  double held_tick_ = 0, last_held_tick_ = 0;
   std::optional<Stand> last_held_, anchor_;
 };
 

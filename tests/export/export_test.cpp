@@ -9,8 +9,8 @@
 #include "datafile/record_format.h"
 #include "datafile/record_text.h"
 #include "export/cells.h"
-#include "export/csv_export.h"
 #include "export/export_command.h"
+#include "export/survey_writer.h"
 #include "support/command_line_case.h"
 #include "support/temp_folder.h"
 
@@ -42,13 +42,20 @@ struct Exported {
   RowsResult result;
 };
 
-Exported exported(const std::string& bytes, bool teskRangeTimes10 = false) {
+Exported exported(const std::string& bytes, const RowOptions& options) {
   RecordReader reader;
   EXPECT_EQ(reader.open(std::make_unique<std::istringstream>(bytes)).kind, FileErrorKind::none);
   Exported out;
-  CsvTable table{.write = [&](std::string_view text) { return out.table += text, true; }};
-  out.result = exportReadings(reader, table, "F", {.teskRangeTimes10 = teskRangeTimes10});
+  OutputFrame frame;
+  takeChannels(frame, reader.header());
+  const auto writer =
+      makeCsvWriter(frame, TableOf::readings, [&](std::string_view text) { return out.table += text, true; });
+  out.result = writeFile(reader, *writer, frame, {.name = "F", .header = reader.header(), .notes = {}}, options);
+  EXPECT_TRUE(writer->finish());
   return out;
+}
+Exported exported(const std::string& bytes, bool teskRangeTimes10 = false) {
+  return exported(bytes, {.teskRangeTimes10 = teskRangeTimes10});
 }
 
 // What the row of a reading says from "dipole" on.
@@ -191,14 +198,12 @@ TEST(Export, OfAStretchIsThatPartOfTheWholeExport) {
   fix(11);
   fix(12);
   const auto rowsOf = [&](const FileStretch& stretch) {
-    RecordReader scanner, reader;
+    RecordReader scanner;
     EXPECT_EQ(scanner.open(std::make_unique<std::istringstream>(bytes)).kind, FileErrorKind::none);
-    EXPECT_EQ(reader.open(std::make_unique<std::istringstream>(bytes)).kind, FileErrorKind::none);
     const auto scan = scanPositions(scanner, {}, std::nullopt);
-    std::string table;
-    CsvTable csv{.write = [&](std::string_view text) { return table += text, true; }};
-    EXPECT_EQ(exportReadings(reader, csv, "F", {.stretch = stretch, .scan = &scan}).readings, 1U);
-    return table;
+    const auto out = exported(bytes, {.stretch = stretch, .scan = &scan});
+    EXPECT_EQ(out.result.readings, 1U);
+    return out.table;
   };
   const auto whole = rowsOf({});
   EXPECT_THAT(whole, testing::HasSubstr(",9.00000000,50.0000"));
@@ -242,15 +247,41 @@ struct ExportCommand : testing::Test {
       if (line.starts_with(path(""))) line.remove_prefix(path("").size());
       said.emplace_back(line);
     };
-    return runExport(request, say, [&](std::string_view name, std::uint64_t done, std::uint64_t total) {
+    const auto ask = [&](std::string_view name, std::uint64_t done, std::uint64_t total) {
       return goOn(name, done, total);
-    });
+    };
+    return runExport(request, say, ask).status;
   }
 
   TempFolder folder;
   std::vector<std::string> said;
   GoOn goOn = [](std::string_view, std::uint64_t, std::uint64_t) { return true; };
 };
+
+const std::string kSurvey24 = records24({
+    "ORLA2   W230GRD0220",
+    "H A",
+    "L12",
+    "B     100.00",
+    "AN            2.500",
+    "Z08032024 10:00:00",
+    "*10:00:00.000      1000",
+    "X$STARTED          1100",
+    "T$-0400+0800       1200",
+    "2\4-0800+0400       1250",
+    "3$-0440+0800       1260",
+    "T$-0400+0800       1300",
+    "CFence, old        1300",
+    "S     120.00 10000100",
+    "*10:00:01.000      2000",
+    "T$-0400+0800       2100",
+    "2\4-0800+0400       2150",
+    "X$PAUSED           2300",
+    "L7",
+    "AN            2.500",
+    "*10:00:02.000      3000",
+    "T$-0400+0800       3100",
+});
 
 const std::string kWhole = records24({"MIRKA   W210GRD0000", "H A", "L1", "B       0.00", "AN            1.000",
                                       "Z08032024 10:00:00", "*10:00:00.000      1000", "T$-0004-0040       1500"});
@@ -351,6 +382,48 @@ TEST_F(ExportCommand, PlacesReadingsByTheirSentencesOrByTheSurveysOwnGrid) {
   }
 }
 
+TEST_F(ExportCommand, TellsOfEventsWithTheirTimeAndPlace) {
+  const auto input = file("e.ROR", kSurvey24);
+  ASSERT_EQ(run({input, "--events", "-o", path("e.csv")}), kExportDone);
+  const auto at = [](std::string_view event, std::string_view line, std::string_view station, std::string_view time,
+                     std::string_view tick, int segment) {
+    const auto date = time.empty() ? "" : "2024-03-08";
+    return fmt::format("e.ROR,ORLA,{},{},{},{},{},{},,,,,,,,{}\n", event, line, station, date, time, tick, segment);
+  };
+  EXPECT_EQ(content("e.csv"),
+            "file,kind,event,text,line,station,date,time,tick,utc,longitude,latitude,altitude,easting,northing,epsg,"
+            "segment\n" +
+                at("line,12", "12", "100.000", "10:00:00.000", "1000", 1) +
+                at("event,$STARTED", "12", "100.000", "10:00:00.100", "1100", 1) +
+                at("comment,\"Fence, old\"", "12", "102.500", "10:00:00.300", "1300", 1) +
+                at("station,120.00", "12", "120.000", "10:00:01.000", "2000", 1) +
+                at("event,$PAUSED", "12", "120.000", "10:00:01.300", "2300", 1) +
+                at("line,7", "7", "", "10:00:02.000", "3000", 1));
+}
+
+// Two readings of both dipoles, the first of them repeated.
+TEST_F(ExportCommand, PutsAStationIntoOneRowAndWritesBlocksOfLines) {
+  const auto input = file("e.ROR", kSurvey24);
+  ASSERT_EQ(run({input, "--wide", "-o", path("e.csv")}), kExportDone);
+  const auto row = [](std::string_view cells, std::string_view grid, int segment) {
+    return fmt::format("{}{}", cells, placeless(grid, segment, "e.ROR,ORLA"));
+  };
+  EXPECT_EQ(content("e.csv"),
+            std::string(kCommon) + "cond_v,cond_h,inph_v,inph_h" + kLast +
+                row("12,100.000,1,2024-03-08,10:00:00.200,1200,V,0,100,11,20,-2,-1", "12.000,100.000", 1) +
+                row("12,102.500,1,2024-03-08,10:00:00.300,1300,V,0,100,10,,-2,", "12.000,102.500", 1) +
+                row("12,120.000,1,2024-03-08,10:00:01.100,2100,V,0,100,10,20,-2,-1", "12.000,120.000", 1) +
+                row("7,,1,2024-03-08,10:00:02.100,3100,V,0,100,10,,-2,", "", 2));
+  file("e.ROR.json", R"({"project": "Dyke", "kind": "ORLA"})");
+  ASSERT_EQ(run({input, "--wide", "-o", path("e.XYZ")}), kExportDone);
+  EXPECT_EQ(content("e.XYZ"),
+            "/ grid_x grid_y altitude station cond_v cond_h inph_v inph_h\n/ project: Dyke\n"
+            "Line 12\n12.000 100.000 * 100.000 11 20 -2 -1\n12.000 102.500 * 102.500 10 * -2 *\n"
+            "12.000 120.000 * 120.000 10 20 -2 -1\nLine 7\n* * * * 10 * -2 *\n");
+  ASSERT_EQ(run({input, "--format", "xyz", "--grid", "500000,5500000,0,32N", "-o", path("e.txt")}), kExportDone);
+  EXPECT_THAT(content("e.txt"), testing::HasSubstr("\n500012.000 5500100.000 * 100.000 10 * -2 *\n"));
+}
+
 TEST_F(ExportCommand, ReplacesAnEarlierTableButNeverADataFile) {
   const auto input = file("a.RMI", kWhole);
   file("t.csv", "an earlier table");
@@ -359,9 +432,9 @@ TEST_F(ExportCommand, ReplacesAnEarlierTableButNeverADataFile) {
   EXPECT_FALSE(std::filesystem::exists(path("t.csv.new")));
 
   const auto damaged = file("b.RMI", "\1\2\3");
-  EXPECT_EQ(run({input, damaged, "-o", path("./b.RMI")}), kExportUsage);
+  EXPECT_EQ(run({input, damaged, "-o", path("./b.RMI")}), kExportFailed);
   EXPECT_EQ(content("b.RMI"), "\1\2\3");
-  EXPECT_EQ(run({input, "-o", file("c.RMI", kWhole + "more")}), kExportUsage);
+  EXPECT_EQ(run({input, "-o", file("c.RMI", kWhole + "more")}), kExportFailed);
   EXPECT_THAT(said, ElementsAre("c.RMI: is a data file, which is never overwritten"));
   EXPECT_EQ(content("c.RMI"), kWhole + "more");
 }
@@ -387,7 +460,7 @@ TEST_F(ExportCommand, LeavesNothingBehindWhenItIsLeftAndTellsOfAFileThatIsCutMea
     return done < 300000;
   };
   EXPECT_EQ(run({input, "-o", path("t.csv")}), kExportFailed);
-  EXPECT_THAT(said, ElementsAre(testing::MatchesRegex("a.RMI: was read up to byte 3.* only; there is no table")));
+  EXPECT_THAT(said, ElementsAre(testing::MatchesRegex("a.RMI: was read up to byte 3.* only; nothing is written")));
   EXPECT_EQ(content("t.csv"), "an earlier table");
   EXPECT_FALSE(std::filesystem::exists(path("t.csv.new")));
 

@@ -109,7 +109,7 @@ Found find(const Walk& walk, bool manual = false) {
     const double right = kDay * 86400 + walk.start + t + walk.receiver(t);
     if (utc) found.utcFault = std::max(found.utcFault.value_or(0), std::abs(*utc - right));
   };
-  PlaceFinder finder(scan, walk.options, manual, zone, place, {});
+  PlaceFinder finder(scan, walk.options, manual, zone, {.reading = place, .moment = {}});
   Record record;
   while (reader.next(record)) {
     const auto type = recordTypeOf(record.bytes);
@@ -264,11 +264,13 @@ TEST(Places, OfManualReadingsAreThoseHeldForThem) {
   reader.seek(kLength);
   std::optional<MapZone> zone;
   std::vector<std::string> told;
-  PlaceFinder finder(scan, {}, true, zone,
-                     [&](const Place* at, std::optional<double>) {
-                       told.push_back(at == nullptr ? "-" : fmt::format("{:.3f} {:.1f}", at->at.latitude, at->gap_s));
-                     },
-                     {});
+  PlaceFinder finder(
+      scan, {}, true, zone,
+      {.reading =
+           [&](const Place* at, std::optional<double>) {
+             told.push_back(at == nullptr ? "-" : fmt::format("{:.3f} {:.1f}", at->at.latitude, at->gap_s));
+           },
+       .moment = {}});
   Record record;
   while (reader.next(record)) finder.take(recordTypeOf(record.bytes), record);
   finder.finish();

@@ -12,8 +12,7 @@
 #include <functional>
 #include <vector>
 
-#include "datafile/record_reader.h"
-#include "export/csv_export.h"
+#include "export/export_run.h"
 #include "instruments/catalogue.h"
 #include "platform/files.h"
 #include "settings/display_options.h"
@@ -274,22 +273,15 @@ std::filesystem::path proposedName(const std::filesystem::path& dataFile, std::s
 
 std::string exportTable(const OpenedFile& file, const std::filesystem::path& target, bool teskRangeTimes10,
                         std::uint64_t& readings) {
-  RecordReader reader;
-  if (const auto error = reader.open(file.path); error.kind != FileErrorKind::none) return error.text;
-  OutputFile output(target);
-  CsvTable table{.write = [&output](std::string_view text) { return output.write(text); }};
-  RowOptions options{.teskRangeTimes10 = teskRangeTimes10};
-  if (file.line.line > 0) options.stretch = {.begin = file.line.begin, .end = file.line.end()};
-  RecordReader scanner;
-  PositionScan scan;
-  if (reader.header().gps && scanner.open(file.path).kind == FileErrorKind::none) {
-    scan = scanPositions(scanner, options.positions, std::nullopt);
-    options.scan = &scan;
-  }
-  const auto result = exportReadings(reader, table, file.path.filename().string(), options);
-  if (result.stopped || !output.finish()) return output.problem();
+  ExportRequest request{
+      .files = {file.path}, .out = target, .format = ExportFormat::csv, .teskTimes10 = teskRangeTimes10};
+  if (file.line.line > 0) request.stretch = {.begin = file.line.begin, .end = file.line.end()};
+  std::string said;
+  const auto result = runExport(
+      request, [&said](std::string_view text) { said += fmt::format("{}{}", said.empty() ? "" : "\r\n", text); },
+      [](std::string_view, std::uint64_t, std::uint64_t) { return true; });
   readings = result.readings;
-  return reader.error().kind == FileErrorKind::none ? "" : reader.error().text;
+  return result.status == kExportDone ? "" : said;
 }
 
 void ViewFilesWnd::saveAs(const SaveQuestion& question, const WriteFile& write) {

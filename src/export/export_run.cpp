@@ -193,8 +193,9 @@ std::unique_ptr<SurveyWriter> makeWriter(const ExportRequest& request, Output& o
   return nullptr;
 }
 
-int outputFailure(const OutputFile& output, const Say& say) {
-  say(fmt::format("{}: cannot be written: {}", output.name(), output.problem()));
+int outputFailure(const Output& output, const Say& say) {
+  const auto own = output.writer->problem();
+  say(fmt::format("{}: cannot be written: {}", output.file.name(), own.empty() ? output.file.problem() : own));
   return kExportFailed;
 }
 
@@ -209,11 +210,11 @@ int exportAll(const ExportRequest& request, Output& output, ExportResult& result
   int status = kExportDone;
   for (const auto& file : request.files) {
     const auto outcome = exportFile(file, request, output, result, say, goOn);
-    if (outcome == FileOutcome::outputFailed) return outputFailure(output.file, say);
+    if (outcome == FileOutcome::outputFailed) return outputFailure(output, say);
     if (outcome == FileOutcome::left) return kExportFailed;
     if (outcome == FileOutcome::nothing) status = kExportFailed;
   }
-  return output.writer->finish() && output.file.finish() ? status : outputFailure(output.file, say);
+  return output.writer->finish() && output.file.finish() ? status : outputFailure(output, say);
 }
 
 constexpr std::array kFormats{

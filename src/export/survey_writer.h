@@ -21,7 +21,7 @@ struct SourceFile {
   bool placed = false;  // its rows may have places
 };
 
-// False from any of the functions: it cannot be written, and whoever owns what it writes to can say why.
+// False from any of the functions: it cannot be written, for the reason in problem(), or for the sink's own.
 class SurveyWriter {
  public:
   SurveyWriter() = default;
@@ -36,6 +36,8 @@ class SurveyWriter {
   virtual bool endOfFile() { return true; }
   // There is no further file: what is written is whole then.
   virtual bool finish() = 0;
+  // In words, without a full stop; empty where only whoever owns the sink can say why.
+  virtual std::string problem() const { return {}; }
 };
 
 // Tells the writer of the file that `reader` has opened, which has not read on yet. `wide`: of all readings at a

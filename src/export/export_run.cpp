@@ -189,6 +189,7 @@ std::unique_ptr<SurveyWriter> makeWriter(const ExportRequest& request, Output& o
   switch (formatOf(request)) {
     case ExportFormat::csv: return makeCsvWriter(output.frame, request.table, write);
     case ExportFormat::xyz: return makeXyzWriter(output.frame, write);
+    case ExportFormat::geopackage: return makeGpkgWriter(output.frame, output.file);
   }
   return nullptr;
 }
@@ -219,7 +220,8 @@ int exportAll(const ExportRequest& request, Output& output, ExportResult& result
 
 constexpr std::array kFormats{
     FormatRow{ExportFormat::csv, "csv", "a table of comma-separated values", true, true, false},
-    FormatRow{ExportFormat::xyz, "xyz", "blocks of lines for gridding and inversion", false, true, false}};
+    FormatRow{ExportFormat::xyz, "xyz", "blocks of lines for gridding and inversion", false, true, false},
+    FormatRow{ExportFormat::geopackage, "gpkg", "a GeoPackage of map layers", false, true, true}};
 
 }  // namespace
 

@@ -12,7 +12,7 @@
 
 namespace kalmira {
 
-enum class ExportFormat { csv, xyz };
+enum class ExportFormat { csv, xyz, geopackage };
 
 struct FormatRow {
   ExportFormat format;

@@ -9,6 +9,7 @@
 #include "datafile/survey_notes.h"
 #include "export/survey_rows.h"
 #include "export/table_cells.h"
+#include "platform/files.h"
 
 // What an output is made by: told of the files in turn, and of each one's rows. Files are read as streams, so that
 // nobody holds more than he must of what he is told. Not bound to a thread.
@@ -89,5 +90,7 @@ enum class TableOf { readings, events };
 // begins, but for its zone.
 std::unique_ptr<SurveyWriter> makeCsvWriter(const OutputFrame& frame, TableOf table, TextSink write);
 std::unique_ptr<SurveyWriter> makeXyzWriter(const OutputFrame& frame, TextSink write);
+// Map layers in an SQLite file, which takes the place of OUT's own.
+std::unique_ptr<SurveyWriter> makeGpkgWriter(const OutputFrame& frame, OutputFile& file);
 
 }  // namespace kalmira

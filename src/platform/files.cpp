@@ -84,6 +84,13 @@ bool OutputFile::write(std::string_view text) {
   return waiting_.size() < kBlock || flush();
 }
 
+std::optional<std::filesystem::path> OutputFile::forAnother() {
+  if (!problem_.empty() || (fd_ < 0 && !open())) return std::nullopt;
+  if (!written_path_.empty()) return written_path_;
+  fail(ENOTSUP);
+  return std::nullopt;
+}
+
 bool OutputFile::finish() {
   if (fd_ < 0) return problem_.empty();
   bool good = flush();

@@ -44,6 +44,9 @@ class OutputFile {
 
   // False when it cannot be opened or written; problem() says why, also when it comes out only later.
   bool write(std::string_view text);
+  // In place of write: the empty file, for a library that writes to names. Nothing where there is none (standard
+  // output, a device) or it cannot be made.
+  std::optional<std::filesystem::path> forAnother();
   // Writes out all of it, commits and closes. False as write. True when nothing was ever written.
   bool finish();
   // Throws away what was written, where that is possible; after finish nothing.

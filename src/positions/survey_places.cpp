@@ -169,8 +169,8 @@ PlaceFinder::Stand PlaceFinder::standOf(const Fix& fix) const {
 }
 
 void PlaceFinder::takeFix(const Fix& fix) {
-  if (takers_.fix) takers_.fix(fix);
   stands_.push_back(standOf(fix));
+  if (takers_.fix) takers_.fix(fix);
 }
 
 Place PlaceFinder::placeAt(const Stand& stand, double gap_s) const {

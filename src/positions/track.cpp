@@ -28,6 +28,7 @@ std::optional<Fix> fixOf(const ClockLine& line, const PositionOptions& options, 
   if (!utc) return std::nullopt;
   return Fix{.moment_s = piece->tickAt(*utc) - options.lag_s,
              .utc = *utc,
+             .dated = piece->dated,
              .position = position,
              .accuracy = accuracy,
              .heading = std::nullopt,

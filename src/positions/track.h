@@ -27,7 +27,8 @@ struct PositionOptions {
 // A good fix.
 struct Fix {
   double moment_s = 0;  // on the tick clock
-  double utc = 0;       // seconds since 1970 where its piece of the clock's line is dated
+  double utc = 0;       // seconds since 1970 where it is dated, else of some day
+  bool dated = false;
   PositionSentence position;
   std::optional<double> accuracy;  // metres, where the receiver tells it
   std::optional<double> heading;   // degrees clockwise from north, in which the receiver moves or has last moved

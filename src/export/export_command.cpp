@@ -98,7 +98,7 @@ std::string takeFormat(const std::string& value, ExportRequest& request) {
 // Empty when the choices go together.
 std::string whyNot(const ExportRequest& request) {
   if (request.files.empty()) return "no data file was named";
-  const auto format = *std::ranges::find(exportFormats(), formatOf(request), &FormatRow::format);
+  const auto& format = formatRow(formatOf(request));
   const bool events = request.table == TableOf::events;
   if (events && request.wide) return "--wide is of readings, --events of no reading";
   if (events && !format.events) return fmt::format("--events makes no {}", format.ending);

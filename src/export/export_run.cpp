@@ -219,13 +219,15 @@ int exportAll(const ExportRequest& request, Output& output, ExportResult& result
 }
 
 constexpr std::array kFormats{
-    FormatRow{ExportFormat::csv, "csv", "a table of comma-separated values", true, true, false},
-    FormatRow{ExportFormat::xyz, "xyz", "blocks of lines for gridding and inversion", false, true, false},
-    FormatRow{ExportFormat::geopackage, "gpkg", "a GeoPackage of map layers", false, true, true}};
+    FormatRow{ExportFormat::csv, "csv", "CSV table", "a table of comma-separated values", true, true, false},
+    FormatRow{ExportFormat::xyz, "xyz", "XYZ table", "blocks of lines for gridding and inversion", false, true, false},
+    FormatRow{ExportFormat::geopackage, "gpkg", "GeoPackage", "a GeoPackage of map layers", false, true, true}};
 
 }  // namespace
 
 std::span<const FormatRow> exportFormats() { return kFormats; }
+
+const FormatRow& formatRow(ExportFormat format) { return *std::ranges::find(kFormats, format, &FormatRow::format); }
 
 const FormatRow* formatOfFile(const std::filesystem::path& out) {
   auto ending = out.extension().string();

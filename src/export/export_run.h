@@ -17,12 +17,14 @@ enum class ExportFormat { csv, xyz, geopackage };
 struct FormatRow {
   ExportFormat format;
   std::string_view ending;   // of file names, without a dot; also what --format calls it
+  std::string_view name;     // "CSV table"
   std::string_view content;  // "map layers for a geographic information system"
   bool events;               // makes tables of events, too
   bool wide;                 // shows readings, so those of a station can be one
   bool toFileOnly;
 };
 std::span<const FormatRow> exportFormats();
+const FormatRow& formatRow(ExportFormat format);
 // By its ending, in any case; nothing for another one.
 const FormatRow* formatOfFile(const std::filesystem::path& out);
 

@@ -141,7 +141,7 @@ const std::array<ViewEntry, kViewButtons>& viewEntries() {
       {help, "?", "", {}, false, false, "Help"},
       {exit, "E&xit", "XE", {}, false, false, "Back to the menu"},
       {kSavePicture, "&Picture", "P", {}, true, false, "Save picture"},
-      {kExportCsv, "&CSV", "C", {}, true, false, "Export CSV"},
+      {kExport, "Expo&rt", "RC", {}, true, false, "Export to tables and maps"},
       {kZoomOut, "-", "", {key::kMinus, 0}, true, true, "Narrower stations, at last the whole line"},
       {kZoomIn, "+", "", {kPlusKey, 0}, true, true, "Wider stations"},
       {kFitScale, "Fi&t", "T", {}, true, false, "Fit the scale to the line"},

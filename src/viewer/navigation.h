@@ -82,7 +82,7 @@ ViewStep goToRow(Navigation& state, int row);
 
 // Behind the numbered commands: the two that save, and those that change how the line is seen.
 inline constexpr ViewCommand kSavePicture{11};
-inline constexpr ViewCommand kExportCsv{12};
+inline constexpr ViewCommand kExport{12};
 inline constexpr ViewCommand kFitScale{13};
 inline constexpr ViewCommand kZoomOut{14};
 inline constexpr ViewCommand kZoomIn{15};

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <system_error>
+#include <tuple>
 
 namespace kalmira {
 
@@ -14,7 +15,11 @@ std::unique_ptr<OpenedFile> openDataFile(const std::filesystem::path& path, std:
     return error.kind == FileErrorKind::none;
   };
   if (!tell(file->reader.open(path))) return nullptr;
-  tell(ScanDataFile(file->reader, file->scanned));
+  const bool whole = tell(ScanDataFile(file->reader, file->scanned));
+  std::string noteProblem;
+  file->notes = readNotesBeside(path, noteProblem).value_or(SurveyNotes{});
+  if (whole && !noteProblem.empty())
+    problem = fmt::format("{}: the notes beside it: {}", path.filename().string(), noteProblem);
   return file;
 }
 
@@ -22,7 +27,9 @@ std::string openLine(OpenedFile& file, std::size_t index, const RowFiles& rowFil
   file.line = {};
   file.points.clear();
   if (index >= file.scanned.lines.size()) return {};
-  return ExtractLine(file.reader, file.scanned, index + 1, rowFiles, options, file.line).text;
+  auto chosen = options;
+  chosen.teskRangeTimes10 = options.teskRangeTimes10 || file.notes.teskRangeTimes10.value_or(false);
+  return ExtractLine(file.reader, file.scanned, index + 1, rowFiles, chosen, file.line).text;
 }
 
 std::vector<std::string> loadView(OpenedFile& file, const PlotView& view, const Navigation& state) {
@@ -57,8 +64,12 @@ FileGrowth followFile(OpenedFile& file) {
 
 std::string fileCaption(const OpenedFile& file) {
   const auto& header = file.scanned.header;
-  return fmt::format("{}  {}{}{}", file.path.filename().string(), instrumentOf(header.kind).name,
-                     header.iceOption ? " ice" : "", file.scanned.skippedBytes > 0 ? ", damaged" : "");
+  auto text = fmt::format("{}  {}{}{}", file.path.filename().string(), instrumentOf(header.kind).name,
+                          header.iceOption ? " ice" : "", file.scanned.skippedBytes > 0 ? ", damaged" : "");
+  const auto& [project, site] = std::tie(file.notes.project, file.notes.site);
+  if (!project.empty() || !site.empty())
+    text += fmt::format("  {}{}{}", project, project.empty() || site.empty() ? "" : ", ", site);
+  return text;
 }
 
 RowReadout readoutOf(OpenedFile& file, const Navigation& state) {

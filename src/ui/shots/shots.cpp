@@ -403,6 +403,7 @@ void Stage::takeViewer(const std::filesystem::path& file) {
   runAndSave([&] { viewer.run(ViewCommand::scale); }, "view-scale");
   runAndSave([&] { viewer.run(ViewCommand::help); }, "view-help");
   runAndSave([&] { viewer.run(kSavePicture); }, "view-picture");
+  runAndSave([&] { viewer.run(kExport); }, "view-export");
   viewer.leave();
   FontWnd fonts([] {}, theme, &window_);
   fonts.open();

@@ -130,7 +130,7 @@ void ViewFilesWnd::act(ViewCommand command) {
   if (command == kFitScale) return fitScale();
   if (command == kZoomIn || command == kZoomOut) return changeZoom(command);
   if (command == kSavePicture) return savePicture();
-  if (command == kExportCsv) return exportCsv();
+  if (command == kExport) return exportFile();
   switch (command) {
     case ViewCommand::openFile: return chooseFile();
     case ViewCommand::scale: return enterScale();

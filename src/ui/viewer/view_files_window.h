@@ -12,6 +12,7 @@
 #include "settings/settings.h"
 #include "ui/screen/action_bar.h"
 #include "ui/screen/cover_window.h"
+#include "ui/viewer/export_dialog.h"
 #include "viewer/navigation.h"
 #include "viewer/opened_file.h"
 
@@ -84,11 +85,12 @@ class ViewFilesWnd final : public CoverWindow {
   struct Written {
     std::string problem;  // empty: all went well
     std::string what;     // is in the file
+    std::string remarks = {};
   };
   using WriteFile = std::function<Written(const std::filesystem::path&)>;
   void saveAs(const SaveQuestion& question, const WriteFile& write);
   void savePicture();
-  void exportCsv();
+  void exportFile();
   void showHelp();
   std::string extractShown();
   void apply(const ViewStep& step);
@@ -112,6 +114,7 @@ class ViewFilesWnd final : public CoverWindow {
   std::unique_ptr<OpenedFile> file_;
   Navigation navigation_;
   Zoom zoom_;
+  ExportChoice exported_;  // how it was done last
   PlotView view_;
   QTimer filling_;  // the row files, while nothing else is to be done
   QTimer following_;

@@ -19,7 +19,7 @@ using enum ViewCommand;
 constexpr std::array kSteps{lineStart, pageLeft, barLeft, barRight, pageRight, lineEnd};
 constexpr std::array kLyingSteps{kZoomOut, kZoomIn, lineStart, pageLeft, barLeft, barRight, pageRight, lineEnd};
 constexpr std::array kFileCommands{openFile, ViewCommand::scale, help, ViewCommand::exit};
-constexpr std::array kSideCommands{kSavePicture, kExportCsv};
+constexpr std::array kSideCommands{kSavePicture, kExport};
 
 struct Measures {
   double scale;
@@ -124,7 +124,7 @@ ViewerLayout layOutViewer(int width, int height, int touchHeight) {
     placeUpright(inside, measures, layout);
   } else {
     placeSteps(steps, kLyingSteps, gap, layout);
-    constexpr std::array kAll{openFile, ViewCommand::scale, help, ViewCommand::exit, kSavePicture, kExportCsv};
+    constexpr std::array kAll{openFile, ViewCommand::scale, help, ViewCommand::exit, kSavePicture, kExport};
     placeTop(top, kAll, gap, layout);
     placeLying(inside, measures, layout);
   }

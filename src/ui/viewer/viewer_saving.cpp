@@ -271,30 +271,14 @@ std::filesystem::path proposedName(const std::filesystem::path& dataFile, std::s
   return dataFile.parent_path() / (name + "." + std::string(extension));
 }
 
-std::string exportTable(const OpenedFile& file, const std::filesystem::path& target, bool teskRangeTimes10,
-                        std::uint64_t& readings) {
-  ExportRequest request{
-      .files = {file.path}, .out = target, .format = ExportFormat::csv, .teskTimes10 = teskRangeTimes10};
-  if (file.line.line > 0) request.stretch = {.begin = file.line.begin, .end = file.line.end()};
-  std::string said;
-  const auto result = runExport(
-      request, [&said](std::string_view text) { said += fmt::format("{}{}", said.empty() ? "" : "\r\n", text); },
-      [](std::string_view, std::uint64_t, std::uint64_t) { return true; });
-  readings = result.readings;
-  return result.status == kExportDone ? "" : said;
-}
-
 void ViewFilesWnd::saveAs(const SaveQuestion& question, const WriteFile& write) {
   const auto path = askForName(this, question, file_->path);
   if (!path) return;
-  Written written;
-  {
-    const WaitingCursor cursor;
-    written = write(*path);
-  }
+  const auto written = write(*path);
   if (!written.problem.empty()) return tell(written.problem);
-  tellMessage(this,
-              {.title = "Saved", .text = written.what + " is in\r\n" + path->string(), .icon = Icon::information});
+  auto text = written.what + " is in\r\n" + path->string();
+  if (!written.remarks.empty()) text += "\r\n\r\n" + written.remarks;
+  tellMessage(this, {.title = "Saved", .text = text, .icon = Icon::information});
 }
 
 void ViewFilesWnd::savePicture() {
@@ -306,6 +290,7 @@ void ViewFilesWnd::savePicture() {
                               .extension = "png",
                               .proposal = proposedName(file_->path, lineName, "png")};
   saveAs(question, [&](const std::filesystem::path& path) -> Written {
+    const WaitingCursor cursor;
     const LinePicture picture{.file = *file_,
                               .settings = shown_,
                               .title = fmt::format("{}   Line {}", fileCaption(*file_), lineName),
@@ -318,18 +303,31 @@ void ViewFilesWnd::savePicture() {
   });
 }
 
-void ViewFilesWnd::exportCsv() {
+void ViewFilesWnd::exportFile() {
   if (file_ == nullptr) return;
   const auto& lines = file_->scanned.lines;
   const auto lineName = lines.empty() ? "" : lineNameOf(lines[navigation_.selectedLine]);
-  const SaveQuestion question{.title = "Export CSV",
-                              .filter = "Tables (*.csv)",
-                              .extension = "csv",
-                              .proposal = proposedName(file_->path, lineName, "csv")};
-  saveAs(question, [this](const std::filesystem::path& path) -> Written {
-    std::uint64_t readings = 0;
-    auto problem = exportTable(*file_, path, host_.extract.teskRangeTimes10, readings);
-    return {.problem = std::move(problem), .what = fmt::format("The table of {} readings", readings)};
+  const auto choice = runExportDialog(this, lines.empty() ? std::nullopt : std::optional(lineName), exported_);
+  if (!choice) return;
+  exported_ = *choice;
+  const auto& format = formatRow(choice->format);
+  const bool line = !lines.empty() && !choice->wholeFile;
+  const SaveQuestion question{.title = "Export",
+                              .filter = fmt::format("{} (*.{})", format.name, format.ending),
+                              .extension = std::string(format.ending),
+                              .proposal = proposedName(file_->path, line ? lineName : "", format.ending)};
+  saveAs(question, [&](const std::filesystem::path& path) -> Written {
+    // A name with the ending of another format asks for that one.
+    const auto* const named = formatOfFile(path);
+    const auto& made = named == nullptr ? format : *named;
+    ExportRequest request{
+        .files = {file_->path}, .out = path, .format = made.format, .teskTimes10 = host_.extract.teskRangeTimes10};
+    if (line) request.stretch = {.begin = file_->line.begin, .end = file_->line.end()};
+    const auto outcome = runWatchedExport(this, request);
+    if (outcome.status != kExportDone) return {.problem = outcome.said, .what = {}};
+    return {.problem = {},
+            .what = fmt::format("The {} of {} readings", made.name, outcome.readings),
+            .remarks = outcome.said};
   });
 }
 

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QByteArray>
-#include <cstdint>
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -20,11 +19,6 @@ std::string saveProblem(const std::filesystem::path& target, const std::filesyst
 // go into file names become "_"; an empty line name is left out.
 std::filesystem::path proposedName(const std::filesystem::path& dataFile, std::string_view lineName,
                                    std::string_view extension);
-
-// The line that is open as a table, as the plot decodes it; of a file without lines, all of it. An empty text and how
-// many readings it has, or what went wrong.
-std::string exportTable(const OpenedFile& file, const std::filesystem::path& target, bool teskRangeTimes10,
-                        std::uint64_t& readings);
 
 // A picture of what is seen of a line, black on white for reports: traces, grid, both scales, stations, what each
 // colour stands for, the file's and the line's name.

@@ -315,6 +315,7 @@ TEST_F(ViewFilesTest, WhatASessionHasToSayStandsInFront) {
 }
 
 TEST_F(ViewFilesTest, SavesPicturesAndTablesButNeverOverADataFile) {
+  std::optional<DialogActor> again;
   const auto path = survey(300);
   fileDialog("Open Data File", Qt::Key_F, "A.ROR");  // found in the kind's folder
   savedDialog("Save Picture", Qt::Key_P, nullptr, "The picture of line 7 is in\n" + (data / "A-7.png").string());
@@ -328,19 +329,37 @@ TEST_F(ViewFilesTest, SavesPicturesAndTablesButNeverOverADataFile) {
     EXPECT_THAT(whole, HasSubstr(station)) << "the whole line was seen";
     EXPECT_EQ(readFile(data / "seen.svg").find(station), std::string::npos) << "and now its middle";
   }
-  savedDialog("Export CSV", Qt::Key_C, nullptr, "The table of 300 readings is in\n" + (data / "A-7.csv").string());
+  const auto exported = [&](int format, int part, const char* name, const std::string& told) {
+    const DialogActor chosen("Export", [&](QDialog& dialog) {
+      dialog.findChild<QComboBox*>("exportFormat")->setCurrentIndex(format);
+      dialog.findChild<QComboBox*>("exportPart")->setCurrentIndex(part);
+      again.emplace("Export", [name](QDialog& file) {
+        if (name != nullptr) file.findChild<QLineEdit*>("fileNameEdit")->setText(name);
+        QTest::keyClick(&file, Qt::Key_Return);
+      });
+      QTest::keyClick(&dialog, Qt::Key_Return);
+    });
+    std::string text;
+    const DialogActor saved("Saved", noted(text));
+    key(Qt::Key_R);
+    EXPECT_EQ(text, told);
+  };
+  exported(0, 0, nullptr, "The CSV table of 300 readings is in\n" + (data / "A-7.csv").string());
   const auto csv = readFile(data / "A-7.csv");
   EXPECT_EQ(std::count(csv.begin(), csv.end(), '\n'), 1 + 300) << "the line that is seen, not the next one";
+  exported(2, 1, nullptr, "The GeoPackage of 303 readings is in\n" + (data / "A.gpkg").string());
+  EXPECT_THAT(readFile(data / "A.gpkg"), StartsWith("SQLite format 3"));
+  exported(2, 1, "all.xyz", "The XYZ table of 303 readings is in\n" + (data / "all.xyz").string());
+  EXPECT_THAT(readFile(data / "all.xyz"), HasSubstr("\nLine 8\n")) << "by the ending that was typed";
 
   // After the warning it is asked for again, and then given up.
   std::string warning;
-  std::optional<DialogActor> again;
   {
     const DialogActor warned("WARNING", [&](QDialog& dialog) {
-      again.emplace("Export CSV", Qt::Key_Escape);
+      again.emplace("Save Picture", Qt::Key_Escape);
       noted(warning)(dialog);
     });
-    fileDialog("Export CSV", Qt::Key_C, "A.ROR");
+    fileDialog("Save Picture", Qt::Key_P, "A.ROR");
   }
   EXPECT_THAT(warning, HasSubstr("data file"));
   EXPECT_EQ(readFile(path), content);

@@ -4,11 +4,17 @@
 #include <sys/resource.h>
 
 #include <algorithm>
+#include <cmath>
 #include <csignal>
+#include <numbers>
+#include <numeric>
+#include <sstream>
 #include <thread>
 
 #include "datafile/record_text.h"
 #include "end_to_end/programs.h"
+#include "platform/text.h"
+#include "sim/world.h"
 
 namespace kalmira {
 namespace {
@@ -318,6 +324,51 @@ TEST(Gps, WritesEverySentenceAsItComesOutsideManualMode) {
                                   "#.1,50.0,M,46.0,M,,*5D", tick, withTick(24, "T$+0400-0800"), "?$GPGSA,A,3*00",
                                   "\"$GPGSA,A,3*00", tick, "?$GPRMC,101309.00,A,505", "\"7.90,N", tick, "?hello Jo?",
                                   "\"hello Jo?", tick, "@$A*41", "#$A*41", tick, withTick(24, "X$PAUSED")})));
+}
+
+// The simulator knows where it walks: 1.2 m/s to the north-east from a fixed place and moment, over ground that is a
+// function of the way alone. A position that were a second off would meet other ground.
+TEST(Export, PutsEachReadingWhereTheWalkWas) {
+  constexpr double kSeconds = 14, kMetresPerDegree = 111320, kStartLatitude = 59.4125, kStartLongitude = 24.7361;
+  const TempFolder folder;
+  Program sim(KALMIRA_SIM, fmt::format("--kind MIRKA --gps-rate 30 --bad-checksum 0.1 --seconds {}", kSeconds + 20));
+  const auto instrument = sim.nextLine("instrument ").substr(11);
+  Logger logger(
+      "MIRKA", instrument, folder.path(),
+      fmt::format("--set readingsInterval=0.091 --gps {} --seconds {}", sim.nextLine("gps ").substr(4), kSeconds));
+  const auto path = logger.file();
+  EXPECT_EQ(logger.end(), 0) << logger.errors();
+  const auto outcome = run(KALMIRA_EXPORT, path.string());
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_THAT(outcome.errors, HasSubstr("with a wrong checksum"));
+  std::istringstream table(outcome.output);
+  std::string row;
+  std::getline(table, row);
+  double farthest = 0;
+  std::vector<double> here, beside;  // differences of the ground
+  while (std::getline(table, row)) {
+    std::vector<std::string> cells;
+    std::istringstream line(row);
+    for (std::string cell; std::getline(line, cell, ',');) cells.push_back(cell);
+    if (cells.at(11).empty()) continue;
+    const double east =
+        (parseReal(cells[11]) - kStartLongitude) * kMetresPerDegree * std::cos(kStartLatitude * std::numbers::pi / 180);
+    const double north = (parseReal(cells[12]) - kStartLatitude) * kMetresPerDegree;
+    ASSERT_THAT(cells.at(21), testing::StartsWith("2025-05-12T08:00:"));
+    const double way = sim::kWalk_mPerS * parseReal(cells[21].substr(17));
+    farthest = std::max(farthest, std::hypot(east - way / std::numbers::sqrt2, north - way / std::numbers::sqrt2));
+    const double along = (east + north) / std::numbers::sqrt2;
+    for (auto [list, off] : {std::pair{&here, 0.0}, {&beside, 1.2}}) {
+      const auto ground = sim::groundResponse(1, along + off, 4, true);
+      list->push_back(std::abs(ground.inphase - parseReal(cells[10])));
+    }
+  }
+  ASSERT_GT(here.size(), 50U);
+  EXPECT_LT(farthest, 0.4) << "the receiver's own noise is up to 0.25 m";
+  const auto mean = [](const std::vector<double>& list) {
+    return std::accumulate(list.begin(), list.end(), 0.0) / static_cast<double>(list.size());
+  };
+  EXPECT_LT(3 * mean(here), mean(beside)) << mean(here);
 }
 
 TEST(LargeFile, CanBeLeftAtAnyTimeAndLeavesNothingBehind) {

@@ -33,7 +33,7 @@ inline constexpr int kExportFailed = 1;  // a file gave nothing, or the output c
 inline constexpr int kExportUsage = 2;
 
 struct ExportRequest {
-  std::vector<std::filesystem::path> files;
+  std::vector<std::filesystem::path> files{};
   std::optional<std::filesystem::path> out{};  // none: standard output
   std::optional<ExportFormat> format{};        // none: by the ending of `out`, else CSV
   TableOf table = TableOf::readings;

@@ -252,11 +252,15 @@ std::optional<SurveyNotes> readNotes(const std::filesystem::path& path, std::str
     if (!missing) problem = "Cannot read the notes in " + path.string();
     return std::nullopt;
   }
+  auto notes = parseNotes(*text, problem);
+  if (!problem.empty()) problem = fmt::format("Notes left out, {}: {}", path.string(), problem);
+  return notes;
+}
+
+SurveyNotes parseNotes(std::string_view text, std::string& problem) {
   Reader reader;
-  nlohmann::json::sax_parse(*text, &reader);
-  if (const auto faults = reader.problem(); !faults.empty()) {
-    problem = fmt::format("Notes left out, {}: {}", path.string(), faults);
-  }
+  nlohmann::json::sax_parse(text, &reader);
+  problem = reader.problem();
   return std::move(reader.notes);
 }
 

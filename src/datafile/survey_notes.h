@@ -79,6 +79,8 @@ std::filesystem::path lastNotesPath(const SettingsPlace& place);
 std::optional<SurveyNotes> readNotes(const std::filesystem::path& path, std::string& problem);
 std::optional<SurveyNotes> readNotesBeside(const std::filesystem::path& dataFile, std::string& problem);
 
+// Of a file's text; what cannot be taken `problem` says, else it is empty.
+SurveyNotes parseNotes(std::string_view text, std::string& problem);
 // The file's text: what is said, field by field. Any text can be read again, with "\ufffd" for what is no UTF-8.
 std::string formatNotes(const SurveyNotes& notes);
 // Replaces the file whole or not at all, committed to the disk. Returns an empty text, or why it could not be written.

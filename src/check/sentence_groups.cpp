@@ -50,7 +50,7 @@ void SentenceGroups::complete(std::size_t length) {
   for (std::size_t i = 0; i < count_; ++i) sentence = assembler.feed(records.substr(i * length, length));
   if (!sentence) return dropOpen();
   // Bytes that were not printable are question marks in the file, and not in the sum.
-  const bool exact = sentence->text.find('?') == std::string::npos;
+  const bool exact = sentence->text.find('?') == std::string_view::npos;
   if (sentence->checksumRight && exact && !nmeaChecksumOk(sentence->text)) return dropOpen(true);
   const auto count = std::exchange(count_, 0);
   for (std::size_t i = 0; i < count; ++i) take({records.substr(i * length, length), start_ + i * length});

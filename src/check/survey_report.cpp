@@ -152,7 +152,7 @@ void SurveyReporter::end(std::optional<SurveyGap>& gap, std::optional<std::uint3
 }
 
 void SurveyReporter::takeSentence(const SentenceAssembler::Sentence& sentence) {
-  const std::string_view text(sentence.text);
+  const auto text = sentence.text;
   if (!sentence.checksumRight) {
     ++(text.starts_with('$') ? report_.wrongChecksums : report_.otherTexts);
     return;

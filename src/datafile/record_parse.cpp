@@ -197,11 +197,11 @@ std::string parseNote(std::string_view record) { return std::string(trimmedEnd(c
 
 std::optional<SentenceAssembler::Sentence> SentenceAssembler::feed(std::string_view record) {
   const auto type = recordTypeOf(record);
-  const auto chunk = record.size() > 2 ? columns(textOf(record), 2, record.size() - 2) : std::string_view();
+  const auto chunk = [record] { return record.size() > 2 ? record.substr(1, record.size() - 2) : std::string_view(); };
   switch (type) {
     case RecordType::gpsFirst:
     case RecordType::textFirst:
-      text_ = chunk;
+      text_ = chunk();
       chunks_ = 1;
       checksum_right_ = type == RecordType::gpsFirst;
       break;
@@ -210,14 +210,14 @@ std::optional<SentenceAssembler::Sentence> SentenceAssembler::feed(std::string_v
       if (chunks_ == 0) break;
       ++chunks_;
       // A sentence shorter than one chunk stands in its continuation a second time.
-      if (chunks_ == 2 && text_ == chunk && text_.ends_with(' ')) break;
-      if (text_.size() < kLongestSentence) text_ += chunk;
+      if (chunks_ == 2 && text_.ends_with(' ') && text_ == chunk()) break;
+      if (text_.size() < kLongestSentence) text_ += chunk();
       break;
     case RecordType::gpsTick: {
       const auto tick = parseTick(record);
       const bool whole = chunks_ >= 2 && tick;
       chunks_ = 0;
-      if (whole) return Sentence{std::string(trimmedEnd(text_)), checksum_right_, *tick};
+      if (whole) return Sentence{trimmedEnd(text_), checksum_right_, *tick};
       break;
     }
     default: break;

@@ -90,7 +90,7 @@ std::string parseNote(std::string_view record);
 class SentenceAssembler {
  public:
   struct Sentence {
-    std::string text;
+    std::string_view text;  // valid until the next record is fed
     bool checksumRight = false;
     std::uint32_t tick = 0;
   };

@@ -83,7 +83,7 @@ std::string headerTag(Kind kind, bool shortInstrument, bool gps) {
 }
 
 const Instrument* findInstrumentByHeader(std::string_view header1) {
-  if (header1.size() < 15) return nullptr;
+  if (header1.size() < 15 || header1[12] != 'G') return nullptr;
   const auto model = header1.substr(0, 5);
   const auto program = header1.substr(8, 4);
   const auto survey = header1.substr(12, 3);

@@ -10,23 +10,21 @@
 namespace kalmira {
 namespace {
 
-constexpr std::string_view kBlanks = " \t\r\n\v\f";
+bool isBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
 // Blanks and a plus sign, which from_chars does not take.
 std::string_view numberStart(std::string_view text) {
-  const auto start = text.find_first_not_of(kBlanks);
-  if (start == std::string_view::npos) return {};
-  text.remove_prefix(start);
+  while (!text.empty() && isBlank(text[0])) text.remove_prefix(1);
   if (text.size() > 1 && text[0] == '+' && text[1] != '-') text.remove_prefix(1);
   return text;
 }
 
-// "-12.5": digits that a double holds exactly, and few enough decimals that one division rounds as it should. What else
-// may stand in a number is left to from_chars.
+// So many digits a double holds exactly, and after so few decimals one division rounds as it should.
+constexpr std::size_t kMostDigits = 15;
+constexpr std::array kPowers{1.0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+
+// "-12.5". What else may stand in a number is left to from_chars.
 std::optional<double> plainReal(std::string_view digits) {
-  static constexpr std::array kPowers{1.0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
-                                      1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
-  constexpr std::size_t kMostDigits = 15;
   const bool negative = digits.starts_with('-');
   std::uint64_t whole = 0;
   std::size_t count = 0;
@@ -94,6 +92,24 @@ double parseReal(std::string_view text) {
     return digits[0] == '-' ? -magnitude : magnitude;
   }
   return value;
+}
+
+std::optional<double> plainNumber(std::string_view text) {
+  if (text.empty() || text[0] == '.') return std::nullopt;
+  std::uint64_t digits = 0;
+  std::size_t decimals = 0;
+  bool point = false;
+  for (const char c : text) {
+    if (c >= '0' && c <= '9') {
+      digits = digits * 10 + static_cast<std::uint64_t>(c - '0');
+      if (point) ++decimals;
+    } else if (c == '.' && !point) {
+      point = true;
+    } else {
+      return std::nullopt;
+    }
+  }
+  return text.size() <= kMostDigits ? static_cast<double>(digits) / kPowers[decimals] : parseReal(text);
 }
 
 std::string fixedField(double value, int width, int decimals) {

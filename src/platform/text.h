@@ -19,6 +19,10 @@ int parseInt(std::string_view text);
 // beyond double give infinity or 0.
 double parseReal(std::string_view text);
 
+// "12", "12.5" or "12.": digits, with a fraction or without, from the first character to the last; the same number that
+// parseReal gives, in one step. Nothing for any other text.
+std::optional<double> plainNumber(std::string_view text);
+
 // A text that is a number from its first character to its last; nothing when it is none, beyond the range of `Number`
 // or not finite. A real number may have a plus sign.
 template <class Number>

@@ -1,5 +1,6 @@
 #include "positions/sentences.h"
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <cmath>
@@ -15,13 +16,15 @@ constexpr std::size_t kAddress = 6;  // "$GPGGA"
 class Fields {
  public:
   explicit Fields(std::string_view sentence) {
-    auto rest = sentence.substr(0, sentence.find('*'));
-    for (std::size_t i = 0; i < fields_.size(); ++i) {
-      const auto comma = rest.find(',');
-      fields_[i] = rest.substr(0, comma);
-      if (comma == std::string_view::npos) return;
-      rest.remove_prefix(comma + 1);
+    std::size_t begin = 0;
+    std::size_t count = 0;
+    for (std::size_t i = 0; i < sentence.size() && count < fields_.size(); ++i) {
+      if (sentence[i] != ',' && sentence[i] != '*') continue;
+      fields_[count++] = sentence.substr(begin, i - begin);
+      if (sentence[i] == '*') return;
+      begin = i + 1;
     }
+    if (count < fields_.size()) fields_[count] = sentence.substr(begin);
   }
   std::string_view operator[](std::size_t index) const { return fields_[index]; }
 
@@ -36,40 +39,34 @@ bool isDigits(std::string_view text) {
   return !text.empty();
 }
 
-// Digits, with a fraction or without.
-bool isPlain(std::string_view text) {
-  const auto point = text.find('.');
-  if (point == std::string_view::npos) return isDigits(text);
-  return isDigits(text.substr(0, point)) && (point + 1 == text.size() || isDigits(text.substr(point + 1)));
-}
-
 std::optional<double> number(std::string_view text) {
-  const bool negative = text.starts_with('-');
-  if (!isPlain(text.substr(negative ? 1 : 0))) return std::nullopt;
-  return parseReal(text);
+  if (!text.starts_with('-')) return plainNumber(text);
+  const auto size = plainNumber(text.substr(1));
+  return size ? std::optional(-*size) : std::nullopt;
 }
 
 int twoDigits(std::string_view text) { return (text[0] - '0') * 10 + (text[1] - '0'); }
 
 // "hhmmss.ss"; 60 is the second that is put in.
 std::optional<double> timeOfDay(std::string_view text) {
-  if (text.size() < 6 || !isDigits(text.substr(0, 6)) || !isPlain(text)) return std::nullopt;
+  if (text.size() < 6 || !isDigits(text.substr(0, 6))) return std::nullopt;
   const int hour = twoDigits(text);
   const int minute = twoDigits(text.substr(2));
-  const double second = parseReal(text.substr(4));
-  if (hour > 23 || minute > 59 || second >= 61) return std::nullopt;
-  return (hour * 60 + minute) * 60 + second;
+  const auto second = plainNumber(text.substr(4));
+  if (hour > 23 || minute > 59 || !second || *second >= 61) return std::nullopt;
+  return (hour * 60 + minute) * 60 + *second;
 }
 
 // "5057.90000" and its hemisphere; the minutes have two digits before the point.
-std::optional<double> angle(std::string_view text, std::string_view side, std::string_view sides, double most) {
-  const auto whole = text.find('.') == std::string_view::npos ? text.size() : text.find('.');
-  if (whole < 3 || whole > 5 || !isPlain(text) || side.size() != 1 || sides.find(side[0]) == std::string_view::npos)
-    return std::nullopt;
-  const double minutes = parseReal(text.substr(whole - 2));
-  const double degrees = parseInt(text.substr(0, whole - 2)) + minutes / 60;
-  if (minutes >= 60 || degrees > most) return std::nullopt;
-  return side[0] == sides[0] ? degrees : -degrees;
+std::optional<double> angle(std::string_view text, std::string_view side, char positive, char negative, double most) {
+  const auto whole = std::min(text.find('.'), text.size());
+  if (whole < 3 || whole > 5 || !isDigits(text.substr(0, whole))) return std::nullopt;
+  if (side.size() != 1 || (side[0] != positive && side[0] != negative)) return std::nullopt;
+  const auto minutes = plainNumber(text.substr(whole - 2));
+  if (!minutes || *minutes >= 60) return std::nullopt;
+  const double degrees = *plainNumber(text.substr(0, whole - 2)) + *minutes / 60;
+  if (degrees > most) return std::nullopt;
+  return side[0] == positive ? degrees : -degrees;
 }
 
 std::optional<std::int64_t> dayOf(int year, int month, int day) {
@@ -89,29 +86,41 @@ std::optional<DatedTime> dated(std::optional<std::int64_t> day, std::optional<do
   return DatedTime{*day, *time, whileFixed};
 }
 
+// What no fix can be without.
+PositionFault parseFix(const Fields& fields, PositionSentence& position) {
+  if (fields[6].size() != 1 || !isDigits(fields[6])) return PositionFault::unreadable;
+  if (fields[6] == "0") return PositionFault::noFix;
+  const auto time = timeOfDay(fields[1]);
+  const auto latitude = angle(fields[2], fields[3], 'N', 'S', 90);
+  const auto longitude = angle(fields[4], fields[5], 'E', 'W', 180);
+  if (!time || !latitude || !longitude) return PositionFault::unreadable;
+  position.timeOfDay_s = *time;
+  position.latitude = *latitude;
+  position.longitude = *longitude;
+  position.quality = fields[6][0] - '0';
+  return PositionFault::none;
+}
+
 }  // namespace
 
 bool isPositionSentence(std::string_view sentence) { return isKind(sentence, "GGA"); }
 
 PositionFault parsePosition(std::string_view sentence, PositionSentence& position) {
   const Fields fields(sentence);
-  if (fields[6].size() != 1 || !isDigits(fields[6])) return PositionFault::unreadable;
-  if (fields[6] == "0") return PositionFault::noFix;
-  const auto time = timeOfDay(fields[1]);
-  const auto latitude = angle(fields[2], fields[3], "NS", 90);
-  const auto longitude = angle(fields[4], fields[5], "EW", 180);
-  if (!time || !latitude || !longitude) return PositionFault::unreadable;
-  position = {.timeOfDay_s = *time,
-              .latitude = *latitude,
-              .longitude = *longitude,
-              .quality = fields[6][0] - '0',
-              .altitude = number(fields[9]),
-              .geoidSeparation = number(fields[11]),
-              .satellites = std::nullopt,
-              .hdop = number(fields[8]),
-              .correctionAge_s = number(fields[13])};
-  if (isDigits(fields[7])) position.satellites = parseInt(fields[7]);
+  const auto fault = parseFix(fields, position);
+  if (fault != PositionFault::none) return fault;
+  position.altitude = number(fields[9]);
+  position.geoidSeparation = number(fields[11]);
+  position.satellites = isDigits(fields[7]) ? std::optional(parseInt(fields[7])) : std::nullopt;
+  position.hdop = number(fields[8]);
+  position.correctionAge_s = number(fields[13]);
   return PositionFault::none;
+}
+
+std::optional<double> fixTimeOfDay(std::string_view sentence) {
+  PositionSentence position;
+  if (parseFix(Fields(sentence), position) != PositionFault::none) return std::nullopt;
+  return position.timeOfDay_s;
 }
 
 std::optional<DatedTime> parseDatedTime(std::string_view sentence) {

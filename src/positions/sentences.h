@@ -36,6 +36,9 @@ struct DatedTime {
 bool isPositionSentence(std::string_view sentence);
 // Of a position sentence with a right checksum: unreadable, where a field that a fix needs is empty or no number.
 PositionFault parsePosition(std::string_view sentence, PositionSentence& position);
+// The time of day of the same, where parsePosition finds no fault; the fields that a fix does without are not looked
+// at.
+std::optional<double> fixTimeOfDay(std::string_view sentence);
 std::optional<DatedTime> parseDatedTime(std::string_view sentence);
 // GST: standard deviation of the horizontal position, metres.
 std::optional<double> parseAccuracy(std::string_view sentence);

@@ -88,11 +88,9 @@ PositionScan scanPositions(RecordReader& reader, const PositionOptions& options,
       const double tick = ticks.take(sentence->tick);
       if (!scan.firstTick) scan.firstTick = sentence->tick;
       if (!sentence->checksumRight) continue;
-      PositionSentence position;
       if (isPositionSentence(sentence->text)) {
         ++scan.sentences;
-        if (parsePosition(sentence->text, position) == PositionFault::none)
-          fitter.take(scan.sentences, tick, position.timeOfDay_s);
+        if (const auto time = fixTimeOfDay(sentence->text)) fitter.take(scan.sentences, tick, *time);
       } else if (const auto dated = parseDatedTime(sentence->text)) {
         fitter.takeDate(tick, dated->timeOfDay_s, dated->day);
       }

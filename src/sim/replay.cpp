@@ -49,7 +49,7 @@ std::optional<Transmission> Replay::next() {
   Record record;
   while (reader_.next(record)) {
     if (const auto sentence = sentences_.feed(record.bytes)) {
-      return Transmission{timeOf(sentence->tick), Port::gps, sentence->text + "\r\n"};
+      return Transmission{timeOf(sentence->tick), Port::gps, std::string(sentence->text) + "\r\n"};
     }
     if (readingRepeat(record.bytes) == 0) continue;
     if (const auto tick = parseTick(record.bytes)) {

@@ -95,20 +95,21 @@ double parseReal(std::string_view text) {
 }
 
 std::optional<double> plainNumber(std::string_view text) {
-  if (text.empty() || text[0] == '.') return std::nullopt;
+  const char* at = text.data();
+  const char* const end = at + text.size();
   std::uint64_t digits = 0;
+  const auto takeDigits = [&] {
+    for (; at != end && *at >= '0' && *at <= '9'; ++at) digits = digits * 10 + static_cast<std::uint64_t>(*at - '0');
+  };
+  takeDigits();
+  if (at == text.data()) return std::nullopt;
   std::size_t decimals = 0;
-  bool point = false;
-  for (const char c : text) {
-    if (c >= '0' && c <= '9') {
-      digits = digits * 10 + static_cast<std::uint64_t>(c - '0');
-      if (point) ++decimals;
-    } else if (c == '.' && !point) {
-      point = true;
-    } else {
-      return std::nullopt;
-    }
+  if (at != end && *at == '.') {
+    const char* const point = at++;
+    takeDigits();
+    decimals = static_cast<std::size_t>(at - point) - 1;
   }
+  if (at != end) return std::nullopt;
   return text.size() <= kMostDigits ? static_cast<double>(digits) / kPowers[decimals] : parseReal(text);
 }
 

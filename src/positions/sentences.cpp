@@ -12,24 +12,27 @@ namespace {
 
 constexpr std::size_t kAddress = 6;  // "$GPGGA"
 
-// The texts between a sentence's commas, without its checksum; missing ones are empty.
+// The texts between a sentence's commas, without its checksum; missing ones are empty. Of the first `count` only.
 class Fields {
  public:
-  explicit Fields(std::string_view sentence) {
+  static constexpr std::size_t kMost = 16;
+
+  explicit Fields(std::string_view sentence, std::size_t count = kMost) {
     std::size_t begin = 0;
-    std::size_t count = 0;
-    for (std::size_t i = 0; i < sentence.size() && count < fields_.size(); ++i) {
-      if (sentence[i] != ',' && sentence[i] != '*') continue;
-      fields_[count++] = sentence.substr(begin, i - begin);
-      if (sentence[i] == '*') return;
+    std::size_t field = 0;
+    for (std::size_t i = 0; i < sentence.size() && field < count; ++i) {
+      const char c = sentence[i];
+      if (c > ',' || (c != ',' && c != '*')) continue;  // nearly all are digits and letters
+      fields_[field++] = sentence.substr(begin, i - begin);
+      if (c == '*') return;
       begin = i + 1;
     }
-    if (count < fields_.size()) fields_[count] = sentence.substr(begin);
+    if (field < count) fields_[field] = sentence.substr(begin);
   }
   std::string_view operator[](std::size_t index) const { return fields_[index]; }
 
  private:
-  std::array<std::string_view, 16> fields_{};
+  std::array<std::string_view, kMost> fields_{};
 };
 
 bool isDigits(std::string_view text) {
@@ -86,7 +89,8 @@ std::optional<DatedTime> dated(std::optional<std::int64_t> day, std::optional<do
   return DatedTime{*day, *time, whileFixed};
 }
 
-// What no fix can be without.
+// What no fix can be without stands in the first fields.
+constexpr std::size_t kFixFields = 7;
 PositionFault parseFix(const Fields& fields, PositionSentence& position) {
   if (fields[6].size() != 1 || !isDigits(fields[6])) return PositionFault::unreadable;
   if (fields[6] == "0") return PositionFault::noFix;
@@ -119,7 +123,7 @@ PositionFault parsePosition(std::string_view sentence, PositionSentence& positio
 
 std::optional<double> fixTimeOfDay(std::string_view sentence) {
   PositionSentence position;
-  if (parseFix(Fields(sentence), position) != PositionFault::none) return std::nullopt;
+  if (parseFix(Fields(sentence, kFixFields), position) != PositionFault::none) return std::nullopt;
   return position.timeOfDay_s;
 }
 

@@ -98,13 +98,11 @@ RecordType recordTypeOf(std::string_view record) {
 }
 
 bool isRecord(std::string_view bytes) {
-  if (bytes.back() != '\n') return false;
-  const auto type = recordTypeOf(bytes);
-  if (type == RecordType::unknown) return false;
   const auto lineFeed = bytes.find('\n');
-  if (lineFeed == bytes.size() - 1) return true;
+  if (lineFeed == bytes.size() - 1) return recordTypeOf(bytes) != RecordType::unknown;
   // An instrument's binary record may hold one.
-  const auto text = type == RecordType::reading ? readingText(bytes).size() : 0;
+  if (bytes.back() != '\n' || recordTypeOf(bytes) != RecordType::reading) return false;
+  const auto text = readingText(bytes).size();
   return lineFeed < text && bytes.find('\n', text) == bytes.size() - 1 && parseTick(bytes).has_value();
 }
 
@@ -196,24 +194,24 @@ int readingRepeat(std::string_view record) {
 std::string parseNote(std::string_view record) { return std::string(trimmedEnd(columns(textOf(record), 2, 11))); }
 
 std::optional<SentenceAssembler::Sentence> SentenceAssembler::feed(std::string_view record) {
-  const auto type = recordTypeOf(record);
-  const auto chunk = [record] { return record.size() > 2 ? record.substr(1, record.size() - 2) : std::string_view(); };
-  switch (type) {
-    case RecordType::gpsFirst:
-    case RecordType::textFirst:
-      text_ = chunk();
+  if (record.size() < 2) return std::nullopt;
+  const auto chunk = record.substr(1, record.size() - 2);
+  switch (const char tag = record[0]) {
+    case tag::kGpsFirst:
+    case tag::kTextFirst:
+      text_ = chunk;
       chunks_ = 1;
-      checksum_right_ = type == RecordType::gpsFirst;
+      checksum_right_ = tag == tag::kGpsFirst;
       break;
-    case RecordType::gpsMore:
-    case RecordType::textMore:
+    case tag::kGpsMore:
+    case tag::kTextMore:
       if (chunks_ == 0) break;
       ++chunks_;
       // A sentence shorter than one chunk stands in its continuation a second time.
-      if (chunks_ == 2 && text_.ends_with(' ') && text_ == chunk()) break;
-      if (text_.size() < kLongestSentence) text_ += chunk();
+      if (chunks_ == 2 && text_.ends_with(' ') && text_ == chunk) break;
+      if (text_.size() < kLongestSentence) text_ += chunk;
       break;
-    case RecordType::gpsTick: {
+    case tag::kGpsTick: {
       const auto tick = parseTick(record);
       const bool whole = chunks_ >= 2 && tick;
       chunks_ = 0;

@@ -139,7 +139,7 @@ void RecordReader::load(std::uint64_t offset, std::size_t count) {
   known_size_ = std::max(known_size_, source_place_);
 }
 
-bool RecordReader::next(Record& record) {
+bool RecordReader::nextChecked(Record& record) {
   for (;;) {
     const auto bytes = bytesAt(place_, 2 * record_length_);
     if (error_.kind != FileErrorKind::none) return false;
@@ -151,6 +151,7 @@ bool RecordReader::next(Record& record) {
     if (isRecord(first)) {
       record = {first, place_};
       place_ += record_length_;
+      sound_until_ = soundFrom(place_);
       return true;
     }
     const std::size_t damage = damageAhead(bytes);
@@ -158,6 +159,15 @@ bool RecordReader::next(Record& record) {
     if (watch_.damage) watch_.damage(place_, damage);
     place_ += damage;
   }
+}
+
+// Where the records end that follow each other in the window from `offset` on. The last one is not among them: what
+// stands behind it has to be read first.
+std::uint64_t RecordReader::soundFrom(std::uint64_t offset) const {
+  const std::string_view window(window_);
+  auto at = static_cast<std::size_t>(offset - window_start_);
+  while (at + 2 * record_length_ <= window.size() && isRecord(window.substr(at, record_length_))) at += record_length_;
+  return window_start_ + at;
 }
 
 // How far to go from a place where no record stands.
@@ -171,6 +181,7 @@ std::size_t RecordReader::damageAhead(std::string_view bytes) const {
 }
 
 bool RecordReader::previous(Record& record) {
+  sound_until_ = 0;
   while (place_ >= record_length_) {
     const std::size_t wanted = static_cast<std::size_t>(std::min<std::uint64_t>(place_, 2 * record_length_));
     const std::uint64_t from = place_ - wanted;
@@ -208,7 +219,7 @@ void RecordReader::seekToEnd() {
   noteSize();
   if (error_.kind != FileErrorKind::none) return;
   torn_ = source_place_ % record_length_;
-  place_ = source_place_ - torn_;
+  seek(source_place_ - torn_);
 }
 
 }  // namespace kalmira

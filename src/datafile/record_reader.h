@@ -67,12 +67,20 @@ class RecordReader {
 
   // The record at the present place, and the place moves behind it. False at the end, and when reading failed: error
   // then has a kind.
-  bool next(Record& record);
+  bool next(Record& record) {
+    if (place_ >= sound_until_) return nextChecked(record);
+    record = {{window_.data() + (place_ - window_start_), record_length_}, place_};
+    place_ += record_length_;
+    return true;
+  }
   // The record before the present place, and the place moves to its start. False at the file's start (header 1 is the
   // last record given) and when reading failed.
   bool previous(Record& record);
   // `offset` of a record, or recordLength() for the first one behind header 1.
-  void seek(std::uint64_t offset) { place_ = offset; }
+  void seek(std::uint64_t offset) {
+    place_ = offset;
+    sound_until_ = 0;
+  }
   // Behind the last whole record.
   void seekToEnd();
 
@@ -89,6 +97,8 @@ class RecordReader {
   FileError openSource(const std::filesystem::path& path);
   void noteSize();
   bool identify();
+  bool nextChecked(Record& record);
+  std::uint64_t soundFrom(std::uint64_t offset) const;
   std::size_t damageAhead(std::string_view bytes) const;
   std::size_t damageBehind(std::string_view bytes) const;
 
@@ -99,6 +109,7 @@ class RecordReader {
   std::string window_;              // bytes of the file from window_start_ on
   std::uint64_t window_start_ = 0;
   std::uint64_t place_ = 0;
+  std::uint64_t sound_until_ = 0;  // from place_ up to here the window holds records, already checked
   std::size_t record_length_ = 0;
   Header1 header_;
   bool header_whole_ = false;

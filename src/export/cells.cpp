@@ -80,7 +80,7 @@ void appendFewest(std::string& row, Real value) {
 }  // namespace
 
 void appendText(std::string& row, std::string_view text) {
-  const auto breaksOut = [](char c) { return c == ',' || c == '"' || c == '\r' || c == '\n'; };
+  const auto breaksOut = [](char c) { return c <= ',' && (c == ',' || c == '"' || c == '\r' || c == '\n'); };
   const bool plain = std::ranges::none_of(text, breaksOut) && !text.starts_with(' ') && !text.ends_with(' ');
   if (plain) {
     row += text;
@@ -106,6 +106,10 @@ void appendReal(std::string& row, double value, int decimals) {
 }
 
 void appendInteger(std::string& row, std::int64_t value) {
+  if (value >= 0 && value < 10) {
+    row += static_cast<char>('0' + value);
+    return;
+  }
   const auto size = static_cast<std::uint64_t>(value);
   appendUnits(row, value < 0, value < 0 ? 0 - size : size, 0);
 }

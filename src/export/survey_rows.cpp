@@ -81,6 +81,9 @@ class Rows {
         line_number_ = lineNumber(position_.lineName());
         ++line_block_;
         return true;
+      case RecordType::gpsFirst:
+      case RecordType::gpsMore:
+      case RecordType::gpsTick: return true;
       default: return position_.take(record);
     }
   }

@@ -91,7 +91,9 @@ double geodesicLength(const GeoPoint& from, const GeoPoint& to) {
 
 double nearbyLength(const GeoPoint& from, const GeoPoint& to) {
   const auto [north, east] = degreesAt((from.latitude + to.latitude) / 2);
-  return std::hypot((to.latitude - from.latitude) * north, wrappedLongitude(to.longitude - from.longitude) * east);
+  const double northward = (to.latitude - from.latitude) * north;
+  const double eastward = wrappedLongitude(to.longitude - from.longitude) * east;
+  return std::sqrt(northward * northward + eastward * eastward);
 }
 
 GeoPoint movedBy(const GeoPoint& from, double east_m, double north_m) {

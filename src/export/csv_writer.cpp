@@ -1,42 +1,65 @@
+#include <string>
+#include <vector>
+
 #include "export/cells.h"
 #include "export/survey_writer.h"
 
 namespace kalmira {
 namespace {
 
-// Cells as text, each with the comma behind it.
+// Cells as text, each with the comma behind it. A row is made in a buffer with room for any next cell, and appended to
+// the text as a whole.
 class CsvCells {
  public:
   explicit CsvCells(std::string& text) : text_(text) {}
 
-  void none() { text_ += ','; }
-  void text(std::string_view cell) { appendText(text_, cell), none(); }
-  void integer(std::int64_t value) { appendInteger(text_, value), none(); }
-  void real(double value, int decimals) { appendReal(text_, value, decimals), none(); }
+  void none() { end(room()); }
+  void text(std::string_view cell) { end(putText(room(2 * cell.size()), cell)); }
+  void integer(std::int64_t value) { end(putInteger(room(), value)); }
+  void real(double value, int decimals) { end(putReal(room(), value, decimals)); }
   template <typename Real>
   void shortest(Real value) {
-    appendShortest(text_, value), none();
+    end(putShortest(room(), value));
   }
   void range(int first, int second) {
-    if (first != 0) appendInteger(text_, first);
-    if (second != 0) appendInteger(text_ += '/', second);
-    none();
+    char* at = room();
+    if (first != 0) at = putInteger(at, first);
+    if (second != 0) {
+      *at++ = '/';
+      at = putInteger(at, second);
+    }
+    end(at);
   }
-  // A day has many readings.
-  void date(std::int64_t day) {
-    if (day_ != day) appendDate(date_ = {}, day);
-    day_ = day;
-    text_ += date_;
-    none();
+  void date(std::int64_t day) { end(putDate(room(), day)); }
+  void timeOfDay(std::uint32_t ms) { end(putTimeOfDay(room(), ms)); }
+  void utc(double moment) { end(putUtc(room(), moment)); }
+  void endOfRow() {
+    at_[-1] = '\n';
+    text_.append(row_.data(), used());
+    at_ = row_.data();
   }
-  void timeOfDay(std::uint32_t ms) { appendTimeOfDay(text_, ms), none(); }
-  void utc(double moment) { appendUtc(text_, moment), none(); }
-  void endOfRow() { text_.back() = '\n'; }
 
  private:
+  std::size_t used() const { return static_cast<std::size_t>(at_ - row_.data()); }
+  char* room(std::size_t more = 0) {
+    if (static_cast<std::size_t>(end_ - at_) < kCellRoom + more) grow(more);
+    return at_;
+  }
+  void grow(std::size_t more) {
+    const auto before = used();
+    row_.resize(2 * (row_.size() + kCellRoom + more));
+    at_ = row_.data() + before;
+    end_ = row_.data() + row_.size();
+  }
+  void end(char* at) {
+    *at = ',';
+    at_ = at + 1;
+  }
+
   std::string& text_;
-  std::optional<std::int64_t> day_;  // of `date_`
-  std::string date_;
+  std::vector<char> row_;
+  char* at_ = nullptr;  // in `row_`, where the next cell goes
+  char* end_ = nullptr;
 };
 
 class CsvWriter final : public SurveyWriter {

@@ -1,8 +1,12 @@
 #include <fmt/format.h>
 #include <gmock/gmock.h>
 
+#include <array>
+#include <charconv>
+#include <cmath>
 #include <filesystem>
 #include <limits>
+#include <random>
 #include <sstream>
 #include <vector>
 
@@ -227,9 +231,35 @@ TEST(CsvText, WritesNumbersWholeAndWithoutANegativeZero) {
 }
 
 TEST(CsvText, QuotesTexts) {
-  std::string row;
-  for (const auto* text : {"12N", "a b", "", "a,b", "5\"", " a"}) appendText(row += '|', text);
-  EXPECT_EQ(row, "|12N|a b||\"a,b\"|\"5\"\"\"|\" a\"");
+  std::string row(100, '|');
+  char* at = row.data();
+  for (const auto* text : {"12N", "a b", "", "a,b", "5\"", " a"}) at = putText(at + 1, text);
+  EXPECT_EQ(row.substr(0, static_cast<std::size_t>(at - row.data())), "|12N|a b||\"a,b\"|\"5\"\"\"|\" a\"");
+}
+
+// Against the general conversions, over all magnitudes.
+template <typename Real>
+void expectShortest(Real value) {
+  std::array<char, kCellRoom> ours{}, theirs{};
+  const char* const end = putShortest(ours.data(), value);
+  const auto general = std::to_chars(theirs.data(), theirs.data() + theirs.size(), value, std::chars_format::fixed);
+  Real again = 0;
+  EXPECT_EQ(std::from_chars(ours.data(), end, again).ptr, end);
+  EXPECT_EQ(again, value) << ours.data();
+  EXPECT_EQ(end - ours.data(), general.ptr - theirs.data()) << ours.data() << " " << theirs.data();
+}
+TEST(CsvText, NumbersAreThoseOfTheGeneralConversions) {
+  std::mt19937_64 random(1);
+  for (int i = 0; i < 20000; ++i) {
+    const auto units = static_cast<double>(static_cast<std::int64_t>(random()) >> (i % 64));
+    const double value = units / std::pow(10, i % 10);
+    expectShortest(value);
+    expectShortest(static_cast<float>(value));
+    if (std::abs(units) >= 1e15) continue;
+    std::string cell;
+    appendReal(cell, value, i % 10);
+    EXPECT_EQ(cell, fmt::format("{:.{}f}", units == 0 ? 0.0 : value, i % 10));
+  }
 }
 
 struct ExportCommand : testing::Test {

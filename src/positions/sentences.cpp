@@ -18,16 +18,15 @@ class Fields {
   static constexpr std::size_t kMost = 16;
 
   explicit Fields(std::string_view sentence, std::size_t count = kMost) {
-    std::size_t begin = 0;
-    std::size_t field = 0;
-    for (std::size_t i = 0; i < sentence.size() && field < count; ++i) {
-      const char c = sentence[i];
-      if (c > ',' || (c != ',' && c != '*')) continue;  // nearly all are digits and letters
-      fields_[field++] = sentence.substr(begin, i - begin);
-      if (c == '*') return;
-      begin = i + 1;
+    const char* at = sentence.data();
+    const char* const end = at + sentence.size();
+    const auto separates = [](char c) { return c <= ',' && (c == ',' || c == '*'); };  // digits and letters are behind
+    for (std::size_t field = 0; field < count; ++field, ++at) {
+      const char* const begin = at;
+      while (at != end && !separates(*at)) ++at;
+      fields_[field] = {begin, static_cast<std::size_t>(at - begin)};
+      if (at == end || *at == '*') return;
     }
-    if (field < count) fields_[field] = sentence.substr(begin);
   }
   std::string_view operator[](std::size_t index) const { return fields_[index]; }
 

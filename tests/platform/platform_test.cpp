@@ -50,8 +50,12 @@ TEST(ParseReal, GivesTheNearestDoubleOfAnyNumberOfDigits) {
       double nearest = 0;
       std::from_chars(text.data(), text.data() + text.size(), nearest);
       EXPECT_EQ(parseReal(text), nearest) << text;
+      EXPECT_EQ(plainNumber(std::string_view(text).substr(1)), at == 0 ? std::nullopt : std::optional(-nearest))
+          << text;
     }
   }
+  for (const auto* text : {"", ".", "-1", "+1", " 1", "1 ", "1e5", "1.2.3", "nan"})
+    EXPECT_EQ(plainNumber(text), std::nullopt) << text;
   EXPECT_TRUE(std::signbit(parseReal("-0.0")));
 }
 

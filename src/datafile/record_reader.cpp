@@ -161,12 +161,14 @@ bool RecordReader::nextChecked(Record& record) {
   }
 }
 
-// Where the records end that follow each other in the window from `offset` on. The last one is not among them: what
-// stands behind it has to be read first.
+// Where the records end that follow each other in the window from `offset` on: not many at once, for whoever seeks may
+// want a single one. The window's last is not among them: what stands behind it has to be read first.
 std::uint64_t RecordReader::soundFrom(std::uint64_t offset) const {
+  constexpr std::size_t kAtOnce = 32;
   const std::string_view window(window_);
   auto at = static_cast<std::size_t>(offset - window_start_);
-  while (at + 2 * record_length_ <= window.size() && isRecord(window.substr(at, record_length_))) at += record_length_;
+  const auto end = std::min(window.size(), at + (kAtOnce + 1) * record_length_);
+  while (at + 2 * record_length_ <= end && isRecord(window.substr(at, record_length_))) at += record_length_;
   return window_start_ + at;
 }
 

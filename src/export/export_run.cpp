@@ -190,6 +190,7 @@ std::unique_ptr<SurveyWriter> makeWriter(const ExportRequest& request, Output& o
     case ExportFormat::csv: return makeCsvWriter(output.frame, request.table, write);
     case ExportFormat::xyz: return makeXyzWriter(output.frame, write);
     case ExportFormat::geopackage: return makeGpkgWriter(output.frame, output.file);
+    case ExportFormat::geojson: return makeGeojsonWriter(output.frame, request.table, write);
   }
   return nullptr;
 }
@@ -221,7 +222,8 @@ int exportAll(const ExportRequest& request, Output& output, ExportResult& result
 constexpr std::array kFormats{
     FormatRow{ExportFormat::csv, "csv", "CSV table", "a table of comma-separated values", true, true, false},
     FormatRow{ExportFormat::xyz, "xyz", "XYZ table", "blocks of lines for gridding and inversion", false, true, false},
-    FormatRow{ExportFormat::geopackage, "gpkg", "GeoPackage", "a GeoPackage of map layers", false, true, true}};
+    FormatRow{ExportFormat::geopackage, "gpkg", "GeoPackage", "a GeoPackage of map layers", false, true, true},
+    FormatRow{ExportFormat::geojson, "geojson", "GeoJSON", "a map for browsers and scripts", true, true, false}};
 
 }  // namespace
 

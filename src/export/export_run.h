@@ -12,7 +12,7 @@
 
 namespace kalmira {
 
-enum class ExportFormat { csv, xyz, geopackage };
+enum class ExportFormat { csv, xyz, geopackage, geojson };
 
 struct FormatRow {
   ExportFormat format;

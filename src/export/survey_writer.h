@@ -92,5 +92,6 @@ std::unique_ptr<SurveyWriter> makeCsvWriter(const OutputFrame& frame, TableOf ta
 std::unique_ptr<SurveyWriter> makeXyzWriter(const OutputFrame& frame, TextSink write);
 // Map layers in an SQLite file, which takes the place of OUT's own.
 std::unique_ptr<SurveyWriter> makeGpkgWriter(const OutputFrame& frame, OutputFile& file);
+std::unique_ptr<SurveyWriter> makeGeojsonWriter(const OutputFrame& frame, TableOf table, TextSink write);
 
 }  // namespace kalmira

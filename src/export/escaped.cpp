@@ -67,7 +67,7 @@ void appendJsonText(std::string& out, std::string_view text) {
 
 void appendXmlText(std::string& out, std::string_view text) {
   append(
-      out, text, [](char c) { return isAscii(c) && c != '&' && c != '<' && c != '>' && c != '"'; },
+      out, text, [](char c) { return (isAscii(c) || c == '\n') && c != '&' && c != '<' && c != '>' && c != '"'; },
       [&out](char c) {
         switch (c) {
           case '&': out += "&amp;"; break;

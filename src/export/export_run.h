@@ -12,7 +12,7 @@
 
 namespace kalmira {
 
-enum class ExportFormat { csv, xyz, geopackage, geojson };
+enum class ExportFormat { csv, xyz, geopackage, geojson, gpx };
 
 struct FormatRow {
   ExportFormat format;
@@ -22,6 +22,7 @@ struct FormatRow {
   bool events;               // makes tables of events, too
   bool wide;                 // shows readings, so those of a station can be one
   bool toFileOnly;
+  bool placedOnly = false;  // leaves out what has no place
 };
 std::span<const FormatRow> exportFormats();
 const FormatRow& formatRow(ExportFormat format);

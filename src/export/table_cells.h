@@ -34,6 +34,7 @@ struct ChannelColumn {
 struct OutputFrame {
   std::vector<ChannelColumn> channels{};  // of all files
   std::optional<MapZone> zone{};          // of eastings and northings; the first position's where it is not set
+  std::string title{};                    // what the files are called
   bool projected = false;                 // geometries are eastings and northings where the format allows it
 };
 

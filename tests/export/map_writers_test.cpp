@@ -1,8 +1,10 @@
 #include <gmock/gmock.h>
 
+#include <QXmlStreamReader>
 #include <nlohmann/json.hpp>
 
 #include "export/cells.h"
+#include "platform/text.h"
 #include "support/export_case.h"
 #include "support/walk.h"
 
@@ -115,6 +117,121 @@ TEST_F(Map, GeojsonHoldsTheTable) {
   map = json::parse(exported({first, "--utm", "33"}, "t.geojson"));
   EXPECT_FALSE(map.contains("notes"));
   EXPECT_NEAR(map["features"][10]["geometry"]["coordinates"][0], 7.615, 0.001) << "degrees in any zone";
+}
+
+// An element of XML with all that is in it.
+struct Element {
+  std::string name, text;
+  std::map<std::string, std::string> attributes;
+  std::vector<Element> parts;
+
+  std::vector<Element> all(std::string_view wanted) const {
+    std::vector<Element> found;
+    std::ranges::copy_if(parts, std::back_inserter(found), [=](const Element& part) { return part.name == wanted; });
+    return found;
+  }
+  std::string of(std::string_view wanted) const {
+    const auto found = all(wanted);
+    return found.empty() ? "-" : found[0].text;
+  }
+  // Whether nothing but these parts are in it, in this order.
+  bool inOrder(std::vector<std::string_view> names) const {
+    std::size_t at = 0;
+    for (const auto& part : parts) {
+      while (at < names.size() && names[at] != part.name) ++at;
+    }
+    return at < names.size() || parts.empty();
+  }
+};
+
+Element elementOf(QXmlStreamReader& xml) {
+  Element element;
+  element.name = xml.name().toString().toStdString();
+  for (const auto& attribute : xml.attributes())
+    element.attributes[attribute.name().toString().toStdString()] = attribute.value().toString().toStdString();
+  while (!xml.atEnd() && xml.readNext() != QXmlStreamReader::EndElement) {
+    if (xml.isStartElement()) element.parts.push_back(elementOf(xml));
+    if (xml.isCharacters()) element.text += xml.text().toString().toStdString();
+  }
+  return element;
+}
+Element rootOf(const std::string& text) {
+  QXmlStreamReader xml(QByteArray::fromStdString(text));
+  EXPECT_TRUE(xml.readNextStartElement());
+  auto root = elementOf(xml);
+  while (!xml.atEnd()) xml.readNext();
+  EXPECT_FALSE(xml.hasError()) << xml.errorString().toStdString() << " in line " << xml.lineNumber();
+  return root;
+}
+
+// The schema's order.
+void expectSound(const Element& gpx) {
+  EXPECT_EQ(gpx.attributes.at("version"), "1.1");
+  EXPECT_TRUE(gpx.inOrder({"metadata", "wpt", "trk"}));
+  const auto expectPoint = [](const Element& point) {
+    EXPECT_TRUE(point.inOrder({"ele", "time", "name", "type", "fix", "sat", "hdop"}));
+    const auto longitude = wholeNumber<double>(point.attributes.at("lon"));
+    const auto latitude = wholeNumber<double>(point.attributes.at("lat"));
+    ASSERT_TRUE(longitude && latitude);
+    EXPECT_TRUE(*longitude >= -180 && *longitude < 180 && std::abs(*latitude) <= 90);
+  };
+  for (const auto& point : gpx.all("wpt")) expectPoint(point);
+  for (const auto& track : gpx.all("trk")) {
+    EXPECT_TRUE(track.inOrder({"name", "desc", "trkseg"}));
+    for (const auto& segment : track.all("trkseg")) {
+      EXPECT_FALSE(segment.parts.empty());
+      for (const auto& point : segment.all("trkpt")) expectPoint(point);
+    }
+  }
+}
+
+TEST_F(Map, GpxHasTracksOfTheFixesAndEventsAsWaypoints) {
+  auto walk = Map::walk();
+  walk.change = [same = walk](int n, const std::string& text) {
+    return n < 3 ? gga(same.start + n, unproject(same.zone, same.path(n)), '1') : text;
+  };
+  const auto first = walked("a.ROR", walk);
+  file("a.ROR.json", R"({"project": "<Dyke>", "antennaUp": 0.5})");
+  walk.dated = false;
+  walk.also.clear();
+  const auto other = walked("b.ROR", walk);
+  const auto placeless = file("c.ROR", records24({"ORLA2   W230GRD0000", "T$-0400+0800       1500"}));
+  const auto gpx = rootOf(exported({first, placeless, other}, "t.gpx"));
+  expectSound(gpx);
+  EXPECT_EQ(gpx.all("metadata").at(0).of("name"), "a.ROR and 2 more");
+  const auto waypoints = gpx.all("wpt");
+  ASSERT_EQ(waypoints.size(), 2U);
+  EXPECT_EQ(waypoints[0].of("name"), "\xC3\xA4 > \"1\\" + kReplaced + "\"");
+  EXPECT_EQ(waypoints[0].of("type"), "comment");
+  EXPECT_EQ(waypoints[1].of("time"), "2025-05-12T10:00:20.100Z");
+  const auto tracks = gpx.all("trk");
+  ASSERT_EQ(tracks.size(), 2U);
+  EXPECT_EQ(tracks[0].of("desc"), "project: <Dyke>\nantennaUp: 0.5");
+  EXPECT_EQ(tracks[1].of("desc"), "-");
+  for (const auto& track : tracks) {
+    const auto segments = track.all("trkseg");
+    ASSERT_EQ(segments.size(), 2U);
+    EXPECT_EQ(segments[0].parts.size(), 12U);
+    EXPECT_EQ(segments[1].parts.size(), 10U);
+    for (std::size_t i = 0; i < 12; ++i) {
+      const auto& point = segments[0].parts[i];
+      const auto at = unproject(walk.zone, walk.path(static_cast<double>(i)));
+      EXPECT_NEAR(*wholeNumber<double>(point.attributes.at("lat")), at.latitude, 2e-8);
+      EXPECT_NEAR(*wholeNumber<double>(point.attributes.at("lon")), at.longitude, 2e-8);
+      EXPECT_EQ(point.of("ele") + point.of("sat") + point.of("hdop"), "100.000120.8") << "of the antenna";
+      EXPECT_EQ(point.of("fix"), i < 3 ? "-" : "dgps");
+      EXPECT_EQ(point.of("time"), track.of("name") == "b.ROR" ? "-" : fmt::format("2025-05-12T10:00:{:02}.000Z", i));
+    }
+  }
+  const auto grid = rootOf(exported(
+      {placeless, walked("d.ROR", {.seconds = 3, .line = "7N", .also = walk.also}), "--grid", "500000,5500000,0,32N"},
+      "t.gpx"));
+  expectSound(grid);
+  EXPECT_TRUE(grid.all("trk").empty());
+  EXPECT_EQ(grid.all("wpt").size(), 1U) << "the line";
+  EXPECT_EQ(rootOf(exported({placeless}, "t.gpx")).parts.size(), 1U);
+  EXPECT_THAT(said, testing::ElementsAre("c.ROR: holds no positions: nothing of it is in the output",
+                                         HasSubstr("without a time")));
 }
 
 }  // namespace

@@ -186,6 +186,15 @@ std::string channelsOfAll(const ExportRequest& request, OutputFrame& frame) {
                          instrumentOf(kind).name, instrumentOf(*first).name);
     takeChannels(frame, reader.header());
   }
+  const auto& channels = frame.channels;
+  if (request.colour.empty() || channels.empty()) return {};
+  const auto found = std::ranges::find(channels, request.colour, &ChannelColumn::name);
+  if (found == channels.end()) {
+    std::string names;
+    for (const auto& channel : channels) names += fmt::format("{}{}", names.empty() ? "" : ", ", channel.name);
+    return fmt::format("--colour: there is no {}, but {}", request.colour, names);
+  }
+  frame.coloured = static_cast<std::size_t>(found - channels.begin());
   return {};
 }
 
@@ -207,6 +216,7 @@ std::unique_ptr<SurveyWriter> makeWriter(const ExportRequest& request, Output& o
     case ExportFormat::geopackage: return makeGpkgWriter(output.frame, output.file);
     case ExportFormat::geojson: return makeGeojsonWriter(output.frame, request.table, write);
     case ExportFormat::gpx: return makeGpxWriter(output.frame, spoolFolder(request.out), write);
+    case ExportFormat::kml: return makeKmlWriter(output.frame, spoolFolder(request.out), write);
   }
   return nullptr;
 }
@@ -244,10 +254,12 @@ int exportAll(const ExportRequest& request, Output& output, ExportResult& result
 constexpr std::array kFormats{
     FormatRow{ExportFormat::csv, "csv", "CSV table", "a table of comma-separated values", true, true, false},
     FormatRow{ExportFormat::xyz, "xyz", "XYZ table", "blocks of lines for gridding and inversion", false, true, false},
-    FormatRow{ExportFormat::geopackage, "gpkg", "GeoPackage", "a GeoPackage of map layers", false, true, true},
+    FormatRow{ExportFormat::geopackage, "gpkg", "GeoPackage", "a GeoPackage of map layers", false, true, true, false,
+              true},
     FormatRow{ExportFormat::geojson, "geojson", "GeoJSON", "a map for browsers and scripts", true, true, false},
     FormatRow{ExportFormat::gpx, "gpx", "GPX track", "the receiver's way as a track, events as waypoints", false, false,
-              false, true}};
+              false, true},
+    FormatRow{ExportFormat::kml, "kml", "KML map", "a map coloured by value", false, true, false, true, true}};
 
 }  // namespace
 

@@ -99,5 +99,7 @@ std::unique_ptr<SurveyWriter> makeGeojsonWriter(const OutputFrame& frame, TableO
 // `spoolFolder`: for what has to wait for the end, see spool.h.
 std::unique_ptr<SurveyWriter> makeGpxWriter(const OutputFrame& frame, std::filesystem::path spoolFolder,
                                             TextSink write);
+std::unique_ptr<SurveyWriter> makeKmlWriter(const OutputFrame& frame, std::filesystem::path spoolFolder,
+                                            TextSink write);
 
 }  // namespace kalmira

@@ -35,6 +35,7 @@ struct OutputFrame {
   std::vector<ChannelColumn> channels{};  // of all files
   std::optional<MapZone> zone{};          // of eastings and northings; the first position's where it is not set
   std::string title{};                    // what the files are called
+  std::optional<std::size_t> coloured{};  // of the channels, colours maps; none: the first one that has values
   bool projected = false;                 // geometries are eastings and northings where the format allows it
 };
 

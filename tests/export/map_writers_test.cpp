@@ -1,9 +1,16 @@
 #include <gmock/gmock.h>
 
 #include <QXmlStreamReader>
+#include <cstdlib>
+#include <limits>
+#include <map>
 #include <nlohmann/json.hpp>
+#include <set>
+#include <sstream>
 
 #include "export/cells.h"
+#include "export/colour_scale.h"
+#include "export/spool.h"
 #include "platform/text.h"
 #include "support/export_case.h"
 #include "support/walk.h"
@@ -232,6 +239,226 @@ TEST_F(Map, GpxHasTracksOfTheFixesAndEventsAsWaypoints) {
   EXPECT_EQ(rootOf(exported({placeless}, "t.gpx")).parts.size(), 1U);
   EXPECT_THAT(said, testing::ElementsAre("c.ROR: holds no positions: nothing of it is in the output",
                                          HasSubstr("without a time")));
+}
+
+// The readings on a map, each as its row of the table, by the names of the folders.
+std::multimap<std::string, std::string> rowsOf(const Element& document, const std::vector<std::string>& names) {
+  std::multimap<std::string, std::string> rows;
+  const auto styles = document.all("Style");
+  const auto folders = document.all("Folder");
+  EXPECT_EQ(styles.size(), folders.size());
+  for (std::size_t i = 0; i < folders.size(); ++i) {
+    EXPECT_TRUE(folders[i].inOrder({"name", "Placemark"}));
+    for (const auto& placemark : folders[i].all("Placemark")) {
+      EXPECT_TRUE(placemark.inOrder({"name", "TimeStamp", "styleUrl", "ExtendedData", "Point"}));
+      std::map<std::string, std::string> cells;
+      const auto data = placemark.all("ExtendedData");
+      for (const auto& cell : data.at(0).parts) cells[cell.attributes.at("name")] = cell.of("value");
+      EXPECT_EQ(placemark.of("styleUrl"), "#" + styles.at(i).attributes.at("id"));
+      EXPECT_EQ(placemark.of("name"), cells["line"] + " " + cells["station"]);
+      EXPECT_EQ(placemark.all("TimeStamp").empty(), cells["utc"].empty());
+      EXPECT_EQ(placemark.all("Point").at(0).of("coordinates"), cells["longitude"] + "," + cells["latitude"]);
+      std::string row;
+      for (const auto& name : names) appendText(row += row.empty() ? "" : ",", cells[name]);
+      rows.emplace(folders[i].of("name"), row);
+    }
+  }
+  return rows;
+}
+
+TEST_F(Map, KmlHasAFolderAClassOfValues) {
+  const auto first = walked("a.ROR", walk());
+  auto undated = walk();
+  undated.dated = false;
+  const auto other = walked("sub/a.ROR", undated);
+  const auto placeless = file("c.RMI", records24({"MIRKA   W210GRD0000", "T$-0004-0040       1500"}));
+  file("a.ROR.json", R"({"site": "<b>"})");
+  const std::string classes = "0 to 10 mS/m 10 to 20 mS/m 20 to 30 mS/m 30 to 40 mS/m 40 to 50 mS/m 50 to 60 mS/m ";
+  const auto aboutOf = [](std::string_view channel) {
+    return fmt::format("coloured by {}\na.ROR\nsite: <b>", channel);
+  };
+  struct Case {
+    std::vector<std::string> arguments, chosen;
+    std::string channel, about, folders;
+  };
+  for (const auto& [arguments, chosen, channel, about, folders] :
+       {Case{{first}, {}, "cond_v", aboutOf("cond_v in mS/m"), classes + "no value "},
+        Case{{first, other, "--wide"}, {}, "cond_v", aboutOf("cond_v in mS/m"), classes + "no value "},
+        Case{{placeless, first, "--mixed"}, {}, "cond_v", aboutOf("cond_v in mS/m"), classes + "no value "},
+        Case{{first}, {"--colour", "inph_v"}, "inph_v", aboutOf("inph_v in ppt"), "-2 ppt no value "},
+        Case{{other}, {"--colour", "cond_h"}, "cond_h", "coloured by cond_h in mS/m", "no value "},
+        Case{{placeless}, {}, "cond", "-", ""}}) {
+    auto mapArguments = arguments;
+    mapArguments.insert(mapArguments.end(), chosen.begin(), chosen.end());
+    const auto document = rootOf(exported(mapArguments, "t.kml")).all("Document").at(0);
+    EXPECT_TRUE(document.inOrder({"name", "description", "Style", "Folder"}));
+    EXPECT_EQ(document.of("description"), about);
+    std::istringstream table(replaced(exported(arguments, "t.csv"), "\xFF", kReplaced));
+    std::string line;
+    std::getline(table, line);
+    std::istringstream header(line);
+    std::vector<std::string> names;
+    while (std::getline(header, line, ',')) names.push_back(line);
+    const auto column = std::ranges::find(names, channel) - names.begin();
+    auto rows = rowsOf(document, names);
+    std::string found;
+    for (const auto& part : document.all("Folder")) found += part.of("name") + " ";
+    EXPECT_EQ(found, folders);
+    while (std::getline(table, line)) {
+      if (line.find(",32632,") == std::string::npos) continue;
+      const auto same = std::ranges::find(rows, line, [](const auto& row) { return row.second; });
+      ASSERT_NE(same, rows.end()) << line;
+      std::istringstream cells(line);
+      std::string cell;
+      for (auto i = column + 1; i > 0; --i) std::getline(cells, cell, ',');
+      const auto& name = same->first;
+      const auto to = name.find(" to ");
+      EXPECT_EQ(cell.empty(), name == "no value");
+      EXPECT_GE(cell.empty() ? 0 : parseReal(cell), parseReal(name));
+      if (to != std::string::npos) {
+        EXPECT_LT(parseReal(cell), parseReal(name.substr(to + 4)));
+      }
+      rows.erase(same);
+    }
+    EXPECT_TRUE(rows.empty());
+  }
+  EXPECT_EQ(run({first, "--colour", "thickness", "-o", path("t.kml")}), kExportUsage);
+  EXPECT_THAT(said, testing::ElementsAre("--colour: there is no thickness, but cond_v, cond_h, inph_v, inph_h"));
+  ExportRequest request;
+  EXPECT_EQ(saidOf(exportCommandLine(request), "a --colour cond_v"), "--colour colours no csv");
+}
+
+TEST_F(Map, StaysOnTheEarthAtItsEdges) {
+  Walk dateLine{.zone = {.number = 60, .north = true}, .seconds = 20};
+  const auto edge = project(dateLine.zone, {10, 179.99999});
+  dateLine.path = [edge](double t) { return PlanePoint{edge.easting + 1.2 * t, edge.northing}; };
+  dateLine.change = [](int n, const std::string& text) { return n == 1 ? gga(kStart + 1, {10, 180}) : text; };
+  Walk pole{.zone = {.number = 0, .north = false}, .seconds = 20};
+  pole.path = [](double t) { return PlanePoint{2000000 - 9 + 1.0 * t, 2000000}; };
+  for (const auto& walk : {dateLine, pole}) {
+    const auto input = walked("e.ROR", walk);
+    const auto gpx = exported({input}, "t.gpx");
+    expectSound(rootOf(gpx));
+    EXPECT_EQ(gpx.find("lon=\"-180.00000000\"") != std::string::npos, walk.zone.number == 60);
+    const auto map = json::parse(exported({input}, "t.geojson"));
+    std::size_t placed = 0;
+    for (const auto& feature : map["features"]) {
+      if (feature["geometry"].is_null()) continue;
+      ++placed;
+      const double longitude = feature["geometry"]["coordinates"][0];
+      const double latitude = feature["geometry"]["coordinates"][1];
+      EXPECT_TRUE(std::abs(longitude) <= 180 &&
+                  (walk.zone.number == 0 ? latitude < -89.9998 : longitude * longitude > 32398));
+    }
+    EXPECT_GE(placed, 180U);
+    std::size_t placemarks = 0;
+    for (const auto& part : rootOf(exported({input}, "t.kml")).all("Document").at(0).all("Folder"))
+      placemarks += part.all("Placemark").size();
+    EXPECT_EQ(placemarks, placed);
+  }
+}
+
+TEST_F(Map, LeavesNothingBehindWhenItCannotBeWrittenOrIsLeft) {
+  Walk walk{.seconds = 300};
+  walk.sentences_hz = 10;
+  const auto input = walked("a.ROR", walk);
+  for (const std::string out : {"t.gpx", "t.kml"}) {
+    {
+      const SmallFiles small(40000);
+      EXPECT_EQ(run({input, "-o", path(out)}), kExportFailed);
+    }
+    EXPECT_THAT(said.back(), fmt::format("{}: cannot be written: temporary file in {}: File too large", out,
+                                         std::filesystem::canonical(folder.path()).string()));
+    goOn = [&](std::string_view name, std::uint64_t, std::uint64_t) { return name != out; };
+    EXPECT_EQ(run({input, "-o", path(out)}), kExportFailed);
+    EXPECT_EQ(said.back(), out + ": left before its end; nothing is written");
+    goOn = [](std::string_view, std::uint64_t, std::uint64_t) { return true; };
+    EXPECT_EQ(run({input, "-o", "/dev/full"}), kExportFailed);
+    EXPECT_EQ(run({input, "-o", path("nowhere/" + out)}), kExportFailed);
+    EXPECT_THAT(said.back(), testing::EndsWith("nowhere: No such file or directory"));
+  }
+  std::filesystem::remove(input);
+  EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
+}
+
+TEST(Spool, GivesBackWhatItTook) {
+  const TempFolder folder;
+  Spool spool(folder.path());
+  std::vector<std::string> pieces;
+  EXPECT_TRUE(spool.each([](std::string_view) { return false; })) << "none";
+  for (std::size_t i = 0; i < 300; ++i) {
+    for (const std::size_t size : {i, std::size_t{0}, 1000 * i}) {
+      pieces.emplace_back(size, static_cast<char>(i));
+      ASSERT_TRUE(spool.add(pieces.back()));
+    }
+    if (i % 100 != 99) continue;
+    auto next = pieces.begin();
+    EXPECT_TRUE(spool.each([&](std::string_view piece) { return piece == *next++; }));
+    EXPECT_EQ(next, pieces.end());
+  }
+  EXPECT_TRUE(std::filesystem::is_empty(folder.path())) << "it has no name";
+  EXPECT_EQ(spoolFolder(folder.path() / "t.kml"), std::filesystem::canonical(folder.path()));
+  ::setenv("TMPDIR", "/chosen", 1);
+  EXPECT_EQ(spoolFolder("/dev/null"), "/chosen");
+  ::unsetenv("TMPDIR");
+  EXPECT_EQ(spoolFolder(std::nullopt), "/var/tmp");
+}
+
+// The classes of some values, as the legend has them.
+std::string legendOf(const std::vector<double>& values) {
+  ValueSample sample;
+  for (const double value : values) sample.take(value);
+  const auto classes = sample.classes();
+  std::string legend;
+  std::set<std::uint32_t> colours;
+  for (std::size_t i = 0; i < classes.size(); ++i) {
+    legend += (legend.empty() ? "" : "|") + classText(classes[i], "");
+    colours.insert(classes[i].rgb);
+    EXPECT_EQ(classes[i].from, i > 0 ? classes[i - 1].to : classes[i].from);
+  }
+  EXPECT_EQ(colours.size(), classes.size());
+  EXPECT_LE(classes.size(), 8U);
+  for (const double value : values) {
+    if (!std::isfinite(value)) continue;
+    const auto& range = classes.at(classOf(classes, value));
+    EXPECT_TRUE(static_cast<float>(range.from) <= static_cast<float>(value) &&
+                static_cast<float>(value) <= static_cast<float>(range.to))
+        << value << " in " << classText(range, "");
+  }
+  return legend;
+}
+
+TEST(ColourScale, HasRoundClassesThatHoldAllValues) {
+  const auto row = [](std::size_t count, double from, double step) {
+    std::vector<double> values;
+    for (std::size_t i = 0; i < count; ++i)
+      values.push_back(static_cast<double>(static_cast<float>(from + static_cast<double>(i) * step)));
+    return values;
+  };
+  auto outliers = row(1000, 0, 0.04);
+  for (const double value : {-500.5, 7e9, std::nan(""), std::numeric_limits<double>::infinity()})
+    outliers.push_back(value);
+  EXPECT_EQ(legendOf({}), "");
+  EXPECT_EQ(legendOf({std::nan("")}), "");
+  EXPECT_EQ(legendOf(row(3, 2.5, 0)), "2.5");
+  EXPECT_EQ(legendOf(row(81, 0, 1)), "0 to 10|10 to 20|20 to 30|30 to 40|40 to 50|50 to 60|60 to 70|70 to 80");
+  EXPECT_EQ(legendOf(row(8, 0.1, 0.1)), "0.1 to 0.2|0.2 to 0.3|0.3 to 0.4|0.4 to 0.5|0.5 to 0.6|0.6 to 0.7|0.7 to 0.8");
+  EXPECT_EQ(legendOf(row(100, -12, 0.2)), "-15 to -10|-10 to -5|-5 to 0|0 to 5|5 to 10");
+  EXPECT_EQ(legendOf(outliers), "-500.5 to 5|5 to 10|10 to 15|15 to 20|20 to 25|25 to 30|30 to 35|35 to 7000000000");
+  EXPECT_EQ(legendOf(row(100000, 0, 10)),
+            "0 to 200000|200000 to 400000|400000 to 600000|600000 to 800000|800000 to 1000000");
+  EXPECT_EQ(legendOf({-3e38, 3e38}).substr(0, 2), "-3");
+  EXPECT_EQ(classText({.from = -0.5, .to = 10}, "mS/m"), "-0.5 to 10 mS/m");
+  // A value that prints as a limit lies above it.
+  ValueSample tenths;
+  for (const double value : row(8, 0.1, 0.1)) tenths.take(value);
+  for (int i = 1; i < 8; ++i)
+    EXPECT_EQ(classOf(tenths.classes(), static_cast<double>(static_cast<float>(i) / 10)),
+              static_cast<std::size_t>(i - 1));
+  std::vector<double> noise(5000);
+  for (std::size_t i = 0; i < noise.size(); ++i)
+    noise[i] = static_cast<double>(static_cast<float>(std::sin(static_cast<double>(i * i)) * std::pow(10, i % 7)));
+  EXPECT_FALSE(legendOf(noise).empty());
 }
 
 }  // namespace

@@ -1,48 +1,36 @@
-#include "export/cells.h"
 #include "export/survey_writer.h"
+#include "export/text_cells.h"
 
 namespace kalmira {
 namespace {
 
-// Cells as text, each with the comma behind it.
-class CsvCells {
+// Cells each with the comma behind it.
+class CsvForm {
  public:
-  explicit CsvCells(std::string& text) : text_(text) {}
+  explicit CsvForm(std::string& text) : text_(text) {}
 
-  void none() { text_ += ','; }
-  void text(std::string_view cell) { appendText(text_, cell), none(); }
-  void integer(std::int64_t value) { appendInteger(text_, value), none(); }
-  void real(double value, int decimals) { appendReal(text_, value, decimals), none(); }
-  template <typename Real>
-  void shortest(Real value) {
-    appendShortest(text_, value), none();
+  template <typename Append>
+  void number(Append append) {
+    append(text_);
+    text_ += ',';
   }
-  void range(int first, int second) {
-    if (first != 0) appendInteger(text_, first);
-    if (second != 0) appendInteger(text_ += '/', second);
-    none();
+  template <typename Append>
+  void word(Append append) {
+    number(append);
   }
-  // A day has many readings.
-  void date(std::int64_t day) {
-    if (day_ != day) appendDate(date_ = {}, day);
-    day_ = day;
-    text_ += date_;
-    none();
+  void text(std::string_view cell) {
+    number([=](std::string& text) { appendText(text, cell); });
   }
-  void timeOfDay(std::uint32_t ms) { appendTimeOfDay(text_, ms), none(); }
-  void utc(double moment) { appendUtc(text_, moment), none(); }
   void endOfRow() { text_.back() = '\n'; }
 
  private:
   std::string& text_;
-  std::optional<std::int64_t> day_;  // of `date_`
-  std::string date_;
 };
 
 class CsvWriter final : public SurveyWriter {
  public:
   CsvWriter(const OutputFrame& frame, TableOf table, TextSink write)
-      : frame_(frame), table_(table), pieces_(std::move(write)), cells_(pieces_.text) {}
+      : frame_(frame), table_(table), pieces_(std::move(write)), cells_(CsvForm(pieces_.text)) {}
 
   bool begin(const SourceFile& file) override {
     if (!file_) header();
@@ -66,17 +54,17 @@ class CsvWriter final : public SurveyWriter {
     const auto readings = readingColumns(frame_);
     for (const auto& column : table_ == TableOf::readings ? std::span<const Column>(readings) : eventColumns())
       cells_.text(column.name);
-    cells_.endOfRow();
+    cells_.form.endOfRow();
   }
   bool endOfRow() {
-    cells_.endOfRow();
+    cells_.form.endOfRow();
     return pieces_.passOn();
   }
 
   const OutputFrame& frame_;
   TableOf table_;
   TextPieces pieces_;
-  CsvCells cells_;
+  TextCells<CsvForm> cells_;
   std::optional<FileCells> file_;
 };
 

@@ -8,8 +8,8 @@
 #include <set>
 #include <sstream>
 
-#include "export/cells.h"
 #include "export/colour_scale.h"
+#include "export/escaped.h"
 #include "export/spool.h"
 #include "platform/text.h"
 #include "support/export_case.h"
@@ -35,8 +35,8 @@ struct Map : ExportCommand {
       if (n % 20 == 0) return "T%+0640+0640"s;
       return fmt::format("T$-{:04}+0800", 40 * n);
     };
-    walk.line = "<7&\"\xFFy";
-    walk.also = {{8.2, formatReading(kLength, "C\xC3\xA4 > \"1\\\x01\"", walk.tickOf(8.2))},
+    walk.line = "<7&\xFFy";
+    walk.also = {{8.2, formatReading(kLength, "C\xC3\xA4 > 1\\\x01", walk.tickOf(8.2))},
                  {20.2, formatReading(kLength, "X$PAUSED", walk.tickOf(20.2))}};
     return walk;
   }
@@ -48,51 +48,34 @@ struct Map : ExportCommand {
   }
 };
 
-// The properties of all features as the table that they were made of.
-struct TableOfProperties : json::json_sax_t {
-  bool null() override { return cell(""); }
-  bool boolean(bool) override { return false; }
-  bool number_integer(json::number_integer_t value) override { return cell(fmt::format("{}", value)); }
-  bool number_unsigned(json::number_unsigned_t value) override { return cell(fmt::format("{}", value)); }
-  bool number_float(json::number_float_t, const std::string& text) override { return cell(text); }
-  bool string(std::string& value) override {
-    std::string text;
-    appendText(text, value);
-    return cell(text);
-  }
-  bool binary(json::binary_t&) override { return false; }
-  bool key(std::string& name) override {
-    if (properties) names += (names.empty() ? "" : ",") + name;
-    properties = properties || name == "properties";
-    return true;
-  }
-  bool start_object(std::size_t) override { return true; }
-  bool end_object() override {
-    if (properties) table += (table.empty() ? names + "\n" : "") + row.substr(1) + "\n";
-    properties = false;
-    row.clear();
-    return true;
-  }
-  bool start_array(std::size_t) override { return true; }
-  bool end_array() override { return true; }
-  bool parse_error(std::size_t at, const std::string&, const json::exception&) override {
-    ADD_FAILURE() << at;
-    return false;
-  }
-  bool cell(const std::string& text) {
-    if (properties) row += "," + text;
-    return true;
-  }
-
-  bool properties = false;
-  std::string names, row, table;
-};
-
 std::string replaced(std::string text, const std::string& what, const std::string& by) {
   for (std::size_t at = 0; (at = text.find(what, at)) != std::string::npos; at += by.size())
     text.replace(at, what.size(), by);
   return text;
 }
+
+// A table without quotes, bytes that are no text replaced.
+struct Table {
+  explicit Table(const std::string& csv) {
+    std::istringstream lines(replaced(csv, "\xFF", kReplaced));
+    for (std::string line; std::getline(lines, line);) {
+      auto& row = rows.emplace_back();
+      for (std::size_t from = 0, to = 0; to < line.size(); from = to + 1) {
+        to = std::min(line.find(',', from), line.size());
+        row.push_back(line.substr(from, to - from));
+      }
+    }
+    names = rows.front();
+    rows.erase(rows.begin());
+  }
+  std::string cell(const std::vector<std::string>& row, std::string_view name) const {
+    const auto found = std::ranges::find(names, name);
+    return found == names.end() ? "" : row.at(static_cast<std::size_t>(found - names.begin()));
+  }
+
+  std::vector<std::string> names;
+  std::vector<std::vector<std::string>> rows;
+};
 
 TEST_F(Map, GeojsonHoldsTheTable) {
   const auto first = walked("a.ROR", walk());
@@ -100,23 +83,25 @@ TEST_F(Map, GeojsonHoldsTheTable) {
   const auto notes = R"({"project": "Dyke \"7\"", "antennaUp": 0.5, "settings": {"surveyMode": "1"}})"s;
   file("a.ROR.json", notes);
   file("sub/a.ROR.json", R"({"site": "Ä"})");
+  const std::set<std::string> texts{"line", "date", "time", "dipole", "range", "utc", "file", "kind", "event", "text"};
   for (const std::vector<std::string>& arguments :
        {std::vector{first}, {first, "--wide"}, {first, "--events"}, {first, other, "--mixed"}, {other}}) {
-    const auto text = exported(arguments, "t.GeoJSON");
-    TableOfProperties rows;
-    EXPECT_TRUE(json::sax_parse(text, &rows));
-    const auto table = replaced(exported(arguments, "t.csv"), "\xFF", kReplaced);
-    EXPECT_EQ(rows.table, table);
-    const auto map = json::parse(text);
-    EXPECT_EQ(map.at("type"), "FeatureCollection");
-    std::size_t lines = 0;
-    for (std::size_t at = 0; (at = text.find("\n{\"type\":\"Feature\"", at)) != std::string::npos; ++at) ++lines;
-    EXPECT_EQ(lines, map["features"].size());
-    for (const auto& feature : map["features"]) {
-      const auto& properties = feature.at("properties");
-      const auto point = json{{"type", "Point"}, {"coordinates", {properties["longitude"], properties["latitude"]}}};
-      EXPECT_EQ(feature.at("geometry"), properties["longitude"].is_null() ? json() : point);
+    const Table table(exported(arguments, "t.csv"));
+    std::string features;
+    for (const auto& row : table.rows) {
+      const auto longitude = table.cell(row, "longitude");
+      const auto point = R"({"type":"Point","coordinates":[)" + longitude + "," + table.cell(row, "latitude") + "]}";
+      std::string properties;
+      for (std::size_t i = 0; i < row.size(); ++i) {
+        const auto value = row[i].empty() ? "null" : texts.contains(table.names[i]) ? json(row[i]).dump() : row[i];
+        properties += fmt::format("{}\"{}\":{}", i > 0 ? "," : "", table.names[i], value);
+      }
+      features += fmt::format(R"({}{{"type":"Feature","geometry":{},"properties":{{{}}}}})",
+                              features.empty() ? "" : ",\n", longitude.empty() ? "null" : point, properties);
     }
+    const auto text = exported(arguments, "t.GeoJSON");
+    EXPECT_THAT(text, testing::StartsWith("{\"type\":\"FeatureCollection\",\"features\":[\n" + features + "\n]"));
+    EXPECT_EQ(json::parse(text).at("features").size(), table.rows.size());
   }
   auto map = json::parse(exported({first, other, "--mixed"}, "t.geojson"));
   EXPECT_EQ(map["notes"], (json{{"a.ROR", json::parse(notes)}, {"a.ROR (2)", {{"site", "Ä"}}}}));
@@ -124,6 +109,26 @@ TEST_F(Map, GeojsonHoldsTheTable) {
   map = json::parse(exported({first, "--utm", "33"}, "t.geojson"));
   EXPECT_FALSE(map.contains("notes"));
   EXPECT_NEAR(map["features"][10]["geometry"]["coordinates"][0], 7.615, 0.001) << "degrees in any zone";
+}
+
+TEST(Escaped, IsTextWhateverTheBytes) {
+  struct Case {
+    std::string text, json, xml;
+  };
+  for (const auto& [text, inJson, inXml] :
+       {Case{"a<b>&\"\\", R"("a<b>&\"\\")", R"(a&lt;b&gt;&amp;&quot;\)"},
+        Case{"\1\n", R"("\u0001\u000a")", kReplaced + "\n"}, Case{"\xC3\xA4\xF0\x9F\x98\x80", "\"ä😀\"", "ä😀"},
+        Case{"\xC3", '"' + kReplaced + '"', kReplaced},
+        Case{"\xC0\xAFz", '"' + kReplaced + kReplaced + "z\"", kReplaced + kReplaced + "z"},
+        Case{"\xED\xA0\x80", '"' + kReplaced + kReplaced + kReplaced + '"', kReplaced + kReplaced + kReplaced},
+        Case{"\xEF\xBF\xBE|", '"' + kReplaced + kReplaced + kReplaced + "|\"",
+             kReplaced + kReplaced + kReplaced + "|"}}) {
+    std::string out;
+    appendJsonText(out, text);
+    EXPECT_EQ(out, inJson);
+    appendXmlText(out = {}, text);
+    EXPECT_EQ(out, inXml);
+  }
 }
 
 // An element of XML with all that is in it.
@@ -208,7 +213,7 @@ TEST_F(Map, GpxHasTracksOfTheFixesAndEventsAsWaypoints) {
   EXPECT_EQ(gpx.all("metadata").at(0).of("name"), "a.ROR and 2 more");
   const auto waypoints = gpx.all("wpt");
   ASSERT_EQ(waypoints.size(), 2U);
-  EXPECT_EQ(waypoints[0].of("name"), "\xC3\xA4 > \"1\\" + kReplaced + "\"");
+  EXPECT_EQ(waypoints[0].of("name"), "\xC3\xA4 > 1\\" + kReplaced);
   EXPECT_EQ(waypoints[0].of("type"), "comment");
   EXPECT_EQ(waypoints[1].of("time"), "2025-05-12T10:00:20.100Z");
   const auto tracks = gpx.all("trk");
@@ -241,9 +246,9 @@ TEST_F(Map, GpxHasTracksOfTheFixesAndEventsAsWaypoints) {
                                          HasSubstr("without a time")));
 }
 
-// The readings on a map, each as its row of the table, by the names of the folders.
-std::multimap<std::string, std::string> rowsOf(const Element& document, const std::vector<std::string>& names) {
-  std::multimap<std::string, std::string> rows;
+// The readings on a map, each as its row of the table, and the names of their folders.
+std::multimap<std::vector<std::string>, std::string> readingsOf(const Element& document, const Table& table) {
+  std::multimap<std::vector<std::string>, std::string> readings;
   const auto styles = document.all("Style");
   const auto folders = document.all("Folder");
   EXPECT_EQ(styles.size(), folders.size());
@@ -258,12 +263,12 @@ std::multimap<std::string, std::string> rowsOf(const Element& document, const st
       EXPECT_EQ(placemark.of("name"), cells["line"] + " " + cells["station"]);
       EXPECT_EQ(placemark.all("TimeStamp").empty(), cells["utc"].empty());
       EXPECT_EQ(placemark.all("Point").at(0).of("coordinates"), cells["longitude"] + "," + cells["latitude"]);
-      std::string row;
-      for (const auto& name : names) appendText(row += row.empty() ? "" : ",", cells[name]);
-      rows.emplace(folders[i].of("name"), row);
+      std::vector<std::string> row;
+      for (const auto& name : table.names) row.push_back(cells[name]);
+      readings.emplace(row, folders[i].of("name"));
     }
   }
-  return rows;
+  return readings;
 }
 
 TEST_F(Map, KmlHasAFolderAClassOfValues) {
@@ -293,34 +298,24 @@ TEST_F(Map, KmlHasAFolderAClassOfValues) {
     const auto document = rootOf(exported(mapArguments, "t.kml")).all("Document").at(0);
     EXPECT_TRUE(document.inOrder({"name", "description", "Style", "Folder"}));
     EXPECT_EQ(document.of("description"), about);
-    std::istringstream table(replaced(exported(arguments, "t.csv"), "\xFF", kReplaced));
-    std::string line;
-    std::getline(table, line);
-    std::istringstream header(line);
-    std::vector<std::string> names;
-    while (std::getline(header, line, ',')) names.push_back(line);
-    const auto column = std::ranges::find(names, channel) - names.begin();
-    auto rows = rowsOf(document, names);
     std::string found;
     for (const auto& part : document.all("Folder")) found += part.of("name") + " ";
     EXPECT_EQ(found, folders);
-    while (std::getline(table, line)) {
-      if (line.find(",32632,") == std::string::npos) continue;
-      const auto same = std::ranges::find(rows, line, [](const auto& row) { return row.second; });
-      ASSERT_NE(same, rows.end()) << line;
-      std::istringstream cells(line);
-      std::string cell;
-      for (auto i = column + 1; i > 0; --i) std::getline(cells, cell, ',');
-      const auto& name = same->first;
+    const Table table(exported(arguments, "t.csv"));
+    auto readings = readingsOf(document, table);
+    for (const auto& row : table.rows) {
+      if (table.cell(row, "longitude").empty()) continue;
+      const auto reading = readings.find(row);
+      ASSERT_NE(reading, readings.end()) << testing::PrintToString(row);
+      const auto name = reading->second;
+      const auto value = table.cell(row, channel);
       const auto to = name.find(" to ");
-      EXPECT_EQ(cell.empty(), name == "no value");
-      EXPECT_GE(cell.empty() ? 0 : parseReal(cell), parseReal(name));
-      if (to != std::string::npos) {
-        EXPECT_LT(parseReal(cell), parseReal(name.substr(to + 4)));
-      }
-      rows.erase(same);
+      EXPECT_EQ(value.empty(), name == "no value");
+      EXPECT_GE(parseReal(value), parseReal(name));
+      EXPECT_LT(parseReal(value), to == std::string::npos ? 1 : parseReal(name.substr(to + 4)));
+      readings.erase(reading);
     }
-    EXPECT_TRUE(rows.empty());
+    EXPECT_TRUE(readings.empty());
   }
   EXPECT_EQ(run({first, "--colour", "thickness", "-o", path("t.kml")}), kExportUsage);
   EXPECT_THAT(said, testing::ElementsAre("--colour: there is no thickness, but cond_v, cond_h, inph_v, inph_h"));

@@ -160,6 +160,9 @@ void appendReal(std::string& row, double value, int decimals) {
 void appendShortest(std::string& row, float value) {
   append(row, [=](char* at) { return putShortest(at, value); });
 }
+void appendShortest(std::string& row, double value) {
+  append(row, [=](char* at) { return putShortest(at, value); });
+}
 void appendInteger(std::string& row, std::int64_t value) {
   append(row, [=](char* at) { return putInteger(at, value); });
 }

@@ -31,6 +31,7 @@ char* putUtc(char* at, double utc);
 // The same, appended.
 void appendReal(std::string& row, double value, int decimals);
 void appendShortest(std::string& row, float value);
+void appendShortest(std::string& row, double value);
 void appendInteger(std::string& row, std::int64_t value);
 void appendDate(std::string& row, std::int64_t day);
 void appendTimeOfDay(std::string& row, std::uint32_t ms);

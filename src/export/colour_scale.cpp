@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <limits>
 
 #include "export/cells.h"
+#include "platform/text.h"
 
 namespace kalmira {
 namespace {
@@ -22,6 +24,14 @@ double roundStep(double step) {
     if (factor * power >= step * (1 - 1e-9)) return factor * power;
   }
   return 10 * power;
+}
+
+// With the fewest decimals that say the same to single precision.
+double plain(double value) {
+  constexpr auto kMost = static_cast<double>(std::numeric_limits<float>::max());
+  std::string text;
+  appendShortest(text, static_cast<float>(std::clamp(value, -kMost, kMost)));
+  return parseReal(text);
 }
 
 }  // namespace
@@ -43,9 +53,9 @@ std::vector<ColourClass> ValueSample::classes() const {
   auto sorted = values_;
   std::ranges::sort(sorted);
   const std::size_t outermost = sorted.size() / 50;
-  const double low = sorted[outermost];
-  const double high = sorted[sorted.size() - 1 - outermost];
-  if (!(high > low)) return {{least_, most_, kColours.front()}};
+  const double low = plain(sorted[outermost]);
+  const double high = plain(sorted[sorted.size() - 1 - outermost]);
+  if (!(high > low)) return {{plain(least_), plain(most_), kColours.front()}};
   double step = roundStep((high - low) / kMostClasses);
   const auto firstOf = [&] { return std::floor(low / step + 1e-9); };
   const auto countOf = [&] { return std::ceil(high / step - 1e-9) - firstOf(); };
@@ -55,25 +65,31 @@ std::vector<ColourClass> ValueSample::classes() const {
   std::vector<ColourClass> classes;
   for (std::size_t i = 0; i < count; ++i) {
     const auto colour = count == 1 ? 0 : i * (kColours.size() - 1) / (count - 1);
-    classes.push_back(
-        {(first + static_cast<double>(i)) * step, (first + static_cast<double>(i + 1)) * step, kColours.at(colour)});
+    classes.push_back({plain((first + static_cast<double>(i)) * step),
+                       plain((first + static_cast<double>(i + 1)) * step), kColours.at(colour)});
   }
-  classes.front().from = std::min(classes.front().from, least_);
-  classes.back().to = std::max(classes.back().to, most_);
+  classes.front().from = std::min(classes.front().from, plain(least_));
+  classes.back().to = std::max(classes.back().to, plain(most_));
   return classes;
+}
+
+std::optional<std::size_t> colouredChannel(std::optional<std::size_t> chosen, std::span<const ValueSample> samples) {
+  if (chosen) return chosen;
+  const auto found = std::ranges::find_if(samples, [](const ValueSample& sample) { return !sample.empty(); });
+  return found == samples.end() ? std::nullopt : std::optional<std::size_t>(found - samples.begin());
 }
 
 std::size_t classOf(const std::vector<ColourClass>& classes, double value) {
   std::size_t found = 0;
-  while (found + 1 < classes.size() && value >= classes[found + 1].from) ++found;
+  const auto limit = [&] { return static_cast<float>(classes[found + 1].from); };
+  while (found + 1 < classes.size() && static_cast<float>(value) >= limit()) ++found;
   return found;
 }
 
 std::string classText(const ColourClass& range, std::string_view unit) {
   std::string text;
   appendShortest(text, static_cast<float>(range.from));
-  text += " to ";
-  appendShortest(text, static_cast<float>(range.to));
+  if (range.from < range.to) appendShortest(text += " to ", static_cast<float>(range.to));
   if (!unit.empty()) (text += ' ') += unit;
   return text;
 }

@@ -81,10 +81,12 @@ std::string formatNames() {
   for (const auto& row : exportFormats()) names += fmt::format("{}{}", names.empty() ? "" : ", ", row.ending);
   return names;
 }
-std::string formatsText() {
-  std::string text;
-  for (const auto& row : exportFormats())
-    text += fmt::format("{}{}: {}", text.empty() ? "" : "; ", row.ending, row.content);
+const std::string& helpNotes() {
+  static const std::string text = [] {
+    std::string lines = "Formats:\n";
+    for (const auto& row : exportFormats()) lines += fmt::format("  {:<9}{}\n", row.ending, row.content);
+    return lines + "\nExit status: 0 done, 1 a file gave nothing or the output could not be written, 2 wrong usage.\n";
+  }();
   return text;
 }
 
@@ -103,6 +105,7 @@ std::string whyNot(const ExportRequest& request) {
   if (events && request.wide) return "--wide is of readings, --events of no reading";
   if (events && !format.events) return fmt::format("--events makes no {}", format.ending);
   if (request.wide && !format.wide) return fmt::format("--wide makes no {}", format.ending);
+  if (!request.colour.empty() && !format.coloured) return fmt::format("--colour colours no {}", format.ending);
   if (format.toFileOnly && !request.out) return fmt::format("{} wants a file, -o OUT", format.ending);
   return {};
 }
@@ -130,17 +133,23 @@ CommandLine exportCommandLine(ExportRequest& request) {
           .groups = {{"Output",
                       {{"-o", "OUT", "write to the file OUT; a data file is never overwritten", takeOut, "a file name",
                         CommandOption::Again::refused},
-                       {"--format", "NAME", formatsText() + "; without it by the ending of OUT, else csv",
+                       {"--format", "NAME", "the output's format, see below; without it by the ending of OUT, else csv",
                         [&request](const std::string& value) { return takeFormat(value, request); }, formatNames()},
                        {"--events", "", "lines, stations, comments, pauses and breaks in place of readings",
                         [&request](const std::string&) { return request.table = TableOf::events, std::string{}; }},
                        {"--wide", "", "one row a station, with all its channels", turnOn(request.wide)},
+                       {"--colour", "CHANNEL",
+                        "colours the map by this channel, such as cond_v, in place of the first one that has values",
+                        [&request](const std::string& value) {
+                          return request.colour = value, value.empty() ? kWrong : "";
+                        },
+                        "a channel's name"},
                        {"--mixed", "", "files of several kinds in one output", turnOn(request.mixed)},
                        teskTimes10Option(request.teskTimes10)}},
                      positionOptions(request)},
           .operands = {"", "FILE...", "data files", takeFile},
           .check = [&request] { return whyNot(request); },
-          .notes = "Exit status: 0 done, 1 a file gave nothing or the output could not be written, 2 wrong usage.\n",
+          .notes = helpNotes(),
           .wording = {.unknown = "unknown option {0}", .then = CommandWording::Then::usage}};
 }
 

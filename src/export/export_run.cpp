@@ -7,6 +7,7 @@
 #include <cctype>
 #include <system_error>
 
+#include "export/spool.h"
 #include "instruments/catalogue.h"
 #include "platform/files.h"
 
@@ -138,6 +139,10 @@ struct Output {
   OutputFrame frame;
   OutputFile file;
   std::unique_ptr<SurveyWriter> writer;
+  // The end of some formats is most of them: before each piece of it is asked whether to go on.
+  bool ending = false;
+  bool left = false;
+  std::uint64_t written = 0;
 };
 
 FileOutcome exportFile(const std::filesystem::path& file, const ExportRequest& request, Output& output,
@@ -146,17 +151,17 @@ FileOutcome exportFile(const std::filesystem::path& file, const ExportRequest& r
   Source source;
   if (const auto ended = openSource(file, request, source, report, goOn)) return *ended;
   auto& reader = source.reader;
-  const auto result = writeFile(reader, *output.writer, output.frame,
-                                {.name = file.filename().string(),
-                                 .header = reader.header(),
-                                 .notes = source.notes,
-                                 .placed = request.grid || !source.scan.line.pieces().empty()},
-                                {.teskRangeTimes10 = source.teskTimes10,
-                                 .stretch = request.stretch,
-                                 .scan = &source.scan,
-                                 .positions = source.positions,
-                                 .grid = request.grid},
-                                request.wide);
+  const bool placed = request.grid || !source.scan.line.pieces().empty();
+  if (!placed && formatRow(formatOf(request)).placedOnly) report("holds no positions: nothing of it is in the output");
+  const auto result =
+      writeFile(reader, *output.writer, output.frame,
+                {.name = file.filename().string(), .header = reader.header(), .notes = source.notes, .placed = placed},
+                {.teskRangeTimes10 = source.teskTimes10,
+                 .stretch = request.stretch,
+                 .scan = &source.scan,
+                 .positions = source.positions,
+                 .grid = request.grid},
+                request.wide);
   all.readings += result.readings;
   if (reader.error().kind == FileErrorKind::left) {
     report(reader.error().text + "; nothing is written");
@@ -181,33 +186,60 @@ std::string channelsOfAll(const ExportRequest& request, OutputFrame& frame) {
                          instrumentOf(kind).name, instrumentOf(*first).name);
     takeChannels(frame, reader.header());
   }
+  const auto& channels = frame.channels;
+  if (request.colour.empty() || channels.empty()) return {};
+  const auto found = std::ranges::find(channels, request.colour, &ChannelColumn::name);
+  if (found == channels.end()) {
+    std::string names;
+    for (const auto& channel : channels) names += fmt::format("{}{}", names.empty() ? "" : ", ", channel.name);
+    return fmt::format("--colour: there is no {}, but {}", request.colour, names);
+  }
+  frame.coloured = static_cast<std::size_t>(found - channels.begin());
   return {};
 }
 
-std::unique_ptr<SurveyWriter> makeWriter(const ExportRequest& request, Output& output) {
-  const TextSink write = [&file = output.file](std::string_view text) { return file.write(text); };
+std::string titleOf(const std::vector<std::filesystem::path>& files) {
+  const auto first = files.front().filename().string();
+  return files.size() == 1 ? first : fmt::format("{} and {} more", first, files.size() - 1);
+}
+
+std::unique_ptr<SurveyWriter> makeWriter(const ExportRequest& request, Output& output, const GoOn& goOn) {
+  const TextSink write = [&output, &goOn](std::string_view text) {
+    output.written += text.size();
+    const auto name = std::filesystem::path(output.file.name()).filename().string();
+    output.left = output.ending && !goOn(name, output.written, output.written);
+    return !output.left && output.file.write(text);
+  };
   switch (formatOf(request)) {
     case ExportFormat::csv: return makeCsvWriter(output.frame, request.table, write);
     case ExportFormat::xyz: return makeXyzWriter(output.frame, write);
     case ExportFormat::geopackage: return makeGpkgWriter(output.frame, output.file);
+    case ExportFormat::geojson: return makeGeojsonWriter(output.frame, request.table, write);
+    case ExportFormat::gpx: return makeGpxWriter(output.frame, spoolFolder(request.out), write);
+    case ExportFormat::kml: return makeKmlWriter(output.frame, spoolFolder(request.out), write);
   }
   return nullptr;
 }
 
 int outputFailure(const Output& output, const Say& say) {
+  if (output.left) {
+    say(fmt::format("{}: left before its end; nothing is written", output.file.name()));
+    return kExportFailed;
+  }
   const auto own = output.writer->problem();
   say(fmt::format("{}: cannot be written: {}", output.file.name(), own.empty() ? output.file.problem() : own));
   return kExportFailed;
 }
 
 int exportAll(const ExportRequest& request, Output& output, ExportResult& result, const Say& say, const GoOn& goOn) {
+  output.frame.title = titleOf(request.files);
   output.frame.zone = request.zone;
   output.frame.projected = request.positions.zone || request.grid;
   if (const auto problem = channelsOfAll(request, output.frame); !problem.empty()) {
     say(problem);
     return kExportUsage;
   }
-  output.writer = makeWriter(request, output);
+  output.writer = makeWriter(request, output, goOn);
   int status = kExportDone;
   for (const auto& file : request.files) {
     const auto outcome = exportFile(file, request, output, result, say, goOn);
@@ -215,13 +247,19 @@ int exportAll(const ExportRequest& request, Output& output, ExportResult& result
     if (outcome == FileOutcome::left) return kExportFailed;
     if (outcome == FileOutcome::nothing) status = kExportFailed;
   }
+  output.ending = true;
   return output.writer->finish() && output.file.finish() ? status : outputFailure(output, say);
 }
 
 constexpr std::array kFormats{
     FormatRow{ExportFormat::csv, "csv", "CSV table", "a table of comma-separated values", true, true, false},
     FormatRow{ExportFormat::xyz, "xyz", "XYZ table", "blocks of lines for gridding and inversion", false, true, false},
-    FormatRow{ExportFormat::geopackage, "gpkg", "GeoPackage", "a GeoPackage of map layers", false, true, true}};
+    FormatRow{ExportFormat::geopackage, "gpkg", "GeoPackage", "a GeoPackage of map layers", false, true, true, false,
+              true},
+    FormatRow{ExportFormat::geojson, "geojson", "GeoJSON", "a map for browsers and scripts", true, true, false},
+    FormatRow{ExportFormat::gpx, "gpx", "GPX track", "the receiver's way as a track, events as waypoints", false, false,
+              false, true},
+    FormatRow{ExportFormat::kml, "kml", "KML map", "a map coloured by value", false, true, false, true, true}};
 
 }  // namespace
 

@@ -12,7 +12,7 @@
 
 namespace kalmira {
 
-enum class ExportFormat { csv, xyz, geopackage };
+enum class ExportFormat { csv, xyz, geopackage, geojson, gpx, kml };
 
 struct FormatRow {
   ExportFormat format;
@@ -22,6 +22,8 @@ struct FormatRow {
   bool events;               // makes tables of events, too
   bool wide;                 // shows readings, so those of a station can be one
   bool toFileOnly;
+  bool placedOnly = false;  // leaves out what has no place
+  bool coloured = false;    // by a channel
 };
 std::span<const FormatRow> exportFormats();
 const FormatRow& formatRow(ExportFormat format);
@@ -38,6 +40,7 @@ struct ExportRequest {
   std::optional<ExportFormat> format{};        // none: by the ending of `out`, else CSV
   TableOf table = TableOf::readings;
   bool wide = false;              // a row a station
+  std::string colour{};           // the channel that colours the map; empty: the first one that has values
   bool mixed = false;             // files of several kinds may go into one table
   FileStretch stretch{};          // of each file
   bool teskTimes10 = false;       // a start-up choice of the loggers, which files do not tell

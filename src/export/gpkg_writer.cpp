@@ -121,12 +121,11 @@ class GeoPackage {
       if (!layer->finish(epsg())) return false;
     }
     if (frame_.projected && frame_.zone && !addZone(database_, *frame_.zone)) return false;
-    for (std::size_t i = 0; i < samples_.size(); ++i) {
-      const auto& channel = frame_.channels[i];
-      if (samples_[i].empty()) continue;
-      return addStyle(database_, "readings", {channel.name, ColumnType::real, channel.unit}, samples_[i].classes());
-    }
-    return true;
+    const auto coloured = colouredChannel(frame_.coloured, samples_);
+    if (!coloured || samples_[*coloured].empty()) return true;
+    const auto& channel = frame_.channels[*coloured];
+    return addStyle(database_, "readings", {channel.name, ColumnType::real, channel.unit},
+                    samples_[*coloured].classes());
   }
 
  private:

@@ -1,5 +1,9 @@
 #include "export/survey_writer.h"
 
+#include <fmt/format.h>
+
+#include "platform/text.h"
+
 namespace kalmira {
 namespace {
 
@@ -15,6 +19,15 @@ void withoutVoltages(Reading& reading) {
 }
 
 }  // namespace
+
+std::string notesText(const SurveyNotes& notes) {
+  std::string text;
+  for (const auto& field : notesFields()) {
+    const auto note = printable(noteText(notes, field));
+    if (!note.empty()) text += fmt::format("{}{}: {}", text.empty() ? "" : "\n", field.name, note);
+  }
+  return text;
+}
 
 bool StationRows::take(const ReadingRow& row) {
   if (!any_ || !atOneStation(row_, row)) {

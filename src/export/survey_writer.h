@@ -41,6 +41,9 @@ class SurveyWriter {
   virtual std::string problem() const { return {}; }
 };
 
+// What the notes of a survey say but its settings, a line a field: "project: Dyke".
+std::string notesText(const SurveyNotes& notes);
+
 // Tells the writer of the file that `reader` has opened, which has not read on yet. `wide`: of all readings at a
 // station as one, see StationRows.
 RowsResult writeFile(RecordReader& reader, SurveyWriter& writer, OutputFrame& frame, const SourceFile& file,
@@ -92,5 +95,11 @@ std::unique_ptr<SurveyWriter> makeCsvWriter(const OutputFrame& frame, TableOf ta
 std::unique_ptr<SurveyWriter> makeXyzWriter(const OutputFrame& frame, TextSink write);
 // Map layers in an SQLite file, which takes the place of OUT's own.
 std::unique_ptr<SurveyWriter> makeGpkgWriter(const OutputFrame& frame, OutputFile& file);
+std::unique_ptr<SurveyWriter> makeGeojsonWriter(const OutputFrame& frame, TableOf table, TextSink write);
+// `spoolFolder`: for what has to wait for the end, see spool.h.
+std::unique_ptr<SurveyWriter> makeGpxWriter(const OutputFrame& frame, std::filesystem::path spoolFolder,
+                                            TextSink write);
+std::unique_ptr<SurveyWriter> makeKmlWriter(const OutputFrame& frame, std::filesystem::path spoolFolder,
+                                            TextSink write);
 
 }  // namespace kalmira

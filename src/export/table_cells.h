@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cmath>
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -33,6 +34,8 @@ struct ChannelColumn {
 struct OutputFrame {
   std::vector<ChannelColumn> channels{};  // of all files
   std::optional<MapZone> zone{};          // of eastings and northings; the first position's where it is not set
+  std::string title{};                    // what the files are called
+  std::optional<std::size_t> coloured{};  // of the channels, colours maps; none: the first one that has values
   bool projected = false;                 // geometries are eastings and northings where the format allows it
 };
 
@@ -58,6 +61,12 @@ struct FileCells {
 inline std::optional<float> channelValue(const Reading& reading, std::size_t slot) {
   if (slot == FileCells::kNoSlot || reading.batteryLevels || reading.channels.present[slot] == 0) return std::nullopt;
   return reading.channels.value[slot];
+}
+
+// Where a map shows it: nullptr without a place, also for a grid that was put beside the earth.
+inline const GeoPoint* mapPoint(const SurveyMoment& row) {
+  const bool placed = row.place && std::isfinite(row.place->at.longitude) && std::isfinite(row.place->at.latitude);
+  return placed ? &row.place->at : nullptr;
 }
 
 // Decimals of a degree (a millimetre), and of what is metres or seconds. Start stations have two in the file,

@@ -13,10 +13,8 @@
 #include "datafile/record_format.h"
 #include "datafile/record_text.h"
 #include "export/cells.h"
-#include "export/export_command.h"
 #include "export/survey_writer.h"
-#include "support/command_line_case.h"
-#include "support/temp_folder.h"
+#include "support/export_case.h"
 
 namespace kalmira {
 namespace {
@@ -261,32 +259,6 @@ TEST(CsvText, NumbersAreThoseOfTheGeneralConversions) {
     EXPECT_EQ(cell, fmt::format("{:.{}f}", units == 0 ? 0.0 : value, i % 10));
   }
 }
-
-struct ExportCommand : testing::Test {
-  std::string path(const std::string& name) const { return (folder.path() / name).string(); }
-  std::string file(const std::string& name, const std::string& bytes) const {
-    writeFile(path(name), bytes);
-    return path(name);
-  }
-  std::string content(const std::string& name) const { return readFile(path(name)); }
-  // Messages are kept in said, with the folder taken out.
-  int run(const std::vector<std::string>& arguments) {
-    said.clear();
-    const auto request = optionsOf(exportCommandLine, fmt::format("{}", fmt::join(arguments, " ")));
-    const auto say = [&](std::string_view line) {
-      if (line.starts_with(path(""))) line.remove_prefix(path("").size());
-      said.emplace_back(line);
-    };
-    const auto ask = [&](std::string_view name, std::uint64_t done, std::uint64_t total) {
-      return goOn(name, done, total);
-    };
-    return runExport(request, say, ask).status;
-  }
-
-  TempFolder folder;
-  std::vector<std::string> said;
-  GoOn goOn = [](std::string_view, std::uint64_t, std::uint64_t) { return true; };
-};
 
 const std::string kSurvey24 = records24({
     "ORLA2   W230GRD0220",

@@ -189,7 +189,8 @@ TEST_F(GeoPackageTest, SaysOfReadingsAndEventsWhatTheTablesSay) {
 }
 
 TEST_F(GeoPackageTest, JoinsLinesAndStretchesWhateverTheirLength) {
-  const Opened file(made({.positions = {.zone = 32}}, "w.gpkg"));
+  const Opened file(made({.colour = "inph_h", .positions = {.zone = 32}}, "w.gpkg"));
+  EXPECT_EQ(file.cell("SELECT description FROM layer_styles WHERE f_table_name = 'readings'"), "inph_h");
   const auto lines = file.rows("SELECT line, count, start_station, end_station, length, geom, cond_v_mean FROM lines");
   ASSERT_EQ(lines.size(), 2U);
   EXPECT_EQ(lines[0][0], "7");

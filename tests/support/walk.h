@@ -60,6 +60,7 @@ struct Walk {
   std::function<bool(double time)> heard = [](double) { return true; };
   PositionOptions options{.lag_s = 0.1};
   std::string line = "7";
+  bool dated = true;  // sentences tell the date
   double readings_hz = 10;
   std::function<std::string(int n)> values = [](int) { return std::string("T$-0400+0800"); };  // of reading n
   std::vector<std::pair<double, std::string>> also{};  // records that come at a time
@@ -79,7 +80,7 @@ struct Walk {
       const double at = start + t + receiver(t);
       const auto date =
           withChecksum(fmt::format("GPRMC,{},A,,,,,,,{:02}0525,,,D", timeText(at), 12 + std::floor(at / 86400)));
-      if (n % 10 == 0) records.emplace_back(came, formatGpsSentence(kLength, date, tickOf(came), '@', '#'));
+      if (n % 10 == 0 && dated) records.emplace_back(came, formatGpsSentence(kLength, date, tickOf(came), '@', '#'));
       if (!text.empty()) records.emplace_back(came, formatGpsSentence(kLength, text, tickOf(came), '@', '#'));
     }
     for (int n = 1; n / readings_hz < seconds; ++n) records.emplace_back(n / readings_hz, reading(n));

@@ -44,6 +44,8 @@ Statement::Statement(Database& database, std::string_view text) : database_(data
 
 Statement::~Statement() { sqlite3_finalize(handle_); }
 
+void Statement::null() { database_.take(sqlite3_bind_null(handle_, next_++)); }
+
 void Statement::integer(std::int64_t value) { database_.take(sqlite3_bind_int64(handle_, next_++, value)); }
 
 void Statement::real(double value) { database_.take(sqlite3_bind_double(handle_, next_++, value)); }
@@ -63,7 +65,6 @@ bool Statement::run() {
   if (!database_.good()) return false;
   const int answer = sqlite3_step(handle_);
   sqlite3_reset(handle_);
-  sqlite3_clear_bindings(handle_);
   return database_.take(answer);
 }
 

@@ -37,8 +37,8 @@ class Database {
   std::string problem_;
 };
 
-// A statement that is run again and again. Values are bound from the first one on; what is not bound is NULL. The
-// database's owner sees what fails.
+// A statement that is run again and again, each time with all its values, bound from the first one on. The database's
+// owner sees what fails.
 class Statement {
  public:
   Statement(Database& database, std::string_view text);
@@ -46,7 +46,7 @@ class Statement {
   Statement& operator=(const Statement&) = delete;
   ~Statement();
 
-  void null() { ++next_; }
+  void null();
   void integer(std::int64_t value);
   void real(double value);
   // Bytes that stay where they are until run() has returned.

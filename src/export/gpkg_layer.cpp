@@ -89,7 +89,8 @@ std::string& LayerRows::fresh() {
 }
 
 void LayerRows::real(double value, int decimals) {
-  const double power = std::pow(10.0, decimals);
+  constexpr std::array kPowers{1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9};
+  const double power = kPowers.at(static_cast<std::size_t>(decimals));
   statement_.real(std::round(value * power) / power);
 }
 

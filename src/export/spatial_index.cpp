@@ -14,6 +14,12 @@ namespace {
 constexpr std::size_t kCells = 51;
 constexpr std::size_t kNodeBytes = 4 + kCells * 24;
 
+std::string morePairs() {
+  std::string pairs;
+  for (std::size_t i = 1; i < kCells; ++i) pairs += ", (?, ?)";
+  return pairs;
+}
+
 template <typename Integer>
 void putBytes(std::string& data, Integer value) {
   for (int shift = 8 * (static_cast<int>(sizeof value) - 1); shift >= 0; shift -= 8)
@@ -43,6 +49,7 @@ SpatialIndex::SpatialIndex(Database& database, const std::string& name)
             (database.run(fmt::format("CREATE VIRTUAL TABLE \"{}\" USING rtree(id, minx, maxx, miny, maxy)", name)),
              fmt::format("INSERT OR REPLACE INTO \"{}_node\" VALUES (?, ?)", name))),
       row_(database, fmt::format("INSERT INTO \"{}_rowid\" VALUES (?, ?)", name)),
+      rows_(database, fmt::format("INSERT INTO \"{}_rowid\" VALUES (?, ?){}", name, morePairs())),
       parent_(database, fmt::format("INSERT INTO \"{}_parent\" VALUES (?, ?)", name)),
       levels_(1) {}
 
@@ -61,7 +68,9 @@ bool SpatialIndex::writeNode(std::size_t level, std::int64_t number, bool root) 
   putBytes(data, static_cast<std::uint16_t>(root ? level : 0));
   putBytes(data, static_cast<std::uint16_t>(cells.size()));
   Cell whole{.id = number, .box = cells.empty() ? Box{} : cells.front().box};
-  auto& inside = level == 0 ? row_ : parent_;
+  // Whole leaves are nearly all there is to do: their rows go in together.
+  const bool wholeLeaf = level == 0 && cells.size() == kCells;
+  auto& inside = wholeLeaf ? rows_ : level == 0 ? row_ : parent_;
   for (const auto& cell : cells) {
     putBytes(data, static_cast<std::uint64_t>(cell.id));
     putCoordinate(data, cell.box.west, false);
@@ -71,8 +80,9 @@ bool SpatialIndex::writeNode(std::size_t level, std::int64_t number, bool root) 
     whole.box.widen(cell.box);
     inside.integer(cell.id);
     inside.integer(number);
-    if (!inside.run()) return false;
+    if (!wholeLeaf && !inside.run()) return false;
   }
+  if (wholeLeaf && !rows_.run()) return false;
   data.resize(kNodeBytes, '\0');
   cells.clear();
   node_.integer(number);

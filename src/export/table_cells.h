@@ -47,7 +47,7 @@ std::span<const Column> eventColumns();
 
 // What the cells of one file's rows need besides the row.
 struct FileCells {
-  FileCells(const OutputFrame& frame, const Header1& header, std::string_view fileName);
+  FileCells(const OutputFrame& all, const Header1& header, std::string_view fileName);
 
   static constexpr std::size_t kNoSlot = kSlots;
 

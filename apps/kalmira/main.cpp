@@ -31,6 +31,8 @@ int main(int argc, char** argv) {
   return kalmira::runMain(kalmira::programCommandLine(options), argc, argv, [&] {
     // The class of the main window, by which window managers know it.
     QApplication::setApplicationName("PELLO");
+    // The desktop file that belongs to the windows, where a desktop asks for its name instead.
+    QApplication::setDesktopFileName("org.kalmira.Kalmira");
     const auto usual = qInstallMessageHandler(sayThatThereIsNoDisplay);
     const QApplication application(argc, argv);
     qInstallMessageHandler(usual);

@@ -2,7 +2,6 @@
 
 #include <QApplication>
 #include <QCloseEvent>
-#include <QIcon>
 #include <QKeyEvent>
 #include <QShortcut>
 #include <utility>
@@ -133,7 +132,7 @@ void MainWindow::afterFirstPaint() {
     host_.endProgram();
     return;
   }
-  setWindowIcon(QIcon(programEmblem()));
+  QApplication::setWindowIcon(programIcon());
   tellSettingsProblem();
 }
 

@@ -107,7 +107,13 @@ QPixmap renderDrawing(const QString& drawing, const Theme& theme, QSize size, qr
   return picture;
 }
 
-QPixmap programEmblem() { return renderDrawing(resourceOf(kEmblem), dayTheme(), {96, 96}, 1.0); }
+QIcon programIcon() {
+  QIcon icon;
+  for (const int side : {16, 24, 32, 48, 64, 128}) {
+    icon.addPixmap(renderDrawing(QStringLiteral(":/icon.svg"), dayTheme(), {side, side}, 1.0));
+  }
+  return icon;
+}
 
 TitleView::TitleView(Kind kind, bool iceOption, const Theme& theme, QWidget* parent)
     : QWidget(parent), kind_(kind), ice_option_(iceOption), theme_(&theme) {}

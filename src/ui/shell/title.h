@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QIcon>
 #include <QPixmap>
 #include <QWidget>
 #include <string>
@@ -22,8 +23,8 @@ std::string shownName(Kind kind, bool iceOption);
 
 // A drawing in the theme's colours, as large as fits into `size`; empty when there is no such drawing.
 QPixmap renderDrawing(const QString& drawing, const Theme& theme, QSize size, qreal pixelRatio);
-// The program's own emblem, for window lists.
-QPixmap programEmblem();
+// The program's icon, for window frames and lists: as pixels, for what draws SVG by itself need not be installed.
+QIcon programIcon();
 
 // The title screen: the instrument's silhouette, its name, "KALMIRA" and the version.
 class TitleView final : public QWidget {

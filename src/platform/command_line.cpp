@@ -88,7 +88,8 @@ std::optional<LineAnswer> takeCommandLine(const CommandLine& line, Arguments arg
     } else if (argument == "--help" || argument == "-h") {
       return LineAnswer{.text = helpText(line)};
     } else if (argument == "--version") {
-      return LineAnswer{.text = fmt::format("{} {}\n", line.program, programVersion())};
+      const auto commit = line.commit.empty() ? "" : fmt::format(" ({})", line.commit);
+      return LineAnswer{.text = fmt::format("{} {}{}\n", line.program, programVersion(), commit)};
     } else if (hasOperands && argument == "--") {
       optionsOver = true;
     } else {

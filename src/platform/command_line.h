@@ -52,6 +52,7 @@ struct CommandLine {
   std::function<std::string()> check = {};
   std::string_view notes = {};  // whole lines, the last of the help
   CommandWording wording = {};
+  std::string_view commit = {};  // that the program was built from; empty: not known
 };
 
 // Takes the arguments, without the program's name: "--name VALUE" or "--name=VALUE"; where there are operands,

@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <filesystem>
 
+#include "commit.h"
 #include "platform/command_line.h"
 #include "resources.h"
 #include "ui/shell/program.h"
@@ -28,7 +29,7 @@ void sayThatThereIsNoDisplay(QtMsgType type, const QMessageLogContext& context, 
 
 int main(int argc, char** argv) {
   kalmira::ProgramOptions options;
-  return kalmira::runMain(kalmira::programCommandLine(options), argc, argv, [&] {
+  return kalmira::runMain(kalmira::withCommit(kalmira::programCommandLine(options)), argc, argv, [&] {
     // The class of the main window, by which window managers know it.
     QApplication::setApplicationName("PELLO");
     // The desktop file that belongs to the windows, where a desktop asks for its name instead.

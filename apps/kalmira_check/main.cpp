@@ -5,6 +5,7 @@
 #include <csignal>
 
 #include "check/check_command.h"
+#include "commit.h"
 #include "platform/command_line.h"
 #include "platform/files.h"
 
@@ -14,7 +15,7 @@ int main(int argc, char** argv) {
   (void)std::signal(SIGXFSZ, SIG_IGN);
 #endif
   kalmira::CheckRequest request;
-  return kalmira::runMain(kalmira::checkCommandLine(request), argc, argv, [&] {
+  return kalmira::runMain(kalmira::withCommit(kalmira::checkCommandLine(request)), argc, argv, [&] {
     const kalmira::SystemClock clock(kalmira::TickBase::program);
     kalmira::AttendedRun run("kalmira-check", clock, STDERR_FILENO);
     if (request.repair) run.tidyWhenEnded();

@@ -3,6 +3,7 @@
 
 #include <csignal>
 
+#include "commit.h"
 #include "export/export_command.h"
 #include "platform/command_line.h"
 
@@ -12,7 +13,7 @@ int main(int argc, char** argv) {
   (void)std::signal(SIGXFSZ, SIG_IGN);
 #endif
   kalmira::ExportRequest request;
-  return kalmira::runMain(kalmira::exportCommandLine(request), argc, argv, [&] {
+  return kalmira::runMain(kalmira::withCommit(kalmira::exportCommandLine(request)), argc, argv, [&] {
     const kalmira::SystemClock clock(kalmira::TickBase::program);
     kalmira::AttendedRun run("kalmira-export", clock, STDERR_FILENO);
     // Rows on a terminal show by themselves how far it is.

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <string>
 
+#include "commit.h"
 #include "platform/command_line.h"
 #include "sim/options.h"
 #include "sim/player.h"
@@ -61,7 +62,7 @@ int main(int argc, char** argv) {
   // A reader of the names that has gone must not end the survey with the links left behind.
   (void)std::signal(SIGPIPE, SIG_IGN);
   sim::Options options;
-  return runMain(sim::simCommandLine(options), argc, argv, [&] {
+  return runMain(withCommit(sim::simCommandLine(options)), argc, argv, [&] {
     if (!options.replay.empty()) return runReplay(options);
     return run(options, sim::surveySource(sim::surveyPlanOf(options)));
   });

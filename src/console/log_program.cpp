@@ -62,6 +62,24 @@ std::string takeNote(LogOptions& options, const std::string& value) {
   return {};
 }
 
+// What a shell offers: "site=", and of an array "traceWidth[".
+std::vector<std::string> settingChoices() {
+  std::vector<std::string> names;
+  for (const auto& field : settingsFields()) {
+    const bool array = !findField(field.name);
+    names.push_back(std::string(field.name) + (array ? '[' : '='));
+  }
+  return names;
+}
+
+std::vector<std::string> noteChoices() {
+  std::vector<std::string> names;
+  for (const auto& field : notesFields()) {
+    if (field.asked) names.push_back(std::string(field.name) + '=');
+  }
+  return names;
+}
+
 std::string takeName(LogOptions& options, const std::string& value) {
   if (value.empty() || value.find('/') != std::string::npos || value.find('\\') != std::string::npos ||
       value.starts_with('.') || hasControlCharacters(value)) {
@@ -341,9 +359,11 @@ CommandLine logCommandLine(LogOptions& o) {
                  fileOptions(o),
                  {"This run",
                   {{"--set", "FIELD=VALUE", "a setting for this run only, such as surveyMode=2 or traceWidth[2]=3",
-                    [&o](const std::string& value) { return takeSet(o, value); }, "", CommandOption::Again::allCount},
+                    [&o](const std::string& value) { return takeSet(o, value); }, "", CommandOption::Again::allCount,
+                    settingChoices()},
                    {"--note", "FIELD=VALUE", "a note beside the data file for this run only, such as site=Moor",
-                    [&o](const std::string& value) { return takeNote(o, value); }, "", CommandOption::Again::allCount},
+                    [&o](const std::string& value) { return takeNote(o, value); }, "", CommandOption::Again::allCount,
+                    noteChoices()},
                    {"--name", "BASENAME", "name of the data file, without extension",
                     [&o](const std::string& value) { return takeName(o, value); }},
                    {"--seconds", "S", "record at once for S seconds, then end",

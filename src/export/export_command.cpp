@@ -76,10 +76,15 @@ CommandGroup positionOptions(ExportRequest& request) {
             "a place such as 500000,5500000,30,32N"}}};
 }
 
-std::string formatNames() {
-  std::string names;
-  for (const auto& row : exportFormats()) names += fmt::format("{}{}", names.empty() ? "" : ", ", row.ending);
+std::vector<std::string> formatNames() {
+  std::vector<std::string> names;
+  for (const auto& row : exportFormats()) names.emplace_back(row.ending);
   return names;
+}
+// The table of options only refers to it.
+std::string_view formatList() {
+  static const auto text = fmt::format("{}", fmt::join(formatNames(), ", "));
+  return text;
 }
 const std::string& helpNotes() {
   static const std::string text = [] {
@@ -134,7 +139,8 @@ CommandLine exportCommandLine(ExportRequest& request) {
                       {{"-o", "OUT", "write to the file OUT; a data file is never overwritten", takeOut, "a file name",
                         CommandOption::Again::refused},
                        {"--format", "NAME", "the output's format, see below; without it by the ending of OUT, else csv",
-                        [&request](const std::string& value) { return takeFormat(value, request); }, formatNames()},
+                        [&request](const std::string& value) { return takeFormat(value, request); }, formatList(),
+                        CommandOption::Again::lastCounts, formatNames()},
                        {"--events", "", "lines, stations, comments, pauses and breaks in place of readings",
                         [&request](const std::string&) { return request.table = TableOf::events, std::string{}; }},
                        {"--wide", "", "one row a station, with all its channels", turnOn(request.wide)},

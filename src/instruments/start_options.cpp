@@ -11,7 +11,9 @@ CommandOption kindOption(std::optional<Kind>& kind) {
     kind = instrument->kind;
     return std::string{};
   };
-  return {"--kind", "NAME|0..7", "ORLA, TESKB, TESKDD, TESK, VARDO, MIRKA, GLACO, TESK2", take};
+  CommandOption option{"--kind", "NAME|0..7", "ORLA, TESKB, TESKDD, TESK, VARDO, MIRKA, GLACO, TESK2", take};
+  for (int index = 0; index < kKindCount; ++index) option.choices.emplace_back(findInstrument(index)->name);
+  return option;
 }
 
 CommandOption teskTimes10Option(bool& teskTimes10) {
@@ -29,8 +31,13 @@ CommandGroup fileOptions(StartOptions& options) {
   return {"Files",
           {{"--root", "DIR", "storage root; otherwise Kalmira in your documents folder",
             takeText(options.root, "--root takes a folder")},
-           {"--storage-class", "N", "0 to 3: where settings and data lie below the root (1)",
-            takeNumber<int>(options.storageClass, 0, 3, "--storage-class is 0 to 3")},
+           {"--storage-class",
+            "N",
+            "0 to 3: where settings and data lie below the root (1)",
+            takeNumber<int>(options.storageClass, 0, 3, "--storage-class is 0 to 3"),
+            "",
+            CommandOption::Again::lastCounts,
+            {"0", "1", "2", "3"}},
            {"--mirror", "DIR", "a second copy as it is recorded, in a folder on another medium",
             takeText(options.mirror, "--mirror takes a folder")},
            eitherOption("--tick-base", "boot|program", "what the ticks in the file count from (boot)", options.tickBase,

@@ -11,6 +11,8 @@
 #include <set>
 #include <system_error>
 
+#include "platform/manual.h"
+
 namespace kalmira {
 namespace {
 
@@ -76,6 +78,9 @@ std::string optionHead(const CommandOption& option) {
 }  // namespace
 
 std::optional<LineAnswer> takeCommandLine(const CommandLine& line, Arguments arguments) {
+  if (arguments.size() == 2 && arguments[0] == "--manual") {
+    if (auto file = manualFile(line, arguments[1])) return LineAnswer{.text = *std::move(file)};
+  }
   std::string mistake;
   std::set<const CommandOption*> given;
   const bool hasOperands = line.operands.take != nullptr;
@@ -88,7 +93,8 @@ std::optional<LineAnswer> takeCommandLine(const CommandLine& line, Arguments arg
     } else if (argument == "--help" || argument == "-h") {
       return LineAnswer{.text = helpText(line)};
     } else if (argument == "--version") {
-      return LineAnswer{.text = fmt::format("{} {}\n", line.program, programVersion())};
+      const auto commit = line.commit.empty() ? "" : fmt::format(" ({})", line.commit);
+      return LineAnswer{.text = fmt::format("{} {}{}\n", line.program, programVersion(), commit)};
     } else if (hasOperands && argument == "--") {
       optionsOver = true;
     } else {
@@ -111,10 +117,19 @@ std::string usageText(const CommandLine& line) {
   return text;
 }
 
-std::string helpText(const CommandLine& line) {
+std::vector<CommandGroup> shownGroups(const CommandLine& line) {
   auto groups = line.groups;
   if (line.operands.take) groups.insert(groups.begin(), {"Arguments", {line.operands}});
   groups.push_back({"Help", {{"-h, --help", "", "show this", {}}, {"--version", "", "print the version", {}}}});
+  return groups;
+}
+
+std::string shownText(const CommandOption& option) {
+  return option.text + (option.again == CommandOption::Again::allCount ? "; repeatable" : "");
+}
+
+std::string helpText(const CommandLine& line) {
+  const auto groups = shownGroups(line);
   std::size_t width = 0;
   for (const auto& group : groups) {
     for (const auto& option : group.options) width = std::max(width, optionHead(option).size());
@@ -123,8 +138,7 @@ std::string helpText(const CommandLine& line) {
   for (const auto& group : groups) {
     text += fmt::format("\n{}:\n", group.heading);
     for (const auto& option : group.options) {
-      const bool repeatable = option.again == CommandOption::Again::allCount;
-      text += fmt::format("  {:<{}}  {}{}\n", optionHead(option), width, option.text, repeatable ? "; repeatable" : "");
+      text += fmt::format("  {:<{}}  {}\n", optionHead(option), width, shownText(option));
     }
   }
   if (!line.notes.empty()) text += '\n' + std::string(line.notes);

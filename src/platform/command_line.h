@@ -24,6 +24,8 @@ struct CommandOption {
   TakeValue take;
   std::string_view wants = {};  // "a path": what is said of a missing or wrong value names it; empty: it does not
   Again again = Again::lastCounts;
+  // What a shell offers as its value, without blanks and quotes. One that ends in "=" or "[" is gone on with.
+  std::vector<std::string> choices = {};
 };
 
 // Options under one heading of the help.
@@ -52,12 +54,13 @@ struct CommandLine {
   std::function<std::string()> check = {};
   std::string_view notes = {};  // whole lines, the last of the help
   CommandWording wording = {};
+  std::string_view commit = {};  // that the program was built from; empty: not known
 };
 
 // Takes the arguments, without the program's name: "--name VALUE" or "--name=VALUE"; where there are operands,
 // "--" ends the options. Nothing: the program is to run. Else what it prints and ends with: status 0 and a text for
 // standard output, or 2, wrong usage, and one for standard error that tells the first mistake. Help or the version
-// asked for anywhere goes before mistakes.
+// asked for anywhere goes before mistakes. "--manual FORM" alone is answered with that file (manual.h), for the build.
 struct LineAnswer {
   int status = 0;
   std::string text;
@@ -70,6 +73,9 @@ std::string_view programVersion();
 // The lines that `program --help` begins with, and all of them.
 std::string usageText(const CommandLine& line);
 std::string helpText(const CommandLine& line);
+// As the help shows them: the operands' group first, --help and --version (without a take function) last.
+std::vector<CommandGroup> shownGroups(const CommandLine& line);
+std::string shownText(const CommandOption& option);
 
 // The whole of a program's main: missing streams, command line, the run, an exception that nobody caught. Returns the
 // exit status: that of `run`, 0 or 2 as above, 1 for what could not be printed and for an exception.
@@ -105,7 +111,7 @@ CommandOption eitherOption(std::string_view name, std::string_view placeholder, 
     target = value == one ? first : second;
     return std::string{};
   };
-  return {name, placeholder, std::string(text), take};
+  return {.name = name, .placeholder = placeholder, .text = std::string(text), .take = take, .choices = {one, other}};
 }
 
 // Opens the null device for every standard stream that the program was started without, so that no port or data file

@@ -281,7 +281,7 @@ std::string zshValue(const CommandOption& option) {
   } else if (offerOf(second) != Offer::nothing) {
     action = fmt::format("{{compset -P \"*=\" && {}}}", zshOffer(second));
   }
-  return fmt::format(":{}:{}", guarded(option.placeholder, ":"), guarded(action, ":"));
+  return fmt::format(":{}:{}", guarded(option.placeholder, ":"), replaced(action, ':', "\\:"));
 }
 
 std::string zshOption(const CommandOption& option) {

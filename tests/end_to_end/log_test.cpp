@@ -8,6 +8,7 @@
 #include <csignal>
 #include <numbers>
 #include <numeric>
+#include <regex>
 #include <sstream>
 #include <thread>
 
@@ -55,6 +56,13 @@ TEST(Signal, LosesNoRecordAndPausesBeforeTheEndWhereItCan) {
 }
 
 // Asked after six silent periods, and answered no.
+TEST(Version, IsToldWithTheCommitWhereItIsKnown) {
+  const auto outcome = run(KALMIRA_LOG, "--version");
+  const std::regex form("kalmira-log \\d+\\.\\d+\\.\\d+( \\([0-9a-f]{4,40}\\+?\\))?\n");
+  EXPECT_TRUE(std::regex_match(outcome.output, form)) << outcome.output;
+  EXPECT_EQ(outcome.status, 0);
+}
+
 TEST(Silence, EndsTheSurveyWithStatusOneWhenToldSo) {
   Recording survey("--set readingsInterval=1 --on-silence exit");
   ASSERT_TRUE(survey.readings(1, 1));

@@ -181,12 +181,13 @@ struct Program {
                      {"--number", "N", "a number", takeNumber(number, 0.5, 8.0, "0.5 to 8")},
                      eitherOption("--choice", "one|two", "a choice", choice, 1, 2)}}},
         .operands = {"", "FILE...", "files", append},
-        .check = [this] { return std::string(flag && text == "x" ? "not together" : ""); }};
+        .check = [this] { return std::string(flag && text == "x" ? "not together" : ""); },
+        .commit = "1a2b3c4+"};
   }
 };
 
 TEST(CommandLine, TakesWhatTheTableHoldsAndTellsTheFirstMistake) {
-  const auto version = fmt::format("prog {}\n", programVersion());
+  const auto version = fmt::format("prog {} (1a2b3c4+)\n", programVersion());
   using Case = std::pair<std::string, std::string>;  // what is said; else "flag text once list number choice"
   for (const auto& [arguments, outcome] :
        {Case{"", "false    0 0"}, Case{"--flag --text --flag -o a=b --choice=two", "true --flag a=b  0 2"},

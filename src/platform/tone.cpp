@@ -40,7 +40,7 @@ struct SoundLibrary {
 void saySilently(const char*, int, const char*, int, const char*, ...) {}
 
 template <class Function>
-bool find(void* handle, const char* name, Function& function) {
+bool findSound(void* handle, const char* name, Function& function) {
   function = reinterpret_cast<Function>(dlsym(handle, name));
   return function != nullptr;
 }
@@ -53,10 +53,11 @@ const SoundLibrary* soundLibrary() {
     auto library = std::make_unique<SoundLibrary>();
     int (*setErrorHandler)(void (*)(const char*, int, const char*, int, const char*, ...)) = nullptr;
     const bool complete =
-        find(handle, "snd_pcm_open", library->open) && find(handle, "snd_pcm_set_params", library->setParams) &&
-        find(handle, "snd_pcm_writei", library->write) && find(handle, "snd_pcm_prepare", library->prepare) &&
-        find(handle, "snd_pcm_drain", library->drain) && find(handle, "snd_pcm_close", library->close) &&
-        find(handle, "snd_lib_error_set_handler", setErrorHandler);
+        findSound(handle, "snd_pcm_open", library->open) &&
+        findSound(handle, "snd_pcm_set_params", library->setParams) &&
+        findSound(handle, "snd_pcm_writei", library->write) && findSound(handle, "snd_pcm_prepare", library->prepare) &&
+        findSound(handle, "snd_pcm_drain", library->drain) && findSound(handle, "snd_pcm_close", library->close) &&
+        findSound(handle, "snd_lib_error_set_handler", setErrorHandler);
     if (!complete) return nullptr;
     setErrorHandler(saySilently);
     return library;

@@ -8,7 +8,7 @@ function(kalmira_manuals)
   set(files "")
   foreach(program IN LISTS ARGN)
     set(own ${folder}/${program}.1 ${folder}/${program} ${folder}/_${program})
-    add_custom_command(OUTPUT ${own} VERBATIM
+    add_custom_command(OUTPUT ${own} DEPENDS ${program} VERBATIM
       COMMAND ${program} --manual man > ${folder}/${program}.1
       COMMAND ${program} --manual bash > ${folder}/${program}
       COMMAND ${program} --manual zsh > ${folder}/_${program})

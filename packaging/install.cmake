@@ -47,11 +47,10 @@ foreach(program ${tools})
 endforeach()
 
 # Debian wants its own log besides; the moment is that of the sources, so that a package can be made again.
-set(moment $ENV{SOURCE_DATE_EPOCH})
-if(moment STREQUAL "")
+if(NOT DEFINED ENV{SOURCE_DATE_EPOCH})
   file(TIMESTAMP ${CMAKE_SOURCE_DIR}/CHANGELOG.md date "%a, %d %b %Y %H:%M:%S +0000" UTC)
 else()
-  execute_process(COMMAND date -u -d @${moment} "+%a, %d %b %Y %H:%M:%S +0000"
+  execute_process(COMMAND date -u -d @$ENV{SOURCE_DATE_EPOCH} "+%a, %d %b %Y %H:%M:%S +0000"
                   OUTPUT_VARIABLE date OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
 endif()
 set(release 1)
@@ -73,11 +72,10 @@ foreach(package kalmira kalmira-tools)
   install(FILES ${log} DESTINATION ${papers} RENAME changelog.gz COMPONENT ${component})
   install(FILES ${CMAKE_CURRENT_BINARY_DIR}/copyright DESTINATION ${papers} COMPONENT ${component})
 endforeach()
-set(guides data-file-format export-formats settings-file-format instrument-links checking-files serial-ports unattended)
+set(guides data-file-format export-formats settings-file-format instrument-links checking-files)
 foreach(guide ${guides})
   install(FILES ${CMAKE_SOURCE_DIR}/docs/${guide}.md DESTINATION ${share}/doc/kalmira-tools COMPONENT tools)
 endforeach()
-install(FILES example.conf DESTINATION ${share}/doc/kalmira-tools/examples COMPONENT tools)
 install(FILES ${CMAKE_SOURCE_DIR}/README.md DESTINATION ${share}/doc/kalmira COMPONENT kalmira)
 
 set(CPACK_GENERATOR DEB)
@@ -118,7 +116,7 @@ set(CPACK_DEBIAN_TOOLS_PACKAGE_CONTROL_EXTRA ${scripts})
 set(CPACK_COMPONENT_TOOLS_DESCRIPTION
 "ground-conductivity logging without a screen, export and checks
 Programs beside the Kalmira logger: kalmira-log records on carts, masts and
-sledges, with a service for unattended machines; kalmira-export makes tables
+sledges, with a service for machines; kalmira-export makes tables
 and maps of data files; kalmira-check says whether they are sound and repairs
 them; kalmira-sim plays instruments and receivers.")
 include(CPack)

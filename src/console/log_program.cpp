@@ -19,6 +19,7 @@
 #include "link/network_port.h"
 #include "logging/commands.h"
 #include "logging/handlers.h"
+#include "logging/saving.h"
 #include "logging/serial_session_ports.h"
 #include "logging/session_link.h"
 #include "platform/command_line.h"
@@ -110,6 +111,7 @@ constexpr int kInstrumentCom = 1;
 constexpr int kGpsCom = 2;
 constexpr int kMarkerCom = 3;
 constexpr std::uint32_t kStatusPeriodMs = 500;
+constexpr std::uint32_t kSignPeriodMs = 3600000;
 
 // COM number of a device: that of the port it shares with an earlier one.
 int comOf(const LogOptions& options, const std::string& device, int own) {
@@ -157,6 +159,7 @@ class Run {
   void leave();
   void showStatus();
   void tellSettingsProblem();
+  void tellWhoeverReadsLater();
   bool timeIsOver() const;
   std::uint32_t nextWait() const;
 
@@ -175,6 +178,10 @@ class Run {
   bool file_created_ = false;
   std::uint32_t recording_since_ = 0;
   std::uint32_t status_tick_ = 0;
+  // Of what is told without being asked for, where nobody can ask.
+  std::optional<std::uint32_t> silent_since_;
+  std::uint32_t sign_tick_ = 0;
+  Urgency supplies_told_ = Urgency::fine;
 };
 
 SessionSetup setupOf(const LogOptions& options, std::filesystem::path root) {
@@ -215,6 +222,7 @@ Run::Run(const LogOptions& options, std::filesystem::path root, const PortFactor
       terminal_(::isatty(STDERR_FILENO) == 1) {
   session_.ports = &ports_;
   session_.interrupted = [this] { return events_.terminateWanted(); };
+  if (options.noInput) view_.tellSilencesOnce();
   view_.setPrintBefore([](const std::string& line) { printError(line); });
 }
 
@@ -249,7 +257,7 @@ bool Run::begin() {
     return false;
   }
   view_.sessionRuns();
-  recording_since_ = clock_.tick();
+  recording_since_ = sign_tick_ = clock_.tick();
   if (options_.seconds || options_.noInput) startRecording(session_);
   return true;
 }
@@ -270,6 +278,26 @@ std::uint32_t Run::nextWait() const {
 void Run::tellSettingsProblem() {
   const auto problem = settings_.takeProblem();
   if (!problem.empty()) output_.line("notice " + problem);
+}
+
+// What an operator sees without asking: that the instrument is back, that the survey is being saved, and, when it gets
+// short, for how long it still can be.
+void Run::tellWhoeverReadsLater() {
+  const auto now = clock_.tick();
+  if (session_.pleaseWait) {
+    if (!silent_since_) silent_since_ = now;
+  } else if (const auto since = std::exchange(silent_since_, std::nullopt)) {
+    view_.silenceIsOver();
+    output_.line(fmt::format("notice The instrument sends again after {} s", ticksSince(now, *since) / 1000));
+  }
+  const auto supplies = supplySignsOf(session_);
+  if (supplies.worst() > supplies_told_) {
+    supplies_told_ = supplies.worst();
+    output_.line("notice " + supplies.shortText());
+  }
+  if (ticksSince(now, sign_tick_) < kSignPeriodMs) return;
+  sign_tick_ = now;
+  output_.line("notice " + savingSignsOf(session_).text());
 }
 
 void Run::leave() {
@@ -318,6 +346,7 @@ void Run::loop() {
     if (!session_.sessionActive) break;
     serviceSession(session_);
     tellSettingsProblem();
+    if (options_.noInput && session_.sessionActive) tellWhoeverReadsLater();
     if (timeIsOver()) leave();
     showStatus();
   }

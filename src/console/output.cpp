@@ -5,10 +5,13 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <string_view>
 #include <utility>
+
+#include "logging/session_link.h"
 
 namespace kalmira {
 namespace {
@@ -41,8 +44,15 @@ void ConsoleView::notice(std::string_view lines) {
   }
 }
 
+bool ConsoleView::isNewOfSilence(std::string_view text) {
+  if (!silences_once_) return true;
+  if (std::ranges::find(told_of_silence_, text) != told_of_silence_.end()) return false;
+  told_of_silence_.emplace_back(text);
+  return true;
+}
+
 void ConsoleView::show(PanelField field, std::string_view text) {
-  if (field == PanelField::message) notice(text);
+  if (field == PanelField::message && (text != kPleaseWaitText || isNewOfSilence(text))) notice(text);
   texts_[static_cast<std::size_t>(field)] = text;
   if (show_texts_) print_(fmt::format("show {} {}", panelFieldName(field), text));
 }
@@ -50,9 +60,11 @@ void ConsoleView::show(PanelField field, std::string_view text) {
 bool ConsoleView::ask(Question question, const Message& message) {
   const bool yes = question != Question::linkLost || !exit_on_silence_;
   if (question == Question::exitLogging) return yes;  // whoever said exit has meant it
-  notice(message.title);
-  notice(message.text);
-  notice(yes ? "answered YES" : "answered NO");
+  if (question != Question::linkLost || !yes || isNewOfSilence(message.title)) {
+    notice(message.title);
+    notice(message.text);
+    notice(yes ? "answered YES" : "answered NO");
+  }
   if (question == Question::linkLost && !yes) link_given_up_ = true;
   return yes;
 }

@@ -4,6 +4,8 @@
 #include <deque>
 #include <functional>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "logging/session_view.h"
 #include "platform/worker.h"
@@ -35,18 +37,25 @@ class ConsoleView final : public SessionView {
   // From now on messages are notices on the output; before, they are plain lines for `printBefore`.
   void setPrintBefore(Print printBefore) { print_before_ = std::move(printBefore); }
   void sessionRuns() { print_before_ = nullptr; }
+  // For whoever reads all of it much later: a silent instrument's waits and questions are told once a silence.
+  void tellSilencesOnce() { silences_once_ = true; }
+  void silenceIsOver() { told_of_silence_.clear(); }
 
   const std::string& text(PanelField field) const { return texts_[static_cast<std::size_t>(field)]; }
   bool linkGivenUp() const { return link_given_up_; }
 
  private:
   void notice(std::string_view lines);
+  // Whether something about a silence is to be told; it then counts as told.
+  bool isNewOfSilence(std::string_view text);
 
   Print print_;
   Print print_before_;
   bool show_texts_;
   bool exit_on_silence_;
   bool link_given_up_ = false;
+  bool silences_once_ = false;
+  std::vector<std::string> told_of_silence_;
   std::array<std::string, kPanelFields> texts_;
 };
 

@@ -131,6 +131,13 @@ SavingSigns savingSignsOf(const Session& session) {
         {.text = fmt::format(fmt::runtime(waiting == 1 ? "{} record waits" : "{} records wait"), waiting),
          .urgency = Urgency::alarm});
   }
+  for (auto& part : supplySignsOf(session).parts) signs.parts.push_back(std::move(part));
+  return signs;
+}
+
+SavingSigns supplySignsOf(const Session& session) {
+  const auto& saving = session.saving;
+  SavingSigns signs;
   if (saving.freeBytes) signs.parts.push_back(roomPart(session, *saving.freeBytes));
   if (saving.batteryPercent) signs.parts.push_back(batteryPart(saving));
   return signs;

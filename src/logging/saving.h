@@ -29,6 +29,8 @@ struct SavingSigns {
   bool operator==(const SavingSigns&) const = default;
 };
 SavingSigns savingSignsOf(const Session& session);
+// The last of them: disk and battery, where they are known.
+SavingSigns supplySignsOf(const Session& session);
 
 // At every service: whether the file grows, how fast, and every ten seconds what room and battery are left.
 void watchSaving(Session& session);

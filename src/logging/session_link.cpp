@@ -142,7 +142,7 @@ void pleaseWait(Session& session) {
   clearTraces(session);
   session.pleaseWait = true;
   session.pleaseWaitTick = session.link.lastRecordTick;
-  showMessage(session, "Please Wait...");
+  showMessage(session, kPleaseWaitText);
 }
 
 // A pulled cable may be back in its socket.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string_view>
+
 #include "logging/session.h"
 
 // The instrument's link from the start of a session on: opened, watched, and opened again.
@@ -8,6 +10,9 @@ namespace kalmira {
 // The device clock of the handheld goes wrong after 20 days; so does a tick that is taken for a signed number soon
 // after.
 inline constexpr std::uint32_t kLongestUptimeMs = 1728000000;
+
+// Shown while the instrument is silent, at every period of the watch again.
+inline constexpr std::string_view kPleaseWaitText = "Please Wait...";
 
 bool uptimeExceeded(const Clock& clock);
 Message uptimeMessage();

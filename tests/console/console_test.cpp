@@ -158,6 +158,26 @@ TEST(ConsoleView, NoticesShowLinesAndAnswers) {
   }
 }
 
+TEST(ConsoleView, OfASilenceAJournalHasItsBeginningOnly) {
+  std::vector<std::string> lines;
+  ConsoleView view([&](std::string line) { lines.push_back(std::move(line)); }, false, false);
+  view.tellSilencesOnce();
+  const auto silence = [&] {
+    for (const std::string receiver : {"GPS receiver gone", "GPS receiver is back"}) {
+      view.show(PanelField::message, "Please Wait...");
+      view.show(PanelField::message, receiver);
+      EXPECT_TRUE(view.ask(Question::linkLost, {.title = "T", .text = "a"}));
+    }
+  };
+  const std::vector<std::string> once{"notice Please Wait...", "notice GPS receiver gone",   "notice T", "notice a",
+                                      "notice answered YES",   "notice GPS receiver is back"};
+  silence();
+  EXPECT_EQ(std::exchange(lines, {}), once);
+  view.silenceIsOver();
+  silence();
+  EXPECT_EQ(lines, once);
+}
+
 TEST(OutputThread, AReaderThatStandsStillHoldsNobodyUp) {
   std::array<int, 2> ends{};
   ASSERT_EQ(::pipe(ends.data()), 0);

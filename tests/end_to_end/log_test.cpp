@@ -73,6 +73,23 @@ TEST(Silence, EndsTheSurveyWithStatusOneWhenToldSo) {
               EndsWith(readingRecords(1, 1) + records24({withTick(24, "X$CONN BREAK"), withTick(24, "X$CONN END")})));
 }
 
+// A service: from its first reading to the signal, with a silence that nobody answers for.
+TEST(Silence, AServiceWaitsAndTellsWhenTheInstrumentIsBack) {
+  const TempFolder folder;
+  const Device device;
+  Logger logger("ORLA", device.name, folder.path(), "--set surveyMode=1 --no-input");
+  const auto send = [&] { device.send(kOrlaRecord); };
+  const auto path = logger.file(send);
+  const auto back = "notice The instrument sends again after ";
+  EXPECT_NE(logger.nextLine("notice Please Wait...", [] {}), "");
+  EXPECT_NE(logger.nextLine("notice answered YES", [] {}), "");
+  EXPECT_NE(logger.nextLine(back, send), "");
+  logger.signal(SIGTERM);
+  EXPECT_EQ(logger.end(), 0);
+  EXPECT_THAT(readFile(path), HasSubstr("X$CONN BREAK"));
+  EXPECT_THAT(readFile(path), HasSubstr("X$PAUSED"));
+}
+
 TEST(Notes, StandBesideTheDataFile) {
   Survey survey("ORLA", "--gps {gps} --set lineName=12 --note site=Moor --note gpsLag=0.25 --note operator=");
   const auto notes = survey.path.string() + ".json";

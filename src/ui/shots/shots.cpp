@@ -349,6 +349,8 @@ void Stage::takeAll() {
   if (!waitFor([&] { return session.counts.readings >= kRecords - 20; })) {
     problem_ = fmt::format("{}: only {} readings", nameOf(shot_, "logging"), session.counts.readings);
   }
+  settle(kSignsSettling_ms);
+  showMessage(session, "");  // of the receiver's fix
   save("4-logging");
   window_.logging().runCode(0);
   runCodeAndSave(1, "new-line");

@@ -53,6 +53,8 @@ TEST_F(MainWindowTest, KeysAndTapsReachTheActions) {
   for (std::size_t i = 1; i <= 5; ++i) actions.at(i) = [&done, i](QWidget*) { done = 10 * done + i; };
   open(actions);
   EXPECT_EQ(window->windowTitle(), "VARDO");
+  // Drawn when the window has been seen.
+  EXPECT_TRUE(QTest::qWaitFor([this] { return !window->windowIcon().isNull(); }));
   EXPECT_EQ(window->windowIcon().pixmap(16).toImage().pixelColor(3, 14), QColor(0x00, 0x44, 0xCC)) << "the ground";
   const struct {
     Qt::Key key;

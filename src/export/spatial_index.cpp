@@ -44,8 +44,7 @@ void Box::widen(const Box& other) {
 }
 
 SpatialIndex::SpatialIndex(Database& database, const std::string& name)
-    : database_(database),
-      node_(database,
+    : node_(database,
             (database.run(fmt::format("CREATE VIRTUAL TABLE \"{}\" USING rtree(id, minx, maxx, miny, maxy)", name)),
              fmt::format("INSERT OR REPLACE INTO \"{}_node\" VALUES (?, ?)", name))),
       row_(database, fmt::format("INSERT INTO \"{}_rowid\" VALUES (?, ?)", name)),

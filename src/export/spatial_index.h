@@ -36,7 +36,6 @@ class SpatialIndex {
   bool writeNode(std::size_t level, std::int64_t number, bool root);
   bool addTo(std::size_t level, const Cell& cell);
 
-  Database& database_;
   Statement node_, row_, rows_, parent_;
   std::vector<std::vector<Cell>> levels_;  // the node in the making on each
   std::int64_t last_number_ = 1;           // the root's, which is written last

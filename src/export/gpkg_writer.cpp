@@ -111,7 +111,7 @@ class GeoPackage {
     }
     sums.last = fix.place();
     sums.lastUtc = fix.utc;
-    return way_.add(mapPoint(fix.place()));
+    return way_.add(coordinatesOf(fix.place()));
   }
 
   bool endOfFile() { return endLine() && endWay(); }
@@ -136,20 +136,21 @@ class GeoPackage {
   }
 
   int epsg() const { return frame_.projected && frame_.zone ? frame_.zone->epsg() : kGeographic; }
-  MapPoint mapPoint(const GeoPoint& at) const {
+  MapPoint coordinatesOf(const GeoPoint& at) const {
     if (!frame_.projected || !frame_.zone) return {at.longitude, at.latitude};
     const auto plane = project(*frame_.zone, at);
     return {plane.easting, plane.northing};
   }
-  MapPoint mapPoint(const Place& place) const {
+  MapPoint coordinatesOf(const Place& place) const {
     if (frame_.projected) return {place.plane.easting, place.plane.northing};
     return {place.at.longitude, place.at.latitude};
   }
   bool endWithPlace(LayerRows& layer, const SurveyMoment& row) const {
-    return row.place ? layer.endWithPoint(mapPoint(*row.place), epsg()) : layer.endWithout();
+    return mapPoint(row) == nullptr ? layer.endWithout() : layer.endWithPoint(coordinatesOf(*row.place), epsg());
   }
 
   bool addToLine(const ReadingRow& row) {
+    const bool placed = mapPoint(row) != nullptr;
     ++sums_.readings;
     sums_.lastStation = row.station;
     if (!sums_.firstUtc) sums_.firstUtc = row.utc;
@@ -159,12 +160,12 @@ class GeoPackage {
       if (!value) continue;
       sums_.channels[i].sum += static_cast<double>(*value);
       ++sums_.channels[i].count;
-      if (row.place) samples_[i].take(static_cast<double>(*value));
+      if (placed) samples_[i].take(static_cast<double>(*value));
     }
-    if (!row.place) return true;
+    if (!placed) return true;
     if (sums_.last) sums_.length_m += nearbyLength(*sums_.last, row.place->at);
     sums_.last = row.place->at;
-    return line_.add(mapPoint(*row.place));
+    return line_.add(coordinatesOf(*row.place));
   }
 
   bool endLine() {

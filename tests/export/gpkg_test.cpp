@@ -222,6 +222,18 @@ TEST_F(GeoPackageTest, JoinsLinesAndStretchesWhateverTheirLength) {
               ElementsAre(Row{"1", "1", "32632"}));
 }
 
+// A grid that was put beside the earth: the readings stay, without a geometry.
+TEST_F(GeoPackageTest, HasNoGeometryWhereThereIsNoPlaceOnEarth) {
+  const auto grid = parseGridPlacement("1e300,0,30,32N");
+  ASSERT_TRUE(grid);
+  const Opened file(made({.grid = grid}, "w.gpkg"));
+  EXPECT_EQ(file.cell("SELECT count(*) > 5000 FROM readings"), "1");
+  EXPECT_EQ(file.cell("SELECT count(geom) FROM readings"), "0");
+  EXPECT_EQ(file.cell("SELECT count(*) FROM rtree_readings_geom"), "0");
+  EXPECT_EQ(file.cell("SELECT count(geom) FROM lines"), "0");
+  EXPECT_EQ(file.cell("SELECT count(min_x) FROM gpkg_contents WHERE table_name = 'readings'"), "0");
+}
+
 // By other programs, where there are any.
 TEST_F(GeoPackageTest, IsReadByGdal) {
   if (std::system("ogrinfo --version > /dev/null 2>&1") != 0) GTEST_SKIP() << "no ogrinfo here";
